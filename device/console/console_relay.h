@@ -1,0 +1,18 @@
+#pragma once
+
+#include "device/console/operator_terminal.h"
+#include "device/device.h"
+
+namespace device {
+
+/// Connects a booted device's console with the operator's terminal until the operator leaves with Ctrl+\, the device
+/// halts, or a signal ends the session. A device that reboots is booted again.
+/// @return exit status of the session: 0, 128 + number of the signal, 1 when the device failed.
+int RelayTerminal(Device& device, SessionSignals& signals);
+
+/// Types standard input, which is a file or a pipe, on a booted device's console, a line each time the console waits
+/// for one, and powers the device off when it is quiet after the last.
+/// @return exit status of the session, likewise.
+int FeedInput(Device& device, SessionSignals& signals);
+
+}  // namespace device

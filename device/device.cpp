@@ -1,0 +1,72 @@
+#include "device/device.h"
+
+#include <filesystem>
+
+namespace device {
+namespace {
+
+constexpr std::uint64_t kMegabyte = 1024 * 1024;
+
+}  // namespace
+
+std::vector<Medium> DefaultMedia() { return {{"flash:", 32 * kMegabyte, ""}, {"cfa0:", 16 * kMegabyte, ""}}; }
+
+void FillWithSamples(std::vector<Medium>& media) {
+  for (Medium& medium : media) {
+    // The directory is named like the medium without its colon.
+    const std::string samples = ESH_DEVICE_FILES "/media/" + medium.name.substr(0, medium.name.find(':'));
+    if (std::filesystem::is_directory(samples)) medium.contents = samples;
+  }
+}
+
+BootOptions DefaultBootOptions() {
+  BootOptions options;
+  options.shell = ESH_DEVICE_SHELL;
+  options.root_files = ESH_DEVICE_FILES "/rootfs";
+  options.lab_script = ESH_DEVICE_FILES "/lab/connect.sh";
+  options.media = DefaultMedia();
+  return options;
+}
+
+const char* OutcomeName(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::kRunning:
+      return "running";
+    case Outcome::kHandedOver:
+      return "handed over";
+    case Outcome::kShellEnded:
+      return "shell ended";
+    case Outcome::kRebooted:
+      return "rebooted";
+    case Outcome::kPoweredOff:
+      return "powered off";
+    case Outcome::kDied:
+      return "died";
+  }
+  return "unknown";
+}
+
+std::optional<std::string> Device::ReadFile(const std::string& path) {
+  CommandResult result = Run("exec cat < " + ShellQuoted(path));
+  if (!result.finished || result.status != 0) return std::nullopt;
+  return std::move(result.output);
+}
+
+bool Device::WriteFile(const std::string& path, const std::string& bytes) {
+  const CommandResult result = Run("exec cat > " + ShellQuoted(path), bytes);
+  return result.finished && result.status == 0;
+}
+
+std::string ShellQuoted(const std::string& text) {
+  std::string quoted = "'";
+  for (const char character : text) {
+    if (character == '\'') {
+      quoted += "'\\''";
+    } else {
+      quoted += character;
+    }
+  }
+  return quoted + "'";
+}
+
+}  // namespace device

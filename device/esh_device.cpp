@@ -1,0 +1,53 @@
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "device/console/console_relay.h"
+#include "device/console/operator_terminal.h"
+#include "device/device.h"
+#include "device/native/native_device.h"
+
+namespace {
+
+constexpr char kUsage[] =
+    "usage: esh-device [--shell PROGRAM]\n"
+    "Boots a device in namespaces of this machine and connects its console with the terminal.\n"
+    "When standard input is no terminal, its lines are typed on the console one by one.\n"
+    "  --shell PROGRAM  boot this program instead of the shell of this build\n";
+constexpr char kTerminalWithoutName[] = "vt100";
+
+device::BootOptions OperatorOptions() {
+  device::BootOptions options = device::DefaultBootOptions();
+  const char* term = std::getenv("TERM");
+  options.term = term == nullptr || *term == '\0' ? kTerminalWithoutName : term;
+  const device::WindowSize window = device::OperatorWindow();
+  options.columns = window.columns;
+  options.rows = window.rows;
+  device::FillWithSamples(options.media);
+  return options;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  device::BootOptions options = OperatorOptions();
+  if (argc == 3 && std::strcmp(argv[1], "--shell") == 0) {
+    options.shell = argv[2];
+  } else if (argc != 1) {
+    const bool asked = argc == 2 && std::strcmp(argv[1], "--help") == 0;
+    std::fputs(kUsage, asked ? stdout : stderr);
+    return asked ? 0 : 2;
+  }
+
+  device::SessionSignals signals;
+  const std::unique_ptr<device::Device> board = device::MakeNativeDevice(options);
+  if (const std::string problem = board->Boot(); !problem.empty()) {
+    std::fprintf(stderr, "esh-device: %s\n", problem.c_str());
+    return 1;
+  }
+  return isatty(STDIN_FILENO) != 0 ? device::RelayTerminal(*board, signals) : device::FeedInput(*board, signals);
+}

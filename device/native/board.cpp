@@ -1,0 +1,204 @@
+#include "device/native/board.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/signalfd.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "device/native/command_server.h"
+#include "device/native/first_process.h"
+#include "device/native/host_program.h"
+#include "device/native/namespaces.h"
+
+namespace device {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Directories of the host that the board's own tmpfs may cover. Covering one hides what the host keeps there, so the
+/// first is taken that holds nothing a device is made from.
+constexpr const char* kCoverable[] = {"/srv", "/mnt", "/media", "/opt"};
+
+bool IsBelow(const std::string& path, const std::string& directory) { return path.rfind(directory + "/", 0) == 0; }
+
+bool Holds(const std::string& directory, const BootOptions& options, const RootPlan& plan) {
+  if (IsBelow(plan.root_files, directory) || IsBelow(options.lab_script, directory)) return true;
+  for (const HostFile& file : plan.copies) {
+    if (IsBelow(file.host_path, directory)) return true;
+  }
+  for (const Medium& medium : options.media) {
+    if (IsBelow(medium.contents, directory)) return true;
+  }
+  return false;
+}
+
+std::string ChooseDirectory(const BootOptions& options, const RootPlan& plan) {
+  for (const char* directory : kCoverable) {
+    if (fs::is_directory(directory) && !Holds(directory, options, plan)) return directory;
+  }
+  return "";
+}
+
+std::vector<std::string> LabEnvironment() {
+  return {"PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin", "HOME=/root", "TERM=dumb"};
+}
+
+class Board {
+ public:
+  Board(const BootOptions& options, const RootPlan& plan, Channel launcher)
+      : options_(options), plan_(plan), launcher_(std::move(launcher)), lab_commands_(launcher_, LabEnvironment()) {}
+
+  [[noreturn]] void Run() {
+    if (const std::string problem = SetUp(); !problem.empty()) {
+      launcher_.Send(MessageKind::kProblem, 0, 0, problem);
+      _exit(1);
+    }
+    launcher_.Send(MessageKind::kBoardReady);
+    for (;;) ServeOnce();
+  }
+
+ private:
+  std::string SetUp() {
+    DieWithParent();
+    CatchChildren();
+    directory_ = ChooseDirectory(options_, plan_);
+    if (directory_.empty()) return "no directory of the host can be covered";
+    // Nothing that is mounted from here on may reach the host.
+    if (mount(nullptr, "/", nullptr, MS_PRIVATE | MS_REC, nullptr) != 0)
+      return std::string("cannot part from the host's mounts: ") + std::strerror(errno);
+    if (std::string problem = Mount("proc", "/proc", "proc"); !problem.empty()) return problem;
+    own_processes_.Reset(open("/proc/self/ns/pid", O_RDONLY | O_CLOEXEC));
+    if (std::string problem = Mount("tmpfs", directory_, "tmpfs", MS_NOSUID, "mode=755"); !problem.empty())
+      return problem;
+    for (const char* part : {"/root", "/media"}) (void)mkdir((directory_ + part).c_str(), 0755);
+    for (const Medium& medium : options_.media) {
+      if (std::string problem = MakeMedium(medium); !problem.empty()) return problem;
+    }
+    return "";
+  }
+
+  void CatchChildren() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGCHLD);
+    sigprocmask(SIG_SETMASK, &signals, nullptr);
+    signals_.Reset(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+  }
+
+  std::string MakeMedium(const Medium& medium) {
+    const std::string place = directory_ + "/media/" + medium.name;
+    (void)mkdir(place.c_str(), 0755);
+    const std::string size = "mode=755,size=" + std::to_string(medium.bytes);
+    if (std::string problem = Mount(medium.name, place, "tmpfs", MS_NOSUID, size); !problem.empty()) return problem;
+    if (medium.contents.empty()) return "";
+    std::error_code error;
+    fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
+    return error ? "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message() : "";
+  }
+
+  void ServeOnce() {
+    std::array<pollfd, 2> waiting{{{launcher_.Descriptor(), POLLIN, 0}, {signals_.Get(), POLLIN, 0}}};
+    if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) _exit(1);
+    signalfd_siginfo received{};
+    while (read(signals_.Get(), &received, sizeof(received)) > 0) {
+      // The signals only wake; waitpid tells.
+    }
+    CollectProcesses();
+    if (waiting[0].revents == 0) return;
+    if (std::optional<Message> message = launcher_.Receive(0)) Handle(*message);
+    if (launcher_.Closed()) _exit(0);
+  }
+
+  void CollectProcesses() {
+    int status = 0;
+    for (pid_t ended = 0; (ended = waitpid(-1, &status, WNOHANG)) > 0;) {
+      if (ended == device_) {
+        device_ = -1;
+        launcher_.Send(MessageKind::kDeviceDown, boot_, status);
+      }
+      lab_commands_.ChildEnded(ended, status);
+    }
+  }
+
+  void Handle(Message& message) {
+    if (message.kind == MessageKind::kPowerOn && message.descriptors.size() == 1) {
+      PowerOn(Channel(std::move(message.descriptors[0])), message.id);
+    } else if (message.kind == MessageKind::kPowerOff && device_ > 0) {
+      kill(device_, SIGKILL);
+    } else {
+      lab_commands_.Handle(message);
+    }
+  }
+
+  /// Boots a device. The channel is the device's; when it cannot be started, the problem is told there.
+  void PowerOn(Channel channel, std::uint32_t boot) {
+    boot_ = boot;
+    std::string problem = PrepareLab();
+    if (problem.empty()) problem = StartDevice(channel);
+    if (problem.empty()) return;
+    channel.Send(MessageKind::kProblem, 0, 0, problem);
+    launcher_.Send(MessageKind::kDeviceDown, boot_, -1);
+  }
+
+  std::string StartDevice(Channel& channel) {
+    // Only this one child gets the new PID namespace; it is the device's first process.
+    if (unshare(CLONE_NEWPID) != 0) return std::string("cannot make a PID namespace: ") + std::strerror(errno);
+    const pid_t process = fork();
+    if (process == 0) {
+      launcher_ = Channel();
+      signals_.Reset();
+      own_processes_.Reset();
+      RunFirstProcess(options_, plan_, {directory_ + "/root", directory_ + "/media", std::move(channel)});
+    }
+    if (process < 0) return std::string("cannot start a process: ") + std::strerror(errno);
+    device_ = process;
+    if (setns(own_processes_.Get(), CLONE_NEWPID) == 0) return "";
+    const int reason = errno;
+    kill(device_, SIGKILL);  // nothing could be started on this board any more
+    return std::string("cannot return to the board's PID namespace: ") + std::strerror(reason);
+  }
+
+  std::string PrepareLab() {
+    if (options_.lab_script.empty()) return "";
+    const pid_t process = fork();
+    if (process == 0) {
+      const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
+      ExecuteProgram({FindProgram("busybox"), "sh", options_.lab_script}, LabEnvironment(),
+                     {null.Get(), null.Get(), null.Get()});
+    }
+    int status = -1;
+    if (process < 0 || waitpid(process, &status, 0) != process || status != 0)
+      return options_.lab_script + " failed: the device's network cannot be made";
+    return "";
+  }
+
+  const BootOptions& options_;
+  const RootPlan& plan_;
+  Channel launcher_;
+  CommandServer lab_commands_;
+  UniqueFd signals_;
+  UniqueFd own_processes_;  // the board's own PID namespace
+  std::string directory_;   // holds "root" for the device's root file system and "media"
+  pid_t device_ = -1;
+  std::uint32_t boot_ = 0;  // number of the boot, told with its end
+};
+
+}  // namespace
+
+void RunBoard(const BootOptions& options, const RootPlan& plan, Channel launcher) {
+  Board(options, plan, std::move(launcher)).Run();
+}
+
+}  // namespace device

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "util/unique_handle.h"
+
+namespace device {
+
+/// What the launcher, the board and the device's first process tell each other.
+enum class MessageKind : std::uint32_t {
+  kProblem,       // something could not be set up: text
+  kBoardReady,    // board -> launcher: media and lab are there
+  kPowerOn,       // launcher -> board: boot a device that answers on the descriptor that comes along
+  kPowerOff,      // launcher -> board
+  kDeviceDown,    // board -> launcher: value is the wait status of the device's first process
+  kConsole,       // device -> launcher: the device is up; its console comes along
+  kRun,           // launcher -> device or board: text is a command, its descriptors 0, 1 and 2 come along
+  kKill,          // launcher -> device or board: the command `id` ran too long
+  kCommandEnded,  // answer to kRun: value is the wait status
+  kHandedOver,    // device -> launcher: /sbin/scmd has the console
+  kShellEnded     // device -> launcher: value is the wait status
+};
+
+struct Message {
+  MessageKind kind = MessageKind::kProblem;
+  std::uint32_t id = 0;
+  std::int32_t value = 0;
+  std::string text;
+  std::vector<UniqueFd> descriptors;
+};
+
+/// One end of a socket that carries messages between processes of the launcher's family.
+class Channel {
+ public:
+  static constexpr std::size_t kMaxText = 128 * 1024;
+  static constexpr std::size_t kMaxDescriptors = 4;
+
+  Channel() = default;
+  explicit Channel(UniqueFd socket) : socket_(std::move(socket)) {}
+
+  /// Makes a connected pair of sockets, both closed on exec.
+  static bool MakePair(UniqueFd& one, UniqueFd& other);
+
+  /// @return false when the other end is gone or the message is too large.
+  bool Send(MessageKind kind, std::uint32_t id = 0, std::int32_t value = 0, const std::string& text = {},
+            std::span<const int> descriptors = {});
+
+  /// Takes the next message, waiting at most `milliseconds` for one (-1: for ever).
+  /// @return nullopt when none came in time or the other end is gone; see Closed.
+  std::optional<Message> Receive(int milliseconds);
+
+  [[nodiscard]] bool Closed() const { return closed_; }
+  [[nodiscard]] int Descriptor() const { return socket_.Get(); }
+  /// Ends the conversation for both ends, whoever else holds a copy of the socket.
+  void Shutdown();
+
+ private:
+  UniqueFd socket_;
+  bool closed_ = false;
+};
+
+}  // namespace device

@@ -1,0 +1,82 @@
+#include "device/native/command_server.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <utility>
+
+namespace device {
+namespace {
+
+constexpr int kCannotStart = 127;  // what a shell answers for a program that is not there
+
+std::vector<char*> TerminatedPointers(const std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+void ResetSignals() {
+  for (int number = 1; number < NSIG; ++number) std::signal(number, SIG_DFL);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+/// Moves descriptors onto 0, 1 and 2, first out of each other's way.
+void PlaceDescriptors(const int (&descriptors)[3]) {
+  std::array<int, 3> copies{};
+  for (std::size_t i = 0; i < copies.size(); ++i) copies[i] = fcntl(descriptors[i], F_DUPFD, 3);
+  for (std::size_t i = 0; i < copies.size(); ++i) dup2(copies[i], static_cast<int>(i));
+  close_range(3, ~0U, 0);
+}
+
+}  // namespace
+
+void ExecuteProgram(const std::vector<std::string>& words, const std::vector<std::string>& environment,
+                    const int (&descriptors)[3]) {
+  ResetSignals();
+  PlaceDescriptors(descriptors);
+  const std::vector<char*> arguments = TerminatedPointers(words);
+  const std::vector<char*> variables = TerminatedPointers(environment);
+  execve(arguments.front(), arguments.data(), variables.data());
+  _exit(kCannotStart);
+}
+
+CommandServer::CommandServer(Channel& channel, std::vector<std::string> environment)
+    : channel_(channel), environment_(std::move(environment)) {}
+
+void CommandServer::Handle(const Message& message) {
+  if (message.kind == MessageKind::kRun) Start(message);
+  if (message.kind != MessageKind::kKill) return;
+  for (const auto& [process, id] : running_) {
+    if (id == message.id) kill(-process, SIGKILL);
+  }
+}
+
+void CommandServer::Start(const Message& message) {
+  const pid_t process = message.descriptors.size() == 3 ? fork() : -1;
+  if (process == 0) {
+    setsid();  // a group of its own, so that what it started can be ended with it
+    ExecuteProgram({"/bin/sh", "-c", message.text}, environment_,
+                   {message.descriptors[0].Get(), message.descriptors[1].Get(), message.descriptors[2].Get()});
+  }
+  if (process < 0) {
+    channel_.Send(MessageKind::kCommandEnded, message.id, W_EXITCODE(kCannotStart, 0));
+    return;
+  }
+  running_.emplace(process, message.id);
+}
+
+void CommandServer::ChildEnded(pid_t child, int wait_status) {
+  const auto command = running_.find(child);
+  if (command == running_.end()) return;
+  channel_.Send(MessageKind::kCommandEnded, command->second, wait_status);
+  running_.erase(command);
+}
+
+}  // namespace device

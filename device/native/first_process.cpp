@@ -1,0 +1,214 @@
+#include "device/native/first_process.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/signalfd.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "device/native/command_server.h"
+#include "device/native/namespaces.h"
+
+namespace device {
+namespace {
+
+constexpr char kHostName[] = "device";
+constexpr char kConsole[] = "/dev/pts/0";
+constexpr const char* kHostNodes[] = {"null", "zero", "full", "random", "urandom", "tty"};
+/// Entries of the kernel's own /proc that the device's /proc shows by links; modules and sys are the device's own.
+constexpr const char* kKernelEntries[] = {"cmdline", "cpuinfo",     "devices", "filesystems", "loadavg",
+                                          "meminfo", "mounts",      "net",     "self",        "stat",
+                                          "swaps",   "thread-self", "uptime",  "version",     "vmstat"};
+/// Process numbers that /proc shows. A device that outlives them still runs; its tools just see no newer processes.
+constexpr int kShownProcesses = 4096;
+
+std::string MountDev(const std::string& root) {
+  for (const char* node : kHostNodes) {
+    if (std::string problem = BindMount(std::string("/dev/") + node, root + "/dev/" + node); !problem.empty())
+      return problem;
+  }
+  // A devpts of its own, so that the console is number 0 whatever terminals the host has open.
+  if (std::string problem =
+          Mount("devpts", root + "/dev/pts", "devpts", MS_NOSUID | MS_NOEXEC, "newinstance,ptmxmode=0666,mode=0600");
+      !problem.empty())
+    return problem;
+  (void)symlink("pts/ptmx", (root + "/dev/ptmx").c_str());
+  (void)symlink("/proc/self/fd", (root + "/dev/fd").c_str());
+  return "";
+}
+
+/// The kernel's /proc cannot get a file of ours (a kernel without modules has no /proc/modules), so the device's
+/// /proc is a plain directory with links into the kernel's, which is mounted inside it.
+std::string MountProc(const std::string& root) {
+  const std::string proc = root + "/proc/";
+  (void)mkdir((proc + ".kernel").c_str(), 0755);
+  if (std::string problem = Mount("proc", proc + ".kernel", "proc"); !problem.empty()) return problem;
+  for (const char* entry : kKernelEntries)
+    (void)symlink((std::string(".kernel/") + entry).c_str(), (proc + entry).c_str());
+  for (int number = 1; number <= kShownProcesses; ++number) {
+    const std::string name = std::to_string(number);
+    (void)symlink((".kernel/" + name).c_str(), (proc + name).c_str());
+  }
+  // The settings of the device's own network are real.
+  (void)symlink("../.kernel/sys/net", (proc + "sys/net").c_str());
+  return "";
+}
+
+/// Shows the device's interfaces in /sys. Where the host forbids it, insmod makes plain files there instead.
+void MountSys(const std::string& root) {
+  const std::string kernel = root + "/sys/.kernel";
+  (void)mkdir(kernel.c_str(), 0755);
+  (void)mkdir((root + "/sys/class").c_str(), 0755);
+  if (Mount("sysfs", kernel, "sysfs").empty()) {
+    (void)symlink("../.kernel/class/net", (root + "/sys/class/net").c_str());
+    return;
+  }
+  (void)rmdir(kernel.c_str());
+  (void)mkdir((root + "/sys/class/net").c_str(), 0755);
+}
+
+std::string EnterRoot(const std::string& root) {
+  // The old root ends up on top of the new one and goes from there.
+  if (chdir(root.c_str()) == 0 && syscall(SYS_pivot_root, ".", ".") == 0 && umount2(".", MNT_DETACH) == 0 &&
+      chdir("/") == 0)
+    return "";
+  return std::string("cannot enter the device's root file system: ") + std::strerror(errno);
+}
+
+std::string SetUpDevice(const BootOptions& options, const RootPlan& plan, const PowerSupply& supply) {
+  const std::string& root = supply.empty_directory;
+  if (unshare(CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC) != 0)
+    return std::string("cannot make the device's namespaces: ") + std::strerror(errno);
+  (void)sethostname(kHostName, std::strlen(kHostName));
+  if (std::string problem = Mount("tmpfs", root, "tmpfs", MS_NOSUID, "mode=755"); !problem.empty()) return problem;
+  if (std::string problem = ComposeRoot(plan, root); !problem.empty()) return problem;
+  if (std::string problem = MountDev(root); !problem.empty()) return problem;
+  if (std::string problem = MountProc(root); !problem.empty()) return problem;
+  MountSys(root);
+  for (const Medium& medium : options.media) {
+    const std::string source = supply.media_directory + "/" + medium.name;
+    if (std::string problem = BindMount(source, root + "/dev/media/" + medium.name); !problem.empty()) return problem;
+  }
+  return EnterRoot(root);
+}
+
+/// Both ends of the console. The slave stays open in the first process, so that the console lives as long as it does;
+/// it is nobody's controlling terminal before the shell takes it.
+struct ConsoleEnds {
+  UniqueFd master;
+  UniqueFd slave;
+};
+
+std::string OpenConsole(const BootOptions& options, ConsoleEnds& console) {
+  console.master.Reset(open("/dev/pts/ptmx", O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
+  int locked = 0;
+  if (!console.master || ioctl(console.master.Get(), TIOCSPTLCK, &locked) != 0) return "cannot open the console";
+  console.slave.Reset(open(kConsole, O_RDWR | O_NOCTTY | O_CLOEXEC));
+  if (!console.slave) return std::string("cannot open ") + kConsole;
+  const winsize window{options.rows, options.columns, 0, 0};
+  ioctl(console.master.Get(), TIOCSWINSZ, &window);
+  return "";
+}
+
+std::vector<std::string> CommandEnvironment() { return {"PATH=/bin:/sbin", "HOME=/root", "USER=root"}; }
+
+std::vector<std::string> ShellEnvironment(const BootOptions& options) {
+  std::vector<std::string> environment = CommandEnvironment();
+  if (options.term) environment.push_back("TERM=" + *options.term);
+  environment.insert(environment.end(), options.environment.begin(), options.environment.end());
+  return environment;
+}
+
+pid_t StartShell(const BootOptions& options, const ConsoleEnds& console) {
+  const pid_t process = fork();
+  if (process != 0) return process;
+  setpgid(0, 0);  // not a session of its own: whoever holds the console later must not get it as controlling terminal
+  std::vector<std::string> words{"/sbin/esh"};
+  words.insert(words.end(), options.arguments.begin(), options.arguments.end());
+  const int slave = console.slave.Get();
+  ExecuteProgram(words, ShellEnvironment(options), {slave, slave, slave});
+}
+
+/// A process that stays in the lab's network namespace, where insmod and rmmod fetch and leave the management port.
+pid_t StartBus() {
+  const pid_t process = fork();
+  if (process != 0) return process;
+  prctl(PR_SET_NAME, "bus");
+  close_range(0, ~0U, 0);
+  for (;;) pause();
+}
+
+UniqueFd CatchSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGCHLD);
+  sigaddset(&signals, SIGUSR1);
+  sigprocmask(SIG_SETMASK, &signals, nullptr);
+  return UniqueFd(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+void CollectProcesses(pid_t shell, CommandServer& commands, Channel& channel) {
+  int status = 0;
+  for (pid_t ended = 0; (ended = waitpid(-1, &status, WNOHANG)) > 0;) {
+    if (ended == shell) channel.Send(MessageKind::kShellEnded, 0, status);
+    commands.ChildEnded(ended, status);
+  }
+}
+
+[[noreturn]] void Serve(pid_t shell, Channel& channel, int signals) {
+  CommandServer commands(channel, CommandEnvironment());
+  for (;;) {
+    std::array<pollfd, 2> waiting{{{channel.Descriptor(), POLLIN, 0}, {signals, POLLIN, 0}}};
+    if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) _exit(1);
+    signalfd_siginfo received{};
+    while (read(signals, &received, sizeof(received)) == static_cast<ssize_t>(sizeof(received))) {
+      if (received.ssi_signo == SIGUSR1) channel.Send(MessageKind::kHandedOver);
+    }
+    CollectProcesses(shell, commands, channel);
+    if (waiting[0].revents == 0) continue;
+    if (const std::optional<Message> message = channel.Receive(0)) commands.Handle(*message);
+    if (channel.Closed()) _exit(0);
+  }
+}
+
+[[noreturn]] void GiveUp(Channel& channel, const std::string& problem) {
+  channel.Send(MessageKind::kProblem, 0, 0, problem);
+  _exit(1);
+}
+
+}  // namespace
+
+void RunFirstProcess(const BootOptions& options, const RootPlan& plan, PowerSupply supply) {
+  DieWithParent();
+  setsid();
+  umask(0);
+  const UniqueFd signals = CatchSignals();
+  const pid_t bus = StartBus();
+  if (std::string problem = SetUpDevice(options, plan, supply); !problem.empty()) GiveUp(supply.channel, problem);
+  ConsoleEnds console;
+  if (std::string problem = OpenConsole(options, console); !problem.empty()) GiveUp(supply.channel, problem);
+  // insmod and rmmod look here for the process to borrow the lab's network namespace from.
+  const UniqueFd note(open("/run/bus.pid", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+  if (dprintf(note.Get(), "%d\n", bus) < 0) GiveUp(supply.channel, "cannot write /run/bus.pid");
+
+  umask(022);
+  const int master = console.master.Get();
+  supply.channel.Send(MessageKind::kConsole, 0, 0, "", {&master, 1});
+  console.master.Reset();  // the launcher holds the only one
+  Serve(StartShell(options, console), supply.channel, signals.Get());
+}
+
+}  // namespace device

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace device {
+
+/// Runs a program of the host and waits for it.
+/// @param words  the first is looked up in PATH.
+/// @return what it wrote to standard output when it ended with status 0, otherwise nullopt.
+std::optional<std::string> OutputOf(const std::vector<std::string>& words);
+
+/// @return the path of a program of the host found in PATH or in the directories of system programs; "" when absent.
+std::string FindProgram(const std::string& name);
+
+}  // namespace device
