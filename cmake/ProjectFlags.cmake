@@ -1,0 +1,32 @@
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+
+# Flags of every target. `esh_flags` holds what all code shares; `esh_product_flags` adds what the shell itself is
+# built with: no exceptions, no RTTI, and the hardening of a program that runs as root.
+add_library(esh_flags INTERFACE)
+target_compile_features(esh_flags INTERFACE cxx_std_20)
+target_include_directories(esh_flags INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(esh_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+if(ESH_SANITIZE)
+  target_compile_options(esh_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                             -fno-omit-frame-pointer -O1)
+  target_link_options(esh_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+add_library(esh_product_flags INTERFACE)
+target_link_libraries(esh_product_flags INTERFACE esh_flags)
+target_compile_options(esh_product_flags INTERFACE -fno-exceptions -fno-rtti -fstack-protector-strong
+                                                   -fstack-clash-protection -ffunction-sections -fdata-sections)
+if(NOT ESH_SANITIZE)
+  target_compile_definitions(esh_product_flags INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+endif()
+# The boot image holds libc, terminfo and libcrypto only, so the C++ run-time goes into the binary.
+target_link_options(esh_product_flags INTERFACE -static-libstdc++ -static-libgcc -Wl,-z,relro,-z,now -Wl,--gc-sections
+                                                -Wl,--as-needed)
+
+# One layer of the shell. A layer links only layers below it, so an upward call does not link.
+function(esh_layer name)
+  cmake_parse_arguments(LAYER "" "" "SOURCES;USES" ${ARGN})
+  add_library(${name} STATIC ${LAYER_SOURCES})
+  target_link_libraries(${name} PRIVATE esh_product_flags PUBLIC ${LAYER_USES})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+endfunction()

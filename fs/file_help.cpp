@@ -1,0 +1,247 @@
+#include "fs/file_help.h"
+
+#include <dirent.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "fs/medium.h"
+#include "fs/name_rules.h"
+#include "fs/path.h"
+#include "shell/result.h"
+#include "term/help_list.h"
+#include "util/fixed_text.h"
+#include "util/unique_handle.h"
+
+namespace {
+
+constexpr std::size_t kMaxHelpWord = 4096;
+constexpr char kDeviceHelp[] = "Device name";
+
+using OfferText = FixedText<kMaxHelpWord + kComponentRoom + 1>;
+
+/// A generic line stands for a name that need not exist yet.
+struct GenericLine {
+  std::uint32_t kind;
+  const char* keyword;
+  const char* help;
+};
+constexpr GenericLine kGenericLines[] = {
+    {FS_HELP_NEW_DIRECTORY, "STRING", "[drive][path]"},
+    {FS_HELP_NEW_FILE, "STRING", "[drive][path][file name]"},
+    {FS_HELP_DESTINATION, "STRING", "STRING"},
+};
+
+constexpr std::uint32_t kKindsWithFiles[] = {FS_HELP_EXISTING_FILE, FS_HELP_DESTINATION, FS_HELP_FILE_OR_DIRECTORY,
+                                             FS_HELP_NEW_FILE,      FS_HELP_PACKAGE,     FS_HELP_LAST};
+
+enum class EntryKind { kDirectory, kFile, kOther };
+
+bool OffersFiles(std::uint32_t kind) {
+  return std::find(std::begin(kKindsWithFiles), std::end(kKindsWithFiles), kind) != std::end(kKindsWithFiles);
+}
+
+bool BeginsWith(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
+}
+
+bool EndsInSlash(const char* word) { return ESH_IsExpectFile(word) == 0; }
+
+/// The word up to and including its last "/".
+std::string_view DirectoryPart(std::string_view word) { return word.substr(0, word.rfind('/') + 1); }
+
+/// A link counts as what it leads to.
+EntryKind KindOf(const char* full) {
+  struct stat status {};
+  if (lstat(full, &status) != 0 || (S_ISLNK(status.st_mode) && stat(full, &status) != 0)) {
+    return EntryKind::kOther;
+  }
+  if (S_ISDIR(status.st_mode)) {
+    return EntryKind::kDirectory;
+  }
+  return S_ISREG(status.st_mode) ? EntryKind::kFile : EntryKind::kOther;
+}
+
+/// What the directory itself says of an entry spares asking for each; links and silent file systems must be asked.
+EntryKind KindOf(const char* full, unsigned char entry_type) {
+  switch (entry_type) {
+    case DT_DIR:
+      return EntryKind::kDirectory;
+    case DT_REG:
+      return EntryKind::kFile;
+    case DT_LNK:
+    case DT_UNKNOWN:
+      return KindOf(full);
+    default:
+      return EntryKind::kOther;
+  }
+}
+
+bool IsAllowed(const char* full, FS_HELP_FILTER_F filter) {
+  return ESH_FS_IsValidFullFileName(full) == kSuccess && (filter == nullptr || filter(full) == 0);
+}
+
+void Offer(const char* word, const char* full, EntryKind entry_kind, std::uint32_t mode, VEC_S* help) {
+  OfferText text;
+  if (mode == FS_OFFER_EXACT) {
+    text.AppendText(word);
+  } else {
+    text.AppendText(DirectoryPart(word));
+    text.AppendText(LastComponent(full));
+  }
+  if (entry_kind == EntryKind::kDirectory) {
+    text.AppendText("/");
+  }
+  ESH_NewHelpInfo(text.Text(), text.Text(), help);
+}
+
+bool IsOffered(EntryKind entry_kind, std::uint32_t kind) {
+  return entry_kind == EntryKind::kDirectory || (entry_kind == EntryKind::kFile && OffersFiles(kind));
+}
+
+/// Offers the entries of a directory that begin with a prefix; hidden ones never.
+/// @param directory full name without a trailing slash.
+void OfferEntries(const char* word, std::string_view directory, std::string_view prefix, std::uint32_t kind,
+                  FS_HELP_FILTER_F filter, VEC_S* help) {
+  FixedText<kNameRoom + kComponentRoom> full;
+  full.AppendText(directory);
+  const UniqueDir entries(opendir(full.Text()));
+  if (entries == nullptr || !IsOnPresentMedium(full.Text())) {
+    return;
+  }
+  for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get())) {
+    if (entry->d_name[0] == '.' || !BeginsWith(entry->d_name, prefix)) {
+      continue;
+    }
+    full.Clear();
+    full.AppendText(directory);
+    full.AppendText("/");
+    full.AppendText(entry->d_name);
+    const EntryKind entry_kind = KindOf(full.Text(), entry->d_type);
+    if (IsOffered(entry_kind, kind) && IsAllowed(full.Text(), filter)) {
+      Offer(word, full.Text(), entry_kind, FS_OFFER_COMPLETION, help);
+    }
+  }
+}
+
+/// The full name less its last component and the slash before it.
+std::string_view ParentOf(std::string_view full) { return full.substr(0, full.rfind('/')); }
+
+void OfferWhatIsNamed(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
+  struct stat status {};
+  if (stat(full, &status) != 0) {
+    return;
+  }
+  if (S_ISDIR(status.st_mode) && EndsInSlash(word)) {
+    OfferEntries(word, full, "", kind, filter, help);
+  } else {
+    ESH_HelpStatSwitch(word, full, kind, filter, FS_OFFER_EXACT, help);
+  }
+}
+
+void AddGenericLine(std::uint32_t kind, VEC_S* help) {
+  for (const GenericLine& line : kGenericLines) {
+    if (line.kind == kind) {
+      ESH_NewHelpInfo(line.keyword, line.help, help);
+    }
+  }
+}
+
+/// The device name that a slot link stands for.
+std::string_view DeviceOfEntry(std::string_view entry) {
+  if (BeginsWith(entry, kSlotPrefix)) {
+    entry.remove_prefix(std::strlen(kSlotPrefix));
+  }
+  return entry;
+}
+
+bool IsLinkThatLeadsSomewhere(const char* entry) {
+  FixedText<kNameRoom> path;
+  path.Append("%s/%s", kMediaRoot, entry);
+  struct stat status {};
+  return lstat(path.Text(), &status) == 0 && S_ISLNK(status.st_mode) && stat(path.Text(), &status) == 0;
+}
+
+/// @return false when the word has gone past this device's name, so that no other can be meant.
+bool OfferDevice(std::string_view device, std::string_view word, VEC_S* help) {
+  FixedText<kComponentRoom + 1> text;
+  text.AppendText(device);
+  if (word.empty()) {
+    ESH_NewHelpInfo(text.Text(), kDeviceHelp, help);
+    return true;
+  }
+  if (BeginsWith(device, word)) {
+    text.AppendText("/");
+    ESH_NewHelpInfo(text.Text(), kDeviceHelp, help);
+    return true;
+  }
+  return !BeginsWith(word, device);
+}
+
+}  // namespace
+
+std::uint32_t FS_HelpBaseEx(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
+  if (word == nullptr || kind > FS_HELP_LAST) {
+    return ESH_ERR_FAIL;
+  }
+  if (word[0] == '/' || std::strlen(word) > kMaxHelpWord) {
+    return kSuccess;
+  }
+  if (word[0] == '?') {
+    ESH_HelpMntDir("", help);
+  } else {
+    PartlyHelp(word, kind, filter, help);
+  }
+  return kSuccess;
+}
+
+void ESH_HelpMntDir(const char* word, VEC_S* help) {
+  const UniqueDir root(opendir(kMediaRoot));
+  if (root == nullptr) {
+    return;
+  }
+  for (const dirent* entry = readdir(root.get()); entry != nullptr; entry = readdir(root.get())) {
+    if (entry->d_name[0] == '.' || !IsLinkThatLeadsSomewhere(entry->d_name)) {
+      continue;
+    }
+    if (!OfferDevice(DeviceOfEntry(entry->d_name), word, help)) {
+      return;
+    }
+  }
+}
+
+void PartlyHelp(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
+  ESH_HelpMntDir(word, help);
+  char full[kNameRoom];
+  if (ESH_InputName2FullValidName(word, 0, sizeof(full), full) != kSuccess) {
+    return;
+  }
+  const std::string_view typed(word);
+  if (kind == FS_HELP_PACKAGE && std::count(typed.begin(), typed.end(), '/') > 1) {
+    return;
+  }
+  OfferWhatIsNamed(word, full, kind, filter, help);
+  if (!EndsInSlash(word)) {
+    OfferEntries(word, ParentOf(full), LastComponent(typed), kind, filter, help);
+  }
+  AddGenericLine(kind, help);
+}
+
+void ESH_HelpStatSwitch(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter,
+                        std::uint32_t mode, VEC_S* help) {
+  if (!IsAllowed(full, filter) || !IsOnPresentMedium(full)) {
+    return;
+  }
+  const EntryKind entry_kind = KindOf(full);
+  if (IsOffered(entry_kind, kind)) {
+    Offer(word, full, entry_kind, mode, help);
+  }
+}
+
+std::uint32_t HelpDir(const char* word, VEC_S* help, const ESH_CMD_ELEMENT_S* /*element*/) {
+  return FS_HelpBaseEx(word, FS_HELP_FILE_OR_DIRECTORY, nullptr, help);
+}

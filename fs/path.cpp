@@ -1,0 +1,163 @@
+#include "fs/path.h"
+
+#include <cstring>
+#include <string_view>
+
+#include "fs/dot_elimination.h"
+#include "fs/name_rules.h"
+#include "fs/working_directory.h"
+#include "shell/result.h"
+#include "util/fixed_text.h"
+
+namespace {
+
+/// A working directory, a slash and a name.
+using JoinedName = FixedText<2 * kNameRoom>;
+
+bool HoldsDevice(const char* name) { return std::strchr(name, ':') != nullptr; }
+
+/// "/mnt/<device>..." of a name with a device, with or without a leading "/mnt" and the one character behind it.
+std::uint32_t expandMnt2DiskFullFileName(std::string_view name, char* full) {
+  if (name.starts_with(kMediaRoot)) {
+    name.remove_prefix(kMediaPrefix.size());
+  }
+  if (!IsValidDeviceName(DeviceNameOf(name))) {
+    return ESH_ERR_FAIL;
+  }
+  JoinedName joined;
+  joined.AppendText(kMediaPrefix);
+  joined.AppendText(name);
+  return eliminatePoint(joined.Text(), kRootFloor, kNameRoom, full);
+}
+
+/// A relative name behind the working directory; an absolute one as it is.
+std::uint32_t JoinWorkingDirectory(const char* name, JoinedName& joined) {
+  if (name[0] != '/') {
+    char directory[kNameRoom];
+    if (ESH_GetCwd(sizeof(directory), directory) != kSuccess) {
+      return ESH_ERR_FAIL;
+    }
+    joined.Append("%s/", directory);
+  }
+  joined.AppendText(name);
+  return kSuccess;
+}
+
+std::uint32_t ExpandWithoutDevice(const char* name, char* full) {
+  JoinedName joined;
+  if (JoinWorkingDirectory(name, joined) != kSuccess ||
+      eliminatePoint(joined.Text(), kRootFloor, kNameRoom, full) != kSuccess) {
+    return ESH_ERR_FAIL;
+  }
+  if (!HoldsDevice(full)) {
+    return kSuccess;  // outside the media; the commands refuse it by its missing device
+  }
+  JoinedName with_device;
+  with_device.AppendText(full);
+  return expandMnt2DiskFullFileName(with_device.View(), full);
+}
+
+/// Whether ".." stays below "/mnt/<device>".
+bool StaysInsideMedium(const char* name) {
+  JoinedName joined;
+  if (HoldsDevice(name)) {
+    joined.Append("%s/%s", kMediaRoot, name);
+  } else if (JoinWorkingDirectory(name, joined) != kSuccess) {
+    return false;
+  }
+  char resolved[2 * kNameRoom];
+  return eliminatePoint(joined.Text(), kMediumFloor, sizeof(resolved), resolved) == kSuccess;
+}
+
+/// What stands behind "/mnt/<device>/" of a full name.
+std::string_view BehindDevice(std::string_view full) {
+  full.remove_prefix(full.find(':') + 1);
+  if (full.starts_with('/')) {
+    full.remove_prefix(1);
+  }
+  return full;
+}
+
+}  // namespace
+
+std::uint32_t ESH_FS_GetFullFileName(const char* name, std::size_t size, char* output) {
+  if (name == nullptr || ESH_FS_IsValidFileName(name) != kSuccess) {
+    return ESH_ERR_FAIL;
+  }
+  char full[kNameRoom];
+  full[0] = '\0';
+  const std::uint32_t verdict =
+      HoldsDevice(name) ? expandMnt2DiskFullFileName(name, full) : ExpandWithoutDevice(name, full);
+  const bool fits = CopyBounded(output, size, full);
+  return verdict == kSuccess && fits ? kSuccess : ESH_ERR_FAIL;
+}
+
+std::uint32_t ESH_FS_GetUserFileName(const char* name, std::size_t size, char* output) {
+  char full[kNameRoom];
+  if (ESH_FS_GetFullFileName(name, sizeof(full), full) != kSuccess) {
+    return ESH_ERR_FAIL;
+  }
+  if (!HoldsDevice(full) || !std::string_view(full).starts_with(kMediaRoot)) {
+    return ESH_ERR_FAIL;
+  }
+  return CopyBounded(output, size, full + kMediaPrefix.size()) ? kSuccess : kErrNameDoesNotFit;
+}
+
+std::uint32_t ESH_FS_GetUserFileNameByFullName(const char* name, std::size_t size, char* output) {
+  return name == nullptr || name[0] != '/' ? ESH_ERR_FAIL : ESH_FS_GetUserFileName(name, size, output);
+}
+
+std::uint32_t ESH_FS_IsValidEshInputFileName(const char* name) {
+  if (name == nullptr || name[0] == '/') {
+    return ESH_ERR_FAIL;  // where media are mounted is not the user's business
+  }
+  char full[kNameRoom];
+  const bool valid = ESH_FS_GetFullFileName(name, sizeof(full), full) == kSuccess && StaysInsideMedium(name);
+  return valid ? kSuccess : ESH_ERR_FAIL;
+}
+
+std::uint32_t ESH_FS_IsValidUserFileName(const char* name) {
+  if (name == nullptr || !HoldsDevice(name)) {
+    return ESH_ERR_FAIL;
+  }
+  JoinedName with_root;
+  with_root.Append("%s/%s", kMediaRoot, name);
+  char full[kNameRoom];
+  const bool valid = !with_root.Truncated() &&
+                     ESH_FS_GetFullFileName(with_root.Text(), sizeof(full), full) == kSuccess &&
+                     StaysInsideMedium(name);
+  return valid ? kSuccess : ESH_ERR_FAIL;
+}
+
+std::uint32_t ESH_FS_IsValidFullFileName(const char* name) {
+  char full[kNameRoom];
+  return name != nullptr && name[0] == '/' ? ESH_FS_GetFullFileName(name, sizeof(full), full) : ESH_ERR_FAIL;
+}
+
+std::uint32_t ESH_InputName2FullValidName(const char* name, std::uint16_t expectFile, std::size_t size, char* output) {
+  if (ESH_FS_IsValidEshInputFileName(name) != kSuccess || (expectFile == 1 && ESH_IsExpectFile(name) == 0)) {
+    return ESH_ERR_FAIL;
+  }
+  return ESH_FS_GetFullFileName(name, size, output);
+}
+
+std::uint32_t ESH_FS_AnalyseFileName(const char* name, char* directory, char* file) {
+  FixedText<kNameRoom + 1> full;
+  char converted[kNameRoom];
+  if (ESH_FS_GetFullFileName(name, sizeof(converted), converted) != kSuccess) {
+    return ESH_ERR_FAIL;
+  }
+  full.AppendText(converted);
+  if (ESH_IsExpectFile(name) == 0 && ESH_IsExpectFile(converted) == 1) {
+    full.AppendText("/");
+  }
+  const bool on_medium = HoldsDevice(converted);
+  const std::string_view rest =
+      on_medium ? BehindDevice(full.View()) : full.View().substr(full.View().starts_with('/') ? 1 : 0);
+  const std::size_t slash = rest.rfind('/');
+  FixedText<kNameRoom> parent;
+  parent.AppendText(on_medium ? "" : "/");
+  parent.AppendText(slash == std::string_view::npos ? "" : rest.substr(0, slash));
+  CopyBounded(directory, kNameRoom, parent.View());
+  return CopyBounded(file, kComponentRoom, LastComponent(rest)) && !parent.Truncated() ? kSuccess : ESH_ERR_FAIL;
+}

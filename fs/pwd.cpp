@@ -1,0 +1,30 @@
+#include "fs/pwd.h"
+
+#include <cstdio>
+
+#include "fs/name_rules.h"
+#include "fs/path.h"
+#include "fs/working_directory.h"
+#include "shell/result.h"
+
+namespace {
+
+constexpr char kCannotBeRead[] = "CheckInvalidFileDir";  // this text, and no line end
+constexpr char kDoesNotExist[] = "Working directory doesn't exist.\r";
+
+}  // namespace
+
+std::uint32_t ESH_ProcPwd() {
+  char directory[kNameRoom];
+  if (ESH_GetCwd(sizeof(directory), directory) != kSuccess) {
+    std::fputs(kCannotBeRead, stdout);
+    return ESH_ERR_FAIL;
+  }
+  char name[kNameRoom];
+  if (ESH_FS_GetUserFileName(directory, sizeof(name), name) != kSuccess) {
+    std::puts(kDoesNotExist);
+    return ESH_ERR_FAIL;
+  }
+  std::printf("%s\r\n", name);
+  return kSuccess;
+}

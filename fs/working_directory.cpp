@@ -1,0 +1,74 @@
+#include "fs/working_directory.h"
+
+#include <fcntl.h>
+#include <glob.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string_view>
+
+#include "fs/name_rules.h"
+#include "shell/result.h"
+#include "util/fixed_text.h"
+
+namespace {
+
+constexpr char kStandIn[] = "SYSPATH";
+/// Kinds of media, the most trusted first.
+constexpr const char* kMediaKinds[] = {"flash", "cf", "usb"};
+constexpr std::size_t kPatternRoom = 32;
+
+/// Whether a path below /mnt is a medium of this kind, and no slot link to one.
+bool IsMediumOfKind(const char* path, std::string_view kind) {
+  const std::string_view name = LastComponent(path);
+  if (name.empty() || name.size() > kMaxComponent || name == "." || name == ".." || !name.ends_with(':') ||
+      !name.starts_with(kind) || std::string_view(path).find('#') != std::string_view::npos) {
+    return false;
+  }
+  struct stat status {};
+  return lstat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Only the first match of each kind is looked at.
+bool MoveToMediumOfKind(const char* kind) {
+  FixedText<kPatternRoom> pattern;
+  pattern.Append("%s/%s*", kMediaRoot, kind);
+  glob_t matches{};
+  const bool moved = glob(pattern.Text(), 0, nullptr, &matches) == 0 && matches.gl_pathc > 0 &&
+                     IsMediumOfKind(matches.gl_pathv[0], kind) && chdir(matches.gl_pathv[0]) == 0;
+  globfree(&matches);
+  return moved;
+}
+
+}  // namespace
+
+std::uint32_t ESH_GetCwd(std::size_t size, char* output) {
+  char directory[kNameRoom];
+  const char* found = getcwd(directory, sizeof(directory));
+  if (found == nullptr) {
+    found = std::getenv(kStandIn);
+  }
+  if (found == nullptr) {
+    return ESH_ERR_FAIL;
+  }
+  CopyBounded(output, size, found);
+  return kSuccess;
+}
+
+std::uint32_t ESH_SetPwd() {
+  for (const char* kind : kMediaKinds) {
+    if (MoveToMediumOfKind(kind)) {
+      return kSuccess;
+    }
+  }
+  return ESH_ERR_FAIL;
+}
+
+WorkingDirectoryKept::WorkingDirectoryKept() : directory_(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
+
+WorkingDirectoryKept::~WorkingDirectoryKept() {
+  if (directory_) {
+    (void)!fchdir(directory_.Get());  // there is nowhere else to go back to
+  }
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// Most characters of an IPv6 address as a command parameter.
+inline constexpr std::size_t kMaxIPv6Text = 46;
+
+/// The record buffers: terminated text, written by the record functions below and read by the command handlers. They
+/// keep their values between commands, so a handler reads only those that its own command fills.
+extern char g_szIPv4Address[16];
+extern char g_szIPv4Mask[16];
+extern char g_szIPv6Address[48];
+extern char g_szIPv4MaskLen[8];
+extern char g_szIPv6PreLen[8];
+extern char g_szUserName[16];
+extern char g_szPassword[16];
+extern char g_szLocalFile[512];
+extern char g_szRemoteFile[512];
+extern char g_szSourceFile[512];
+extern char g_szDestFile[512];
+extern char g_szCount[16];
+extern char g_szSize[16];
+extern char g_szDiskName[16];
+extern char g_szPkgFlie[128];  // "Flie" is the name
+
+/// The checks answer 1 for valid and 0 for invalid.
+
+/// Four dotted decimal parts, as inet_pton(3) takes them.
+[[nodiscard]] std::uint16_t ESH_CheckIPv4(const char* text);
+/// An IPv6 address, at most 46 characters, without a prefix length.
+[[nodiscard]] std::uint16_t ESH_CheckIPv6(const char* text);
+/// An IPv6 address, "/" and a prefix length from 1 to 128.
+[[nodiscard]] std::uint16_t ESH_CheckIPv6Prefix(const char* text);
+/// A decimal number from min to max, digits only; leading zeros are skipped.
+[[nodiscard]] std::uint16_t ESH_CheckInteger(const char* text, std::uint64_t min, std::uint64_t max);
+/// Printable ASCII text of min to max characters, never more than 512.
+[[nodiscard]] std::uint16_t ESH_CheckString(const char* text, std::uint64_t min, std::uint64_t max);
+/// 1 when the text is a parameter's placeholder rather than a keyword.
+[[nodiscard]] std::uint16_t ESH_Variable(const char* text);
+
+/// The record functions empty their buffer and store the word, cut to the buffer's bound. They return 0; those that
+/// convert return ESH_ERR_FAIL for a word that does not convert and leave the buffer empty.
+
+std::uint32_t ESH_RecordIPv4(const char* word);      ///< canonical dotted form
+std::uint32_t ESH_RecordIPv4Mask(const char* word);  ///< canonical dotted form
+std::uint32_t ESH_RecordIPv6(const char* word);      ///< canonical text form (RFC 5952, as inet_ntop(3) writes it)
+std::uint32_t ESH_RecordIPv4MaskLen(const char* word);
+std::uint32_t ESH_RecordIPv6PreLen(const char* word);
+std::uint32_t ESH_RecordUserName(const char* word);
+std::uint32_t ESH_RecordPassword(const char* word);
+std::uint32_t ESH_RecordLocalFile(const char* word);
+std::uint32_t ESH_RecordRemoteFile(const char* word);
+std::uint32_t ESH_RecordSourceFile(const char* word);
+std::uint32_t ESH_RecordDestFile(const char* word);
+std::uint32_t ESH_RecordCount(const char* word);
+std::uint32_t ESH_RecordSize(const char* word);
+std::uint32_t ESH_RecordDiskName(const char* word);
+std::uint32_t ESH_RecordPkgFile(const char* word);

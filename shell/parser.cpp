@@ -1,0 +1,89 @@
+#include "shell/parser.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "shell/command_tree.h"
+#include "shell/execute.h"
+#include "shell/view.h"
+#include "shell/words.h"
+#include "term/completion.h"
+#include "term/help.h"
+#include "term/line_editor.h"
+#include "term/line_state.h"
+#include "util/vector.h"
+
+namespace {
+
+constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
+
+bool IsBlank(std::string_view line) { return line.find_first_not_of(kWhiteSpace) == std::string_view::npos; }
+
+/// What was typed behind a "?" plays no part.
+void CutBehindQuestionMark(char* line) {
+  char* question_mark = std::strchr(line, '?');
+  if (question_mark != nullptr) {
+    question_mark[1] = '\0';
+  }
+}
+
+bool HoldsWords(const VEC_S& words) { return VEC_GetCount(&words) > 0; }
+
+void Execute(const VEC_S& words, char* line) {
+  ESH_ResetTabState();
+  if (HoldsWords(words)) {
+    ESH_CmdExecute(&words);
+  }
+  line[0] = '\0';
+}
+
+void CompleteLine(VEC_S& words, char* line, std::size_t last) {
+  line[last] = '\0';
+  if (HoldsWords(words)) {
+    ESH_TabComplete(&words, line);
+  }
+  ESH_LINE_SetCmdString();
+}
+
+void Help(const VEC_S& words, char* line, std::size_t last) {
+  ESH_ResetTabState();
+  const bool at_new_word = last == 0 || line[last - 1] == ' ';
+  line[last] = '\0';
+  ESH_Help(&words, at_new_word ? 1 : 0);
+  ESH_LINE_SetCmdString();
+}
+
+}  // namespace
+
+void ESH_CmdParser(char* line) {
+  std::puts("\r");
+  CutBehindQuestionMark(line);
+  const std::size_t length = std::strlen(line);
+  const char last = length == 0 ? '\0' : line[length - 1];
+  if (last == kKeyCtrlZ) {
+    ESH_SetCmdMode(g_pstEshUserView);
+    return;
+  }
+  if (IsBlank(line)) {
+    return;
+  }
+  const UniqueWords words = SplitLine(line);
+  if (words == nullptr) {
+    return;
+  }
+  CutEndKey(*words);
+  switch (last) {
+    case '\r':
+    case '\n':
+      Execute(*words, line);
+      break;
+    case '\t':
+      CompleteLine(*words, line, length - 1);
+      break;
+    default:
+      Help(*words, line, length - 1);
+      break;
+  }
+}

@@ -1,0 +1,44 @@
+#include "shell/reboot.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "shell/child_process.h"
+#include "shell/command_table.h"
+#include "shell/result.h"
+#include "term/prompts.h"
+
+namespace {
+
+constexpr char kQuestion[] = "This Command will reboot the device. Continue? [Y/N]:";
+constexpr char kBusybox[] = "/bin/busybox";
+constexpr char kRebootTool[] = "/bin/reboot";
+constexpr char kLinkReboot[] = "/bin/ln -s /bin/busybox /bin/reboot";
+constexpr char kReboot[] = "/bin/reboot -f";
+
+constexpr CommandRow kRebootCommand[] = {
+    {ESH_ProcReboot, kUserView, {Word("reboot", "Reboot system")}},
+};
+static_assert(WellFormed(kRebootCommand));
+
+}  // namespace
+
+void ESH_Reboot_Init() { RegisterCommands(kRebootCommand); }
+
+std::uint32_t ESH_ProcReboot() {
+  std::fputs(kQuestion, stdout);
+  const bool yes = ESH_LINE_GetConfirm(kConfirmSeconds) == 1;
+  std::puts("\r");
+  return yes ? ESH_Reboot() : kSuccess;
+}
+
+std::uint32_t ESH_Reboot() {
+  (void)ESH_ForkProcess(kLinkReboot, 1, 0);  // fails where the link exists already, which is what is wanted
+  return ESH_ForkProcess(kReboot, 1, 0);
+}
+
+void BecomeReboot() {
+  (void)!symlink(kBusybox, kRebootTool);
+  execl(kRebootTool, kRebootTool, "-f", nullptr);
+}

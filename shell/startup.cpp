@@ -1,0 +1,136 @@
+#include "shell/startup.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <initializer_list>
+
+#include "fs/file_commands.h"
+#include "fs/medium.h"
+#include "fs/working_directory.h"
+#include "shell/child_process.h"
+#include "shell/console_attach.h"
+#include "shell/hand_over.h"
+#include "shell/ip_stack.h"
+#include "shell/parser.h"
+#include "shell/reboot.h"
+#include "shell/result.h"
+#include "shell/view.h"
+#include "shell/view_commands.h"
+#include "term/completion.h"
+#include "term/history.h"
+#include "term/line_editor.h"
+#include "util/unique_handle.h"
+
+std::uint8_t g_bIsLoadFromScmd = 0;
+
+namespace {
+
+constexpr char kLoadedModules[] = "/proc/modules";
+constexpr char kAddonEntry[] = "addon ";  // with its blank: a name that only begins like it does not count
+constexpr std::size_t kModuleLineRoom = 4096;
+
+constexpr char kMountScript[] = "/etc/pkg/esh/mount.sh";
+constexpr char kLoadAddon[] = "/bin/insmod /lib/modules/addon.ko";
+constexpr char kLoadIpStack[] = "/bin/insmod /lib/modules/ipstack.ko";
+constexpr char kLoopbackUp[] = "/bin/ifconfig lo up";
+constexpr char kMgmtPortUp[] = "/bin/ifconfig m-eth0 up";
+
+/// A tool of start-up: Ctrl+C cannot break it off.
+std::uint32_t RunTool(const char* cmdline) { return ESH_ForkProcess(cmdline, 1, 0); }
+
+/// @return the verdict on the steps that count.
+std::uint32_t LoadModules() {
+  if (HasLoadedKo() == 0) {
+    (void)RunTool(kLoadAddon);  // the shell can do without what the add-on tells
+  }
+  return ESH_IsExistIpstackKo() == 1 ? RunTool(kLoadIpStack) : kSuccess;
+}
+
+/// @return the verdict on both interfaces.
+std::uint32_t BringInterfacesUp() {
+  if (ESH_IsExistIpstackKo() == 0) {
+    return kSuccess;
+  }
+  std::uint32_t verdict = RunTool(kLoopbackUp);
+  verdict += RunTool(kMgmtPortUp);
+  return verdict;
+}
+
+void SetSignals() {
+  std::signal(SIGINT, ESH_SigInt);
+  for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) {
+    std::signal(signal, SIG_IGN);
+  }
+}
+
+/// The device cannot be used like this. @param attached the verdict on the console.
+[[noreturn]] void RebootAfterFailure(std::uint32_t attached) {
+  ESH_Reboot();
+  if (attached != kSuccess) {
+    // Without a terminal of its own the shell cannot start tools, not even this one.
+    BecomeReboot();
+  }
+  std::exit(EXIT_SUCCESS);
+}
+
+}  // namespace
+
+void RunShell() {
+  umask(0);
+  const std::uint32_t attached = AttachConsole();
+  std::uint32_t verdict = attached;
+  verdict += ESH_HIS_Init();
+  verdict += ESH_LINE_Init();
+  (void)RunTool(kMountScript);  // a device without media still has a shell
+  verdict += LoadModules();
+  if (g_bIsLoadFromScmd == 1) {
+    LinkMedia();
+  }
+  verdict += BringInterfacesUp();
+  ESH_View_Init();
+  (void)ESH_FsPwd_Init();  // without a medium the working directory stays where it is
+  ESH_CMD_Init();
+  SetSignals();
+  ESH_ResetTabState();
+  if (verdict != kSuccess) {
+    RebootAfterFailure(attached);
+  }
+  SetTtySwich(1);
+  for (;;) {
+    ESH_CmdParser(ESH_LINE_GetCmdLine());
+  }
+}
+
+std::uint16_t HasLoadedKo() {
+  const UniqueFile modules(std::fopen(kLoadedModules, "re"));
+  if (modules == nullptr) {
+    return 0;
+  }
+  char line[kModuleLineRoom];
+  while (std::fgets(line, sizeof(line), modules.get()) != nullptr) {
+    if (std::strstr(line, kAddonEntry) != nullptr) {
+      return 1;
+    }
+  }
+  return 0;
+}
+
+void ESH_SigInt(int /*signo*/) {
+  if (ESH_IsForkSubProcess() == 1) {
+    ESH_Sig2SubProcess(SIGINT);
+  }
+}
+
+void ESH_CMD_Init() {
+  ESH_Fs_Init();
+  ESH_Reboot_Init();
+  ESH_ChangeView_Init();
+}
+
+std::uint32_t ESH_FsPwd_Init() { return ESH_SetPwd(); }

@@ -1,0 +1,193 @@
+#include "term/completion.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "shell/command_tree.h"
+#include "shell/match.h"
+#include "shell/parameter.h"
+#include "shell/words.h"
+#include "util/fixed_text.h"
+
+ESH_TAB_STATE_S g_stTabState;
+
+namespace {
+
+constexpr std::size_t kTabLineRoom = 512;
+constexpr std::int64_t kUsualCandidates = 8;
+
+bool EqualsIgnoringCase(const char* a, const char* b) { return strcasecmp(a, b) == 0; }
+
+void ForgetCycle() {
+  g_stTabState.szPrefix[0] = '\0';
+  g_stTabState.szLast[0] = '\0';
+}
+
+/// A finished last word or another number of words is another word than the cycle began with.
+void NoteWordCount(std::uint64_t count, std::string_view line) {
+  if (line.ends_with(' ') || count != g_stTabState.ulWordNum) {
+    g_stTabState.szPrefix[0] = '\0';
+    g_stTabState.ulWordNum = count;
+  }
+}
+
+bool CycleGoesOn(const char* word) {
+  return g_stTabState.szPrefix[0] != '\0' &&
+         (EqualsIgnoringCase(word, g_stTabState.szPrefix) || EqualsIgnoringCase(word, g_stTabState.szLast));
+}
+
+void DropPlaceholders(VEC_S& list) {
+  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
+    if (ESH_Variable(line.szKeyWord) == 1 || std::strcmp(line.szKeyWord, kCrWord) == 0) {
+      std::free(VEC_Del(&list, index));
+    }
+  });
+}
+
+/// What may continue the last word, in the order of the command tree; NULL when the words do not match.
+UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const char* word) {
+  const UniqueVector elements(VEC_Alloc(kUsualCandidates));
+  std::uint64_t failed = 0;
+  if (elements == nullptr ||
+      ESH_GetCmdElementVec(&words, count, ESH_WORD_PARTIAL, elements.get(), &failed) < ESH_MATCH_PARAM) {
+    return nullptr;
+  }
+  UniqueHelpList list(ESH_MakeHelpInfoVec(word, elements.get()));
+  if (list != nullptr) {
+    DropPlaceholders(*list);
+  }
+  return list;
+}
+
+const ESH_HELP_INFO_S* Shortest(const VEC_S& candidates) {
+  const ESH_HELP_INFO_S* shortest = nullptr;
+  std::size_t length = 0;
+  ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
+    const std::size_t candidate_length = std::strlen(candidate.szKeyWord);
+    if (shortest == nullptr || candidate_length < length) {
+      shortest = &candidate;
+      length = candidate_length;
+    }
+  });
+  return shortest;
+}
+
+/// The longest beginning that all candidates share, ignoring case, in the spelling of the shortest.
+/// @param known characters that are known to be shared.
+std::string_view CommonPrefix(const VEC_S& candidates, std::size_t known) {
+  const std::string_view model = Shortest(candidates)->szKeyWord;
+  std::size_t shared = model.size();
+  ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
+    std::size_t agreed = known;
+    while (agreed < shared && strncasecmp(candidate.szKeyWord + agreed, model.data() + agreed, 1) == 0) {
+      ++agreed;
+    }
+    shared = std::min(shared, agreed);
+  });
+  return model.substr(0, shared);
+}
+
+void FirstTab(const VEC_S& words, char* line, const VEC_S& candidates, const char* word) {
+  const std::size_t typed = std::strlen(word);
+  CopyText(g_stTabState.szPrefix, CommonPrefix(candidates, typed));
+  if (std::strlen(g_stTabState.szPrefix) <= typed) {
+    TabPrintFirst(&words, line, &candidates, word);
+    return;
+  }
+  CmdTabModifyBuf(&words, line, g_stTabState.szPrefix, 0);
+  CopyText(g_stTabState.szLast, g_stTabState.szPrefix);
+}
+
+/// The candidate after the one that was put in last; the first one after the last, or when that one is gone.
+const ESH_HELP_INFO_S* NextInCycle(const VEC_S& candidates) {
+  const ESH_HELP_INFO_S* first = nullptr;
+  bool last_seen = false;
+  const ESH_HELP_INFO_S* next = FindSlot<ESH_HELP_INFO_S>(candidates, [&](const ESH_HELP_INFO_S& candidate) {
+    first = first == nullptr ? &candidate : first;
+    if (last_seen) {
+      return true;
+    }
+    last_seen = EqualsIgnoringCase(candidate.szKeyWord, g_stTabState.szLast);
+    return false;
+  });
+  return next == nullptr ? first : next;
+}
+
+void FurtherTab(const VEC_S& words, char* line, const VEC_S& candidates) {
+  const ESH_HELP_INFO_S* next = NextInCycle(candidates);
+  CmdTabModifyBuf(&words, line, next->szKeyWord, 0);
+  CopyText(g_stTabState.szLast, next->szKeyWord);
+}
+
+void Complete(const VEC_S& words, char* line, const VEC_S& candidates, const char* word) {
+  const std::uint64_t count = VEC_GetCount(&candidates);
+  if (count == 0) {
+    ESH_ResetTabState();
+  } else if (count == 1) {
+    TabPrintFirst(&words, line, &candidates, word);
+  } else if (g_stTabState.szPrefix[0] == '\0') {
+    FirstTab(words, line, candidates, word);
+  } else {
+    FurtherTab(words, line, candidates);
+  }
+}
+
+}  // namespace
+
+void ESH_ResetTabState() {
+  g_stTabState.ulWordNum = 0;
+  g_stTabState.usAddBlank = 1;
+  ForgetCycle();
+}
+
+void ESH_TabComplete(VEC_S* words, char* line) {
+  const std::uint64_t count = VEC_GetCount(words);
+  if (count == 0) {
+    ESH_ResetTabState();
+    line[0] = '\0';
+    return;
+  }
+  char* word = WordAt(*words, count - 1)->pcWord;
+  NoteWordCount(count, line);
+  if (CycleGoesOn(word)) {
+    CopyBounded(word, kWordRoom, g_stTabState.szPrefix);
+  } else {
+    ForgetCycle();
+  }
+  const UniqueHelpList candidates = MakeCandidates(*words, count, word);
+  if (candidates == nullptr) {
+    ESH_ResetTabState();
+    return;
+  }
+  Complete(*words, line, *candidates, word);
+}
+
+void TabPrintFirst(const VEC_S* words, char* line, const VEC_S* candidates, const char* typed) {
+  const bool only_one = VEC_GetCount(candidates) == 1;
+  const ESH_HELP_INFO_S* chosen = FindSlot<ESH_HELP_INFO_S>(*candidates, [&](const ESH_HELP_INFO_S& candidate) {
+    return only_one || !EqualsIgnoringCase(candidate.szKeyWord, typed);
+  });
+  if (chosen == nullptr) {
+    return;
+  }
+  CmdTabModifyBuf(words, line, chosen->szKeyWord, only_one ? 1 : 0);
+  CopyText(g_stTabState.szLast, chosen->szKeyWord);
+}
+
+void CmdTabModifyBuf(const VEC_S* words, char* line, const char* text, std::uint16_t addBlank) {
+  const std::uint64_t first = WordAt(*words, 0)->ulStart;
+  const std::uint64_t last = WordAt(*words, VEC_GetCount(words) - 1)->ulStart;
+  CopyBounded(line + last, kTabLineRoom - last, text);
+  const std::size_t end = last + std::strlen(text);
+  if (g_stTabState.usAddBlank == 1 && addBlank == 1 && end < kTabLineRoom - 1) {
+    line[end] = ' ';
+    line[end + 1] = '\0';
+  }
+  if (first > 0) {
+    std::memmove(line, line + first, std::strlen(line + first) + 1);
+  }
+}

@@ -1,0 +1,72 @@
+#include "term/console_mode.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <initializer_list>
+
+#include "term/line_state.h"
+
+namespace {
+
+constexpr cc_t kReadTimeoutTenths = 1;
+
+int Console() { return fileno(stdout); }
+
+void DisableSpecialKeys(termios& settings) {
+  for (const int key : {VQUIT, VSTART, VSTOP, VSUSP}) {
+    settings.c_cc[key] = _POSIX_VDISABLE;
+  }
+}
+
+/// The console's settings with everything that a tool may have changed and that nobody else sets put back as saved.
+/// A tool that was killed in a mode of its own must not leave a console without line ends behind. The line speed
+/// is not a tool's to change and stays as it is.
+termios SettingsAsSaved() {
+  termios settings{};
+  tcgetattr(Console(), &settings);
+  settings.c_iflag = g_stESh_Line.stSavedTermios.c_iflag;
+  settings.c_oflag = g_stESh_Line.stSavedTermios.c_oflag;
+  settings.c_lflag = g_stESh_Line.stSavedTermios.c_lflag;
+  std::memcpy(settings.c_cc, g_stESh_Line.stSavedTermios.c_cc, sizeof(settings.c_cc));
+  return settings;
+}
+
+}  // namespace
+
+void SaveTermiosMode() { tcgetattr(Console(), &g_stESh_Line.stSavedTermios); }
+
+void LINE_SetTermiosMode(const termios& settings) {
+  while (tcsetattr(Console(), TCSANOW, &settings) != 0 && errno == EINTR) {
+  }
+}
+
+int ESH_LINE_SetTermiosMode() {
+  termios settings = SettingsAsSaved();
+  settings.c_lflag = 0;
+  settings.c_cc[VMIN] = 0;
+  settings.c_cc[VTIME] = kReadTimeoutTenths;
+  DisableSpecialKeys(settings);
+  LINE_SetTermiosMode(settings);
+  return fcntl(STDERR_FILENO, F_SETFL, fcntl(STDERR_FILENO, F_GETFL) & ~O_NONBLOCK);
+}
+
+void ESH_LINE_RestoreTermiosMode(std::uint16_t echo) {
+  termios settings = SettingsAsSaved();
+  if (echo != 1) {
+    settings.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
+  }
+  LINE_SetTermiosMode(settings);
+}
+
+void ESH_LINE_MaskSpecKey() {
+  termios settings{};
+  if (tcgetattr(Console(), &settings) != 0) {
+    return;
+  }
+  DisableSpecialKeys(settings);
+  LINE_SetTermiosMode(settings);
+}

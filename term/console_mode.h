@@ -1,0 +1,22 @@
+#pragma once
+
+#include <termios.h>
+
+#include <cstdint>
+
+/// Keeps the console's present settings: what a tool is started with, and what the console gets back at the end.
+void SaveTermiosMode();
+
+/// Applies settings at once (typed input is kept), again while a signal interrupts it.
+void LINE_SetTermiosMode(const termios& settings);
+
+/// Raw mode: no echo, no line editing and no signal keys; a read returns after 0.1 s with one byte or none.
+/// @return the result of the last fcntl(2), which makes descriptor 2 blocking.
+int ESH_LINE_SetTermiosMode();
+
+/// Puts back the settings found at start.
+/// @param echo 1: as saved; any other value: with echo off, so that a password typed to a tool is not shown.
+void ESH_LINE_RestoreTermiosMode(std::uint16_t echo);
+
+/// Disables the quit, start, stop and suspend keys, so that no tool can be stopped with nobody to continue it.
+void ESH_LINE_MaskSpecKey();

@@ -1,0 +1,85 @@
+#include "util/vector.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+int g_elements[64];
+
+struct VectorTest : testing::Test {
+  UniqueVector vec{VEC_Alloc(8)};
+
+  void Append(std::uint64_t count) {
+    for (std::uint64_t i = 0; i < count; ++i) {
+      ASSERT_EQ(VEC_Add(vec.get(), kNoIndex, &g_elements[i]), i);
+    }
+  }
+};
+
+TEST_F(VectorTest, GrowsByDoublingAndKeepsDoubleTheRoomItNeeds) {
+  Append(9);
+  EXPECT_EQ(vec->ulCapacity, 16U);
+  for (std::uint64_t i = 9; i-- > 0;) {
+    EXPECT_EQ(VEC_Del(vec.get(), i), &g_elements[i]);
+  }
+  EXPECT_EQ(vec->ulCapacity, 16U);
+  EXPECT_EQ(VEC_GetCount(vec.get()), 0U);
+
+  Append(33);
+  ASSERT_EQ(vec->ulCapacity, 64U);
+  EXPECT_EQ(VEC_Reduce(vec.get(), 3), 0U);
+  EXPECT_EQ(vec->ulCapacity, 16U);
+}
+
+TEST_F(VectorTest, AppendFillsTheLowestHoleFirst) {
+  Append(4);
+  VEC_Del(vec.get(), 2);
+  VEC_Del(vec.get(), 1);
+  EXPECT_EQ(VEC_Add(vec.get(), kNoIndex, &g_elements[10]), 1U);
+  EXPECT_EQ(VEC_Add(vec.get(), kNoIndex, &g_elements[11]), 2U);
+  EXPECT_EQ(VEC_Add(vec.get(), kNoIndex, &g_elements[12]), 4U);
+}
+
+TEST_F(VectorTest, AddFarBehindTheEndLeavesHoles) {
+  EXPECT_EQ(VEC_Add(vec.get(), 40, &g_elements[0]), 40U);
+  EXPECT_EQ(vec->ulCapacity, 64U);
+  EXPECT_EQ(VEC_GetCount(vec.get()), 1U);
+  EXPECT_EQ(VEC_Add(vec.get(), kNoIndex, &g_elements[1]), 0U);
+}
+
+TEST_F(VectorTest, RefusesWhatIsNotThere) {
+  Append(3);
+  EXPECT_EQ(VEC_Del(vec.get(), 3), nullptr);
+  EXPECT_EQ(VEC_Del(vec.get(), 1000), nullptr);
+  EXPECT_EQ(VEC_GetCount(vec.get()), 3U);
+  EXPECT_EQ(VEC_Add(vec.get(), kNoIndex - 1, &g_elements[0]), kNoIndex) << "an index that no memory can hold";
+  EXPECT_EQ(VEC_Add(nullptr, 0, &g_elements[0]), kNoIndex);
+  EXPECT_EQ(VEC_GetCount(nullptr), 0U);
+}
+
+TEST_F(VectorTest, ElementsMayBeRemovedDuringAWalk) {
+  Append(20);
+  std::uint64_t visited = 0;
+  ForEachSlot<int>(*vec, [&](std::uint64_t index, int& element) {
+    EXPECT_EQ(&element, &g_elements[index]);
+    ++visited;
+    VEC_Del(vec.get(), index);
+  });
+  EXPECT_EQ(visited, 20U);
+  EXPECT_EQ(VEC_GetCount(vec.get()), 0U);
+}
+
+TEST(Vector, WithoutAnArrayIsEmptyAndGrowsWhenUsed) {
+  UniqueVector vec(VEC_Alloc(-1));
+  EXPECT_EQ(vec->ppvArray, nullptr);
+  EXPECT_EQ(VEC_GetCount(vec.get()), 0U);
+  EXPECT_EQ(VEC_Del(vec.get(), 0), nullptr);
+  EXPECT_EQ(VEC_Add(vec.get(), kNoIndex, &g_elements[0]), 0U);
+  VEC_Release(vec.get());
+  EXPECT_EQ(vec->ulCapacity, 0U);
+  EXPECT_EQ(VEC_GetCount(vec.get()), 0U);
+}
+
+}  // namespace

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+/// Copies text into a buffer of fixed size, cutting it there; the result is always terminated.
+/// @param room size of `dest` in bytes, at least 1.
+/// @return true when all of it fitted.
+bool CopyBounded(char* dest, std::size_t room, std::string_view text);
+
+/// Copies text into a fixed buffer whose size is the array's own.
+/// @return true when all of it fitted, false when it was cut.
+template <std::size_t kRoom>
+bool CopyText(char (&dest)[kRoom], std::string_view text) {
+  return CopyBounded(dest, kRoom, text);
+}
+
+/// The part of FixedText that does not depend on its size.
+class TextBuilder {
+ public:
+  TextBuilder(const TextBuilder&) = delete;
+  TextBuilder& operator=(const TextBuilder&) = delete;
+
+  /// Appends formatted text. What does not fit is cut, and Truncated() says so from then on.
+  void Append(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  /// Appends text as it is, cut likewise.
+  void AppendText(std::string_view text);
+  /// Appends one character `count` times, cut likewise.
+  void AppendRepeated(char character, std::size_t count);
+  void Clear();
+
+  [[nodiscard]] bool Truncated() const { return truncated_; }
+  [[nodiscard]] std::size_t Length() const { return length_; }
+  [[nodiscard]] char* Text() { return buffer_; }
+  [[nodiscard]] const char* Text() const { return buffer_; }
+  [[nodiscard]] std::string_view View() const { return {buffer_, length_}; }
+
+ protected:
+  TextBuilder(char* buffer, std::size_t room) : buffer_(buffer), room_(room) {}
+  ~TextBuilder() = default;
+
+ private:
+  char* buffer_;
+  std::size_t room_;
+  std::size_t length_ = 0;
+  bool truncated_ = false;
+};
+
+/// A terminated text of at most kRoom - 1 characters, built piece by piece.
+template <std::size_t kRoom>
+class FixedText final : public TextBuilder {
+ public:
+  FixedText() : TextBuilder(storage_, kRoom) { Clear(); }
+
+ private:
+  char storage_[kRoom];
+};
