@@ -5,7 +5,7 @@
 namespace device {
 namespace {
 
-constexpr std::uint64_t kMegabyte = 1024 * 1024;
+constexpr std::uint64_t kMegabyte = 1048576;
 
 }  // namespace
 

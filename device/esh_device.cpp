@@ -39,14 +39,14 @@ int main(int argc, char** argv) {
     options.shell = argv[2];
   } else if (argc != 1) {
     const bool asked = argc == 2 && std::strcmp(argv[1], "--help") == 0;
-    std::fputs(kUsage, asked ? stdout : stderr);
+    (void)std::fputs(kUsage, asked ? stdout : stderr);
     return asked ? 0 : 2;
   }
 
   device::SessionSignals signals;
   const std::unique_ptr<device::Device> board = device::MakeNativeDevice(options);
   if (const std::string problem = board->Boot(); !problem.empty()) {
-    std::fprintf(stderr, "esh-device: %s\n", problem.c_str());
+    (void)std::fprintf(stderr, "esh-device: %s\n", problem.c_str());
     return 1;
   }
   return isatty(STDIN_FILENO) != 0 ? device::RelayTerminal(*board, signals) : device::FeedInput(*board, signals);

@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -54,12 +55,12 @@ void ConsoleSession::CopyConsole() {
   ssize_t length = 0;
   while (!ended_ && ((length = read(device_.Console(), block.data(), block.size())) > 0)) {
     const std::string_view bytes(block.data(), static_cast<std::size_t>(length));
-    printed_ += bytes;
     Print(bytes);
   }
 }
 
 void ConsoleSession::Print(std::string_view bytes) {
+  printed_ += bytes;
   constexpr std::size_t kPiece = 512;  // a pipe that poll calls writable takes at least this much without blocking
   while (!bytes.empty()) {
     std::array<pollfd, 2> waiting{{{STDOUT_FILENO, POLLOUT, 0}, {signals_.Descriptor(), POLLIN, 0}}};

@@ -18,10 +18,10 @@ class ConsoleSession {
 
   /// Waits until something happened, at most `time`, and does what is due.
   /// @param input  descriptor to watch as well, -1 for none.
-  /// @return true when `input` can be read. What the console printed meanwhile is in Printed.
+  /// @return true when `input` can be read. What was printed meanwhile is in Printed.
   bool Step(int input, std::chrono::milliseconds time);
 
-  /// What the console printed during the last step.
+  /// What the console printed during the last step, and what was said between.
   [[nodiscard]] std::string_view Printed() const { return printed_; }
 
   /// Types bytes on the console, now or as soon as it takes them.

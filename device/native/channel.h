@@ -36,7 +36,7 @@ struct Message {
 /// One end of a socket that carries messages between processes of the launcher's family.
 class Channel {
  public:
-  static constexpr std::size_t kMaxText = 128 * 1024;
+  static constexpr std::size_t kMaxText = 131072;
   static constexpr std::size_t kMaxDescriptors = 4;
 
   Channel() = default;

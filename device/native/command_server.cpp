@@ -15,20 +15,21 @@ constexpr int kCannotStart = 127;  // what a shell answers for a program that is
 
 std::vector<char*> TerminatedPointers(const std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
   pointers.push_back(nullptr);
   return pointers;
 }
 
 void ResetSignals() {
-  for (int number = 1; number < NSIG; ++number) std::signal(number, SIG_DFL);
+  for (int number = 1; number < NSIG; ++number) (void)std::signal(number, SIG_DFL);  // two of them refuse
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 /// Moves descriptors onto 0, 1 and 2, first out of each other's way.
-void PlaceDescriptors(const int (&descriptors)[3]) {
+void PlaceDescriptors(const std::array<int, 3>& descriptors) {
   std::array<int, 3> copies{};
   for (std::size_t i = 0; i < copies.size(); ++i) copies[i] = fcntl(descriptors[i], F_DUPFD, 3);
   for (std::size_t i = 0; i < copies.size(); ++i) dup2(copies[i], static_cast<int>(i));
@@ -38,7 +39,7 @@ void PlaceDescriptors(const int (&descriptors)[3]) {
 }  // namespace
 
 void ExecuteProgram(const std::vector<std::string>& words, const std::vector<std::string>& environment,
-                    const int (&descriptors)[3]) {
+                    const std::array<int, 3>& descriptors) {
   ResetSignals();
   PlaceDescriptors(descriptors);
   const std::vector<char*> arguments = TerminatedPointers(words);

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -35,6 +36,6 @@ class CommandServer {
 /// Replaces this process, a fresh child, by a program. Returns only by ending the process.
 /// @param descriptors  become 0, 1 and 2; all others are closed.
 [[noreturn]] void ExecuteProgram(const std::vector<std::string>& words, const std::vector<std::string>& environment,
-                                 const int (&descriptors)[3]);
+                                 const std::array<int, 3>& descriptors);
 
 }  // namespace device

@@ -33,7 +33,7 @@ constexpr const char* kKernelEntries[] = {"cmdline", "cpuinfo",     "devices", "
                                           "meminfo", "mounts",      "net",     "self",        "stat",
                                           "swaps",   "thread-self", "uptime",  "version",     "vmstat"};
 /// Process numbers that /proc shows. A device that outlives them still runs; its tools just see no newer processes.
-constexpr int kShownProcesses = 4096;
+constexpr int kShownProcesses = 1024;
 
 std::string MountDev(const std::string& root) {
   for (const char* node : kHostNodes) {

@@ -43,6 +43,7 @@ std::optional<std::string> OutputOf(const std::vector<std::string>& words) {
   const UniqueFd reading(ends[0]);
   UniqueFd writing(ends[1]);
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
 
@@ -62,9 +63,10 @@ std::optional<std::string> OutputOf(const std::vector<std::string>& words) {
 std::string FindProgram(const std::string& name) {
   const char* search_path = std::getenv("PATH");
   std::istringstream directories(std::string(search_path == nullptr ? "" : search_path) + ":" + kSystemDirectories);
-  for (std::string directory; std::getline(directories, directory, ':');) {
-    const std::string path = directory + "/" + name;
-    if (!directory.empty() && access(path.c_str(), X_OK) == 0) return path;
+  for (std::string path; std::getline(directories, path, ':');) {
+    if (path.empty()) continue;
+    path.append("/").append(name);
+    if (access(path.c_str(), X_OK) == 0) return path;
   }
   return "";
 }

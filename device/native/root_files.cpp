@@ -1,9 +1,13 @@
 #include "device/native/root_files.h"
 
+#include <elf.h>
+#include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -26,16 +30,47 @@ constexpr const char* kEmptyDirectories[] = {"bin",     "dev",         "dev/pts"
 
 std::string DirectoryOf(const std::string& path) { return fs::path(path).parent_path().string(); }
 
-/// Adds the shared libraries and the loader that a program names. Something that is no dynamic program has none.
+/// @return the loader that a program names; "" for a program that is static or no program of this machine's kind.
+std::string LoaderOf(const std::string& program) {
+  std::ifstream file(program, std::ios::binary);
+  ElfW(Ehdr) head{};
+  if (!file.read(reinterpret_cast<char*>(&head), sizeof(head)) || std::memcmp(head.e_ident, ELFMAG, SELFMAG) != 0)
+    return "";
+  for (unsigned i = 0; i < head.e_phnum; ++i) {
+    ElfW(Phdr) part{};
+    file.seekg(static_cast<std::streamoff>(head.e_phoff + i * sizeof(part)));
+    if (!file.read(reinterpret_cast<char*>(&part), sizeof(part))) return "";
+    if (part.p_type != PT_INTERP || part.p_filesz == 0 || part.p_filesz > PATH_MAX) continue;
+    std::string loader(part.p_filesz, '\0');
+    file.seekg(static_cast<std::streamoff>(part.p_offset));
+    if (!file.read(loader.data(), static_cast<std::streamsize>(loader.size()))) return "";
+    loader.pop_back();  // its terminating NUL
+    return loader;
+  }
+  return "";
+}
+
+void AddCopy(const std::string& host_path, const std::string& path, RootPlan& plan) {
+  for (const HostFile& file : plan.copies) {
+    if (file.path == path) return;  // a library that another program brought already
+  }
+  plan.copies.push_back({host_path, path});
+}
+
+/// Adds the shared libraries and the loader that a program needs. The loader is asked itself, without running the
+/// program; its lines are "name => path (address)".
 std::string AddLibraries(const std::string& program, RootPlan& plan) {
-  const std::optional<std::string> listing = OutputOf({"ldd", program});
-  std::istringstream lines(listing.value_or(""));
+  const std::string loader = LoaderOf(program);
+  if (loader.empty()) return "";
+  const std::optional<std::string> listing = OutputOf({loader, "--list", program});
+  if (!listing) return program + " needs shared libraries that " + loader + " does not find";
+  AddCopy(loader, loader, plan);
+  std::istringstream lines(*listing);
   for (std::string line; std::getline(lines, line);) {
-    if (line.find("not found") != std::string::npos) return program + " needs a library that is missing:" + line;
     const std::size_t begin = line.find('/');
     if (begin == std::string::npos) continue;  // the kernel's own object has no file
-    const std::string library = line.substr(begin, line.find(" (", begin) - begin);
-    plan.copies.push_back({library, library});
+    const std::string library = line.substr(begin, line.find(' ', begin) - begin);
+    AddCopy(library, library, plan);
   }
   return "";
 }
@@ -99,8 +134,11 @@ std::string PlaceText(const FileText& file, const std::string& root) {
 }
 
 void LinkApplets(const RootPlan& plan, const std::string& root) {
+  const std::string directory = root + "/bin/";
   for (const std::string& name : plan.applets) {
-    (void)symlink("busybox", (root + "/bin/" + name).c_str());  // what stands there already is the device's own
+    std::string link = directory;
+    link += name;
+    (void)symlink("busybox", link.c_str());  // what stands there already is the device's own
   }
 }
 
