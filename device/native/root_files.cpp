@@ -21,6 +21,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kShellPath[] = "/sbin/esh";
+/// The boot image lacks this one, and the shell makes the link when it needs it.
+constexpr char kMissingApplet[] = "reboot";
 constexpr char kDeviceTerminfo[] = "/usr/share/terminfo";
 constexpr const char* kTerminals[] = {"xterm",  "xterm-256color",  "vt100", "linux",         "ansi",
                                       "screen", "screen-256color", "tmux",  "tmux-256color", "dumb"};
@@ -107,7 +109,7 @@ std::string AddBusybox(RootPlan& plan) {
   if (!names) return busybox + " --list failed";
   std::istringstream lines(*names);
   for (std::string name; std::getline(lines, name);) {
-    if (name != "busybox") plan.applets.push_back(name);
+    if (name != "busybox" && name != kMissingApplet) plan.applets.push_back(name);
   }
   return AddProgram(busybox, "/bin/busybox", plan);
 }
