@@ -63,14 +63,13 @@ UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const cha
   return list;
 }
 
-const ESH_HELP_INFO_S* Shortest(const VEC_S& candidates) {
-  const ESH_HELP_INFO_S* shortest = nullptr;
-  std::size_t length = 0;
+/// The first of the shortest candidates.
+std::string_view Shortest(const VEC_S& candidates) {
+  std::string_view shortest;
   ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
-    const std::size_t candidate_length = std::strlen(candidate.szKeyWord);
-    if (shortest == nullptr || candidate_length < length) {
-      shortest = &candidate;
-      length = candidate_length;
+    const std::string_view keyword(candidate.szKeyWord);
+    if (shortest.empty() || keyword.size() < shortest.size()) {
+      shortest = keyword;
     }
   });
   return shortest;
@@ -79,7 +78,7 @@ const ESH_HELP_INFO_S* Shortest(const VEC_S& candidates) {
 /// The longest beginning that all candidates share, ignoring case, in the spelling of the shortest.
 /// @param known characters that are known to be shared.
 std::string_view CommonPrefix(const VEC_S& candidates, std::size_t known) {
-  const std::string_view model = Shortest(candidates)->szKeyWord;
+  const std::string_view model = Shortest(candidates);
   std::size_t shared = model.size();
   ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
     std::size_t agreed = known;

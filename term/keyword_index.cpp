@@ -73,7 +73,7 @@ void KeywordIndex::Note(const VEC_S& list) {
 
 void KeywordIndex::Rebuild(std::size_t slots) {
   std::free(table_);
-  table_ = static_cast<const ESH_HELP_INFO_S**>(std::calloc(slots, sizeof(*table_)));
+  table_ = static_cast<const ESH_HELP_INFO_S**>(std::calloc(slots, sizeof(void*)));
   slots_ = slots;
   used_ = 0;
   if (table_ != nullptr) {

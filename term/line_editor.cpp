@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::uint64_t kInitialMaxLen = 512;
 constexpr std::uint32_t kPageLines = 24;
-constexpr std::size_t kOutputRoom = 16 * 1024;
+constexpr std::size_t kOutputRoom = 16384;
 
 /// Output is sent in blocks, since a listing written line by line costs a system call for each; every wait for a key
 /// and every start of a tool pushes it out.
