@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -31,9 +32,17 @@ device::BootOptions OperatorOptions() {
   return options;
 }
 
+/// A descriptor that the caller closed would be given to the next thing that is opened.
+void OpenStandardDescriptors() {
+  for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(number, F_GETFD) < 0) (void)open("/dev/null", O_RDWR);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  OpenStandardDescriptors();
   device::BootOptions options = OperatorOptions();
   if (argc == 3 && std::strcmp(argv[1], "--shell") == 0) {
     options.shell = argv[2];

@@ -28,7 +28,7 @@ bool ConsoleSession::Step(int input, std::chrono::milliseconds time) {
   poll(waiting.data(), waiting.size(), static_cast<int>(time.count()));
   TakeSignals();
   FlushTyped();
-  CopyConsole();
+  (void)CopyBlock();  // one at a time: keys must get through to a device that prints without end
   // A console that hangs up belongs to a device that goes down: how is told any moment.
   if ((waiting[0].revents & POLLHUP) != 0) poll(nullptr, 0, 1);
   if (!ended_) FollowDevice();
@@ -50,12 +50,16 @@ void ConsoleSession::FlushTyped() {
   }
 }
 
-void ConsoleSession::CopyConsole() {
+bool ConsoleSession::CopyBlock() {
   std::array<char, 4096> block{};
-  ssize_t length = 0;
-  while (!ended_ && ((length = read(device_.Console(), block.data(), block.size())) > 0)) {
-    const std::string_view bytes(block.data(), static_cast<std::size_t>(length));
-    Print(bytes);
+  const ssize_t length = read(device_.Console(), block.data(), block.size());
+  if (length <= 0 || ended_) return false;
+  Print({block.data(), static_cast<std::size_t>(length)});
+  return true;
+}
+
+void ConsoleSession::CopyRest() {
+  while (CopyBlock()) {
   }
 }
 
@@ -103,21 +107,21 @@ void ConsoleSession::FollowDevice() {
     case Outcome::kHandedOver:
       return;
     case Outcome::kRebooted:
-      CopyConsole();
+      CopyRest();
       BootAgain();
       return;
     case Outcome::kShellEnded:
-      CopyConsole();
+      CopyRest();
       Say("The shell ended with status " + std::to_string(device_.ShellStatus()) + ". The device halts.");
       Leave(device_.ShellStatus() == 0 ? 0 : 1);
       return;
     case Outcome::kPoweredOff:
-      CopyConsole();
+      CopyRest();
       Say("The device has halted.");
       Leave(0);
       return;
     case Outcome::kDied:
-      CopyConsole();
+      CopyRest();
       Say("The device died.");
       Leave(1);
       return;

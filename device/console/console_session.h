@@ -40,7 +40,9 @@ class ConsoleSession {
  private:
   void Print(std::string_view bytes);
   void TakeSignals();
-  void CopyConsole();
+  bool CopyBlock();
+  /// Prints what a console that nobody writes to any more still holds.
+  void CopyRest();
   void FlushTyped();
   void FollowDevice();
   void BootAgain();
