@@ -16,11 +16,11 @@ struct Medium {
   std::string contents;     // directory of the host that is copied onto it when it is made; "": none
 };
 
-/// A text that stands on the device in place of what the root file system holds.
+/// A text that stands on the device in place of what the root file system holds. One that starts with "#!" is
+/// executable.
 struct FileText {
   std::string path;                 // absolute, on the device; missing directories are made
   std::optional<std::string> text;  // nullopt: the file is removed
-  unsigned mode = 0644;
 };
 
 /// A file of the host that is copied onto the device. A program brings the shared libraries it needs.

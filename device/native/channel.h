@@ -13,6 +13,8 @@ namespace device {
 /// What the launcher, the board and the device's first process tell each other.
 enum class MessageKind : std::uint32_t {
   kProblem,       // something could not be set up: text
+  kLeftHost,      // keeper -> launcher: its user namespace wants its identities
+  kIdentities,    // launcher -> keeper: they are mapped
   kBoardReady,    // board -> launcher: media and lab are there
   kPowerOn,       // launcher -> board: boot a device that answers on the descriptor that comes along
   kPowerOff,      // launcher -> board

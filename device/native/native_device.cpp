@@ -60,7 +60,7 @@ void KeepOnly(UniqueFd& descriptor) {
     channel.Send(MessageKind::kProblem, 0, 0, problem);
     _exit(1);
   }
-  channel.Send(MessageKind::kPowerOn);  // asks for its identities; the answer is empty
+  channel.Send(MessageKind::kLeftHost);
   if (!channel.Receive(kSetUpMilliseconds)) _exit(1);
   DieWithParent();  // new identities cleared it
   const pid_t board = fork();
@@ -153,7 +153,7 @@ std::string NativeDevice::StartBoard() {
   if (!request) return "the board did not start";
   if (request->kind == MessageKind::kProblem) return request->text;
   if (std::string problem = MapIdentities(keeper_); !problem.empty()) return problem;
-  board_.Send(MessageKind::kPowerOn);
+  board_.Send(MessageKind::kIdentities);
   const Clock::time_point end = Clock::now() + milliseconds(kSetUpMilliseconds);
   while (!board_ready_ && problem_.empty() && !board_.Closed() && Clock::now() < end)
     TakeMessages(MillisecondsUntil(end));
@@ -247,11 +247,13 @@ void NativeDevice::Handle(Message& message) {
     case MessageKind::kCommandEnded:
       ended_commands_[message.id] = message.value;
       break;
+    case MessageKind::kLeftHost:
+    case MessageKind::kIdentities:
     case MessageKind::kPowerOn:
     case MessageKind::kPowerOff:
     case MessageKind::kRun:
     case MessageKind::kKill:
-      break;  // the launcher's own
+      break;  // of the start, or the launcher's own
   }
 }
 

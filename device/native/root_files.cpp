@@ -131,7 +131,8 @@ std::string PlaceText(const FileText& file, const std::string& root) {
   std::ofstream stream(target, std::ios::binary);
   stream << *file.text;
   stream.close();
-  if (!stream || chmod(target.c_str(), file.mode) != 0) return "cannot write " + file.path;
+  const mode_t mode = file.text->starts_with("#!") ? 0755 : 0644;
+  if (!stream || chmod(target.c_str(), mode) != 0) return "cannot write " + file.path;
   return "";
 }
 
