@@ -28,9 +28,7 @@ void ESH_Reboot_Init() { RegisterCommands(kRebootCommand); }
 
 std::uint32_t ESH_ProcReboot() {
   std::fputs(kQuestion, stdout);
-  const bool yes = ESH_LINE_GetConfirm(kConfirmSeconds) == 1;
-  std::puts("\r");
-  return yes ? ESH_Reboot() : kSuccess;
+  return IsConfirmed() ? ESH_Reboot() : kSuccess;
 }
 
 std::uint32_t ESH_Reboot() {

@@ -69,3 +69,9 @@ std::uint16_t ESH_LINE_GetConfirm(std::uint32_t seconds) {
     }
   }
 }
+
+bool IsConfirmed() {
+  const bool yes = ESH_LINE_GetConfirm(kConfirmSeconds) == 1;
+  std::puts("\r");
+  return yes;
+}
