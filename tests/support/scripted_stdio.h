@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "util/unique_handle.h"
+
+/// Standard input and output of this process for a while: the given keys can be read at once and are followed by
+/// the end of the input; what is written is kept. Neither is a terminal.
+class ScriptedStdio {
+ public:
+  explicit ScriptedStdio(std::string_view keys = {});
+  ~ScriptedStdio();
+  ScriptedStdio(const ScriptedStdio&) = delete;
+  ScriptedStdio& operator=(const ScriptedStdio&) = delete;
+
+  /// What was written since the last call.
+  [[nodiscard]] std::string TakeOutput();
+  /// The keys that nobody has read.
+  [[nodiscard]] std::string TakeKeysLeft();
+
+ private:
+  UniqueFd saved_input_;
+  UniqueFd saved_output_;
+  UniqueFile keys_;
+  UniqueFile output_;
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <vterm.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+/// What an operator would see: a terminal that obeys what is written to it (libvterm, an ECMA-48 terminal with
+/// automatic margins).
+class VirtualScreen {
+ public:
+  struct Place {
+    int row;
+    int column;
+    bool operator==(const Place&) const = default;
+  };
+
+  VirtualScreen(int rows, int columns);
+
+  void Write(std::string_view bytes);
+  /// Clears the screen and puts the cursor home.
+  void Reset();
+
+  /// One row without trailing blanks.
+  [[nodiscard]] std::string Row(int row) const;
+  /// All rows down to the last that is not empty, each followed by "\n".
+  [[nodiscard]] std::string Text() const;
+  [[nodiscard]] Place Cursor() const;
+  [[nodiscard]] int Rows() const { return rows_; }
+
+ private:
+  struct Freer {
+    void operator()(VTerm* terminal) const { vterm_free(terminal); }
+  };
+  int rows_;
+  int columns_;
+  std::unique_ptr<VTerm, Freer> terminal_;
+  VTermScreen* screen_;
+};
