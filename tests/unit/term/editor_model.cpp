@@ -38,6 +38,8 @@ EditorModel::EditorModel(Setup setup) : setup_(std::move(setup)) {
   EXPECT_EQ(setupterm(setup_.term.c_str(), STDOUT_FILENO, &verdict), OK) << setup_.term;
 }
 
+EditorModel::~EditorModel() { del_curterm(cur_term); }
+
 void EditorModel::Start() { ClearAndRestart({}); }
 
 void EditorModel::Press(std::string_view key) {

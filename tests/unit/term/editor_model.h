@@ -30,6 +30,9 @@ class EditorModel {
 
   /// Looks the terminal's capabilities up, through terminfo but not through the shell.
   explicit EditorModel(Setup setup);
+  ~EditorModel();
+  EditorModel(const EditorModel&) = delete;
+  EditorModel& operator=(const EditorModel&) = delete;
 
   /// The next read begins: the prompt.
   void Start();
