@@ -1,0 +1,26 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+/// Moves this process into a user and a mount namespace of its own and into a root directory of its own, where it is
+/// user 0. The root shows the machine's files, but /mnt, /etc, /tmp, /lib/modules, /proc/sys and /proc/modules are
+/// the test's: they start empty (the last absent), lie in memory and end with the process. Files can be added to
+/// /sbin. Once inside, a further call empties them again.
+/// @return an empty text, or why there is no such root.
+[[nodiscard]] std::string EnterPrivateRoot();
+
+/// Base of the fixtures that need files at the system's own places. It fails where namespaces are not allowed.
+struct PrivateRootTest : testing::Test {
+  void SetUp() override { ASSERT_EQ(EnterPrivateRoot(), ""); }
+};
+
+/// Writes a file, together with the directories on its way.
+void WriteFile(const std::string& path, const std::string& text);
+
+/// The text of a file; empty when there is none.
+[[nodiscard]] std::string ReadFile(const std::string& path);
+
+/// Makes the directory of a medium below /mnt and its slot link. @param device such as "flash:".
+void AddMedium(const std::string& device);

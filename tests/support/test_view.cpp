@@ -1,0 +1,107 @@
+#include "tests/support/test_view.h"
+
+#include <array>
+#include <deque>
+#include <sstream>
+#include <utility>
+#include <vector>
+
+#include "util/vector.h"
+
+namespace {
+
+constexpr std::size_t kMaxCommands = 16;
+
+std::deque<std::string> g_texts;  // the elements keep pointers into them
+std::vector<std::string> g_commands;
+std::string g_ran;
+
+template <std::size_t kIndex>
+std::uint32_t Handler() {
+  g_ran += g_commands[kIndex] + "\n";
+  return 0;
+}
+
+template <std::size_t... kIndexes>
+constexpr std::array<ESH_CMD_PROC_F, sizeof...(kIndexes)> MakeHandlers(std::index_sequence<kIndexes...>) {
+  return {Handler<kIndexes>...};
+}
+constexpr auto kHandlers = MakeHandlers(std::make_index_sequence<kMaxCommands>());
+
+/// The element type that a word stands for.
+std::uint32_t TypeOfWord(const std::string& word) {
+  if (word == "<cr>") {
+    return ESH_ELEM_CR;
+  }
+  if (word == "X.X.X.X") {
+    return ESH_ELEM_IPV4;
+  }
+  if (word == "X:X::X:X") {
+    return ESH_ELEM_IPV6;
+  }
+  if (word == "X:X::X:X/M") {
+    return ESH_ELEM_IPV6PREFIX;
+  }
+  if (word.starts_with("INTEGER")) {
+    return ESH_ELEM_INTEGER;
+  }
+  return word.starts_with("STRING") ? ESH_ELEM_STRING : ESH_ELEM_KEYWORD;
+}
+
+void FreeCommand(ESH_CMD_THREAD_S* thread) {
+  for (ESH_CMD_LINK_S* link = thread->pstNext; link != thread;) {
+    auto* element = static_cast<ESH_CMD_ELEMENT_S*>(link);
+    link = link->pstNext;
+    delete element;
+  }
+  delete thread;
+}
+
+}  // namespace
+
+TestView::TestView(const char* prompt) : before_(g_pstEshCurrentView) {
+  g_texts.clear();
+  g_commands.clear();
+  g_ran.clear();
+  g_pstEshCurrentView = ViewInfoAlloc(prompt);
+}
+
+TestView::~TestView() {
+  FreeVectorOf<ESH_CMD_THREAD_S>(g_pstEshCurrentView->pstCmdVec, FreeCommand);
+  delete std::exchange(g_pstEshCurrentView, before_);
+}
+
+void TestView::Add(const std::string& words, std::initializer_list<ESH_CMD_RECORD_F> records) {
+  ESH_CMD_THREAD_S* thread = ESH_CmdThread_Init(kHandlers.at(g_commands.size()));
+  g_commands.push_back(words);
+  const auto* record = records.begin();
+  std::istringstream stream(words);
+  for (std::string word; stream >> word;) {
+    const std::uint32_t type = TypeOfWord(word);
+    if (type == ESH_ELEM_CR) {
+      ESH_CmdThread_AddCr(thread);
+      continue;
+    }
+    const bool recorded = type != ESH_ELEM_KEYWORD && record != records.end();
+    g_texts.push_back(word);
+    ESH_CmdThread_AddCmdElement(thread, g_texts.back().c_str(), "What it is", nullptr, nullptr,
+                                recorded ? *record++ : nullptr, type);
+  }
+  ESH_CmdThread_Reg2View(g_pstEshCurrentView, thread);
+}
+
+void TestView::AddAll(std::initializer_list<const char*> commands) {
+  for (const char* command : commands) {
+    Add(command);
+  }
+}
+
+std::string TestView::TakeRan() { return std::exchange(g_ran, ""); }
+
+std::string TextsOf(const VEC_S& elements) {
+  std::string texts;
+  ForEachSlot<ESH_CMD_ELEMENT_S>(elements, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
+    texts += (texts.empty() ? "" : " ") + std::string(element.pcKeyWord);
+  });
+  return texts;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+
+#include "shell/command_tree.h"
+
+/// A view with commands of the test's own; it is the current one while it lives.
+class TestView {
+ public:
+  explicit TestView(const char* prompt);
+  ~TestView();
+  TestView(const TestView&) = delete;
+  TestView& operator=(const TestView&) = delete;
+
+  /// Adds a command whose handler notes that it ran.
+  /// @param words   such as "ping X.X.X.X <cr>": what is no placeholder and no "<cr>" is a keyword.
+  /// @param records the record functions of its parameters, in their order.
+  void Add(const std::string& words, std::initializer_list<ESH_CMD_RECORD_F> records = {});
+  void AddAll(std::initializer_list<const char*> commands);
+
+  /// The commands that ran since the last call, one a line.
+  [[nodiscard]] static std::string TakeRan();
+
+ private:
+  ESH_VIEW_S* before_;
+};
+
+/// The keywords of a vector of elements in slot order, separated by blanks.
+[[nodiscard]] std::string TextsOf(const VEC_S& elements);

@@ -1,0 +1,208 @@
+#include "shell/child_process.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+
+#include "shell/result.h"
+#include "term/line_editor.h"
+#include "tests/support/console.h"
+
+namespace {
+
+/// A shell script that the tests run as a tool: "/bin/sh <path>".
+class Script {
+ public:
+  explicit Script(const std::string& text) : path_(testing::TempDir() + "tool." + std::to_string(getpid())) {
+    std::ofstream(path_) << text << "\n";
+  }
+  ~Script() { std::filesystem::remove(path_); }
+  Script(const Script&) = delete;
+  Script& operator=(const Script&) = delete;
+  [[nodiscard]] std::string Line() const { return "/bin/sh " + path_; }
+
+ private:
+  std::string path_;
+};
+
+constexpr std::uint16_t kFlags[] = {0, 1, 2};  // no, yes, and what is neither
+
+std::uint32_t RunTool(const std::string& line, std::uint16_t ignoreInt = 0, std::uint16_t echo = 1) {
+  return ESH_ForkProcess(line.c_str(), ignoreInt, echo);
+}
+
+/// What the shell says of a tool that has ended.
+void Say(std::uint32_t result) { std::printf("%s\n", result == kSuccess ? "done" : "failed"); }
+
+/// A shell on a console: the terminal is the editor's, and signals are as in the command loop.
+class Shell : public Console {
+ public:
+  explicit Shell(const std::function<void()>& body)
+      : Console({}, [&body](const Report&) {
+          ASSERT_EQ(ESH_LINE_Init(), kSuccess);
+          for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) {
+            std::signal(signal, SIG_IGN);
+          }
+          body();
+        }) {}
+};
+
+std::string OutputOf(const std::function<void()>& body) { return Shell(body).ReadToEnd(); }
+
+TEST(Tool, SucceedsOnlyWhenItExitsWithStatusZero) {
+  struct StatusCase {
+    const char* line;
+    const char* output;
+  };
+  constexpr StatusCase kCases[] = {
+      {"/bin/true", "done\r\n"},
+      {"/bin/false", "failed\r\n"},
+      {"/no/such/tool", "failed\r\n"},
+      {"/bin", "failed\r\n"},
+      {"true", "failed\r\n"},
+      {"", "done\r\n"},
+      {"   ", "done\r\n"},
+      {nullptr, "done\r\n"},
+      {"  /bin/false  ", "failed\r\n"},
+      {"/bin/false ''", "failed\r\n"},
+  };
+  for (const StatusCase& c : kCases) {
+    EXPECT_EQ(OutputOf([&] { Say(ESH_ForkProcess(c.line, 1, 0)); }), c.output)
+        << (c.line == nullptr ? "no line" : c.line);
+  }
+  const Script killed("kill -KILL $$");
+  EXPECT_EQ(OutputOf([&] { Say(RunTool(killed.Line())); }), "failed\r\n");
+}
+
+TEST(Tool, GetsItsWordsWithoutQuotingAndWithoutEmptyOnes) {
+  const Script script(R"(printf '%s:' "$#" "$@")");
+  EXPECT_EQ(OutputOf([&] { RunTool(script.Line() + "   -f  'a b'\t*   "); }), "3:-f:'a:b'\t*:");
+  EXPECT_EQ(OutputOf([&] { RunTool(" " + script.Line()); }), "0:");
+  EXPECT_EQ(OutputOf([&] { RunTool(script.Line() + " 3 4 5 6 7 8"); }), "6:3:4:5:6:7:8:") << "eight words in all";
+  EXPECT_EQ(OutputOf([&] { RunTool(script.Line() + " 3 4 5 6 7 8 9"); }), "7:3:4:5:6:7:8:9:");
+}
+
+TEST(Tool, SpeaksAfterTheShellAndNothingIsSaidTwice) {
+  const std::string output = OutputOf([] {
+    std::printf("before ");
+    Say(RunTool("/bin/echo during"));
+    Say(RunTool("/no/such/tool"));
+  });
+  EXPECT_EQ(output, "before during\r\ndone\r\nfailed\r\n");
+}
+
+TEST(Tool, OwnsTheTerminalAndTheShellTakesItBack) {
+  const std::string output = OutputOf([] {
+    RunTool("/bin/cat /proc/self/stat");
+    std::printf("%d %d %d", tcgetpgrp(STDERR_FILENO) == getpgrp(), g_iShellGid == getpgrp(), g_EShSubPid);
+  });
+  std::istringstream text(output);
+  std::string skipped;
+  int pid = 0;
+  int group = 0;
+  int foreground = 0;
+  text >> pid >> skipped >> skipped >> skipped >> group >> skipped >> skipped >> foreground;
+  EXPECT_GT(pid, 0);
+  EXPECT_EQ(group, pid);
+  EXPECT_EQ(foreground, pid);
+  EXPECT_TRUE(output.ends_with("\r\n1 1 -1")) << output;
+}
+
+TEST(Tool, FindsItsSignalsAsIfNoShellHadChangedThem) {
+  for (const std::uint16_t ignore_int : kFlags) {
+    const std::string output = OutputOf([&] { RunTool("/bin/grep SigIgn /proc/self/status", ignore_int); });
+    const auto ignored = std::strtoull(output.substr(output.find(':') + 1).c_str(), nullptr, 16);
+    const auto is_ignored = [&](int signal) { return (ignored >> (signal - 1) & 1) != 0; };
+    EXPECT_EQ(is_ignored(SIGINT), ignore_int == 1) << ignore_int;
+    for (const int signal : {SIGTERM, SIGHUP, SIGPIPE, SIGTTOU}) {
+      EXPECT_FALSE(is_ignored(signal)) << output;
+    }
+  }
+}
+
+TEST(Tool, IsEndedByCtrlCUnlessItIgnoresIt) {
+  const Script script("echo ready; read line; echo \"got $line\"");
+  const Shell interrupted([&] { Say(RunTool(script.Line(), 0)); });
+  EXPECT_EQ(interrupted.ReadUntil("ready\r\n"), "ready\r\n");
+  interrupted.Type("\x03");
+  EXPECT_TRUE(interrupted.ReadToEnd().ends_with("failed\r\n"));
+
+  const Shell ignoring([&] { Say(RunTool(script.Line(), 1)); });
+  EXPECT_EQ(ignoring.ReadUntil("ready\r\n"), "ready\r\n");
+  ignoring.Type("\x03");
+  ignoring.Type("on\n");
+  EXPECT_TRUE(ignoring.ReadToEnd().ends_with("got on\r\ndone\r\n"));
+}
+
+TEST(Tool, SeesTheModesOfTheStartWithoutTheKeysThatStopIt) {
+  for (const std::uint16_t echo : kFlags) {
+    const std::string modes = OutputOf([&] { RunTool("/bin/stty -a", 1, echo); });
+    EXPECT_EQ(modes.find("-echo ") == std::string::npos, echo == 1) << modes;
+    EXPECT_NE(modes.find("-echonl"), std::string::npos) << modes;
+    for (const char* mode : {" icanon", " onlcr", "isig", "intr = ^C", "quit = <undef>", "susp = <undef>",
+                             "start = <undef>", "stop = <undef>"}) {
+      EXPECT_NE(modes.find(mode), std::string::npos) << mode << " in " << modes;
+    }
+  }
+}
+
+TEST(Tool, ThatChangesTheModesAndIsKilledLeavesNoTrace) {
+  const Script script("stty raw -echo intr z; kill -KILL $$");
+  const std::string output = OutputOf([&] {
+    Say(RunTool(script.Line()));
+    termios settings{};
+    tcgetattr(STDIN_FILENO, &settings);
+    std::printf("%d %d %d %d\n", settings.c_lflag == 0, settings.c_cc[VMIN], settings.c_cc[VTIME],
+                tcgetpgrp(STDERR_FILENO) == getpgrp());
+    RunTool("/bin/stty -a");
+  });
+  EXPECT_TRUE(output.starts_with("failed\r\n1 0 1 1\r\n")) << output;
+  EXPECT_NE(output.find("intr = ^C"), std::string::npos) << output;
+  EXPECT_NE(output.find(" icanon"), std::string::npos) << output;
+  EXPECT_NE(output.find(" echo "), std::string::npos) << output;
+}
+
+TEST(Tool, GetsSignalsThatTheShellPassesOn) {
+  // Again and again: the shell may note the process later than the tool starts.
+  const Script script("for i in $(seq 300); do kill -USR1 $PPID; sleep 0.1; done");
+  const std::string output = OutputOf([&] {
+    std::signal(SIGUSR1, [](int) { ESH_Sig2SubProcess(SIGTERM); });
+    Say(RunTool(script.Line()));
+    ESH_Sig2SubProcess(SIGTERM);  // no tool runs, so nobody is hit
+    std::printf("%d\n", ESH_IsForkSubProcess());
+  });
+  EXPECT_EQ(output, "failed\r\n0\r\n");
+}
+
+TEST(Tool, IsEndedWithItsGroupWhenTheShellEnds) {
+  const std::string output = OutputOf([] {
+    g_EShSubPid = fork();
+    if (g_EShSubPid == 0) {
+      setpgid(0, 0);
+      for (;;) {
+        pause();
+      }
+    }
+    const pid_t tool = g_EShSubPid;
+    setpgid(tool, tool);
+    g_iShellGid = getpgrp();
+    SetPgtp(tool);
+    ESH_CloseSubProcess();
+    int status = 0;
+    waitpid(tool, &status, 0);
+    std::printf("%d %d %d\n", WIFSIGNALED(status), tcgetpgrp(STDERR_FILENO) == getpgrp(), g_EShSubPid);
+  });
+  EXPECT_EQ(output, "1 1 -1\r\n");
+}
+
+}  // namespace

@@ -1,0 +1,86 @@
+#include "shell/command_tree.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/test_view.h"
+#include "util/vector.h"
+
+namespace {
+
+struct RangeCase {
+  const char* text;
+  std::uint32_t type;
+  std::uint64_t min;
+  std::uint64_t max;
+};
+constexpr RangeCase kRanges[] = {
+    {"STRING<1-15>", ESH_ELEM_STRING, 1, 15},
+    {"INTEGER<0-0>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER<5-5>", ESH_ELEM_INTEGER, 5, 5},
+    {"INTEGER<0-9999999999>", ESH_ELEM_INTEGER, 0, 9999999999},
+    {"INTEGER<0-10000000000>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER<00000000001-5>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER<5-3>", ESH_ELEM_INTEGER, 0, 0},
+    {"STRING<1-15>x", ESH_ELEM_STRING, 0, 0},
+    {"STRING<1-15>>", ESH_ELEM_STRING, 0, 0},
+    {"STRING<1-15", ESH_ELEM_STRING, 0, 0},
+    {"STRING<15>", ESH_ELEM_STRING, 0, 0},
+    {"STRING", ESH_ELEM_STRING, 0, 0},
+    {"STRING<-15>", ESH_ELEM_STRING, 0, 0},
+    {"STRING<1->", ESH_ELEM_STRING, 0, 0},
+    {"INTEGER<-1-5>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER<1--5>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER< 1-5>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER<+1-5>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER<a-f>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER<1-1f>", ESH_ELEM_INTEGER, 0, 0},
+    {"INTEGER<1-5-9>", ESH_ELEM_INTEGER, 0, 0},
+    {"X.X.X.X<1-5>", ESH_ELEM_IPV4, 0, 0},
+    {"word<1-5>", ESH_ELEM_KEYWORD, 0, 0},
+};
+
+TEST(CommandTree, TakesRangesOfTextsAndNumbersOnlyWhenTheyAreWellFormed) {
+  for (const RangeCase& c : kRanges) {
+    const TestView view("<t>");
+    ESH_CMD_THREAD_S* thread = ESH_CmdThread_Init(nullptr);
+    ESH_CmdThread_Reg2View(g_pstEshCurrentView, thread);
+    ESH_CmdThread_AddCmdElement(thread, c.text, "", nullptr, nullptr, nullptr, c.type);
+    EXPECT_EQ(FirstElement(*thread)->ulMin, c.min) << c.text;
+    EXPECT_EQ(FirstElement(*thread)->ulMax, c.max) << c.text;
+  }
+}
+
+TEST(CommandTree, LinksTheWordsInACircleThroughTheCommand) {
+  TestView view("<t>");
+  view.Add("set STRING<1-9>");
+  auto* thread = static_cast<ESH_CMD_THREAD_S*>(g_pstEshCurrentView->pstCmdVec->ppvArray[0]);
+  ESH_CmdThread_AddCr(thread);
+
+  const ESH_CMD_ELEMENT_S* keyword = FirstElement(*thread);
+  const ESH_CMD_ELEMENT_S* parameter = NextElement(*thread, *keyword);
+  const ESH_CMD_ELEMENT_S* end = NextElement(*thread, *parameter);
+  EXPECT_EQ(NextElement(*thread, *end), nullptr);
+  EXPECT_EQ(ThreadOfCr(*end), thread);
+  EXPECT_EQ(thread->pstPrev, end);
+  EXPECT_EQ(end->pstPrev, parameter);
+  EXPECT_EQ(parameter->pstPrev, keyword);
+  EXPECT_EQ(keyword->pstPrev, thread);
+
+  EXPECT_EQ(keyword->ulKeyLen, 3U);
+  EXPECT_EQ(parameter->ulKeyLen, 0U) << "only a keyword has a length";
+  EXPECT_EQ(end->ulKeyLen, 0U);
+  EXPECT_STREQ(end->pcKeyWord, "<cr>");
+  EXPECT_STREQ(end->pcHelp, " ");
+  EXPECT_EQ(end->ulType, ESH_ELEM_CR);
+}
+
+TEST(CommandTree, ACommandWithoutWordsIsItsOwnNeighbour) {
+  TestView view("<t>");
+  view.Add("");
+  auto* thread = static_cast<ESH_CMD_THREAD_S*>(g_pstEshCurrentView->pstCmdVec->ppvArray[0]);
+  EXPECT_EQ(thread->pstNext, thread);
+  EXPECT_EQ(thread->pstPrev, thread);
+  EXPECT_EQ(FirstElement(*thread), nullptr);
+}
+
+}  // namespace
