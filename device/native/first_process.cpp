@@ -19,8 +19,8 @@
 #include <cstring>
 #include <utility>
 
-#include "device/native/command_server.h"
-#include "device/native/namespaces.h"
+#include "device/board/command_server.h"
+#include "device/board/namespaces.h"
 
 namespace device {
 namespace {
@@ -191,7 +191,7 @@ void CollectProcesses(pid_t shell, CommandServer& commands, Channel& channel) {
 
 }  // namespace
 
-void RunFirstProcess(const BootOptions& options, const RootPlan& plan, PowerSupply supply) {
+void RunNativeFirstProcess(const BootOptions& options, const RootPlan& plan, PowerSupply supply) {
   DieWithParent();
   setsid();
   umask(0);

@@ -1,354 +1,62 @@
 #include "device/native/native_device.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/ioctl.h>
-#include <sys/socket.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <array>
-#include <cerrno>
 #include <csignal>
-#include <map>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
-#include "device/native/board.h"
-#include "device/native/channel.h"
-#include "device/native/namespaces.h"
-#include "device/native/root_files.h"
-#include "util/unique_handle.h"
+#include "device/board/board_device.h"
+#include "device/board/namespaces.h"
+#include "device/native/first_process.h"
+#include "device/native/host_programs.h"
 
 namespace device {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using std::chrono::milliseconds;
-
-constexpr int kSetUpMilliseconds = 20000;  // for a machine under load; a boot takes a small part of a second
-constexpr milliseconds kEndTime{5000};
-
-int MillisecondsUntil(Clock::time_point end) {
-  const auto left = std::chrono::ceil<milliseconds>(end - Clock::now()).count();
-  return static_cast<int>(std::max<long long>(left, 0));
-}
-
-int ExitStatusOf(int wait_status) {
-  return WIFSIGNALED(wait_status) ? 128 + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
-}
-
-/// Moves a descriptor of a fresh child to a number; nothing else is kept open.
-void KeepOnly(UniqueFd& descriptor) {
-  constexpr int kKept = 3;
-  const int moved = fcntl(descriptor.Get(), F_DUPFD_CLOEXEC, kKept + 1);
-  const int null = open("/dev/null", O_RDWR);
-  for (int number = 0; number < kKept; ++number) dup2(null, number);
-  dup3(moved, kKept, O_CLOEXEC);
-  (void)descriptor.Release();  // closed below, unless it is the one kept
-  close_range(kKept + 1, ~0U, 0);
-  descriptor.Reset(kKept);
-}
-
-/// Is the process between launcher and board: it leaves the host's namespaces, starts the board as the first process
-/// of a PID namespace and ends with it.
-[[noreturn]] void RunKeeper(const BootOptions& options, const RootPlan& plan, UniqueFd socket) {
-  DieWithParent();
-  KeepOnly(socket);
-  Channel channel(std::move(socket));
-  if (const std::string problem = LeaveHost(); !problem.empty()) {
-    channel.Send(MessageKind::kProblem, 0, 0, problem);
-    _exit(1);
-  }
-  channel.Send(MessageKind::kLeftHost);
-  if (!channel.Receive(kSetUpMilliseconds)) _exit(1);
-  DieWithParent();  // new identities cleared it
-  const pid_t board = fork();
-  if (board == 0) RunBoard(options, plan, std::move(channel));
-  channel = Channel();
-  int status = 0;
-  while (waitpid(board, &status, 0) < 0 && errno == EINTR) {
-  }
-  _exit(0);
-}
-
-class NativeDevice final : public Device {
+class NativeKind final : public DeviceKind {
  public:
-  explicit NativeDevice(BootOptions options) : options_(std::move(options)) {}
-  ~NativeDevice() override;
-
-  std::string Boot() override;
-  int Console() const override { return console_.Get(); }
-  void ResizeConsole(unsigned short columns, unsigned short rows) override;
-  CommandResult Run(const std::string& command, const std::string& input, milliseconds time) override {
-    return RunOver(device_, command, input, time);
-  }
-  CommandResult RunInLab(const std::string& command, const std::string& input, milliseconds time) override {
-    return RunOver(board_, command, input, time);
-  }
-  Outcome WaitForOutcome(milliseconds time) override;
-  int ShellStatus() const override { return shell_status_; }
-  void PowerOff() override;
-  const std::string& Report() const override { return report_; }
-
- private:
-  std::string StartBoard();
-  CommandResult RunOver(Channel& channel, const std::string& command, const std::string& input, milliseconds time);
-  void TakeMessages(int milliseconds_to_wait);
-  void Handle(Message& message);
-  void DeviceDown(int wait_status);
-  void Note(const std::string& event) { report_ += event + "\n"; }
-  [[nodiscard]] bool IsUp() const { return device_.Descriptor() >= 0; }
-  std::string Fail(const std::string& problem) {
-    Note("problem: " + problem);
-    return problem;
+  std::string Plan(const BootOptions& options, RootPlan& plan) const override {
+    return PlanRoot(options, ESH_DEVICE_FILES "/native/rootfs", HostPrograms(), plan);
   }
 
-  BootOptions options_;
-  RootPlan plan_;
-  pid_t keeper_ = -1;
-  Channel board_;
-  Channel device_;
-  UniqueFd console_;
-  Outcome outcome_ = Outcome::kPoweredOff;
-  bool power_taken_ = false;
-  std::uint32_t boot_ = 0;  // how many boots there were
-  int shell_status_ = -1;
-  std::string problem_;
-  bool board_ready_ = false;
-  std::uint32_t last_command_ = 0;
-  std::map<std::uint32_t, int> ended_commands_;  // wait status by request number
-  std::string report_;
+  std::vector<std::string> NeededOfHost() const override { return {}; }
+
+  /// A file system in memory whose size is limited.
+  std::string MakeMedium(const Medium& medium, const std::string& place) const override {
+    namespace fs = std::filesystem;
+    (void)mkdir(place.c_str(), 0755);
+    const std::string size = "mode=755,size=" + std::to_string(medium.bytes);
+    if (std::string problem = Mount(medium.name, place, "tmpfs", MS_NOSUID, size); !problem.empty()) return problem;
+    if (medium.contents.empty()) return "";
+    std::error_code error;
+    fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
+    return error ? "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message() : "";
+  }
+
+  [[noreturn]] void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
+                                    PowerSupply supply) const override {
+    RunNativeFirstProcess(options, plan, std::move(supply));
+  }
+
+  /// The kernel tells a restart of a PID namespace from a halt by the signal that ends its first process.
+  Outcome OutcomeOf(int wait_status) const override {
+    if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGHUP) return Outcome::kRebooted;
+    if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGINT) return Outcome::kPoweredOff;
+    return Outcome::kDied;
+  }
+
+  /// A boot takes a small part of a second.
+  std::chrono::milliseconds BootTime() const override { return std::chrono::milliseconds(20000); }
 };
-
-NativeDevice::~NativeDevice() {
-  if (keeper_ < 0) return;
-  board_.Shutdown();  // the board ends, and the kernel ends everything on it before the keeper hears of it
-  const Clock::time_point end = Clock::now() + kEndTime;
-  while (waitpid(keeper_, nullptr, WNOHANG) == 0) {
-    if (Clock::now() > end) {
-      kill(keeper_, SIGKILL);
-      waitpid(keeper_, nullptr, 0);
-      return;
-    }
-    poll(nullptr, 0, 1);
-  }
-}
-
-std::string NativeDevice::StartBoard() {
-  if (std::string problem = PlanRoot(options_, plan_); !problem.empty()) return problem;
-  UniqueFd own_end;
-  UniqueFd board_end;
-  if (!Channel::MakePair(own_end, board_end)) return "cannot make a socket";
-  keeper_ = fork();
-  if (keeper_ == 0) {
-    own_end.Reset();
-    RunKeeper(options_, plan_, std::move(board_end));
-  }
-  if (keeper_ < 0) return "cannot start a process";
-  board_end.Reset();
-  board_ = Channel(std::move(own_end));
-
-  const std::optional<Message> request = board_.Receive(kSetUpMilliseconds);
-  if (!request) return "the board did not start";
-  if (request->kind == MessageKind::kProblem) return request->text;
-  if (std::string problem = MapIdentities(keeper_); !problem.empty()) return problem;
-  board_.Send(MessageKind::kIdentities);
-  const Clock::time_point end = Clock::now() + milliseconds(kSetUpMilliseconds);
-  while (!board_ready_ && problem_.empty() && !board_.Closed() && Clock::now() < end)
-    TakeMessages(MillisecondsUntil(end));
-  if (board_ready_) return "";
-  return problem_.empty() ? "the board did not start" : problem_;
-}
-
-std::string NativeDevice::Boot() {
-  problem_.clear();
-  if (!board_ready_) {
-    if (std::string problem = StartBoard(); !problem.empty()) return Fail(problem);
-  }
-  PowerOff();
-  UniqueFd own_end;
-  UniqueFd device_end;
-  if (!Channel::MakePair(own_end, device_end)) return Fail("cannot make a socket");
-  const int given = device_end.Get();
-  if (!board_.Send(MessageKind::kPowerOn, ++boot_, 0, "", {&given, 1})) return Fail("the board is gone");
-  device_end.Reset();
-  device_ = Channel(std::move(own_end));
-  console_.Reset();
-  power_taken_ = false;
-  shell_status_ = -1;
-  outcome_ = Outcome::kRunning;
-  Note("power on");
-
-  const Clock::time_point end = Clock::now() + milliseconds(kSetUpMilliseconds);
-  while (!console_ && problem_.empty() && IsUp() && Clock::now() < end) TakeMessages(MillisecondsUntil(end));
-  if (console_) return "";
-  return Fail(problem_.empty() ? "the device did not start" : problem_);
-}
-
-void NativeDevice::ResizeConsole(unsigned short columns, unsigned short rows) {
-  options_.columns = columns;
-  options_.rows = rows;
-  const winsize window{rows, columns, 0, 0};
-  if (console_) ioctl(console_.Get(), TIOCSWINSZ, &window);
-}
-
-Outcome NativeDevice::WaitForOutcome(milliseconds time) {
-  const Clock::time_point end = Clock::now() + time;
-  do {
-    TakeMessages(outcome_ == Outcome::kRunning ? MillisecondsUntil(end) : 0);
-  } while (outcome_ == Outcome::kRunning && Clock::now() < end);
-  return outcome_;
-}
-
-void NativeDevice::PowerOff() {
-  if (!IsUp()) return;
-  power_taken_ = true;
-  board_.Send(MessageKind::kPowerOff);
-  const Clock::time_point end = Clock::now() + kEndTime;
-  while (IsUp() && Clock::now() < end) TakeMessages(MillisecondsUntil(end));
-}
-
-/// Takes all messages that are there, after waiting for the first.
-void NativeDevice::TakeMessages(int milliseconds_to_wait) {
-  std::array<pollfd, 2> waiting{{{board_.Descriptor(), POLLIN, 0}, {device_.Descriptor(), POLLIN, 0}}};
-  if (device_.Closed()) waiting[1].fd = -1;
-  if (poll(waiting.data(), waiting.size(), milliseconds_to_wait) <= 0) return;
-  // The device first: what it said before it went down belongs before that.
-  while (std::optional<Message> message = device_.Receive(0)) Handle(*message);
-  while (std::optional<Message> message = board_.Receive(0)) Handle(*message);
-  if (board_.Closed() && IsUp()) DeviceDown(-1);
-}
-
-void NativeDevice::Handle(Message& message) {
-  switch (message.kind) {
-    case MessageKind::kProblem:
-      problem_ = message.text;
-      break;
-    case MessageKind::kBoardReady:
-      board_ready_ = true;
-      break;
-    case MessageKind::kConsole:
-      console_ = std::move(message.descriptors.at(0));
-      Note("the shell starts");
-      break;
-    case MessageKind::kHandedOver:
-      outcome_ = Outcome::kHandedOver;
-      Note("the shell ended and handed the console over");
-      break;
-    case MessageKind::kShellEnded:
-      outcome_ = Outcome::kShellEnded;
-      shell_status_ = ExitStatusOf(message.value);
-      Note("the shell's process ended with status " + std::to_string(shell_status_));
-      break;
-    case MessageKind::kDeviceDown:
-      if (message.id == boot_) DeviceDown(message.value);
-      break;
-    case MessageKind::kCommandEnded:
-      ended_commands_[message.id] = message.value;
-      break;
-    case MessageKind::kLeftHost:
-    case MessageKind::kIdentities:
-    case MessageKind::kPowerOn:
-    case MessageKind::kPowerOff:
-    case MessageKind::kRun:
-    case MessageKind::kKill:
-      break;  // of the start, or the launcher's own
-  }
-}
-
-/// The kernel tells a restart of a PID namespace from a halt by the signal that ends its first process.
-void NativeDevice::DeviceDown(int wait_status) {
-  device_ = Channel();
-  outcome_ = Outcome::kDied;
-  if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGHUP) outcome_ = Outcome::kRebooted;
-  if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGINT) outcome_ = Outcome::kPoweredOff;
-  if (power_taken_) outcome_ = Outcome::kPoweredOff;
-  Note(std::string("the device is down: ") + OutcomeName(outcome_));
-}
-
-/// One command's three streams, seen from the launcher.
-struct Streams {
-  UniqueFd input;  // a socket: writing to a command that is gone is then an error and no signal
-  UniqueFd output;
-  UniqueFd errors;
-  UniqueFd command_ends[3];
-
-  bool Open() {
-    std::array<int, 2> ends{};
-    return socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0 && Keep(ends, input, command_ends[0]) &&
-           pipe2(ends.data(), O_CLOEXEC) == 0 && Keep(ends, output, command_ends[1]) &&
-           pipe2(ends.data(), O_CLOEXEC) == 0 && Keep(ends, errors, command_ends[2]);
-  }
-
- private:
-  static bool Keep(const std::array<int, 2>& ends, UniqueFd& own, UniqueFd& command) {
-    own.Reset(ends[0]);
-    command.Reset(ends[1]);
-    return fcntl(ends[0], F_SETFL, O_NONBLOCK) == 0;
-  }
-};
-
-void TakeOutput(UniqueFd& stream, std::string& text) {
-  std::array<char, 65536> block{};
-  while (stream) {
-    const ssize_t length = read(stream.Get(), block.data(), block.size());
-    if (length > 0) text.append(block.data(), static_cast<std::size_t>(length));
-    if (length == 0 || (length < 0 && errno != EAGAIN && errno != EINTR)) stream.Reset();
-    if (length < 0 && errno == EAGAIN) return;
-  }
-}
-
-void FeedInput(UniqueFd& stream, std::string_view& left) {
-  while (stream && !left.empty()) {
-    const ssize_t length = send(stream.Get(), left.data(), left.size(), MSG_NOSIGNAL);
-    if (length < 0 && errno == EAGAIN) return;
-    if (length < 0 && errno != EINTR) left = {};
-    if (length > 0) left.remove_prefix(static_cast<std::size_t>(length));
-  }
-  stream.Reset();
-}
-
-CommandResult NativeDevice::RunOver(Channel& channel, const std::string& command, const std::string& input,
-                                    milliseconds time) {
-  CommandResult result;
-  Streams streams;
-  if (channel.Descriptor() < 0 || !streams.Open()) return result;
-  const std::uint32_t id = ++last_command_;
-  const int given[3] = {streams.command_ends[0].Get(), streams.command_ends[1].Get(), streams.command_ends[2].Get()};
-  if (!channel.Send(MessageKind::kRun, id, 0, command, given)) return result;
-  for (UniqueFd& end : streams.command_ends) end.Reset();
-
-  std::string_view left = input;
-  FeedInput(streams.input, left);
-  const Clock::time_point end = Clock::now() + time;
-  while (!ended_commands_.contains(id) && channel.Descriptor() >= 0 && Clock::now() < end) {
-    std::array<pollfd, 5> waiting{{{board_.Descriptor(), POLLIN, 0},
-                                   {device_.Descriptor(), POLLIN, 0},
-                                   {streams.output.Get(), POLLIN, 0},
-                                   {streams.errors.Get(), POLLIN, 0},
-                                   {streams.input.Get(), POLLOUT, 0}}};
-    poll(waiting.data(), waiting.size(), MillisecondsUntil(end));
-    FeedInput(streams.input, left);
-    TakeOutput(streams.output, result.output);
-    TakeOutput(streams.errors, result.errors);
-    TakeMessages(0);
-  }
-  TakeOutput(streams.output, result.output);
-  TakeOutput(streams.errors, result.errors);
-  if (const auto ended = ended_commands_.extract(id); !ended.empty()) {
-    result.finished = true;
-    result.status = ExitStatusOf(ended.mapped());
-  } else {
-    channel.Send(MessageKind::kKill, id);
-  }
-  return result;
-}
 
 }  // namespace
 
 std::unique_ptr<Device> MakeNativeDevice(BootOptions options) {
-  return std::make_unique<NativeDevice>(std::move(options));
+  return MakeBoardDevice(std::make_unique<NativeKind>(), std::move(options));
 }
 
 }  // namespace device

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "device/native/channel.h"
+#include "device/board/channel.h"
 
 namespace device {
 

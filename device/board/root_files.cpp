@@ -1,19 +1,16 @@
-#include "device/native/root_files.h"
+#include "device/board/root_files.h"
 
-#include <elf.h>
-#include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <climits>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <system_error>
 
-#include "device/native/host_program.h"
+#include "device/board/host_program.h"
+#include "device/board/program_source.h"
 
 namespace device {
 namespace {
@@ -31,57 +28,6 @@ constexpr const char* kEmptyDirectories[] = {"bin",     "dev",         "dev/pts"
                                              "run",     "sbin",        "sys",     "var/tmp", "tmp"};
 
 std::string DirectoryOf(const std::string& path) { return fs::path(path).parent_path().string(); }
-
-/// @return the loader that a program names; "" for a program that is static or no program of this machine's kind.
-std::string LoaderOf(const std::string& program) {
-  std::ifstream file(program, std::ios::binary);
-  ElfW(Ehdr) head{};
-  if (!file.read(reinterpret_cast<char*>(&head), sizeof(head)) || std::memcmp(head.e_ident, ELFMAG, SELFMAG) != 0)
-    return "";
-  for (unsigned i = 0; i < head.e_phnum; ++i) {
-    ElfW(Phdr) part{};
-    file.seekg(static_cast<std::streamoff>(head.e_phoff + i * sizeof(part)));
-    if (!file.read(reinterpret_cast<char*>(&part), sizeof(part))) return "";
-    if (part.p_type != PT_INTERP || part.p_filesz == 0 || part.p_filesz > PATH_MAX) continue;
-    std::string loader(part.p_filesz, '\0');
-    file.seekg(static_cast<std::streamoff>(part.p_offset));
-    if (!file.read(loader.data(), static_cast<std::streamsize>(loader.size()))) return "";
-    loader.pop_back();  // its terminating NUL
-    return loader;
-  }
-  return "";
-}
-
-void AddCopy(const std::string& host_path, const std::string& path, RootPlan& plan) {
-  for (const HostFile& file : plan.copies) {
-    if (file.path == path) return;  // a library that another program brought already
-  }
-  plan.copies.push_back({host_path, path});
-}
-
-/// Adds the shared libraries and the loader that a program needs. The loader is asked itself, without running the
-/// program; its lines are "name => path (address)".
-std::string AddLibraries(const std::string& program, RootPlan& plan) {
-  const std::string loader = LoaderOf(program);
-  if (loader.empty()) return "";
-  const std::optional<std::string> listing = OutputOf({loader, "--list", program});
-  if (!listing) return program + " needs shared libraries that " + loader + " does not find";
-  AddCopy(loader, loader, plan);
-  std::istringstream lines(*listing);
-  for (std::string line; std::getline(lines, line);) {
-    const std::size_t begin = line.find('/');
-    if (begin == std::string::npos) continue;  // the kernel's own object has no file
-    const std::string library = line.substr(begin, line.find(' ', begin) - begin);
-    AddCopy(library, library, plan);
-  }
-  return "";
-}
-
-std::string AddProgram(const std::string& host_path, const std::string& path, RootPlan& plan) {
-  if (access(host_path.c_str(), R_OK) != 0) return host_path + " is missing or not readable";
-  plan.copies.push_back({host_path, path});
-  return AddLibraries(host_path, plan);
-}
 
 std::vector<std::string> TerminfoDirectories() {
   std::vector<std::string> directories;
@@ -102,16 +48,18 @@ void AddTerminal(const std::string& name, RootPlan& plan) {
   }
 }
 
-std::string AddBusybox(RootPlan& plan) {
-  const std::string busybox = FindProgram("busybox");
-  if (busybox.empty()) return "busybox is missing (Debian package busybox-static)";
-  const std::optional<std::string> names = OutputOf({busybox, "--list"});
-  if (!names) return busybox + " --list failed";
+/// The names of the tools are asked of the host's busybox, which can be run here: Debian builds it alike for all
+/// machines.
+std::string AddBusybox(const ProgramSource& programs, RootPlan& plan) {
+  const std::string hosts_own = FindProgram("busybox");
+  if (hosts_own.empty()) return "busybox is missing (Debian package busybox-static)";
+  const std::optional<std::string> names = OutputOf({hosts_own, "--list"});
+  if (!names) return hosts_own + " --list failed";
   std::istringstream lines(*names);
   for (std::string name; std::getline(lines, name);) {
     if (name != "busybox" && name != kMissingApplet) plan.applets.push_back(name);
   }
-  return AddProgram(busybox, "/bin/busybox", plan);
+  return AddProgram(programs.Find("busybox"), "/bin/busybox", programs, plan);
 }
 
 std::string CopyFile(const HostFile& file, const std::string& root) {
@@ -147,19 +95,36 @@ void LinkApplets(const RootPlan& plan, const std::string& root) {
 
 }  // namespace
 
-std::string PlanRoot(const BootOptions& options, RootPlan& plan) {
+void AddCopy(const std::string& host_path, const std::string& path, RootPlan& plan) {
+  for (const HostFile& file : plan.copies) {
+    if (file.path == path) return;  // a library that another program brought already
+  }
+  plan.copies.push_back({host_path, path});
+}
+
+std::string AddProgram(const std::string& host_path, const std::string& path, const ProgramSource& programs,
+                       RootPlan& plan) {
+  if (access(host_path.c_str(), R_OK) != 0) return host_path + " is missing or not readable";
+  plan.copies.push_back({host_path, path});
+  return programs.AddLibraries(host_path, plan);
+}
+
+std::string PlanRoot(const BootOptions& options, const std::string& kind_files, const ProgramSource& programs,
+                     RootPlan& plan) {
   plan = RootPlan{};
-  plan.root_files = options.root_files;
-  if (!fs::is_directory(options.root_files)) return "the device's files are missing: " + options.root_files;
-  if (std::string problem = AddBusybox(plan); !problem.empty()) return problem;
-  if (std::string problem = AddProgram(options.shell, kShellPath, plan); !problem.empty()) return problem;
-  if (const std::string ssh = FindProgram("ssh"); !ssh.empty()) {
-    if (std::string problem = AddProgram(ssh, "/bin/ssh", plan); !problem.empty()) return problem;
+  plan.layers = {options.root_files, kind_files};
+  for (const std::string& layer : plan.layers) {
+    if (!fs::is_directory(layer)) return "the device's files are missing: " + layer;
+  }
+  if (std::string problem = AddBusybox(programs, plan); !problem.empty()) return problem;
+  if (std::string problem = AddProgram(options.shell, kShellPath, programs, plan); !problem.empty()) return problem;
+  if (const std::string ssh = programs.Find("ssh"); !ssh.empty()) {
+    if (std::string problem = AddProgram(ssh, "/bin/ssh", programs, plan); !problem.empty()) return problem;
   }
   for (const char* name : kTerminals) AddTerminal(name, plan);
   if (options.term) AddTerminal(*options.term, plan);
   for (const HostFile& file : options.host_files) {
-    if (std::string problem = AddProgram(file.host_path, file.path, plan); !problem.empty()) return problem;
+    if (std::string problem = AddProgram(file.host_path, file.path, programs, plan); !problem.empty()) return problem;
   }
   if (!options.has_ip_stack) plan.texts.push_back({"/lib/modules/ipstack.ko", std::nullopt});
   if (!options.has_addon) plan.texts.push_back({"/lib/modules/addon.ko", std::nullopt});
@@ -169,8 +134,12 @@ std::string PlanRoot(const BootOptions& options, RootPlan& plan) {
 
 std::string ComposeRoot(const RootPlan& plan, const std::string& root) {
   std::error_code error;
-  fs::copy(plan.root_files, root, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
-  if (error) return "cannot copy " + plan.root_files + ": " + error.message();
+  constexpr auto kHow =
+      fs::copy_options::recursive | fs::copy_options::copy_symlinks | fs::copy_options::overwrite_existing;
+  for (const std::string& layer : plan.layers) {
+    fs::copy(layer, root, kHow, error);
+    if (error) return "cannot copy " + layer + ": " + error.message();
+  }
   for (const char* directory : kEmptyDirectories) fs::create_directories(root + "/" + directory, error);
   for (const HostFile& file : plan.copies) {
     if (std::string problem = CopyFile(file, root); !problem.empty()) return problem;

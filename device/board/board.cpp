@@ -1,4 +1,4 @@
-#include "device/native/board.h"
+#include "device/board/board.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -9,18 +9,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
-#include <system_error>
 #include <utility>
 
-#include "device/native/command_server.h"
-#include "device/native/first_process.h"
-#include "device/native/host_program.h"
-#include "device/native/namespaces.h"
+#include "device/board/command_server.h"
+#include "device/board/host_program.h"
+#include "device/board/namespaces.h"
 
 namespace device {
 namespace {
@@ -33,20 +32,20 @@ constexpr const char* kCoverable[] = {"/srv", "/mnt", "/media", "/opt"};
 
 bool IsBelow(const std::string& path, const std::string& directory) { return path.rfind(directory + "/", 0) == 0; }
 
-bool Holds(const std::string& directory, const BootOptions& options, const RootPlan& plan) {
-  if (IsBelow(plan.root_files, directory) || IsBelow(options.lab_script, directory)) return true;
-  for (const HostFile& file : plan.copies) {
-    if (IsBelow(file.host_path, directory)) return true;
-  }
-  for (const Medium& medium : options.media) {
-    if (IsBelow(medium.contents, directory)) return true;
-  }
-  return false;
+/// @return every place of the host that a device is made from.
+std::vector<std::string> NeededPlaces(const DeviceKind& kind, const BootOptions& options, const RootPlan& plan) {
+  std::vector<std::string> places = kind.NeededOfHost();
+  places.push_back(options.lab_script);
+  places.insert(places.end(), plan.layers.begin(), plan.layers.end());
+  for (const HostFile& file : plan.copies) places.push_back(file.host_path);
+  for (const Medium& medium : options.media) places.push_back(medium.contents);
+  return places;
 }
 
-std::string ChooseDirectory(const BootOptions& options, const RootPlan& plan) {
+std::string ChooseDirectory(const std::vector<std::string>& needed) {
   for (const char* directory : kCoverable) {
-    if (fs::is_directory(directory) && !Holds(directory, options, plan)) return directory;
+    const auto is_inside = [directory](const std::string& place) { return IsBelow(place, directory); };
+    if (fs::is_directory(directory) && std::none_of(needed.begin(), needed.end(), is_inside)) return directory;
   }
   return "";
 }
@@ -57,8 +56,12 @@ std::vector<std::string> LabEnvironment() {
 
 class Board {
  public:
-  Board(const BootOptions& options, const RootPlan& plan, Channel launcher)
-      : options_(options), plan_(plan), launcher_(std::move(launcher)), lab_commands_(launcher_, LabEnvironment()) {}
+  Board(const DeviceKind& kind, const BootOptions& options, const RootPlan& plan, Channel launcher)
+      : kind_(kind),
+        options_(options),
+        plan_(plan),
+        launcher_(std::move(launcher)),
+        lab_commands_(launcher_, LabEnvironment()) {}
 
   [[noreturn]] void Run() {
     if (const std::string problem = SetUp(); !problem.empty()) {
@@ -73,7 +76,7 @@ class Board {
   std::string SetUp() {
     DieWithParent();
     CatchChildren();
-    directory_ = ChooseDirectory(options_, plan_);
+    directory_ = ChooseDirectory(NeededPlaces(kind_, options_, plan_));
     if (directory_.empty()) return "no directory of the host can be covered";
     // Nothing that is mounted from here on may reach the host.
     if (mount(nullptr, "/", nullptr, MS_PRIVATE | MS_REC, nullptr) != 0)
@@ -84,7 +87,8 @@ class Board {
       return problem;
     for (const char* part : {"/root", "/media"}) (void)mkdir((directory_ + part).c_str(), 0755);
     for (const Medium& medium : options_.media) {
-      if (std::string problem = MakeMedium(medium); !problem.empty()) return problem;
+      const std::string place = directory_ + "/media/" + medium.name;
+      if (std::string problem = kind_.MakeMedium(medium, place); !problem.empty()) return problem;
     }
     return "";
   }
@@ -95,17 +99,6 @@ class Board {
     sigaddset(&signals, SIGCHLD);
     sigprocmask(SIG_SETMASK, &signals, nullptr);
     signals_.Reset(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
-  }
-
-  std::string MakeMedium(const Medium& medium) {
-    const std::string place = directory_ + "/media/" + medium.name;
-    (void)mkdir(place.c_str(), 0755);
-    const std::string size = "mode=755,size=" + std::to_string(medium.bytes);
-    if (std::string problem = Mount(medium.name, place, "tmpfs", MS_NOSUID, size); !problem.empty()) return problem;
-    if (medium.contents.empty()) return "";
-    std::error_code error;
-    fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
-    return error ? "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message() : "";
   }
 
   void ServeOnce() {
@@ -160,7 +153,7 @@ class Board {
       launcher_ = Channel();
       signals_.Reset();
       own_processes_.Reset();
-      RunFirstProcess(options_, plan_, {directory_ + "/root", directory_ + "/media", std::move(channel)});
+      kind_.RunFirstProcess(options_, plan_, {directory_ + "/root", directory_ + "/media", std::move(channel)});
     }
     if (process < 0) return std::string("cannot start a process: ") + std::strerror(errno);
     device_ = process;
@@ -184,6 +177,7 @@ class Board {
     return "";
   }
 
+  const DeviceKind& kind_;
   const BootOptions& options_;
   const RootPlan& plan_;
   Channel launcher_;
@@ -197,8 +191,8 @@ class Board {
 
 }  // namespace
 
-void RunBoard(const BootOptions& options, const RootPlan& plan, Channel launcher) {
-  Board(options, plan, std::move(launcher)).Run();
+void RunBoard(const DeviceKind& kind, const BootOptions& options, const RootPlan& plan, Channel launcher) {
+  Board(kind, options, plan, std::move(launcher)).Run();
 }
 
 }  // namespace device

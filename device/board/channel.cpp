@@ -1,4 +1,4 @@
-#include "device/native/channel.h"
+#include "device/board/channel.h"
 
 #include <poll.h>
 #include <sys/socket.h>

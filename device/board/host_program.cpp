@@ -1,4 +1,4 @@
-#include "device/native/host_program.h"
+#include "device/board/host_program.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>

@@ -1,4 +1,4 @@
-#include "device/native/namespaces.h"
+#include "device/board/namespaces.h"
 
 #include <fcntl.h>
 #include <sched.h>

@@ -1,4 +1,4 @@
-#include "device/native/command_server.h"
+#include "device/board/command_server.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
