@@ -28,24 +28,19 @@ constexpr std::array<ESH_CMD_PROC_F, sizeof...(kIndexes)> MakeHandlers(std::inde
 }
 constexpr auto kHandlers = MakeHandlers(std::make_index_sequence<kMaxCommands>());
 
-/// The element type that a word stands for.
+/// What the words of the tests begin with that are no keywords, the longer beginning first.
+constexpr std::pair<const char*, std::uint32_t> kPlaceholders[] = {
+    {"<cr>", ESH_ELEM_CR},       {"X.X.X.X", ESH_ELEM_IPV4},    {"X:X::X:X/M", ESH_ELEM_IPV6PREFIX},
+    {"X:X::X:X", ESH_ELEM_IPV6}, {"INTEGER", ESH_ELEM_INTEGER}, {"STRING", ESH_ELEM_STRING},
+};
+
 std::uint32_t TypeOfWord(const std::string& word) {
-  if (word == "<cr>") {
-    return ESH_ELEM_CR;
+  for (const auto& [beginning, type] : kPlaceholders) {
+    if (word.starts_with(beginning)) {
+      return type;
+    }
   }
-  if (word == "X.X.X.X") {
-    return ESH_ELEM_IPV4;
-  }
-  if (word == "X:X::X:X") {
-    return ESH_ELEM_IPV6;
-  }
-  if (word == "X:X::X:X/M") {
-    return ESH_ELEM_IPV6PREFIX;
-  }
-  if (word.starts_with("INTEGER")) {
-    return ESH_ELEM_INTEGER;
-  }
-  return word.starts_with("STRING") ? ESH_ELEM_STRING : ESH_ELEM_KEYWORD;
+  return ESH_ELEM_KEYWORD;
 }
 
 void FreeCommand(ESH_CMD_THREAD_S* thread) {

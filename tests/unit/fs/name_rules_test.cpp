@@ -3,47 +3,30 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <initializer_list>
 #include <string>
 
 #include "shell/result.h"
 
 namespace {
 
-TEST(FileName, HasLegalCharactersAndShape) {
-  struct NameCase {
-    std::string name;
-    bool valid;
-  };
-  const std::string component(255, 'c');
-  const NameCase cases[] = {
-      {"a", true},
-      {"flash:", true},
-      {"flash:/a b/\xc3\xa9\x7f", true},
-      {"/mnt/flash:/a/", true},
-      {"/", true},
-      {"", false},
-      {"a\x1f", false},
-      {"a\n", false},
-      {"//a", false},
-      {"a//b", false},
-      {"a/b//", false},
-      {":", false},
-      {":/a", false},
-      {"flash:a", false},
-      {"a:/b:/c", false},
-      {"a::", false},
-      {component, true},
-      {component + "c", false},
-      {"a/" + component + "/" + component, true},
-      {"a/" + component + "c/b", false},
-      {component.substr(1) + ":/" + component, true},
-      {component + ":/a", false},
-  };
-  for (const NameCase& c : cases) {
-    EXPECT_EQ(ESH_FS_IsValidFileName(c.name.c_str()) == kSuccess, c.valid) << c.name;
+/// Tries a rule on names that all deserve the same verdict.
+void ExpectVerdict(bool accepted, std::uint32_t (*rule)(const char*), std::initializer_list<std::string> names) {
+  for (const std::string& name : names) {
+    EXPECT_EQ(rule(name.c_str()) == kSuccess, accepted) << '"' << name << '"';
   }
+}
+
+TEST(FileName, HasLegalCharactersAndShape) {
+  const std::string longest(255, 'c');
+  ExpectVerdict(true, ESH_FS_IsValidFileName,
+                {"a", "flash:", "flash:/a b/\xc3\xa9\x7f", "/mnt/flash:/a/", "/", longest,
+                 "a/" + longest + "/" + longest, longest.substr(1) + ":/" + longest});
+  ExpectVerdict(false, ESH_FS_IsValidFileName,
+                {"", "a\x1f", "a\n", "//a", "a//b", "a/b//", ":", ":/a", "flash:a", "a:/b:/c", "a::", longest + "c",
+                 "a/" + longest + "c/b", longest + ":/a"});
   for (const char forbidden : std::string("\"'*<>?\\|")) {
-    EXPECT_NE(ESH_FS_IsValidFileName((std::string("flash:/a") + forbidden).c_str()), kSuccess) << forbidden;
+    ExpectVerdict(false, ESH_FS_IsValidFileName, {std::string("flash:/a") + forbidden});
   }
 }
 
@@ -59,18 +42,9 @@ TEST(FileName, HasAtMost4095Characters) {
 }
 
 TEST(FileName, IsHiddenByAnyComponentThatBeginsWithADot) {
-  struct VisibleCase {
-    const char* name;
-    bool visible;
-  };
-  constexpr VisibleCase kCases[] = {
-      {".profile", false},     {"..x", false},    {"...", false}, {"a/.b/c", false}, {"/mnt/flash:/.h", false},
-      {"dir/.hidden/", false}, {"a/./b/.", true}, {"..", true},   {"../a", true},    {"a.b", true},
-      {"a/b.", true},          {"/", true},       {"", true},
-  };
-  for (const VisibleCase& c : kCases) {
-    EXPECT_EQ(ESH_IsVisibleFullFileName(c.name) == kSuccess, c.visible) << c.name;
-  }
+  ExpectVerdict(true, ESH_IsVisibleFullFileName, {"a/./b/.", "..", "../a", "a.b", "a/b.", "/", ""});
+  ExpectVerdict(false, ESH_IsVisibleFullFileName,
+                {".profile", "..x", "...", "a/.b/c", "/mnt/flash:/.h", "dir/.hidden/"});
 }
 
 TEST(QuotedName, LosesItsQuotesOnlyWhenItHoldsABlank) {

@@ -2,52 +2,34 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "tests/support/test_view.h"
 #include "util/vector.h"
 
 namespace {
 
-struct RangeCase {
-  const char* text;
-  std::uint32_t type;
-  std::uint64_t min;
-  std::uint64_t max;
-};
-constexpr RangeCase kRanges[] = {
-    {"STRING<1-15>", ESH_ELEM_STRING, 1, 15},
-    {"INTEGER<0-0>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER<5-5>", ESH_ELEM_INTEGER, 5, 5},
-    {"INTEGER<0-9999999999>", ESH_ELEM_INTEGER, 0, 9999999999},
-    {"INTEGER<0-10000000000>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER<00000000001-5>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER<5-3>", ESH_ELEM_INTEGER, 0, 0},
-    {"STRING<1-15>x", ESH_ELEM_STRING, 0, 0},
-    {"STRING<1-15>>", ESH_ELEM_STRING, 0, 0},
-    {"STRING<1-15", ESH_ELEM_STRING, 0, 0},
-    {"STRING<15>", ESH_ELEM_STRING, 0, 0},
-    {"STRING", ESH_ELEM_STRING, 0, 0},
-    {"STRING<-15>", ESH_ELEM_STRING, 0, 0},
-    {"STRING<1->", ESH_ELEM_STRING, 0, 0},
-    {"INTEGER<-1-5>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER<1--5>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER< 1-5>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER<+1-5>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER<a-f>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER<1-1f>", ESH_ELEM_INTEGER, 0, 0},
-    {"INTEGER<1-5-9>", ESH_ELEM_INTEGER, 0, 0},
-    {"X.X.X.X<1-5>", ESH_ELEM_IPV4, 0, 0},
-    {"word<1-5>", ESH_ELEM_KEYWORD, 0, 0},
-};
+/// What an element takes as its range from its text, as "min-max".
+std::string RangeOf(const char* text, std::uint32_t type) {
+  const TestView view("<t>");
+  ESH_CMD_THREAD_S* thread = ESH_CmdThread_Init(nullptr);
+  ESH_CmdThread_Reg2View(g_pstEshCurrentView, thread);
+  ESH_CmdThread_AddCmdElement(thread, text, "", nullptr, nullptr, nullptr, type);
+  return std::to_string(FirstElement(*thread)->ulMin) + "-" + std::to_string(FirstElement(*thread)->ulMax);
+}
 
 TEST(CommandTree, TakesRangesOfTextsAndNumbersOnlyWhenTheyAreWellFormed) {
-  for (const RangeCase& c : kRanges) {
-    const TestView view("<t>");
-    ESH_CMD_THREAD_S* thread = ESH_CmdThread_Init(nullptr);
-    ESH_CmdThread_Reg2View(g_pstEshCurrentView, thread);
-    ESH_CmdThread_AddCmdElement(thread, c.text, "", nullptr, nullptr, nullptr, c.type);
-    EXPECT_EQ(FirstElement(*thread)->ulMin, c.min) << c.text;
-    EXPECT_EQ(FirstElement(*thread)->ulMax, c.max) << c.text;
+  EXPECT_EQ(RangeOf("STRING<1-15>", ESH_ELEM_STRING), "1-15");
+  EXPECT_EQ(RangeOf("INTEGER<5-5>", ESH_ELEM_INTEGER), "5-5");
+  EXPECT_EQ(RangeOf("INTEGER<0-9999999999>", ESH_ELEM_INTEGER), "0-9999999999");
+  for (const char* text :
+       {"INTEGER<0-10000000000>", "INTEGER<00000000001-5>", "INTEGER<5-3>", "INTEGER<-1-5>", "INTEGER<1--5>",
+        "INTEGER< 1-5>", "INTEGER<+1-5>", "INTEGER<a-f>", "INTEGER<1-1f>", "INTEGER<1-5-9>", "STRING<1-15>x",
+        "STRING<1-15>>", "STRING<1-15", "STRING<15>", "STRING", "STRING<-15>", "STRING<1->"}) {
+    EXPECT_EQ(RangeOf(text, text[0] == 'S' ? ESH_ELEM_STRING : ESH_ELEM_INTEGER), "0-0") << text;
   }
+  EXPECT_EQ(RangeOf("X.X.X.X<1-5>", ESH_ELEM_IPV4), "0-0");
+  EXPECT_EQ(RangeOf("word<1-5>", ESH_ELEM_KEYWORD), "0-0");
 }
 
 TEST(CommandTree, LinksTheWordsInACircleThroughTheCommand) {
