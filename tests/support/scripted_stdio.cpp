@@ -1,5 +1,6 @@
 #include "tests/support/scripted_stdio.h"
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -28,9 +29,12 @@ ScriptedStdio::ScriptedStdio(std::string_view keys)
 }
 
 ScriptedStdio::~ScriptedStdio() {
-  std::fflush(stdout);
+  const std::string left = TakeOutput();
   dup2(saved_input_.Get(), STDIN_FILENO);
   dup2(saved_output_.Get(), STDOUT_FILENO);
+  if (testing::Test::HasFailure()) {
+    std::fputs(left.c_str(), stdout);  // a failed expectation was reported into the kept output
+  }
 }
 
 std::string ScriptedStdio::TakeOutput() {
