@@ -2,6 +2,7 @@
 # Installs the Debian packages that the project needs and that are missing.
 #   cmake/install-packages.sh build   to build the project and boot the native device
 #   cmake/install-packages.sh test    also to run every check of ./test
+#   cmake/install-packages.sh arm64   to build for the arm64 device and to run it, besides what build installs
 set -euo pipefail
 
 build_packages=(
@@ -11,12 +12,17 @@ build_packages=(
   busybox-static openssh-client
 )
 test_packages=(clang-format clang-tidy libbenchmark-dev libcli-dev valgrind)
+arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm)
 
 case ${1-} in
   build) wanted=("${build_packages[@]}") ;;
   test) wanted=("${build_packages[@]}" "${test_packages[@]}") ;;
+  arm64)
+    wanted=("${build_packages[@]}" "${arm64_packages[@]}")
+    recommends=--no-install-recommends # the emulator's are desktops
+    ;;
   *)
-    echo "usage: ${0##*/} build|test" >&2
+    echo "usage: ${0##*/} build|test|arm64" >&2
     exit 2
     ;;
 esac
@@ -29,18 +35,22 @@ missing=()
 for package in "${wanted[@]}"; do
   is_installed "$package" || missing+=("$package")
 done
-[ ${#missing[@]} -gt 0 ] || exit 0
 
 install_missing() {
-  "$@" apt-get update && "$@" env DEBIAN_FRONTEND=noninteractive apt-get install --yes "${missing[@]}"
+  "$@" apt-get update && "$@" env DEBIAN_FRONTEND=noninteractive apt-get install --yes ${recommends-} "${missing[@]}"
 }
 
-echo "Installing: ${missing[*]}"
-if [ "$(id -u)" -eq 0 ]; then
-  install_missing
-elif command -v sudo > /dev/null; then
-  install_missing sudo
-else
-  echo "Packages are missing. As root, run: apt-get install ${missing[*]}" >&2
-  exit 1
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "Installing: ${missing[*]}"
+  if [ "$(id -u)" -eq 0 ]; then
+    install_missing
+  elif command -v sudo > /dev/null; then
+    install_missing sudo
+  else
+    echo "Packages are missing. As root, run: apt-get install ${missing[*]}" >&2
+    exit 1
+  fi
 fi
+
+# What the device itself is made of is for its machine, not for this one.
+[ "$1" != arm64 ] || exec "$(dirname "$0")/fetch-arm64.sh" > /dev/null

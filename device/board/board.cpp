@@ -61,7 +61,9 @@ class Board {
         options_(options),
         plan_(plan),
         launcher_(std::move(launcher)),
-        lab_commands_(launcher_, LabEnvironment()) {}
+        lab_commands_(
+            [this](std::uint32_t id, int wait_status) { launcher_.Send(MessageKind::kCommandEnded, id, wait_status); },
+            LabEnvironment()) {}
 
   [[noreturn]] void Run() {
     if (const std::string problem = SetUp(); !problem.empty()) {

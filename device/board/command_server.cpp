@@ -48,8 +48,8 @@ void ExecuteProgram(const std::vector<std::string>& words, const std::vector<std
   _exit(kCannotStart);
 }
 
-CommandServer::CommandServer(Channel& channel, std::vector<std::string> environment)
-    : channel_(channel), environment_(std::move(environment)) {}
+CommandServer::CommandServer(Answer answer, std::vector<std::string> environment)
+    : answer_(std::move(answer)), environment_(std::move(environment)) {}
 
 void CommandServer::Handle(const Message& message) {
   if (message.kind == MessageKind::kRun) Start(message);
@@ -67,7 +67,7 @@ void CommandServer::Start(const Message& message) {
                    {message.descriptors[0].Get(), message.descriptors[1].Get(), message.descriptors[2].Get()});
   }
   if (process < 0) {
-    channel_.Send(MessageKind::kCommandEnded, message.id, W_EXITCODE(kCannotStart, 0));
+    answer_(message.id, W_EXITCODE(kCannotStart, 0));
     return;
   }
   running_.emplace(process, message.id);
@@ -76,8 +76,9 @@ void CommandServer::Start(const Message& message) {
 void CommandServer::ChildEnded(pid_t child, int wait_status) {
   const auto command = running_.find(child);
   if (command == running_.end()) return;
-  channel_.Send(MessageKind::kCommandEnded, command->second, wait_status);
+  const std::uint32_t id = command->second;
   running_.erase(command);
+  answer_(id, wait_status);
 }
 
 }  // namespace device

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -12,12 +13,14 @@
 
 namespace device {
 
-/// Runs commands for the other end of a channel and answers with how they ended.
+/// Runs commands that are asked for by messages, and tells how they ended.
 class CommandServer {
  public:
-  /// @param channel      outlives the server.
+  /// Takes the number of a request and the wait status of its command.
+  using Answer = std::function<void(std::uint32_t id, int wait_status)>;
+
   /// @param environment  "NAME=value" for every command.
-  CommandServer(Channel& channel, std::vector<std::string> environment);
+  CommandServer(Answer answer, std::vector<std::string> environment);
 
   /// Starts or kills a command; other messages are left alone.
   void Handle(const Message& message);
@@ -28,7 +31,7 @@ class CommandServer {
  private:
   void Start(const Message& message);
 
-  Channel& channel_;
+  Answer answer_;
   std::vector<std::string> environment_;
   std::map<pid_t, std::uint32_t> running_;  // request number by process
 };

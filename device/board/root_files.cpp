@@ -11,13 +11,13 @@
 
 #include "device/board/host_program.h"
 #include "device/board/program_source.h"
+#include "device/board/shell_start.h"
 
 namespace device {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kShellPath[] = "/sbin/esh";
 /// The boot image lacks this one, and the shell makes the link when it needs it.
 constexpr char kMissingApplet[] = "reboot";
 constexpr char kDeviceTerminfo[] = "/usr/share/terminfo";

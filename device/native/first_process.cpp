@@ -21,6 +21,7 @@
 
 #include "device/board/command_server.h"
 #include "device/board/namespaces.h"
+#include "device/board/shell_start.h"
 
 namespace device {
 namespace {
@@ -123,23 +124,12 @@ std::string OpenConsole(const BootOptions& options, ConsoleEnds& console) {
   return "";
 }
 
-std::vector<std::string> CommandEnvironment() { return {"PATH=/bin:/sbin", "HOME=/root", "USER=root"}; }
-
-std::vector<std::string> ShellEnvironment(const BootOptions& options) {
-  std::vector<std::string> environment = CommandEnvironment();
-  if (options.term) environment.push_back("TERM=" + *options.term);
-  environment.insert(environment.end(), options.environment.begin(), options.environment.end());
-  return environment;
-}
-
 pid_t StartShell(const BootOptions& options, const ConsoleEnds& console) {
   const pid_t process = fork();
   if (process != 0) return process;
   setpgid(0, 0);  // not a session of its own: whoever holds the console later must not get it as controlling terminal
-  std::vector<std::string> words{"/sbin/esh"};
-  words.insert(words.end(), options.arguments.begin(), options.arguments.end());
   const int slave = console.slave.Get();
-  ExecuteProgram(words, ShellEnvironment(options), {slave, slave, slave});
+  ExecuteProgram(ShellWords(options), ShellEnvironment(options), {slave, slave, slave});
 }
 
 /// A process that stays in the lab's network namespace, where insmod and rmmod fetch and leave the management port.
@@ -169,7 +159,9 @@ void CollectProcesses(pid_t shell, CommandServer& commands, Channel& channel) {
 }
 
 [[noreturn]] void Serve(pid_t shell, Channel& channel, int signals) {
-  CommandServer commands(channel, CommandEnvironment());
+  CommandServer commands(
+      [&channel](std::uint32_t id, int wait_status) { channel.Send(MessageKind::kCommandEnded, id, wait_status); },
+      CommandEnvironment());
   for (;;) {
     std::array<pollfd, 2> waiting{{{channel.Descriptor(), POLLIN, 0}, {signals, POLLIN, 0}}};
     if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) _exit(1);

@@ -1,0 +1,13 @@
+#!/bin/sh
+# Mounts every storage medium of the device under /mnt, by its device name, which is the disk's serial number.
+for disk in /sys/block/vd*; do
+  [ -e "$disk/serial" ] || continue
+  name=$(cat "$disk/serial")
+  mkdir -p "/mnt/$name"
+  grep -q " /mnt/$name " /proc/mounts && continue
+  if mount -t vfat -o sync "/dev/${disk##*/}" "/mnt/$name"; then
+    echo "Mounting $name ... done."
+  else
+    echo "Mounting $name ... failed."
+  fi
+done
