@@ -59,6 +59,7 @@ constexpr ShapeCase kShapes[] = {
     {"reversed", [](int i) { return kMany - i; }},
     {"equal", [](int) { return 7; }},
     {"two values", [](int i) { return i % 2; }},
+    {"organ pipe", [](int i) { return i < kMany / 2 ? i : kMany - i; }},
     {"shuffled", [](int i) { return static_cast<int>(i * 7919LL % kMany); }},
 };
 
