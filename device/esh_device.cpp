@@ -3,10 +3,13 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 
+#include "device/arm64/arm64_device.h"
 #include "device/console/console_relay.h"
 #include "device/console/operator_terminal.h"
 #include "device/device.h"
@@ -15,10 +18,12 @@
 namespace {
 
 constexpr char kUsage[] =
-    "usage: esh-device [--shell PROGRAM]\n"
+    "usage: esh-device [--arm64] [--shell PROGRAM] [--tftp DIRECTORY]\n"
     "Boots a device in namespaces of this machine and connects its console with the terminal.\n"
     "When standard input is no terminal, its lines are typed on the console one by one.\n"
-    "  --shell PROGRAM  boot this program instead of the shell of this build\n";
+    "  --arm64           boot an emulated Arm machine\n"
+    "  --shell PROGRAM   boot this program instead of the shell of this build\n"
+    "  --tftp DIRECTORY  files that the emulated machine finds on the TFTP server 10.0.2.2\n";
 constexpr char kTerminalWithoutName[] = "vt100";
 
 device::BootOptions OperatorOptions() {
@@ -32,6 +37,41 @@ device::BootOptions OperatorOptions() {
   return options;
 }
 
+/// What the command line asks for.
+struct Request {
+  bool asks_for_help = false;
+  bool emulated = false;
+  std::string shell;           // "": the one that is built here
+  std::string tftp_directory;  // "": the device's own choice
+};
+
+std::optional<Request> ReadArguments(std::span<char* const> arguments) {
+  Request request;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string_view name = arguments[i];
+    const bool has_value = i + 1 < arguments.size();
+    if (name == "--help") {
+      request.asks_for_help = true;
+    } else if (name == "--arm64") {
+      request.emulated = true;
+    } else if (name == "--shell" && has_value) {
+      request.shell = arguments[++i];
+    } else if (name == "--tftp" && has_value) {
+      request.tftp_directory = arguments[++i];
+    } else {
+      return std::nullopt;
+    }
+  }
+  return request;
+}
+
+std::unique_ptr<device::Device> MakeDevice(const Request& request) {
+  device::BootOptions options = OperatorOptions();
+  if (!request.shell.empty()) options.shell = request.shell;
+  return request.emulated ? device::MakeArm64Device(options, request.tftp_directory)
+                          : device::MakeNativeDevice(options);
+}
+
 /// A descriptor that the caller closed would be given to the next thing that is opened.
 void OpenStandardDescriptors() {
   for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -43,17 +83,14 @@ void OpenStandardDescriptors() {
 
 int main(int argc, char** argv) {
   OpenStandardDescriptors();
-  device::BootOptions options = OperatorOptions();
-  if (argc == 3 && std::strcmp(argv[1], "--shell") == 0) {
-    options.shell = argv[2];
-  } else if (argc != 1) {
-    const bool asked = argc == 2 && std::strcmp(argv[1], "--help") == 0;
-    (void)std::fputs(kUsage, asked ? stdout : stderr);
-    return asked ? 0 : 2;
+  const std::optional<Request> request = ReadArguments({argv + 1, argv + argc});
+  if (!request || request->asks_for_help) {
+    (void)std::fputs(kUsage, request ? stdout : stderr);
+    return request ? 0 : 2;
   }
 
   device::SessionSignals signals;
-  const std::unique_ptr<device::Device> board = device::MakeNativeDevice(options);
+  const std::unique_ptr<device::Device> board = MakeDevice(*request);
   if (const std::string problem = board->Boot(); !problem.empty()) {
     (void)std::fprintf(stderr, "esh-device: %s\n", problem.c_str());
     return 1;

@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
 #include <utility>
 
@@ -28,18 +27,20 @@ void ResetSignals() {
   sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-/// Moves descriptors onto 0, 1 and 2, first out of each other's way.
-void PlaceDescriptors(const std::array<int, 3>& descriptors) {
-  std::array<int, 3> copies{};
-  for (std::size_t i = 0; i < copies.size(); ++i) copies[i] = fcntl(descriptors[i], F_DUPFD, 3);
-  for (std::size_t i = 0; i < copies.size(); ++i) dup2(copies[i], static_cast<int>(i));
-  close_range(3, ~0U, 0);
+/// Moves descriptors onto 0, 1, 2 and so on, first out of each other's way.
+void PlaceDescriptors(const std::vector<int>& descriptors) {
+  const int count = static_cast<int>(descriptors.size());
+  std::vector<int> copies;
+  copies.reserve(descriptors.size());
+  for (const int descriptor : descriptors) copies.push_back(fcntl(descriptor, F_DUPFD, count));
+  for (int number = 0; number < count; ++number) dup2(copies[static_cast<std::size_t>(number)], number);
+  close_range(static_cast<unsigned>(count), ~0U, 0);
 }
 
 }  // namespace
 
 void ExecuteProgram(const std::vector<std::string>& words, const std::vector<std::string>& environment,
-                    const std::array<int, 3>& descriptors) {
+                    const std::vector<int>& descriptors) {
   ResetSignals();
   PlaceDescriptors(descriptors);
   const std::vector<char*> arguments = TerminatedPointers(words);

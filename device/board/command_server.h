@@ -2,7 +2,6 @@
 
 #include <sys/types.h>
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -37,8 +36,8 @@ class CommandServer {
 };
 
 /// Replaces this process, a fresh child, by a program. Returns only by ending the process.
-/// @param descriptors  become 0, 1 and 2; all others are closed.
+/// @param descriptors  become 0, 1, 2 and so on; all others are closed.
 [[noreturn]] void ExecuteProgram(const std::vector<std::string>& words, const std::vector<std::string>& environment,
-                                 const std::array<int, 3>& descriptors);
+                                 const std::vector<int>& descriptors);
 
 }  // namespace device

@@ -16,7 +16,7 @@ using Clock = std::chrono::steady_clock;
 constexpr int kSignalStatus = 128;
 /// A device whose shell cannot start reboots at once, for ever; after so many quick reboots in a row it is left off.
 constexpr int kMaxIdleReboots = 5;
-constexpr std::chrono::seconds kQuickReboot{3};
+constexpr std::chrono::seconds kQuickReboot{15};  // an emulated device needs a few seconds to get that far
 
 }  // namespace
 

@@ -13,5 +13,5 @@ echo "Formatting $1 ..."
 if grep -q " /mnt/$1 " /proc/mounts; then
   umount "/mnt/$1" || exit 1
 fi
-mkdosfs "$disk" && mount -t vfat -o sync "$disk" "/mnt/$1" || exit 1
+mkdosfs "$disk" && mount -t vfat -o flush "$disk" "/mnt/$1" || exit 1
 echo "Formatting $1 ... done."

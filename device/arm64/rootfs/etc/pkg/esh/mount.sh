@@ -5,7 +5,7 @@ for disk in /sys/block/vd*; do
   name=$(cat "$disk/serial")
   mkdir -p "/mnt/$name"
   grep -q " /mnt/$name " /proc/mounts && continue
-  if mount -t vfat -o sync "/dev/${disk##*/}" "/mnt/$name"; then
+  if mount -t vfat -o flush "/dev/${disk##*/}" "/mnt/$name"; then
     echo "Mounting $name ... done."
   else
     echo "Mounting $name ... failed."

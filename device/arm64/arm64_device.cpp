@@ -1,0 +1,101 @@
+#include "device/arm64/arm64_device.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "device/arm64/arm64_programs.h"
+#include "device/arm64/emulator.h"
+#include "device/arm64/machine.h"
+#include "device/board/board_device.h"
+
+namespace device {
+namespace {
+
+constexpr char kBuild[] = ESH_ARM64_BUILD;  // of preset arm64
+/// What /init loads.
+constexpr const char* kDrivers[] = {"drivers/virtio/virtio_ring",
+                                    "drivers/virtio/virtio",
+                                    "drivers/virtio/virtio_mmio",
+                                    "drivers/block/virtio_blk",
+                                    "drivers/char/virtio_console",
+                                    "fs/fat/fat",
+                                    "fs/fat/vfat",
+                                    "fs/nls/nls_cp437",
+                                    "fs/nls/nls_ascii",
+                                    "net/core/failover",
+                                    "drivers/net/net_failover"};
+
+/// Where cmake/fetch-arm64.sh puts what the machine is made of.
+std::string PackagesRoot() {
+  const char* cache = std::getenv("XDG_CACHE_HOME");
+  if (cache != nullptr && *cache != '\0') return std::string(cache) + "/esh/arm64-root";
+  const char* home = std::getenv("HOME");
+  return std::string(home == nullptr ? "/root" : home) + "/.cache/esh/arm64-root";
+}
+
+std::string Built(const std::string& name) { return std::string(kBuild) + "/" + name; }
+
+class Arm64Kind final : public DeviceKind {
+ public:
+  explicit Arm64Kind(std::string tftp_directory) : packages_(PackagesRoot()) {
+    files_.kernel = packages_ + "/boot/vmlinuz";
+    files_.tftp_directory = tftp_directory.empty() ? ESH_DEVICE_FILES "/media/flash" : std::move(tftp_directory);
+  }
+
+  std::string Plan(const BootOptions& options, RootPlan& plan) const override {
+    if (FindEmulator().empty()) return "the emulator is missing (Debian package qemu-system-arm)";
+    if (access(files_.kernel.c_str(), R_OK) != 0)
+      return files_.kernel + " is missing; cmake/install-packages.sh arm64 fetches it";
+    const Arm64Programs programs(packages_);
+    if (std::string problem = PlanRoot(options, ESH_DEVICE_FILES "/arm64/rootfs", programs, plan); !problem.empty())
+      return problem;
+    for (const std::string driver : kDrivers) {
+      const std::string name = driver.substr(driver.rfind('/'));
+      AddCopy(packages_ + "/lib/modules/kernel/kernel/" + driver + ".ko", "/lib/modules/drivers" + name + ".ko", plan);
+    }
+    for (const char* module : {"ipstack.ko", "addon.ko"})
+      AddCopy(Built(module), std::string("/lib/modules/") + module, plan);
+    return AddProgram(Built("device-agent"), "/sbin/device-agent", programs, plan);
+  }
+
+  std::vector<std::string> NeededOfHost() const override { return {files_.kernel, files_.tftp_directory}; }
+
+  std::string MakeMedium(const Medium& medium, const std::string& place) const override {
+    const UniqueFd image(open(place.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    if (image && ftruncate(image.Get(), static_cast<off_t>(medium.bytes)) == 0) return "";
+    return "cannot make " + medium.name + ": " + std::strerror(errno);
+  }
+
+  [[noreturn]] void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
+                                    PowerSupply supply) const override {
+    RunMachine(options, plan, files_, std::move(supply));
+  }
+
+  Outcome OutcomeOf(int wait_status) const override {
+    if (!WIFEXITED(wait_status)) return Outcome::kDied;
+    if (WEXITSTATUS(wait_status) == kMachineRestarted) return Outcome::kRebooted;
+    return WEXITSTATUS(wait_status) == kMachinePoweredOff ? Outcome::kPoweredOff : Outcome::kDied;
+  }
+
+  /// A boot takes a few seconds.
+  std::chrono::milliseconds BootTime() const override { return std::chrono::milliseconds(120000); }
+
+ private:
+  std::string packages_;
+  MachineFiles files_;
+};
+
+}  // namespace
+
+std::unique_ptr<Device> MakeArm64Device(BootOptions options, const std::string& tftp_directory) {
+  if (options.shell == DefaultBootOptions().shell) options.shell = Built("esh");
+  return MakeBoardDevice(std::make_unique<Arm64Kind>(tftp_directory), std::move(options));
+}
+
+}  // namespace device

@@ -1,0 +1,51 @@
+#include "device/arm64/arm64_programs.h"
+
+#include <unistd.h>
+
+#include <optional>
+
+#include "device/board/elf_file.h"
+
+namespace device {
+namespace {
+
+constexpr const char* kProgramDirectories[] = {"/bin/", "/usr/bin/"};
+/// The loader of the device looks in all of these.
+constexpr const char* kLibraryDirectories[] = {"/lib/aarch64-linux-gnu/", "/usr/lib/aarch64-linux-gnu/"};
+
+bool IsPlanned(const std::string& path, const RootPlan& plan) {
+  for (const HostFile& file : plan.copies) {
+    if (file.path == path) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string Arm64Programs::Find(const std::string& name) const {
+  for (const char* directory : kProgramDirectories) {
+    std::string path = root_ + directory + name;
+    if (access(path.c_str(), R_OK) == 0) return path;
+  }
+  return "";
+}
+
+std::string Arm64Programs::AddLibraries(const std::string& program, RootPlan& plan) const {
+  const std::optional<ElfNeeds> needs = ReadElfNeeds(program);
+  if (!needs) return "";
+  if (!needs->loader.empty()) AddCopy(root_ + needs->loader, needs->loader, plan);
+  for (const std::string& library : needs->libraries) {
+    std::string path;
+    for (const char* directory : kLibraryDirectories) {
+      if (path.empty() && access((root_ + directory + library).c_str(), R_OK) == 0) path = directory + library;
+    }
+    if (path.empty() && needs->loader.ends_with("/" + library)) continue;  // the loader itself
+    if (path.empty()) return program + " needs " + library + ", which is not in " + root_;
+    if (IsPlanned(path, plan)) continue;
+    AddCopy(root_ + path, path, plan);
+    if (std::string problem = AddLibraries(root_ + path, plan); !problem.empty()) return problem;
+  }
+  return "";
+}
+
+}  // namespace device
