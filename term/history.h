@@ -2,8 +2,6 @@
 
 #include <cstdint>
 
-struct ESH_HIS_NODE_S;
-
 /// The links of the circular list of remembered lines.
 struct ESH_HIS_LINK_S {
   ESH_HIS_LINK_S* pstNext;

@@ -14,13 +14,13 @@ void ESH_LINE_Exit();
 
 /// Reads one line; the line end is not echoed.
 /// @param mode one of ESH_LINE_MODE_E.
-/// @param max  most characters accepted.
+/// @param max  most characters accepted, less than kLineRoom - 1.
 /// @return the edit buffer, valid until the next read. g_stESh_Line.ulEndKey tells why the read ended; after Ctrl+C
 ///         the buffer holds the single byte 3.
 char* ESH_LINE_GetLine(std::uint32_t mode, std::uint32_t max);
 
-/// Reads a command line. @return the edit buffer, whose last character is the key that ended the read: "\n", "\t"
-/// (what stood behind the cursor is then cut off), "?" somewhere in the line, or Ctrl+Z.
+/// Reads a command line. @return the edit buffer with the key that ended the read: "\n" or "\t" behind the text (for
+/// "\t" what stood behind the cursor is cut off), "?" where it was typed, or Ctrl+Z alone.
 char* ESH_LINE_GetCmdLine();
 
 /// Prints the prompt and lets the next read go on with the text that now stands in the edit buffer.
