@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
 
   device::SessionSignals signals;
   const std::unique_ptr<device::Device> board = MakeDevice(*request);
-  if (const std::string problem = board->Boot(); !problem.empty()) {
+  if (const std::string problem = board->StartBoot(); !problem.empty()) {
     (void)std::fprintf(stderr, "esh-device: %s\n", problem.c_str());
     return 1;
   }

@@ -99,8 +99,10 @@ class Machine {
         frames_(std::move(lines.agent)),
         streams_(frames_) {}
 
-  /// Passes on what happens until the emulator ends. @return exit status for this process.
+  /// Gives the console to the launcher, and passes on what happens until the emulator ends.
+  /// @return exit status for this process.
   int ServeUntilDown(pid_t emulator, int signals) {
+    GiveConsole();
     while (!HasEnded(emulator)) ServeOnce(signals);
     return GoDown();
   }
@@ -188,11 +190,15 @@ class Machine {
     }
   }
 
-  void StartShell() {
-    is_up_ = true;
+  void GiveConsole() {
     const UniqueFd operator_end = console_.TakeOperatorEnd();
     const int given = operator_end.Get();
     channel_.Send(MessageKind::kConsole, 0, 0, "", {&given, 1});
+  }
+
+  void StartShell() {
+    is_up_ = true;
+    channel_.Send(MessageKind::kShellStarts);
     const std::vector<std::string> words = ShellWords(options_);
     frames_.Send(FrameKind::kStartShell, 0, static_cast<std::int32_t>(words.size()),
                  PackTexts(words) + PackTexts(ShellEnvironment(options_)));

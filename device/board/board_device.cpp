@@ -27,7 +27,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr int kSetUpMilliseconds = 20000;  // of a board, on a machine under load
+constexpr int kSetUpMilliseconds = 20000;  // of a board or a console, on a machine under load
 constexpr milliseconds kEndTime{5000};
 
 int MillisecondsUntil(Clock::time_point end) {
@@ -80,6 +80,8 @@ class BoardDevice final : public Device {
   ~BoardDevice() override;
 
   std::string Boot() override;
+  std::string StartBoot() override;
+  bool IsStarting() const override { return IsUp() && !shell_started_; }
   int Console() const override { return console_.Get(); }
   void ResizeConsole(unsigned short columns, unsigned short rows) override;
   CommandResult Run(const std::string& command, const std::string& input, milliseconds time) override {
@@ -115,6 +117,7 @@ class BoardDevice final : public Device {
   UniqueFd console_;
   Outcome outcome_ = Outcome::kPoweredOff;
   bool power_taken_ = false;
+  bool shell_started_ = false;
   std::uint32_t boot_ = 0;  // how many boots there were
   int shell_status_ = -1;
   std::string problem_;
@@ -165,6 +168,15 @@ std::string BoardDevice::StartBoard() {
 }
 
 std::string BoardDevice::Boot() {
+  if (std::string problem = StartBoot(); !problem.empty()) return problem;
+  const Clock::time_point end = Clock::now() + kind_->BootTime();
+  while (IsStarting() && Clock::now() < end) TakeMessages(MillisecondsUntil(end));
+  if (shell_started_) return "";
+  PowerOff();
+  return Fail(problem_.empty() ? "the device did not start" : problem_);
+}
+
+std::string BoardDevice::StartBoot() {
   problem_.clear();
   if (!board_ready_) {
     if (std::string problem = StartBoard(); !problem.empty()) return Fail(problem);
@@ -179,11 +191,12 @@ std::string BoardDevice::Boot() {
   device_ = Channel(std::move(own_end));
   console_.Reset();
   power_taken_ = false;
+  shell_started_ = false;
   shell_status_ = -1;
   outcome_ = Outcome::kRunning;
   Note("power on");
 
-  const Clock::time_point end = Clock::now() + kind_->BootTime();
+  const Clock::time_point end = Clock::now() + milliseconds(kSetUpMilliseconds);
   while (!console_ && problem_.empty() && IsUp() && Clock::now() < end) TakeMessages(MillisecondsUntil(end));
   if (console_) return "";
   return Fail(problem_.empty() ? "the device did not start" : problem_);
@@ -233,6 +246,9 @@ void BoardDevice::Handle(Message& message) {
       break;
     case MessageKind::kConsole:
       console_ = std::move(message.descriptors.at(0));
+      break;
+    case MessageKind::kShellStarts:
+      shell_started_ = true;
       Note("the shell starts");
       break;
     case MessageKind::kHandedOver:
@@ -263,7 +279,7 @@ void BoardDevice::Handle(Message& message) {
 void BoardDevice::DeviceDown(int wait_status) {
   device_ = Channel();
   outcome_ = power_taken_ ? Outcome::kPoweredOff : kind_->OutcomeOf(wait_status);
-  Note(std::string("the device is down: ") + OutcomeName(outcome_));
+  Note(std::string("the device is down: ") + OutcomeName(outcome_) + (problem_.empty() ? "" : ": " + problem_));
 }
 
 /// One command's three streams, seen from the launcher.

@@ -19,7 +19,8 @@ enum class MessageKind : std::uint32_t {
   kPowerOn,       // launcher -> board: boot a device that answers on the descriptor that comes along
   kPowerOff,      // launcher -> board
   kDeviceDown,    // board -> launcher: value is the wait status of the device's first process
-  kConsole,       // device -> launcher: the device is up; its console comes along
+  kConsole,       // device -> launcher: the device has power; its console comes along
+  kShellStarts,   // device -> launcher: the device is up
   kRun,           // launcher -> device or board: text is a command, its descriptors 0, 1 and 2 come along
   kKill,          // launcher -> device or board: the command `id` ran too long
   kCommandEnded,  // answer to kRun: value is the wait status

@@ -45,7 +45,7 @@ class DeviceKind {
   /// @return what the wait status of a device's first process tells.
   [[nodiscard]] virtual Outcome OutcomeOf(int wait_status) const = 0;
 
-  /// @return how long a boot may take on a machine under load.
+  /// @return how long it may take until the shell starts, on a machine under load.
   [[nodiscard]] virtual std::chrono::milliseconds BootTime() const = 0;
 };
 

@@ -32,6 +32,8 @@ class PromptWatch {
     for (const char character : output) See(character);
     if (tail_.size() > kTailLength) tail_.erase(0, tail_.size() - kTailLength);
   }
+  /// What is silent for good reason waits for nothing.
+  void Silent() { last_event_ = Clock::now(); }
   /// Something was typed: the prompt that was seen is used up.
   void Typed() {
     tail_.clear();
@@ -99,6 +101,7 @@ int FeedInput(Device& device, SessionSignals& signals) {
   while (!session.Ended()) {
     const bool readable = session.Step(wants_more ? STDIN_FILENO : -1, kGlance);
     prompt.Saw(session.Printed());
+    if (session.IsStarting()) prompt.Silent();
     if (readable) lines.ReadMore();
     wants_more = false;
     if (session.Ended() || session.IsTyping() || !prompt.IsWaiting()) continue;

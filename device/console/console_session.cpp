@@ -16,7 +16,12 @@ using Clock = std::chrono::steady_clock;
 constexpr int kSignalStatus = 128;
 /// A device whose shell cannot start reboots at once, for ever; after so many quick reboots in a row it is left off.
 constexpr int kMaxIdleReboots = 5;
-constexpr std::chrono::seconds kQuickReboot{15};  // an emulated device needs a few seconds to get that far
+constexpr std::chrono::seconds kQuickReboot{30};  // an emulated device needs a few seconds to get that far
+
+std::string LastLine(std::string text) {
+  if (text.ends_with('\n')) text.pop_back();
+  return text.substr(text.rfind('\n') + 1);
+}
 
 }  // namespace
 
@@ -122,7 +127,7 @@ void ConsoleSession::FollowDevice() {
       return;
     case Outcome::kDied:
       CopyRest();
-      Say("The device died.");
+      Say("The device died: " + LastLine(device_.Report()));
       Leave(1);
       return;
   }
@@ -138,7 +143,7 @@ void ConsoleSession::BootAgain() {
   Say("The device reboots.");
   typed_.clear();
   last_boot_ = Clock::now();
-  if (const std::string problem = device_.Boot(); !problem.empty()) {
+  if (const std::string problem = device_.StartBoot(); !problem.empty()) {
     Say(problem);
     Leave(1);
   }

@@ -21,6 +21,9 @@ class ConsoleSession {
   /// @return true when `input` can be read. What was printed meanwhile is in Printed.
   bool Step(int input, std::chrono::milliseconds time);
 
+  /// True while the device is on its way to its shell.
+  [[nodiscard]] bool IsStarting() const { return device_.IsStarting(); }
+
   /// What the console printed during the last step, and what was said between.
   [[nodiscard]] std::string_view Printed() const { return printed_; }
 

@@ -200,6 +200,7 @@ void RunNativeFirstProcess(const BootOptions& options, const RootPlan& plan, Pow
   const int master = console.master.Get();
   supply.channel.Send(MessageKind::kConsole, 0, 0, "", {&master, 1});
   console.master.Reset();  // the launcher holds the only one
+  supply.channel.Send(MessageKind::kShellStarts);
   Serve(StartShell(options, console), supply.channel, signals.Get());
 }
 
