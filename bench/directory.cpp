@@ -1,0 +1,79 @@
+/// Large directories: what "?", TAB and "dir" cost beside what busybox does with the same directory.
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "bench/measure.h"
+#include "bench/own_shell.h"
+
+namespace {
+
+constexpr int kSizes[] = {10'000, 30'000, 100'000};
+constexpr int kRounds = 7;
+
+constexpr char kHelpLine[] = "dir flash:/?";
+constexpr char kTabLine[] = "dir flash:/\t";
+constexpr char kDirLine[] = "dir\n";
+
+struct Times {
+  double help;
+  double tab;
+  double dir;
+  double echo;
+  double list;
+};
+
+void RunBusybox(const char* applet, const char* option, const char* argument) {
+  execl("/bin/busybox", applet, option, argument, nullptr);
+  _exit(127);
+}
+
+/// Adds files up to a number of them; their names come in no order.
+void FillUpTo(int count) {
+  static int made = 0;
+  for (; made < count; ++made) {
+    const long scattered = made * 7919L % 1'000'003;
+    const std::ofstream file("image-" + std::to_string(scattered) + ".txt");
+    Require(file.is_open(), "cannot make the files");
+  }
+}
+
+/// Ours and the peers take turns, so that a change of the machine's pace meets all of them.
+Times Measure() {
+  std::vector<double> help, tab, dir, echo, list;
+  for (int round = 0; round < kRounds; ++round) {
+    help.push_back(MillisOfChild([] { RunLine(kHelpLine); }));
+    tab.push_back(MillisOfChild([] { RunLine(kTabLine); }));
+    echo.push_back(MillisOfChild([] { RunBusybox("ash", "-c", "echo *"); }));
+    dir.push_back(MillisOfChild([] { RunLine(kDirLine); }));
+    list.push_back(MillisOfChild([] { RunBusybox("ls", "-l", nullptr); }));
+  }
+  return {Median(help), Median(tab), Median(dir), Median(echo), Median(list)};
+}
+
+}  // namespace
+
+int main() {
+  StartOwnShell();
+  std::vector<Times> times;
+  for (const int size : kSizes) {
+    FillUpTo(size);
+    times.push_back(Measure());
+  }
+  const Times& small = times.front();
+  const Times& middle = times[1];
+  const Times& large = times.back();
+  Report("? in 100,000 files / ash, echo * (CPU ms)", large.help, large.echo, 1);
+  Report("TAB in 100,000 files / ash, echo * (CPU ms)", large.tab, large.echo, 1);
+  Report("? in 100,000 files / 10 times 10,000 (CPU ms)", large.help, 10 * small.help, 1.5);
+  Report("? in 30,000 files / 3 times 10,000 (CPU ms)", middle.help, 3 * small.help, 1.5);
+  Report("TAB in 100,000 files / 10 times 10,000 (CPU ms)", large.tab, 10 * small.tab, 1.5);
+  Report("TAB in 30,000 files / 3 times 10,000 (CPU ms)", middle.tab, 3 * small.tab, 1.5);
+  Report("echo * in 100,000 files / 10 times 10,000 (CPU ms)", large.echo, 10 * small.echo, 1.5);
+  Report("dir of 100,000 files / ls -l (CPU ms)", large.dir, large.list, 0.9);
+  return 0;
+}
