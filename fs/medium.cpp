@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr std::int64_t kUsualMedia = 8;
 using MediumPath = FixedText<kNameRoom>;
 
 bool IsOrdinaryEntry(std::string_view name) { return name != "." && name != ".."; }
@@ -97,7 +96,7 @@ void SymLinkDiskAddFree(char* entry) {
 }
 
 void LinkMedia() {
-  const UniqueVector names(VEC_Alloc(kUsualMedia));
+  const UniqueVector names(VEC_Alloc(kUsualSlots));
   if (names == nullptr) {
     return;
   }

@@ -22,8 +22,6 @@ std::int32_t g_iShellGid = -1;
 
 namespace {
 
-constexpr std::int64_t kUsualWords = 8;
-
 struct TextVectorFreer {
   void operator()(VEC_S* vec) const { ParserVecFree(vec); }
 };
@@ -40,7 +38,7 @@ bool AppendCopy(VEC_S& words, std::string_view text) {
 
 /// Splits a command line at runs of blanks; nothing else separates or quotes. NULL when memory is short.
 UniqueTextVector SplitAtBlanks(std::string_view line) {
-  UniqueTextVector words(VEC_Alloc(kUsualWords));
+  UniqueTextVector words(VEC_Alloc(kUsualSlots));
   std::size_t start = line.find_first_not_of(' ');
   while (words != nullptr && start != std::string_view::npos) {
     const std::size_t end = std::min(line.find(' ', start), line.size());

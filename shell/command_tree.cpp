@@ -17,7 +17,6 @@ ESH_VIEW_S* g_pstEshCurrentView = nullptr;
 
 namespace {
 
-constexpr std::int64_t kCommandsPerView = 8;
 constexpr std::size_t kBoundDigits = 10;  // longest bound that is read
 
 /// Reads one bound of a range such as "<1-15>". A sign or blank in front is refused, as strtoul would take it.
@@ -61,7 +60,7 @@ void Append(ESH_CMD_THREAD_S& thread, ESH_CMD_ELEMENT_S& element) {
 }  // namespace
 
 ESH_VIEW_S* ViewInfoAlloc(const char* prompt) {
-  UniqueVector commands(VEC_Alloc(kCommandsPerView));
+  UniqueVector commands(VEC_Alloc(kUsualSlots));
   auto* view = new (std::nothrow) ESH_VIEW_S{};
   if (commands == nullptr || view == nullptr) {
     delete view;
@@ -109,7 +108,11 @@ void ESH_CmdThread_AddCr(ESH_CMD_THREAD_S* thread) {
   ESH_CmdThread_AddCmdElement(thread, kCrWord, " ", nullptr, nullptr, nullptr, ESH_ELEM_CR);
 }
 
-void ESH_CmdThread_Reg2View(ESH_VIEW_S* view, ESH_CMD_THREAD_S* thread) { VEC_Add(view->pstCmdVec, kNoIndex, thread); }
+void ESH_CmdThread_Reg2View(ESH_VIEW_S* view, ESH_CMD_THREAD_S* thread) {
+  if (view != nullptr) {
+    VEC_Add(view->pstCmdVec, kNoIndex, thread);
+  }
+}
 
 void ESH_CmdThread_Reg2AllView(ESH_CMD_THREAD_S* thread) {
   ESH_CmdThread_Reg2View(g_pstEshUserView, thread);

@@ -82,7 +82,7 @@ void ESH_CmdThread_AddCmdElement(ESH_CMD_THREAD_S* thread, const char* keyword, 
 /// Appends the end of the command, without which it can never be executed.
 void ESH_CmdThread_AddCr(ESH_CMD_THREAD_S* thread);
 
-/// Adds a command to a view; the same command may be added to several.
+/// Adds a command to a view; the same command may be added to several. A view that is missing (NULL) misses it.
 void ESH_CmdThread_Reg2View(ESH_VIEW_S* view, ESH_CMD_THREAD_S* thread);
 
 /// Adds a command to the user, system and management-interface views, in that order.

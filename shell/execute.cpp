@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr std::int64_t kUsualCandidates = 8;
-
 /// The first position at which different commands were possible. A later word may still settle which is meant.
 using AmbiguousPosition = std::optional<std::uint64_t>;
 
@@ -65,7 +63,7 @@ void RecordParameters(const ESH_CMD_THREAD_S& thread, const VEC_S& words) {
 }  // namespace
 
 void ESH_CmdExecute(const VEC_S* words) {
-  const UniqueVector candidates(VEC_Alloc(kUsualCandidates));
+  const UniqueVector candidates(VEC_Alloc(kUsualSlots));
   const std::uint64_t count = VEC_GetCount(words);
   AmbiguousPosition ambiguous;
   if (candidates == nullptr || count == 0 || !MatchWords(*words, count, *candidates, ambiguous)) {

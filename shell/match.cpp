@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr std::int64_t kUsualCandidates = 8;
-
 struct Verdict {
   std::uint32_t level;
   bool keep;
@@ -152,36 +150,39 @@ bool IsCommand(const ESH_CMD_LINK_S* link) {
                                     [&](const ESH_CMD_THREAD_S& thread) { return &thread == link; }) != nullptr;
 }
 
-void AddFirstElements(VEC_S& candidates) {
+/// @return false when memory is short.
+bool AddFirstElements(VEC_S& candidates) {
+  bool complete = true;
   ForEachSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec, [&](std::uint64_t, const ESH_CMD_THREAD_S& thread) {
     ESH_CMD_ELEMENT_S* first = FirstElement(thread);
-    if (first != nullptr) {
-      VEC_Add(&candidates, kNoIndex, first);
-    }
+    complete = complete && (first == nullptr || VEC_Add(&candidates, kNoIndex, first) != kNoIndex);
   });
+  return complete;
 }
 
-void AddSuccessors(const VEC_S& candidates, VEC_S& next) {
+/// @return false when memory is short.
+bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
+  bool complete = true;
   ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
-    if (!IsCr(element) && !IsCommand(element.pstNext)) {
-      VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext));
+    if (complete && !IsCr(element) && !IsCommand(element.pstNext)) {
+      complete = VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext)) != kNoIndex;
     }
   });
+  return complete;
 }
 
 }  // namespace
 
 void ESH_SelectNextCmdElment(VEC_S* candidates) {
-  if (VEC_GetCount(candidates) == 0) {
-    AddFirstElements(*candidates);
-    return;
-  }
-  UniqueVector next(VEC_Alloc(kUsualCandidates));
-  if (next == nullptr) {
+  UniqueVector next(VEC_Alloc(kUsualSlots));
+  const bool is_first_word = VEC_GetCount(candidates) == 0;
+  const bool complete =
+      next != nullptr && (is_first_word ? AddFirstElements(*next) : AddSuccessors(*candidates, *next));
+  if (!complete) {
+    // With a candidate missing an ambiguous word could look settled and the wrong command run: rather none.
     VEC_Release(candidates);
     return;
   }
-  AddSuccessors(*candidates, *next);
   std::swap(*candidates, *next);
 }
 

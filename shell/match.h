@@ -19,7 +19,7 @@ enum ESH_MATCH_LEVEL_E : std::uint32_t {
 /// Candidates are kept in a vector of pointers to command elements, which belong to their commands.
 
 /// Advances the candidates by one word position: an empty vector gets the first element of every command of the
-/// current view, any other the successors of its elements. When memory is short fewer candidates remain.
+/// current view, any other the successors of its elements. When memory is short no candidate is left.
 /// The name is "Elment".
 void ESH_SelectNextCmdElment(VEC_S* candidates);
 

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <string_view>
 
 #include "shell/command_tree.h"
 #include "shell/execute.h"
@@ -16,10 +15,6 @@
 #include "util/vector.h"
 
 namespace {
-
-constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
-
-bool IsBlank(std::string_view line) { return line.find_first_not_of(kWhiteSpace) == std::string_view::npos; }
 
 /// What was typed behind a "?" plays no part.
 void CutBehindQuestionMark(char* line) {
@@ -66,7 +61,7 @@ void ESH_CmdParser(char* line) {
     ESH_SetCmdMode(g_pstEshUserView);
     return;
   }
-  if (IsBlank(line)) {
+  if (IsBlankLine(line)) {
     return;
   }
   const UniqueWords words = SplitLine(line);

@@ -1,8 +1,6 @@
 #include "shell/startup.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -14,6 +12,7 @@
 #include "fs/medium.h"
 #include "fs/working_directory.h"
 #include "shell/child_process.h"
+#include "shell/command_tree.h"
 #include "shell/console_attach.h"
 #include "shell/hand_over.h"
 #include "shell/ip_stack.h"
@@ -98,7 +97,7 @@ void RunShell() {
   ESH_CMD_Init();
   SetSignals();
   ESH_ResetTabState();
-  if (verdict != kSuccess) {
+  if (verdict != kSuccess || g_pstEshCurrentView == nullptr) {
     RebootAfterFailure(attached);
   }
   SetTtySwich(1);

@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr std::int64_t kUsualWords = 8;
 constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
 constexpr std::string_view kWordEnd = std::string_view(" \r\n\0", 4);
 
@@ -46,6 +45,8 @@ bool AppendWord(VEC_S& words, std::string_view text, std::uint64_t start) {
 
 }  // namespace
 
+bool IsBlankLine(std::string_view line) { return line.find_first_not_of(kWhiteSpace) == std::string_view::npos; }
+
 void FreeMarkStr(ESH_MARK_STR_S* word) {
   if (word == nullptr) {
     return;
@@ -57,7 +58,7 @@ void FreeMarkStr(ESH_MARK_STR_S* word) {
 void ESH_FreeMarkStrVec(VEC_S* words) { FreeVectorOf<ESH_MARK_STR_S>(words, FreeMarkStr); }
 
 UniqueWords SplitLine(std::string_view line) {
-  UniqueWords words(VEC_Alloc(kUsualWords));
+  UniqueWords words(VEC_Alloc(kUsualSlots));
   std::size_t start = line.find_first_not_of(kWhiteSpace);
   while (words != nullptr && start != std::string_view::npos) {
     const std::size_t end = std::min(line.find_first_of(kWordEnd, start), line.size());

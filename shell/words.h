@@ -9,6 +9,9 @@ struct VEC_S;
 
 inline constexpr std::size_t kWordRoom = 513;
 
+/// Whether a line holds nothing but white space.
+[[nodiscard]] bool IsBlankLine(std::string_view line);
+
 /// One word of an input line.
 struct ESH_MARK_STR_S {
   char* pcWord;           ///< the word, in a buffer of kWordRoom bytes that the record owns

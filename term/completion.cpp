@@ -18,7 +18,6 @@ ESH_TAB_STATE_S g_stTabState;
 namespace {
 
 constexpr std::size_t kTabLineRoom = 512;
-constexpr std::int64_t kUsualCandidates = 8;
 
 bool EqualsIgnoringCase(const char* a, const char* b) { return strcasecmp(a, b) == 0; }
 
@@ -50,7 +49,7 @@ void DropPlaceholders(VEC_S& list) {
 
 /// What may continue the last word, in the order of the command tree; NULL when the words do not match.
 UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const char* word) {
-  const UniqueVector elements(VEC_Alloc(kUsualCandidates));
+  const UniqueVector elements(VEC_Alloc(kUsualSlots));
   std::uint64_t failed = 0;
   if (elements == nullptr ||
       ESH_GetCmdElementVec(&words, count, ESH_WORD_PARTIAL, elements.get(), &failed) < ESH_MATCH_PARAM) {

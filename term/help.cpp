@@ -22,7 +22,6 @@ constexpr char kUserHeading[] = "User view commands:\r";
 constexpr char kSystemHeading[] = "System view commands:\r";
 constexpr char kOtherHeading[] = "M-th view commands:\r";
 
-constexpr std::int64_t kUsualCandidates = 8;
 constexpr std::size_t kScreenWidth = 80;  // fixed: the same listing on every terminal
 constexpr std::size_t kHelpLineRoom = 513;
 constexpr std::size_t kNameExtra = 4;  // two blanks before and "\r\n" behind a name
@@ -163,7 +162,7 @@ void HelpOnPartialWord(const VEC_S& words, VEC_S& candidates) {
 }  // namespace
 
 void ESH_Help(const VEC_S* words, std::uint16_t atNewWord) {
-  const UniqueVector candidates(VEC_Alloc(kUsualCandidates));
+  const UniqueVector candidates(VEC_Alloc(kUsualSlots));
   if (candidates == nullptr) {
     return;
   }

@@ -14,6 +14,9 @@ struct VEC_S {
   void** ppvArray;            ///< the slots
 };
 
+/// What a vector is usually made with.
+inline constexpr std::int64_t kUsualSlots = 8;
+
 /// As an index for VEC_Add: append at `ulFirstFree`. As its result: the element was not stored.
 inline constexpr std::uint64_t kNoIndex = ~std::uint64_t{0};
 
