@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -22,6 +23,8 @@ int main(int argc, char** argv) {
   if (argc == 2 && std::strcmp(argv[1], kFromCommandDaemon) == 0) {
     g_bIsLoadFromScmd = 1;
   }
+  // Whoever starts the shell may ignore the end of children; then no wait would tell how a tool ended.
+  std::signal(SIGCHLD, SIG_DFL);
   const pid_t shell = fork();
   if (shell < 0) {
     std::exit(EXIT_FAILURE);
