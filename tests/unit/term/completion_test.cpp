@@ -11,6 +11,7 @@
 #include "shell/command_tree.h"
 #include "shell/words.h"
 #include "tests/support/test_view.h"
+#include "util/fixed_text.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ std::uint32_t ListNames(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* 
 /// @return the line after TAB behind it.
 std::string Tab(const std::string& typed) {
   char line[2048];
-  std::strcpy(line, typed.c_str());
+  CopyText(line, typed);
   const UniqueWords words = SplitLine(line);
   ESH_TabComplete(words.get(), line);
   return line;

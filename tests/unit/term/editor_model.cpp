@@ -19,7 +19,7 @@ std::string* g_expansion = nullptr;
 /// A capability as it reaches the terminal.
 std::string Expand(const char* name, long parameter) {
   const char* capability = tigetstr(name);
-  if (capability == nullptr || capability == reinterpret_cast<const char*>(-1)) {
+  if (capability == nullptr || reinterpret_cast<std::intptr_t>(capability) == -1) {
     return {};
   }
   std::string expansion;
@@ -28,6 +28,7 @@ std::string Expand(const char* name, long parameter) {
     g_expansion->push_back(static_cast<char>(byte));
     return byte;
   });
+  g_expansion = nullptr;
   return expansion;
 }
 

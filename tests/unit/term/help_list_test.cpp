@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -29,9 +30,9 @@ struct OrderCase {
 
 /// Each pair is in order.
 constexpr OrderCase kOrder[] = {
-    {"copy", "display"}, {"display", "<cr>"}, {"zzz", "<cr>"}, {"10", "<cr>"},      {"9", "10"},
-    {"10", "abc"},       {"99", "<a"},        {"10", "10a"},   {"10abc", "2abc"},   {"Zebra", "apple"},
-    {"a", "\xFF"},       {"a", "aa"},         {"0", "0x"},     {"5 blind", "five"},
+    {"copy", "display"}, {"display", "<cr>"}, {"zzz", "<cr>"}, {"10", "<cr>"}, {"9", "10"},
+    {"10", "abc"},       {"10", "!x"},        {"10", "09a"},   {"10", "10a"},  {"10abc", "2abc"},
+    {"Zebra", "apple"},  {"a", "\xFF"},       {"a", "aa"},     {"0", "0x"},    {"5 blind", "five"},
 };
 
 TEST(HelpOrder, IsNumbersThenTextsThenTheEnd) {
@@ -65,7 +66,7 @@ constexpr ShapeCase kShapes[] = {
 
 /// Sorts on a stack that a recursion into the larger part would leave soon.
 void SortOnASmallStack(VEC_S* list) {
-  constexpr std::size_t kStack = 256 * 1024;
+  constexpr std::size_t kStack = std::size_t{256} * 1024;
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStack), 0);
@@ -95,7 +96,8 @@ TEST_P(LargeSortTest, EndsSortedAndStaysShallow) {
   }
   SortOnASmallStack(list.get());
   EXPECT_TRUE(std::is_sorted(list->ppvArray, list->ppvArray + kMany, [](const void* a, const void* b) {
-    return std::atoi(static_cast<const char*>(a)) < std::atoi(static_cast<const char*>(b));
+    return std::strtol(static_cast<const char*>(a), nullptr, 10) <
+           std::strtol(static_cast<const char*>(b), nullptr, 10);
   }));
 }
 

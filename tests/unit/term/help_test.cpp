@@ -107,9 +107,9 @@ TEST(WholeHelp, LooksLikeThis) {
 TEST(WholeHelp, FillsItsBufferToTheLastByte) {
   for (const int over : {0, 1}) {
     // 51 lines of 79 bytes, and one that makes it 4087 or one more.
-    std::vector<HelpLine> lines;
-    for (int i = 0; i < 51; ++i) {
-      lines.emplace_back("k" + std::to_string(100 + i), std::string(69, 'x'));
+    std::vector<HelpLine> lines(51);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      lines[i] = {"k" + std::to_string(100 + i), std::string(69, 'x')};
     }
     const std::size_t full = Layout(lines).size();
     lines.emplace_back("k999", std::string(4087 - full - 10 + static_cast<std::size_t>(over), 'z'));

@@ -18,6 +18,7 @@
 #include "tests/support/console.h"
 #include "tests/support/scripted_stdio.h"
 #include "tests/unit/term/scripted_editor.h"
+#include "util/fixed_text.h"
 
 namespace {
 
@@ -26,9 +27,9 @@ int g_reads_of_stdin = 0;
 }  // namespace
 
 /// Stands before the library's own: how often the keyboard is asked shows whether somebody spins.
-extern "C" ssize_t read(int fd, void* buffer, size_t size) {
+extern "C" ssize_t read(int fd, void* buf, size_t nbytes) {
   g_reads_of_stdin += fd == STDIN_FILENO ? 1 : 0;
-  return syscall(SYS_read, fd, buffer, size);
+  return syscall(SYS_read, fd, buf, nbytes);
 }
 
 namespace {
@@ -98,30 +99,30 @@ TEST(EscapeSequence, IsReadAwayUntilTheInputIsQuiet) {
 }
 
 struct RedrawCase {
-  std::uint32_t mode;
   const char* text;
   std::uint64_t cursor;
-  char answer;
   const char* output;
   const char* why;
+  std::uint32_t mode;
+  char answer;
 };
 
 constexpr RedrawCase kRedraws[] = {
-    {0, "display", 3, 0, "\r\n<boot>display\033[4D", "a command line with the cursor inside"},
-    {0, "display", 7, 0, "\r\n<boot>display", "a command line with the cursor at its end"},
-    {0, "", 0, 0, "", "nothing typed, nothing to draw"},
-    {1, "joe", 3, 0, "\r\n<boot>joe", "a name"},
-    {2, "joe", 1, 0, "\r\n<boot>***\033[2D", "a password"},
-    {3, "", 0, 0, "\r\n[Y/N]:", "a question"},
-    {3, "old", 0, 'y', "\r\n[Y/N]:y", "a question answered by yes"},
-    {3, "", 0, 'n', "\r\n[Y/N]:n", "a question answered by no"},
+    {"display", 3, "\r\n<boot>display\033[4D", "a command line with the cursor inside", 0, 0},
+    {"display", 7, "\r\n<boot>display", "a command line with the cursor at its end", 0, 0},
+    {"", 0, "", "nothing typed, nothing to draw", 0, 0},
+    {"joe", 3, "\r\n<boot>joe", "a name", 1, 0},
+    {"joe", 1, "\r\n<boot>***\033[2D", "a password", 2, 0},
+    {"", 0, "\r\n[Y/N]:", "a question", 3, 0},
+    {"old", 0, "\r\n[Y/N]:y", "a question answered by yes", 3, 'y'},
+    {"", 0, "\r\n[Y/N]:n", "a question answered by no", 3, 'n'},
 };
 
 TEST(Redraw, ShowsTheInputAgainAfterSomebodyElseWrote) {
   for (const RedrawCase& c : kRedraws) {
     ScriptedEditor editor("kl");
     ESH_SetPrompt("<boot>");
-    std::strcpy(g_stESh_Line.pcBuf, c.text);
+    CopyBounded(g_stESh_Line.pcBuf, kLineRoom, c.text);
     g_stESh_Line.ulLen = std::strlen(c.text);
     g_stESh_Line.ulCursor = c.cursor;
     g_stESh_Line.ulMode = c.mode;

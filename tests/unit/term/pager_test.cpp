@@ -10,6 +10,7 @@
 #include "shell/result.h"
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
+#include "util/fixed_text.h"
 #include "util/unique_handle.h"
 
 namespace {
@@ -52,24 +53,24 @@ class PagerTest : public testing::Test {
 };
 
 struct PageCase {
-  int lines;
   const char* keys;
   const char* pages;
-  std::uint16_t all_shown;
   const char* why;
+  int lines;
+  std::uint16_t all_shown;
 };
 
 constexpr PageCase kPages[] = {
-    {60, "  ", "24M23M13", 1, "Space shows a page, the prompt's row counted"},
-    {60, "\r\n  ", "24M1M1M23M11", 1, "Enter shows one line"},
-    {60, "q", "24M", 0, "any other key stops"},
-    {60, " \003", "24M23M", 0, "any other key stops, on any page"},
-    {60, "\033[A", "24M", 0, "a key that sends a sequence is one key"},
-    {23, "", "23", 1, "less than a page"},
-    {24, " ", "24M", 1, "exactly a page"},
-    {24, "x", "24M", 0, "exactly a page, declined"},
-    {25, "\n ", "24M1M", 1, "one line more, and it fills its page"},
-    {47, "  ", "24M23M", 1, "exactly two pages"},
+    {"  ", "24M23M13", "Space shows a page, the prompt's row counted", 60, 1},
+    {"\r\n  ", "24M1M1M23M11", "Enter shows one line", 60, 1},
+    {"q", "24M", "any other key stops", 60, 0},
+    {" \003", "24M23M", "any other key stops, on any page", 60, 0},
+    {"\033[A", "24M", "a key that sends a sequence is one key", 60, 0},
+    {"", "23", "less than a page", 23, 1},
+    {" ", "24M", "exactly a page", 24, 1},
+    {"x", "24M", "exactly a page, declined", 24, 0},
+    {"\n ", "24M1M", "one line more, and it fills its page", 25, 1},
+    {"  ", "24M23M", "exactly two pages", 47, 1},
 };
 
 TEST_F(PagerTest, StopsAtEveryFullPage) {
@@ -136,7 +137,7 @@ TEST_F(PagerTest, EndsEveryLineTheSameWay) {
 TEST_F(PagerTest, BeginsBelowTheWholeInputLine) {
   ScriptedEditor editor;
   StartCommand(24);
-  std::strcpy(g_stESh_Line.pcBuf, "display");
+  CopyBounded(g_stESh_Line.pcBuf, kLineRoom, "display");
   g_stESh_Line.ulLen = 7;
   g_stESh_Line.ulCursor = 3;
   ESH_OutString(Copy("a").get());

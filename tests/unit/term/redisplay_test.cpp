@@ -255,8 +255,8 @@ INSTANTIATE_TEST_SUITE_P(Screens, RedisplayTest, testing::ValuesIn(Screens()), [
 });
 
 /// Each takes 0.1 s or more, until no more of it has come.
-constexpr const char* kBrokenSequences[] = {"\033",    "\033[",  "\033[2~", "\033[3",
-                                            "\033[3x", "\033[E", "\033OA",  "\033[20;1Habc"};
+constexpr const char* kBrokenSequences[] = {"\033",      "\033[",  "\033[2~", "\033[3",
+                                            "\033[3;5~", "\033[E", "\033OA",  "\033[20;1Habc"};
 
 TEST(Redisplay, TakesAnyByteAndRefusesBrokenSequences) {
   Typist typist({"linux", 13, "<boot>"});

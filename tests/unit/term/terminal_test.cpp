@@ -90,7 +90,7 @@ TEST_F(TerminalTest, AnUnknownTypeIsReportedInOneLineAndReplaced) {
       ESH_TERM_CursorBack(4);
     });
     const std::string output = console.ReadToEnd();
-    const std::size_t line_end = output.find("\n");
+    const std::size_t line_end = output.find('\n');
     ASSERT_NE(line_end, std::string::npos);
     EXPECT_NE(output.find(term == nullptr ? "\"\"" : term), std::string::npos) << output;
     EXPECT_EQ(output.substr(line_end + 1), "\033[4D");
