@@ -37,7 +37,8 @@ std::string Arm64Programs::AddLibraries(const std::string& program, RootPlan& pl
   for (const std::string& library : needs->libraries) {
     std::string path;
     for (const char* directory : kLibraryDirectories) {
-      if (path.empty() && access((root_ + directory + library).c_str(), R_OK) == 0) path = directory + library;
+      const std::string candidate = std::string(directory).append(library);
+      if (path.empty() && access((root_ + candidate).c_str(), R_OK) == 0) path = candidate;
     }
     if (path.empty() && needs->loader.ends_with("/" + library)) continue;  // the loader itself
     if (path.empty()) return program + " needs " + library + ", which is not in " + root_;
