@@ -1,0 +1,92 @@
+#include "tests/device/operator_console.h"
+
+namespace {
+
+class Media : public OperatorConsole {
+ protected:
+  void SetUp() override {
+    OperatorConsole::SetUp();
+    options.environment.push_back("TZ=UTC0");
+  }
+
+  std::string FreeKilobytes(const std::string& medium) {
+    const std::string free = Run("df -k /mnt/" + medium + " | tail -n 1 | awk '{print $4}'");
+    return free.substr(0, free.find('\n'));
+  }
+};
+
+TEST_F(Media, DirTellsTheTruthAboutEveryEntry) {
+  BootToPrompt();
+  const std::string long_name(255, 'n');
+  Run("cd /mnt/flash:; truncate -s 5G large; touch -d @1 old; touch -d '2100-03-01 00:00:00' new; mkdir d; ln -s gone "
+      "dangling;"
+      "echo hidden > .h; chmod 0 old; echo > 'with blank'; echo > gr\xc3\xbc\xc3\x9f; touch -d @0 large d .h gr* "
+      "with*");
+  Run("touch -d @0 /mnt/flash:/" + long_name);
+  EXPECT_EQ(Command("dir /all"), ("Directory of flash:\n"
+                                  "     0      drw-           -  Jan 01 1970 00:00:00     d\n"
+                                  "     2      -rw-           1  Jan 01 1970 00:00:00     gr\xc3\xbc\xc3\x9f\n"
+                                  "     3      -rw-  5368709120  Jan 01 1970 00:00:00     large\n"
+                                  "     4      -rw-           0  Mar 01 2100 00:00:00     new\n"
+                                  "     5      -rw-           0  Jan 01 1970 00:00:00     " +
+                                  long_name +
+                                  "\n"
+                                  "     6      ----           0  Jan 01 1970 00:00:01     old\n"
+                                  "     7      -rw-           1  Jan 01 1970 00:00:00     with blank\n"
+                                  "     8      -rwh           7  Jan 01 1970 00:00:00     .h\n"
+                                  "\n32768 KB total (" +
+                                  FreeKilobytes("flash:") + " KB free)\n"));
+}
+
+TEST_F(Media, ListingsPage) {
+  BootToPrompt();
+  Run("cd /mnt/cfa0:; for i in $(seq 100 160); do : > f$i; done");
+  Type("dir cfa0:\r");
+  EXPECT_NE(Expect("---- More ----     ").find("f122\n"), std::string::npos);
+  Type("\r");
+  EXPECT_EQ(Expect("---- More ----     ").find("f124"), std::string::npos) << "Enter shows one line";
+  Type(" ");
+  EXPECT_NE(Expect("---- More ----     ").find("f146\n"), std::string::npos);
+  Type("q");
+  EXPECT_EQ(Expect("<boot>").find("KB total"), std::string::npos);
+  EXPECT_EQ(Command("pwd"), "flash:\n");
+}
+
+TEST_F(Media, AMediumMayVanishWhileItIsListed) {
+  BootToPrompt();
+  Run("cd /mnt/cfa0:; for i in $(seq 100 160); do : > f$i; done");
+  Type("dir cfa0:\r");
+  Expect("---- More ----     ");
+  Run("umount -l /mnt/cfa0:; rm /mnt/slot0#cfa0:");
+  Type("  ");
+  Expect("<boot>");
+  EXPECT_EQ(Command("pwd"), "flash:\n");
+  EXPECT_NE(Command("dir cfa0:").find("Wrong parameter"), std::string::npos);
+}
+
+TEST_F(Media, TheWorkingDirectoryMayVanish) {
+  Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nmkdir /mnt/flash: /mnt/cfa0:\n");
+  options.media.clear();
+  BootToPrompt();
+  Run("rmdir /mnt/flash:");
+  EXPECT_EQ(Command("dir"), "The file or directory doesn't exist.\n");
+  Type("pwd\r");
+  Expect("\nCheckInvalidFileDir<boot>");
+  EXPECT_NE(Command("dir cfa0:").find("The directory is empty.\n\n"), std::string::npos);
+}
+
+TEST_F(Media, FilesAreOfferedAndCompleted) {
+  BootToPrompt();
+  Run("cd /mnt/flash:; mkdir logs; : > logs/one.txt; : > logs/two.txt; : > gr\xc3\xbc\xc3\x9f; : > .hidden");
+  Type("dir l\t");
+  Expect("<boot>dir logs/ ");
+  Type("\x7f?");
+  EXPECT_NE(Expect("<boot>dir logs/").find("  logs/one.txt\n  logs/two.txt\n\n"), std::string::npos);
+  Type("t\t\r");
+  Expect("Directory of flash:/logs");
+  EXPECT_NE(Expect("<boot>").find("two.txt"), std::string::npos);
+  Type("dir g\t");
+  Expect("dir gr\xc3\xbc\xc3\x9f ");
+}
+
+}  // namespace

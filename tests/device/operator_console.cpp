@@ -1,0 +1,156 @@
+#include "tests/device/operator_console.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <thread>
+
+#include "device/native/native_device.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::chrono::seconds kPatience{60};  // only a fault waits this long
+constexpr std::string_view kPrompts[] = {"<boot>", "[boot]", "[boot-m-eth0]"};
+
+bool EndsInPrompt(std::string_view text) {
+  for (const std::string_view prompt : kPrompts) {
+    if (text.ends_with(prompt)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::string WithoutReturns(std::string_view text) {
+  std::string lines(text);
+  std::erase(lines, '\r');
+  return lines;
+}
+
+}  // namespace
+
+void OperatorConsole::SetUp() { RecordProperty("device", "native"); }
+
+void OperatorConsole::TearDown() {
+  if (HasFailure() && board_ != nullptr) {
+    GTEST_MESSAGE_AT_(__FILE__, __LINE__, ("on the native device, whose console says:\n" + printed_).c_str(),
+                      testing::TestPartResult::kNonFatalFailure);
+  }
+}
+
+void OperatorConsole::Boot() {
+  if (board_ == nullptr) {
+    board_ = device::MakeNativeDevice(options);
+  }
+  screen_ = std::make_unique<VirtualScreen>(options.rows == 0 ? 24 : options.rows,
+                                            options.columns == 0 ? 80 : options.columns);
+  printed_.clear();
+  waited_for_ = 0;
+  ASSERT_EQ(board_->Boot(), "");
+}
+
+void OperatorConsole::BootToPrompt() {
+  Boot();
+  Expect("<boot>");
+}
+
+void OperatorConsole::Type(std::string_view keys) {
+  while (!keys.empty()) {
+    const ssize_t written = write(board_->Console(), keys.data(), keys.size());
+    if (written > 0) {
+      keys.remove_prefix(static_cast<std::size_t>(written));
+    } else {
+      TakeIn(milliseconds(20));  // the line is full until the device has read, and it may wait to be heard
+    }
+  }
+}
+
+std::string OperatorConsole::Expect(std::string_view text) {
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  std::size_t found = std::string::npos;
+  while ((found = printed_.find(text, waited_for_)) == std::string::npos) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      ADD_FAILURE() << "never printed: " << text;
+      return {};
+    }
+    TakeIn(milliseconds(100));
+  }
+  const std::size_t start = waited_for_;
+  waited_for_ = found + text.size();
+  return WithoutReturns(std::string_view(printed_).substr(start, waited_for_ - start));
+}
+
+std::string OperatorConsole::Command(const std::string& line) {
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  TakeIn(milliseconds(0));
+  const std::size_t start = printed_.size();
+  Type(line + "\r");
+  while (!EndsInPrompt(std::string_view(printed_).substr(start)) || TakeIn(milliseconds(20))) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      ADD_FAILURE() << "no prompt after: " << line;
+      return {};
+    }
+    TakeIn(milliseconds(100));
+  }
+  waited_for_ = printed_.size();
+  const std::string all = WithoutReturns(std::string_view(printed_).substr(start));
+  const std::size_t echo_end = all.find('\n') + 1;
+  return all.substr(echo_end, all.rfind('\n') + 1 - echo_end);
+}
+
+device::Outcome OperatorConsole::Outcome() {
+  const device::Outcome outcome = board_->WaitForOutcome(kPatience);
+  TakeIn(milliseconds(0));
+  return outcome;
+}
+
+void OperatorConsole::Listen(milliseconds time) {
+  const auto end = std::chrono::steady_clock::now() + time;
+  while (std::chrono::steady_clock::now() < end) {
+    TakeIn(milliseconds(20));
+  }
+}
+
+std::string OperatorConsole::Run(const std::string& command) {
+  const device::CommandResult result = board_->Run(command);
+  EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
+  return result.output;
+}
+
+bool OperatorConsole::Eventually(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      return false;
+    }
+    std::this_thread::sleep_for(milliseconds(20));
+  }
+  return true;
+}
+
+std::string OperatorConsole::ShellPid() {
+  // The newest process of that name: the older one only waits for it.
+  const std::string pids = Run("pidof esh | tr ' ' '\\n' | sort -n | tail -n 1");
+  return pids.substr(0, pids.find('\n'));
+}
+
+/// @return whether anything was printed.
+bool OperatorConsole::TakeIn(milliseconds time) {
+  pollfd console{board_->Console(), POLLIN, 0};
+  if (poll(&console, 1, static_cast<int>(time.count())) <= 0) {
+    return false;
+  }
+  char bytes[4096];
+  const ssize_t length = read(board_->Console(), bytes, sizeof(bytes));
+  if (length <= 0) {
+    std::this_thread::sleep_for(milliseconds(1));  // the device is down: the console says so at once, and for ever
+    return false;
+  }
+  const std::string_view text(bytes, static_cast<std::size_t>(length));
+  printed_.append(text);
+  screen_->Write(text);
+  return true;
+}

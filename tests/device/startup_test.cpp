@@ -1,0 +1,133 @@
+#include "tests/device/operator_console.h"
+
+namespace {
+
+constexpr char kConsoleSwitch[] = "/proc/sys/7/8/1";
+
+/// Start-up with tools that only note how they were called.
+class StartUp : public OperatorConsole {
+ protected:
+  void SetUp() override {
+    OperatorConsole::SetUp();
+    Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\necho mount.sh >> /tmp/calls\n");
+    Record("insmod");
+    Record("ifconfig");
+  }
+
+  /// Stands a recorder in for a tool. @param rest what it does besides.
+  void Record(const std::string& tool, const std::string& rest = "") {
+    Replace("/bin/" + tool, "#!/bin/sh\necho " + tool + " $* >> /tmp/calls\n" + rest + "\n");
+  }
+
+  /// Has the reboot tool note that it was called and the console switch; then the device stays for the test to see.
+  void RecordReboot() {
+    Record("reboot", std::string("cat ") + kConsoleSwitch + " > /tmp/switch");
+    Record("ln");
+    Replace("/sbin/scmd", "#!/bin/sh\nkill -USR1 1\n");
+  }
+
+  std::string Calls() { return Run("cat /tmp/calls"); }
+};
+
+TEST_F(StartUp, RunsItsToolsInOrder) {
+  BootToPrompt();
+  EXPECT_EQ(Calls(),
+            "mount.sh\n"
+            "insmod /lib/modules/addon.ko\n"
+            "insmod /lib/modules/ipstack.ko\n"
+            "ifconfig lo up\n"
+            "ifconfig m-eth0 up\n");
+}
+
+TEST_F(StartUp, LeavesALoadedAddonAlone) {
+  Replace("/proc/modules", "addon 16384 0 - Live 0x0000000000000000\n");
+  BootToPrompt();
+  EXPECT_EQ(Calls().find("addon.ko"), std::string::npos);
+}
+
+TEST_F(StartUp, WithoutIpStackHasNoInterfaceView) {
+  options.has_ip_stack = false;
+  BootToPrompt();
+  EXPECT_EQ(Calls(), "mount.sh\ninsmod /lib/modules/addon.ko\n");
+  Command("system-view");
+  EXPECT_NE(Command("interface m-eth0").find("Unrecognized command"), std::string::npos);
+}
+
+struct Failure {
+  const char* why;
+  const char* path;
+  std::optional<std::string> text;
+  bool tools_run;  // without a terminal of its own the shell cannot start any, and yet must reboot
+};
+
+TEST_F(StartUp, RebootsWithoutAWordAfterAStepThatCounts) {
+  const Failure kFailures[] = {
+      {"no console named", "/etc/pkg/esh/ttyname.conf", std::nullopt, false},
+      {"nothing in the console's file", "/etc/pkg/esh/ttyname.conf", " \n", false},
+      {"no such console", "/etc/pkg/esh/ttyname.conf", "/dev/pts/99\n", false},
+      {"the IP stack does not load", "/bin/insmod",
+       "#!/bin/sh\necho insmod $* >> /tmp/calls\n[ $1 = /lib/modules/addon.ko ]\n", true},
+      {"no loopback interface", "/bin/ifconfig", "#!/bin/sh\necho ifconfig $* >> /tmp/calls\n[ $1 = m-eth0 ]\n", true},
+  };
+  RecordReboot();
+  const std::vector<device::FileText> usual = options.files;
+  for (const Failure& failure : kFailures) {
+    SCOPED_TRACE(failure.why);
+    options.files = usual;
+    options.files.push_back({failure.path, failure.text});
+    NewDevice();
+    Boot();
+    EXPECT_NE(Outcome(), device::Outcome::kRunning);
+    EXPECT_EQ(Run("cat /tmp/switch"), "0\n");
+    EXPECT_NE(Calls().find("reboot -f\n"), std::string::npos);
+    EXPECT_EQ(Calls().find("ifconfig m-eth0 up") != std::string::npos, failure.tools_run) << "a later step counts too";
+    EXPECT_EQ(Printed(), "");
+  }
+}
+
+TEST_F(StartUp, GoesOnAfterAStepThatDoesNotCount) {
+  Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nexit 1\n");
+  Replace("/bin/insmod", "#!/bin/sh\n[ $1 = /lib/modules/ipstack.ko ]\n");
+  BootToPrompt();
+  EXPECT_EQ(Run(std::string("cat ") + kConsoleSwitch), "1\n");
+}
+
+TEST_F(StartUp, ReadsTheFirstFifteenCharactersOfTheConsolesName) {
+  Replace("/etc/pkg/esh/ttyname.conf", "\n \t/dev//////pts/0123 4\n");  // fifteen to the first "0"
+  BootToPrompt();
+  EXPECT_EQ(Command("pwd"), "Working directory doesn't exist.\n") << "nothing was mounted";
+}
+
+TEST_F(StartUp, GivesTheConsoleToRootAlone) {
+  BootToPrompt();
+  EXPECT_EQ(Run("stat -c '%u %g %a' /dev/pts/0"), "0 0 600\n");
+  EXPECT_EQ(Run("grep Umask /proc/" + ShellPid() + "/status"), "Umask:\t0000\n");
+}
+
+struct Arguments {
+  std::vector<std::string> arguments;
+  const char* links;
+};
+
+TEST_F(StartUp, LinksTheDirectoriesBelowMntWhenTheCommandDaemonStartsIt) {
+  Replace("/etc/pkg/esh/mount.sh",
+          "#!/bin/sh\nmkdir /mnt/cfa0: /mnt/plain\necho x > /mnt/file\nln -s cfa0: /mnt/link\n");
+  const Arguments kCases[] = {
+      {{"scmd"}, "slot0#cfa0: /mnt/cfa0:\nslot0#plain /mnt/plain\n"}, {{}, ""}, {{"scmd", "x"}, ""}, {{"Scmd"}, ""}};
+  for (const Arguments& c : kCases) {
+    options.arguments = c.arguments;
+    options.media.clear();
+    NewDevice();
+    BootToPrompt();
+    EXPECT_EQ(Run("cd /mnt; for link in slot0*; do [ -L $link ] && echo $link $(readlink $link); done; true"), c.links);
+  }
+}
+
+TEST_F(StartUp, RefusesAnybodyButRoot) {
+  BootToPrompt();
+  const device::CommandResult result = Board().Run("unshare -U /sbin/esh scmd");
+  EXPECT_EQ(result.output, "login from a non-root user\n");
+  EXPECT_EQ(result.status, 255);
+}
+
+}  // namespace

@@ -1,0 +1,112 @@
+#include <algorithm>
+
+#include "tests/device/operator_console.h"
+
+namespace {
+
+/// A tool that the shell starts: the reboot tool, which each test replaces.
+class Tools : public OperatorConsole {
+ protected:
+  void BootWithTool(const std::string& script) {
+    Replace("/bin/reboot", "#!/bin/sh\n" + script);
+    BootToPrompt();
+    prompt_modes_ = Modes();
+  }
+  void StartTool() {
+    Type("reboot\r");
+    Expect("[Y/N]:");
+    Type("y\r");
+  }
+  std::string Modes() { return Run("stty -a < /dev/pts/0"); }
+
+  std::string prompt_modes_;
+};
+
+TEST_F(Tools, OwnTheTerminalWithTheModesOfTheStart) {
+  BootWithTool("stty -a; echo pgrp $(cut -d' ' -f5,8 /proc/$$/stat); sleep 0.1\n");
+  StartTool();
+  std::string said = Expect("<boot>");
+  std::replace(said.begin(), said.end(), '\n', ' ');
+  for (const char* mode : {" icanon", " isig", " opost", " -echo ", "intr = ^C", "quit = <undef>", "susp = <undef>",
+                           "start = <undef>", "stop = <undef>"}) {
+    EXPECT_NE(said.find(mode), std::string::npos) << mode;
+  }
+  const std::size_t groups = said.find("pgrp ");
+  const std::size_t blank = said.find(' ', groups + 5);
+  EXPECT_EQ(said.substr(groups + 5, blank - groups - 5), said.substr(blank + 1, said.find(' ', blank + 1) - blank - 1))
+      << "the tool's group is the one in the foreground";
+}
+
+struct Leaver {
+  const char* why;
+  const char* script;
+};
+
+TEST_F(Tools, LeaveTheTerminalToTheShellHoweverTheyEnd) {
+  const Leaver kLeavers[] = {
+      {"ends in modes of its own", "stty raw -echo -opost min 9 time 9\n"},
+      {"is killed in modes of its own", "stty raw -opost -icrnl min 9; kill -9 $$\n"},
+      {"stops itself and is killed", "stty -onlcr; (sleep 0.2; kill -9 $$) & kill -STOP $$\n"},
+      {"leaves a child in the terminal", "trap '' HUP; stty -opost; sleep 1 & exit 3\n"},
+  };
+  for (const Leaver& leaver : kLeavers) {
+    SCOPED_TRACE(leaver.why);
+    options.files.clear();
+    NewDevice();
+    BootWithTool(leaver.script);
+    StartTool();
+    Expect("<boot>");
+    EXPECT_EQ(Modes(), prompt_modes_);
+    EXPECT_EQ(Command("pwd"), "flash:\n");
+  }
+}
+
+TEST_F(Tools, ReadWhatIsTypedWhileTheyRunAndLeaveTheRest) {
+  BootWithTool("echo ready; sleep 0.3; read -r first; echo tool got $first\n");
+  StartTool();
+  Expect("ready");
+  Type("for the tool\rpwd\rdir cf");
+  Expect("tool got for the tool");
+  Expect("<boot>pwd\r\r\nflash:\r\r\n<boot>dir cf");
+  Type("a0:\r");
+  Expect("The directory is empty.");
+}
+
+TEST_F(Tools, ThatIgnoreCtrlCAreNotBrokenOff) {
+  BootWithTool("echo ready; read -r line; echo got $line; read -r line; echo got $line\n");
+  StartTool();
+  Expect("ready");
+  Type("one\r");
+  Expect("got one");
+  Type(kCtrlC);
+  Type("\x1a\x1c\x13two\r");  // nor stopped: the keys are characters now
+  Expect("two");
+  Expect("<boot>");
+}
+
+TEST_F(Tools, SignalsToTheShellDoNotEndIt) {
+  BootWithTool("trap 'echo interrupted' INT; echo ready; read -r line; echo got $line\n");
+  const std::string pid = ShellPid();
+  Run("kill -INT " + pid + "; kill -HUP " + pid + "; kill -PIPE " + pid + "; kill -TTOU " + pid);
+  EXPECT_EQ(Command("pwd"), "flash:\n");
+  StartTool();
+  Expect("ready");
+  Run("kill -INT " + pid);
+  Type("still here\r");
+  Expect("got still here");
+  Expect("<boot>");
+}
+
+TEST_F(Tools, SayTheirWordAfterWhatTheShellSaid) {
+  Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\necho mounting\n");
+  Replace("/bin/insmod", "#!/bin/sh\necho loading $1\n");
+  Replace("/bin/ifconfig", "#!/bin/sh\necho raising $1\n");
+  BootToPrompt();
+  std::string printed = Printed();
+  std::erase(printed, '\r');
+  EXPECT_EQ(printed,
+            "mounting\nloading /lib/modules/addon.ko\nloading /lib/modules/ipstack.ko\n"
+            "raising lo\nraising m-eth0\n<boot>");
+}
+
+}  // namespace
