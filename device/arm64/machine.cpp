@@ -19,6 +19,7 @@
 #include <fstream>
 #include <map>
 #include <optional>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -79,10 +80,13 @@ UniqueFd CatchChildren() {
   return UniqueFd(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
-/// What a log of the emulator ends with, in one line.
-std::string LastLine(std::string text) {
-  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-  return text.substr(text.find_last_of('\n') + 1);
+/// @return the line of an output that says best why a machine went down: the kernel's panic, or the last one.
+std::string ReasonIn(std::string_view output) {
+  constexpr std::string_view kPanic = "Kernel panic";
+  while (output.ends_with('\n') || output.ends_with('\r')) output.remove_suffix(1);
+  const std::size_t panic = output.find(kPanic);
+  const std::size_t begin = panic != std::string_view::npos ? panic : output.find_last_of('\n') + 1;
+  return std::string(output.substr(begin, output.find_first_of("\r\n", begin) - begin));
 }
 
 class Machine {
@@ -280,7 +284,7 @@ void RunMachine(const BootOptions& options, const RootPlan& plan, const MachineF
   std::string text = machine.LastWords();
   std::ifstream log_file(log_path);
   if (text.empty()) text.assign(std::istreambuf_iterator<char>(log_file), std::istreambuf_iterator<char>());
-  GiveUp(supply.channel, "the machine went down before it was up: " + LastLine(text));
+  GiveUp(supply.channel, "the machine went down before it was up: " + ReasonIn(text));
 }
 
 }  // namespace device
