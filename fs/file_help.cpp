@@ -81,9 +81,7 @@ EntryKind KindOf(const char* full, unsigned char entry_type) {
   }
 }
 
-bool IsAllowed(const char* full, FS_HELP_FILTER_F filter) {
-  return ESH_FS_IsValidFullFileName(full) == kSuccess && (filter == nullptr || filter(full) == 0);
-}
+bool Passes(FS_HELP_FILTER_F filter, const char* full) { return filter == nullptr || filter(full) == 0; }
 
 void Offer(const char* word, const char* full, EntryKind entry_kind, std::uint32_t mode, VEC_S* help) {
   OfferText text;
@@ -103,7 +101,8 @@ bool IsOffered(EntryKind entry_kind, std::uint32_t kind) {
   return entry_kind == EntryKind::kDirectory || (entry_kind == EntryKind::kFile && OffersFiles(kind));
 }
 
-/// Offers the entries of a directory that begin with a prefix; hidden ones never.
+/// Offers the entries of a directory that begin with a prefix; hidden ones never, so that nothing in the full names
+/// is left to convert: it is enough that they are valid.
 /// @param directory full name without a trailing slash.
 void OfferEntries(const char* word, std::string_view directory, std::string_view prefix, std::uint32_t kind,
                   FS_HELP_FILTER_F filter, VEC_S* help) {
@@ -122,7 +121,7 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
     full.AppendText("/");
     full.AppendText(entry->d_name);
     const EntryKind entry_kind = KindOf(full.Text(), entry->d_type);
-    if (IsOffered(entry_kind, kind) && IsAllowed(full.Text(), filter)) {
+    if (IsOffered(entry_kind, kind) && ESH_FS_IsValidFileName(full.Text()) == kSuccess && Passes(filter, full.Text())) {
       Offer(word, full.Text(), entry_kind, FS_OFFER_COMPLETION, help);
     }
   }
@@ -233,7 +232,7 @@ void PartlyHelp(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, V
 
 void ESH_HelpStatSwitch(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter,
                         std::uint32_t mode, VEC_S* help) {
-  if (!IsAllowed(full, filter) || !IsOnPresentMedium(full)) {
+  if (ESH_FS_IsValidFullFileName(full) != kSuccess || !Passes(filter, full) || !IsOnPresentMedium(full)) {
     return;
   }
   const EntryKind entry_kind = KindOf(full);
