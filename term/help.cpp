@@ -116,7 +116,9 @@ void AddWholeLine(const ESH_HELP_INFO_S& line, std::size_t widest, HelpOutput& o
 void PrintNames(const VEC_S& list, HelpOutput& output) {
   ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
     FixedText<kHelpRoom + kNameExtra> row;
-    row.Append("  %s\r\n", line.szKeyWord);
+    row.AppendText("  ");
+    row.AppendText(line.szKeyWord);
+    row.AppendText("\r\n");
     output.Add(row.View());
   });
 }

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr std::int64_t kUsualLines = 8;
 /// Far more than a list needs that splits well. A list with its largest keywords in the middle loses only one or two
 /// at each split, and with 100,000 files the time, which then grows with the square, comes to minutes.
 constexpr int kMaxSplits = 128;
@@ -30,12 +29,18 @@ ESH_HELP_INFO_S* NewRecord(std::string_view keyword, std::string_view help) {
   return record;
 }
 
+/// The sort asks this for every pair, and nearly every first character is the answer.
+bool IsCr(const char* keyword) { return keyword[0] == kCrWord[0] && std::strcmp(keyword, kCrWord) == 0; }
+
 struct Number {
   unsigned long value;
   const char* rest;  // what follows it; the whole text when it does not begin with a number
 };
 
 Number LeadingNumber(const char* text) {
+  if (*text > '9') {
+    return {0, text};  // no number begins like this, but nearly every file name does
+  }
   char* rest = nullptr;
   const unsigned long value = std::strtoul(text, &rest, 10);
   return {value, rest};
@@ -98,7 +103,7 @@ void SortRange(VEC_S& list, std::int64_t lo, std::int64_t hi, int splits_left) {
 }  // namespace
 
 VEC_S* ESH_MakeHelpInfoVec(const char* word, const VEC_S* candidates) {
-  VEC_S* list = VEC_Alloc(kUsualLines);
+  VEC_S* list = VEC_Alloc(kUsualSlots);
   if (list == nullptr) {
     return nullptr;
   }
@@ -132,10 +137,10 @@ void ESH_FreeHelpInfoVec(VEC_S* list) {
 }
 
 int CmpHelpString(const char* a, const char* b) {
-  if (std::strcmp(a, kCrWord) == 0) {
+  if (IsCr(a)) {
     return 1;
   }
-  if (std::strcmp(b, kCrWord) == 0) {
+  if (IsCr(b)) {
     return -1;
   }
   const Number first = LeadingNumber(a);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 struct VEC_S;
 struct ESH_HELP_INFO_S;
@@ -23,18 +24,24 @@ class KeywordIndex {
   void Forget();
 
  private:
+  struct Entry {
+    const ESH_HELP_INFO_S* record;  // NULL: the slot is free
+    std::size_t hash;               // tells nearly all other keywords apart without a look at the record
+  };
+
   [[nodiscard]] bool IsUpToDate(const VEC_S& list) const;
   void Note(const VEC_S& list);
   void Rebuild(std::size_t slots);
-  void Insert(const ESH_HELP_INFO_S& record);
-  [[nodiscard]] std::size_t SlotFor(const char* keyword) const;
+  void Grow();
+  void Insert(Entry entry);
+  [[nodiscard]] std::size_t SlotFor(std::string_view keyword, std::size_t hash) const;
 
   const VEC_S* list_ = nullptr;
   void** array_ = nullptr;  // the list as it was when last seen
   std::uint64_t max_index_ = 0;
   std::uint64_t first_free_ = 0;
 
-  const ESH_HELP_INFO_S** table_ = nullptr;  // open addressing; the number of slots is a power of two
+  Entry* table_ = nullptr;  // open addressing; the number of slots is a power of two
   std::size_t slots_ = 0;
   std::size_t used_ = 0;
 };
