@@ -98,11 +98,14 @@ TEST_F(CompletionTest, CompletesOrStepsThroughTheCandidates) {
 
 TEST_F(CompletionTest, ACycleEndsWhenSomethingElseIsTyped) {
   TestView view("<boot>");
-  view.AddAll({"reboot <cr>", "reset <cr>", "reset all now <cr>", "reset any <cr>"});
+  view.AddAll(
+      {"reboot <cr>", "reset <cr>", "reset all now <cr>", "reset any <cr>", "copy resume <cr>", "copy rescan <cr>"});
   EXPECT_EQ(Tab("r"), "re");
   EXPECT_EQ(Tab("re"), "reboot");
+  EXPECT_EQ(Tab("re "), "reboot") << "a finished word";
   EXPECT_EQ(Tab("res"), "reset ") << "another word";
   EXPECT_EQ(Tab("r"), "re") << "the first word again";
+  EXPECT_EQ(Tab("copy re"), "copy res") << "another number of words, one of which is the same";
   EXPECT_EQ(Tab("reset a"), "reset all") << "another number of words";
   EXPECT_EQ(Tab("reset all"), "reset any");
   EXPECT_EQ(Tab("reset all x"), "reset all x");

@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "term/help_list.h"
+#include "util/unique_handle.h"
 #include "util/vector.h"
 
 namespace {
@@ -16,6 +17,8 @@ bool Add(const UniqueHelpList& list, const std::string& keyword) {
   ESH_NewHelpInfo(keyword.c_str(), "", list.get());
   return list->ulFirstFree != free_slot;
 }
+
+using UniqueRecord = std::unique_ptr<ESH_HELP_INFO_S, MemoryFreer>;
 
 UniqueHelpList NewList() { return UniqueHelpList(VEC_Alloc(8)); }
 
@@ -53,9 +56,8 @@ TEST(KeywordIndex, SeesWhatOthersTookOut) {
     Add(list, keyword);
   }
   for (const std::uint64_t index : {3U, 1U, 0U}) {
-    auto* record = static_cast<ESH_HELP_INFO_S*>(VEC_Del(list.get(), index));
+    const UniqueRecord record(static_cast<ESH_HELP_INFO_S*>(VEC_Del(list.get(), index)));
     const std::string keyword = record->szKeyWord;
-    std::free(record);
     EXPECT_TRUE(Add(list, keyword)) << keyword;
     EXPECT_FALSE(Add(list, keyword)) << keyword;
     EXPECT_FALSE(Add(list, "c")) << keyword;
