@@ -201,7 +201,7 @@ TEST_F(DirTest, TellsTheSpaceOfTheMediumInKilobytes) {
   };
   const long before = free_space();
   EXPECT_LE(before, 4096);
-  WriteFile("/mnt/small:/a", std::string(1024 * 1024, 'x'));
+  WriteFile("/mnt/small:/a", std::string(std::size_t{1024} * 1024, 'x'));
   EXPECT_EQ(before - free_space(), 1024);
   EXPECT_EQ(OutputOf([] { ESH_DirFsInfo("/mnt/gone:"); }), "");
 }

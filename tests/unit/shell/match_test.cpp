@@ -51,16 +51,16 @@ std::uint16_t Answer(const char* /*word*/) { return g_answer; }
 
 TEST(Filter, TheCheckCallbackHasTheLastWord) {
   struct AnswerCase {
-    std::uint16_t answer;
     const char* word;
-    std::uint32_t level;
     const char* left;
+    std::uint32_t level;
+    std::uint16_t answer;
   };
   constexpr AnswerCase kCases[] = {
-      {1, "3", ESH_MATCH_PARAM, "INTEGER<1-5>"},
-      {0, "3", ESH_MATCH_WRONG_PARAM, ""},
-      {2, "3", ESH_MATCH_WRONG_PARAM, "INTEGER<1-5>"},
-      {1, "6", ESH_MATCH_WRONG_PARAM, ""},
+      {"3", "INTEGER<1-5>", ESH_MATCH_PARAM, 1},
+      {"3", "", ESH_MATCH_WRONG_PARAM, 0},
+      {"3", "INTEGER<1-5>", ESH_MATCH_WRONG_PARAM, 2},
+      {"6", "", ESH_MATCH_WRONG_PARAM, 1},
   };
   for (const AnswerCase& c : kCases) {
     const TestView view("<t>");

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 #include "shell/view.h"
@@ -11,7 +10,7 @@
 #include "term/line_editor.h"
 #include "term/line_state.h"
 #include "tests/support/test_view.h"
-#include "util/vector.h"
+#include "util/fixed_text.h"
 
 namespace {
 
@@ -29,7 +28,7 @@ struct Parser : testing::Test {
 
   /// @return what appears on the console.
   static std::string Parse(const std::string& line) {
-    std::strcpy(g_stESh_Line.pcBuf, line.c_str());
+    CopyBounded(g_stESh_Line.pcBuf, kLineRoom, line);
     testing::internal::CaptureStdout();
     ESH_CmdParser(g_stESh_Line.pcBuf);
     return testing::internal::GetCapturedStdout();
