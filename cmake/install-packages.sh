@@ -2,6 +2,7 @@
 # Installs the Debian packages that the project needs and that are missing.
 #   cmake/install-packages.sh build   to build the project and boot the native device
 #   cmake/install-packages.sh test    also to run every check of ./test
+#   cmake/install-packages.sh bench   also to measure with bench/run, besides what build installs
 #   cmake/install-packages.sh arm64   to build for the arm64 device and to run it, besides what build installs
 set -euo pipefail
 
@@ -11,18 +12,20 @@ build_packages=(
   libgtest-dev libvterm-dev
   busybox-static openssh-client
 )
-test_packages=(clang-format clang-tidy libbenchmark-dev libcli-dev valgrind)
+test_packages=(clang-format clang-tidy)
+bench_packages=(libcli-dev strace valgrind)
 arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm)
 
 case ${1-} in
   build) wanted=("${build_packages[@]}") ;;
   test) wanted=("${build_packages[@]}" "${test_packages[@]}") ;;
+  bench) wanted=("${build_packages[@]}" "${bench_packages[@]}") ;;
   arm64)
     wanted=("${build_packages[@]}" "${arm64_packages[@]}")
     recommends=--no-install-recommends # the emulator's are desktops
     ;;
   *)
-    echo "usage: ${0##*/} build|test|arm64" >&2
+    echo "usage: ${0##*/} build|test|bench|arm64" >&2
     exit 2
     ;;
 esac
