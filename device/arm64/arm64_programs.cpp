@@ -20,6 +20,16 @@ bool IsPlanned(const std::string& path, const RootPlan& plan) {
   return false;
 }
 
+/// @return the path of a library on the device; "" when it is not among the packages below `root`.
+std::string LibraryPath(const std::string& root, const std::string& name) {
+  for (const char* directory : kLibraryDirectories) {
+    std::string path = directory;
+    path += name;
+    if (access((root + path).c_str(), R_OK) == 0) return path;
+  }
+  return "";
+}
+
 }  // namespace
 
 std::string Arm64Programs::Find(const std::string& name) const {
@@ -35,11 +45,7 @@ std::string Arm64Programs::AddLibraries(const std::string& program, RootPlan& pl
   if (!needs) return "";
   if (!needs->loader.empty()) AddCopy(root_ + needs->loader, needs->loader, plan);
   for (const std::string& library : needs->libraries) {
-    std::string path;
-    for (const char* directory : kLibraryDirectories) {
-      const std::string candidate = std::string(directory).append(library);
-      if (path.empty() && access((root_ + candidate).c_str(), R_OK) == 0) path = candidate;
-    }
+    const std::string path = LibraryPath(root_, library);
     if (path.empty() && needs->loader.ends_with("/" + library)) continue;  // the loader itself
     if (path.empty()) return program + " needs " + library + ", which is not in " + root_;
     if (IsPlanned(path, plan)) continue;
