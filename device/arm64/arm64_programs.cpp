@@ -34,7 +34,8 @@ std::string LibraryPath(const std::string& root, const std::string& name) {
 
 std::string Arm64Programs::Find(const std::string& name) const {
   for (const char* directory : kProgramDirectories) {
-    std::string path = root_ + directory + name;
+    std::string path = root_;
+    path.append(directory).append(name);
     if (access(path.c_str(), R_OK) == 0) return path;
   }
   return "";
