@@ -30,6 +30,10 @@ std::string LibraryPath(const std::string& root, const std::string& name) {
   return "";
 }
 
+std::string MissingLibrary(const std::string& program, const std::string& library, const std::string& root) {
+  return program + " needs " + library + ", which is not in " + root;
+}
+
 }  // namespace
 
 std::string Arm64Programs::Find(const std::string& name) const {
@@ -48,7 +52,7 @@ std::string Arm64Programs::AddLibraries(const std::string& program, RootPlan& pl
   for (const std::string& library : needs->libraries) {
     const std::string path = LibraryPath(root_, library);
     if (path.empty() && needs->loader.ends_with("/" + library)) continue;  // the loader itself
-    if (path.empty()) return program + " needs " + library + ", which is not in " + root_;
+    if (path.empty()) return MissingLibrary(program, library, root_);
     if (IsPlanned(path, plan)) continue;
     AddCopy(root_ + path, path, plan);
     if (std::string problem = AddLibraries(root_ + path, plan); !problem.empty()) return problem;
