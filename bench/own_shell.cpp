@@ -1,6 +1,5 @@
 #include "bench/own_shell.h"
 
-#include <cstdio>
 #include <cstdlib>
 
 #include "bench/measure.h"
@@ -12,6 +11,7 @@
 #include "term/line_editor.h"
 #include "term/line_state.h"
 #include "tests/support/private_root.h"
+#include "util/fixed_text.h"
 
 void StartOwnShell() {
   const std::string failure = EnterPrivateRoot();
@@ -30,6 +30,6 @@ void StartOwnShell() {
 }
 
 void RunLine(const char* line) {
-  std::snprintf(g_stESh_Line.pcBuf, kLineRoom, "%s", line);
+  CopyBounded(g_stESh_Line.pcBuf, kLineRoom, line);
   ESH_CmdParser(g_stESh_Line.pcBuf);
 }
