@@ -197,7 +197,7 @@ TEST_F(DirTest, TellsTheSpaceOfTheMediumInKilobytes) {
     const std::string line = OutputOf([] { ESH_DirFsInfo("/mnt/small:"); });
     const std::string total = "\r\n4096 KB total (";
     EXPECT_TRUE(line.starts_with(total) && line.ends_with(" KB free)\r\n")) << line;
-    return std::atol(line.c_str() + total.size());
+    return std::strtol(line.c_str() + total.size(), nullptr, 10);
   };
   const long before = free_space();
   EXPECT_LE(before, 4096);
