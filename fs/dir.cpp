@@ -2,12 +2,12 @@
 
 #include <dirent.h>
 #include <glob.h>
-#include <strings.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <string_view>
 
@@ -17,6 +17,7 @@
 #include "shell/parameter.h"
 #include "shell/result.h"
 #include "term/pager.h"
+#include "util/ascii.h"
 #include "util/fixed_text.h"
 #include "util/unique_handle.h"
 
@@ -80,9 +81,10 @@ class Matches {
   bool added_ = false;
 };
 
-bool IsHidden(std::string_view name) { return name.starts_with('.'); }
+/// An entry's own name decides, also inside a hidden directory.
+bool IsHidden(const char* name) { return ESH_IsVisibleFullFileName(name) != kSuccess; }
 
-void AppendAttributes(const struct stat& status, std::string_view name, char (&attributes)[5]) {
+void FillAttributes(const struct stat& status, const char* name, char (&attributes)[5]) {
   attributes[0] = S_ISDIR(status.st_mode) ? 'd' : '-';
   attributes[1] = (status.st_mode & S_IRUSR) != 0 ? 'r' : '-';
   attributes[2] = (status.st_mode & S_IWUSR) != 0 ? 'w' : '-';
@@ -106,7 +108,7 @@ bool FormatLine(const char* path, std::uint32_t index, ListingLine& line) {
   FixedText<kComponentRoom> name;
   name.AppendText(LastComponent(path));
   char attributes[5];
-  AppendAttributes(status, name.View(), attributes);
+  FillAttributes(status, name.Text(), attributes);
   char date[kDateRoom];
   FormatDate(status.st_mtime, date);
   const int number = static_cast<int>(index);
@@ -130,7 +132,9 @@ bool FormatHeading(const char* full, TextBuilder& heading) {
 
 using Heading = FixedText<kNameRoom + sizeof(kDirectoryOf)>;
 
-bool IsShown(std::string_view name, bool all) { return name != "." && name != ".." && (all || !IsHidden(name)); }
+bool IsShown(const char* name, bool all) {
+  return std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0 && (all || !IsHidden(name));
+}
 
 /// Lists the entries that were found in the working directory.
 /// @param heading printed before the first entry.
@@ -172,9 +176,7 @@ bool FindSpelling(const char* directory, std::string_view name, TextBuilder& spe
       spelling.AppendText(candidate);
       return true;
     }
-    const bool other_case =
-        candidate.size() == name.size() && strncasecmp(candidate.data(), name.data(), name.size()) == 0;
-    if (other_case && spelling.Length() == 0) {
+    if (spelling.Length() == 0 && EqualsIgnoringCase(candidate, name)) {
       spelling.AppendText(candidate);
     }
   }

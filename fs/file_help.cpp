@@ -1,9 +1,7 @@
 #include "fs/file_help.h"
 
 #include <dirent.h>
-#include <strings.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -14,6 +12,7 @@
 #include "fs/path.h"
 #include "shell/result.h"
 #include "term/help_list.h"
+#include "util/ascii.h"
 #include "util/fixed_text.h"
 #include "util/unique_handle.h"
 
@@ -43,10 +42,6 @@ enum class EntryKind { kDirectory, kFile, kOther };
 
 bool OffersFiles(std::uint32_t kind) {
   return std::find(std::begin(kKindsWithFiles), std::end(kKindsWithFiles), kind) != std::end(kKindsWithFiles);
-}
-
-bool BeginsWith(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
 }
 
 bool EndsInSlash(const char* word) { return ESH_IsExpectFile(word) == 0; }
@@ -113,13 +108,14 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
     return;
   }
   for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get())) {
-    if (entry->d_name[0] == '.' || !BeginsWith(entry->d_name, prefix)) {
+    if (entry->d_name[0] == '.' || !BeginsIgnoringCase(entry->d_name, prefix)) {
       continue;
     }
     full.Clear();
     full.AppendText(directory);
     full.AppendText("/");
     full.AppendText(entry->d_name);
+    // ESH_HelpStatSwitch in completion mode, less what is known here already: a listing may have 100,000 entries.
     const EntryKind entry_kind = KindOf(full.Text(), entry->d_type);
     if (IsOffered(entry_kind, kind) && ESH_FS_IsValidFileName(full.Text()) == kSuccess && Passes(filter, full.Text())) {
       Offer(word, full.Text(), entry_kind, FS_OFFER_COMPLETION, help);
@@ -152,7 +148,7 @@ void AddGenericLine(std::uint32_t kind, VEC_S* help) {
 
 /// The device name that a slot link stands for.
 std::string_view DeviceOfEntry(std::string_view entry) {
-  if (BeginsWith(entry, kSlotPrefix)) {
+  if (BeginsIgnoringCase(entry, kSlotPrefix)) {
     entry.remove_prefix(std::strlen(kSlotPrefix));
   }
   return entry;
@@ -173,12 +169,12 @@ bool OfferDevice(std::string_view device, std::string_view word, VEC_S* help) {
     ESH_NewHelpInfo(text.Text(), kDeviceHelp, help);
     return true;
   }
-  if (BeginsWith(device, word)) {
+  if (BeginsIgnoringCase(device, word)) {
     text.AppendText("/");
     ESH_NewHelpInfo(text.Text(), kDeviceHelp, help);
     return true;
   }
-  return !BeginsWith(word, device);
+  return !BeginsIgnoringCase(word, device);
 }
 
 }  // namespace

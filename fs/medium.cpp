@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "fs/name_rules.h"
+#include "util/ascii.h"
 #include "util/fixed_text.h"
 #include "util/unique_handle.h"
 #include "util/vector.h"
@@ -17,8 +18,6 @@ namespace {
 using MediumPath = FixedText<kNameRoom>;
 
 bool IsOrdinaryEntry(std::string_view name) { return name != "." && name != ".."; }
-
-bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
 void AppendCopy(VEC_S& names, const char* name) {
   UniqueText copy(static_cast<char*>(std::malloc(kComponentRoom)));

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "shell/result.h"
+#include "util/ascii.h"
 
 namespace {
 
@@ -31,8 +32,6 @@ constexpr std::string_view kUncheckedStart = "/mnt";
 constexpr std::string_view kUncheckedDevice = "/mnt:";
 
 bool IsIn(const CharacterSet& set, char character) { return set[static_cast<unsigned char>(character)]; }
-
-bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
 /// A "#" joins a slot's number to a device ("slot0#flash:").
 bool IsSlotMark(std::string_view device, std::size_t index) {

@@ -16,20 +16,6 @@ using JoinedName = FixedText<2 * kNameRoom>;
 
 bool HoldsDevice(const char* name) { return std::strchr(name, ':') != nullptr; }
 
-/// "/mnt/<device>..." of a name with a device, with or without a leading "/mnt" and the one character behind it.
-std::uint32_t expandMnt2DiskFullFileName(std::string_view name, char* full) {
-  if (name.starts_with(kMediaRoot)) {
-    name.remove_prefix(kMediaPrefix.size());
-  }
-  if (!IsValidDeviceName(DeviceNameOf(name))) {
-    return ESH_ERR_FAIL;
-  }
-  JoinedName joined;
-  joined.AppendText(kMediaPrefix);
-  joined.AppendText(name);
-  return eliminatePoint(joined.Text(), kRootFloor, kNameRoom, full);
-}
-
 /// A relative name behind the working directory; an absolute one as it is.
 std::uint32_t JoinWorkingDirectory(const char* name, JoinedName& joined) {
   if (name[0] != '/') {
@@ -79,6 +65,19 @@ std::string_view BehindDevice(std::string_view full) {
 }
 
 }  // namespace
+
+std::uint32_t expandMnt2DiskFullFileName(std::string_view name, char* full) {
+  if (name.starts_with(kMediaRoot)) {
+    name.remove_prefix(kMediaPrefix.size());
+  }
+  if (!IsValidDeviceName(DeviceNameOf(name))) {
+    return ESH_ERR_FAIL;
+  }
+  JoinedName joined;
+  joined.AppendText(kMediaPrefix);
+  joined.AppendText(name);
+  return eliminatePoint(joined.Text(), kRootFloor, kNameRoom, full);
+}
 
 std::uint32_t ESH_FS_GetFullFileName(const char* name, std::size_t size, char* output) {
   if (name == nullptr || ESH_FS_IsValidFileName(name) != kSuccess) {

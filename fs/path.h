@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 /// A file has three names: what the user types ("flash:/a" or, relative to the working directory, "a"), the full name
 /// that the system knows ("/mnt/flash:/a"), and the display name ("flash:/a"). This is the one place that converts
@@ -10,6 +11,10 @@
 
 /// A display name does not fit its buffer.
 inline constexpr std::uint32_t kErrNameDoesNotFit = 0x2001000c;
+
+/// Converts a name with a device, with or without a leading "/mnt" and the one character behind it.
+/// @param full room for kNameRoom bytes.
+[[nodiscard]] std::uint32_t expandMnt2DiskFullFileName(std::string_view name, char* full);
 
 /// Converts a user or full name to the full name.
 /// @param size room of `output` in bytes. On a refusal `output` holds whatever was built so far.

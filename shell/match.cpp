@@ -11,6 +11,7 @@
 #include "shell/command_tree.h"
 #include "shell/parameter.h"
 #include "shell/words.h"
+#include "util/ascii.h"
 #include "util/vector.h"
 
 namespace {
@@ -25,7 +26,7 @@ bool IsKeyword(const ESH_CMD_ELEMENT_S& element) { return element.ulType == ESH_
 bool IsCr(const ESH_CMD_ELEMENT_S& element) { return element.ulType == ESH_ELEM_CR; }
 
 bool BeginsWith(const ESH_CMD_ELEMENT_S& keyword, std::string_view word) {
-  return strncasecmp(keyword.pcKeyWord, word.data(), word.size()) == 0;
+  return BeginsIgnoringCase({keyword.pcKeyWord, keyword.ulKeyLen}, word);
 }
 
 bool Equals(const ESH_CMD_ELEMENT_S& keyword, std::string_view word) {

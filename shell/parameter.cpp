@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "shell/result.h"
+#include "util/ascii.h"
 #include "util/fixed_text.h"
 
 char g_szIPv4Address[16];
@@ -40,8 +41,6 @@ constexpr std::size_t kIPv6Room = 46;
 constexpr std::size_t kMaskLenRoom = 4;
 constexpr std::size_t kPrefixLenRoom = 5;
 constexpr std::size_t kNumberRoom = 11;
-
-bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
 bool IsPrintable(char character) { return character >= 0x20 && character <= 0x7E; }
 

@@ -11,6 +11,7 @@
 #include "shell/match.h"
 #include "shell/parameter.h"
 #include "shell/words.h"
+#include "util/ascii.h"
 #include "util/fixed_text.h"
 
 ESH_TAB_STATE_S g_stTabState;
@@ -18,8 +19,6 @@ ESH_TAB_STATE_S g_stTabState;
 namespace {
 
 constexpr std::size_t kTabLineRoom = 512;
-
-bool EqualsIgnoringCase(const char* a, const char* b) { return strcasecmp(a, b) == 0; }
 
 void ForgetCycle() {
   g_stTabState.szPrefix[0] = '\0';
@@ -48,14 +47,13 @@ void DropPlaceholders(VEC_S& list) {
 }
 
 /// What may continue the last word, in the order of the command tree; NULL when the words do not match.
-UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const char* word) {
-  const UniqueVector elements(VEC_Alloc(kUsualSlots));
+/// @param elements an empty vector for the elements that match.
+UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const char* word, VEC_S& elements) {
   std::uint64_t failed = 0;
-  if (elements == nullptr ||
-      ESH_GetCmdElementVec(&words, count, ESH_WORD_PARTIAL, elements.get(), &failed) < ESH_MATCH_PARAM) {
+  if (ESH_GetCmdElementVec(&words, count, ESH_WORD_PARTIAL, &elements, &failed) < ESH_MATCH_PARAM) {
     return nullptr;
   }
-  UniqueHelpList list(ESH_MakeHelpInfoVec(word, elements.get()));
+  UniqueHelpList list(ESH_MakeHelpInfoVec(word, &elements));
   if (list != nullptr) {
     DropPlaceholders(*list);
   }
@@ -149,6 +147,10 @@ void ESH_TabComplete(VEC_S* words, char* line) {
     line[0] = '\0';
     return;
   }
+  const UniqueVector elements(VEC_Alloc(kUsualSlots));
+  if (elements == nullptr) {
+    return;
+  }
   char* word = WordAt(*words, count - 1)->pcWord;
   NoteWordCount(count, line);
   if (CycleGoesOn(word)) {
@@ -156,7 +158,7 @@ void ESH_TabComplete(VEC_S* words, char* line) {
   } else {
     ForgetCycle();
   }
-  const UniqueHelpList candidates = MakeCandidates(*words, count, word);
+  const UniqueHelpList candidates = MakeCandidates(*words, count, word, *elements);
   if (candidates == nullptr) {
     ESH_ResetTabState();
     return;
