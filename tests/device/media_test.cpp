@@ -52,6 +52,26 @@ TEST_F(Media, ListingsPage) {
   EXPECT_EQ(Command("pwd"), "flash:\n");
 }
 
+TEST_F(Media, AnyOtherKeyEndsAListingAndIsUsedUp) {
+  BootToPrompt();
+  Run("cd /mnt/cfa0:; for i in $(seq 100 160); do : > f$i; done");
+  for (const char* key : {"\x1b[A", "\x1b", "\x1b[3~", "\x03", "\x1a", "\t", "?", "Y"}) {
+    Type("dir cfa0:\r");
+    Expect("---- More ----     ");
+    Type(key);
+    EXPECT_EQ(Expect("<boot>").find('f'), std::string::npos) << "more lines follow";
+    EXPECT_EQ(Command("pwd"), "flash:\n");
+  }
+}
+
+TEST_F(Media, AFullMediumHasNothingFree) {
+  BootToPrompt();
+  Run("dd if=/dev/zero of=/mnt/cfa0:/fill bs=65536 || true");
+  const std::string listing = Command("dir cfa0:");
+  EXPECT_NE(listing.find("    16777216  "), std::string::npos) << listing;
+  EXPECT_NE(listing.find("\n16384 KB total (0 KB free)\n"), std::string::npos) << listing;
+}
+
 TEST_F(Media, AMediumMayVanishWhileItIsListed) {
   BootToPrompt();
   Run("cd /mnt/cfa0:; for i in $(seq 100 160); do : > f$i; done");

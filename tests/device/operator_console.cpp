@@ -120,7 +120,7 @@ std::string OperatorConsole::Run(const std::string& command) {
   return result.output;
 }
 
-bool OperatorConsole::Eventually(const std::function<bool()>& condition) {
+bool Eventually(const std::function<bool()>& condition) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   while (!condition()) {
     if (std::chrono::steady_clock::now() > deadline) {

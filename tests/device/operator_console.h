@@ -11,6 +11,9 @@
 #include "device/device.h"
 #include "tests/support/virtual_screen.h"
 
+/// Waits until a condition holds. @return whether it does.
+[[nodiscard]] bool Eventually(const std::function<bool()>& condition);
+
 /// An operator at the console of a device: boots it, types, and looks at what is printed. Which device it is is
 /// decided in one place, so that every test runs on any.
 class OperatorConsole : public testing::Test {
@@ -43,9 +46,6 @@ class OperatorConsole : public testing::Test {
   std::string Run(const std::string& command);
   /// Replaces a tool or text of the device; before the first Boot.
   void Replace(const std::string& path, const std::string& text) { options.files.push_back({path, text}); }
-  /// Waits until a condition holds. @return whether it does.
-  [[nodiscard]] static bool Eventually(const std::function<bool()>& condition);
-
   /// The process that reads the keys.
   std::string ShellPid();
 

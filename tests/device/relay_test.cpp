@@ -2,16 +2,20 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 #include <utmp.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <string_view>
 
+#include "tests/device/operator_console.h"
 #include "util/unique_handle.h"
 
 namespace {
@@ -21,6 +25,11 @@ constexpr int kPatienceMs = 60000;
 /// The program behind ./run, on a terminal of the test's own.
 class Relay : public testing::Test {
  protected:
+  void SetUp() override {
+    // What the program leaves running becomes the test's own child, and shows.
+    ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+  }
+
   void Start() {
     const winsize window{24, 80, 0, 0};
     int terminal = -1;
@@ -28,7 +37,11 @@ class Relay : public testing::Test {
     ASSERT_EQ(openpty(&keyboard, &terminal, nullptr, nullptr, &window), 0);
     keyboard_.Reset(keyboard);
     terminal_.Reset(terminal);
-    ASSERT_EQ(tcgetattr(terminal_.Get(), &before_), 0);
+    fcntl(keyboard, F_SETFD, FD_CLOEXEC);  // with a copy in the program its window could not be closed
+    ASSERT_EQ(tcgetattr(terminal, &before_), 0);
+    before_.c_cc[VINTR] = 'X' - '@';  // modes that nobody would take for the usual ones
+    before_.c_lflag &= ~static_cast<tcflag_t>(ECHOE);
+    ASSERT_EQ(tcsetattr(terminal, TCSANOW, &before_), 0);
     program_ = fork();
     if (program_ == 0) {
       login_tty(terminal);
@@ -60,10 +73,20 @@ class Relay : public testing::Test {
     }
   }
 
+  /// The program's child, through which the device ends when it ends.
+  [[nodiscard]] pid_t Keeper() const {
+    const std::string id = std::to_string(program_);
+    pid_t child = -1;
+    std::ifstream("/proc/" + id + "/task/" + id + "/children") >> child;
+    return child;
+  }
+
+  /// Waits for the program and for all that it started. @return its wait status.
   int WaitForEnd() {
     int status = -1;
-    waitpid(program_, &status, 0);
+    EXPECT_TRUE(Eventually([&] { return waitpid(program_, &status, WNOHANG) == program_; })) << "it does not end";
     program_ = -1;
+    EXPECT_TRUE(Eventually([] { return waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD; })) << "something is left";
     return status;
   }
 
@@ -92,12 +115,32 @@ TEST_F(Relay, LeavesByItsKeyAndGivesTheTerminalBack) {
 }
 
 TEST_F(Relay, GivesTheTerminalBackWhenASignalEndsIt) {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
     Start();
     kill(program_, signal);
-    EXPECT_NE(WaitForEnd(), 0);
+    EXPECT_EQ(WEXITSTATUS(WaitForEnd()), 128 + signal);
     ExpectTerminalAsBefore();
   }
+}
+
+TEST_F(Relay, GivesTheTerminalBackWhenTheDeviceDies) {
+  Start();
+  kill(Keeper(), SIGKILL);
+  Expect("The device died");
+  EXPECT_EQ(WEXITSTATUS(WaitForEnd()), 1);
+  ExpectTerminalAsBefore();
+}
+
+TEST_F(Relay, EndsWithItsWindow) {
+  Start();
+  keyboard_.Reset();
+  EXPECT_NE(WEXITSTATUS(WaitForEnd()), 0);
+}
+
+TEST_F(Relay, LeavesNothingRunningWhenItIsKilled) {
+  Start();
+  kill(program_, SIGKILL);
+  EXPECT_TRUE(WIFSIGNALED(WaitForEnd()));
 }
 
 TEST_F(Relay, TypesALineOfAPipeWheneverTheConsoleWaits) {

@@ -85,6 +85,18 @@ TEST_F(StartUp, RebootsWithoutAWordAfterAStepThatCounts) {
   }
 }
 
+TEST_F(StartUp, ReallyRebootsWithAndWithoutAConsole) {
+  const device::FileText kFailures[] = {{"/etc/pkg/esh/ttyname.conf", std::nullopt},
+                                        {"/bin/insmod", "#!/bin/sh\nexit 1\n"}};
+  for (const device::FileText& failure : kFailures) {
+    SCOPED_TRACE(failure.path);
+    options.files = {failure};
+    NewDevice();
+    Boot();
+    EXPECT_EQ(Outcome(), device::Outcome::kRebooted);
+  }
+}
+
 TEST_F(StartUp, GoesOnAfterAStepThatDoesNotCount) {
   Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nexit 1\n");
   Replace("/bin/insmod", "#!/bin/sh\n[ $1 = /lib/modules/ipstack.ko ]\n");

@@ -84,6 +84,18 @@ TEST_F(Tools, ThatIgnoreCtrlCAreNotBrokenOff) {
   Expect("<boot>");
 }
 
+TEST_F(Tools, ThatStopAreWaitedFor) {
+  BootWithTool("echo $$ > /tmp/tool; kill -STOP $$; echo went on\n");
+  StartTool();
+  ASSERT_TRUE(
+      Eventually([&] { return Board().Run("grep 'State:.*stopped' /proc/$(cat /tmp/tool)/status").status == 0; }));
+  Type(kCtrlZ);
+  Type("pwd\r");
+  Run("kill -CONT $(cat /tmp/tool)");
+  EXPECT_EQ(Expect("went on\r\n").find("<boot>"), std::string::npos) << "the shell did not wait";
+  Expect("<boot>");
+}
+
 TEST_F(Tools, SignalsToTheShellDoNotEndIt) {
   BootWithTool("trap 'echo interrupted' INT; echo ready; read -r line; echo got $line\n");
   const std::string pid = ShellPid();
