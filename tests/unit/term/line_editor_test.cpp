@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <string>
+#include <string_view>
 
 #include "term/history.h"
 #include "term/line_state.h"
@@ -83,14 +84,16 @@ TEST(TypeAhead, StaysForTheNextReader) {
   EXPECT_EQ(console.NextReport(), "cat /etc/motd\n");
 }
 
-TEST(UnknownTerminal, StillHasAReader) {
-  for (const char* term : {"no-such-terminal", static_cast<const char*>(nullptr)}) {
+TEST(UnknownTerminal, IsReportedInOneLineAndCanBeTypedOn) {
+  for (const char* term : {"no-such-terminal", "", static_cast<const char*>(nullptr)}) {
     const Console console({.term = term}, [](const Console::Report& report) {
       (void)ESH_LINE_Init();
       ESH_SetPrompt("<boot>");
       report(ESH_LINE_GetLine(ESH_LINE_MODE_PLAIN, 80));
     });
-    EXPECT_TRUE(console.ReadUntil("<boot>").ends_with("<boot>"));
+    const std::string output = console.ReadUntil("<boot>");
+    EXPECT_NE(output.find(term == nullptr ? "\"\"" : term), std::string::npos) << output;
+    EXPECT_EQ(output.find('\n'), output.size() - std::string_view("\n<boot>").size()) << output;
     console.Type("ab\010c\n");
     EXPECT_EQ(console.NextReport(), "ac");
   }

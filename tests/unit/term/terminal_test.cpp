@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "tests/support/console.h"
 #include "tests/support/scripted_stdio.h"
 #include "tests/unit/term/scripted_editor.h"
 
@@ -81,20 +80,6 @@ TEST_F(TerminalTest, AnUnknownSizeIsHuge) {
   Use("esh-zerowidth");
   EXPECT_EQ(ESH_TERM_GetScrCols(), 0U);
   use_env(TRUE);
-}
-
-TEST_F(TerminalTest, AnUnknownTypeIsReportedInOneLineAndReplaced) {
-  for (const char* term : {"no-such-terminal", "", static_cast<const char*>(nullptr)}) {
-    const Console console({.term = term}, [](const Console::Report&) {
-      SetUpTerminal();
-      ESH_TERM_CursorBack(4);
-    });
-    const std::string output = console.ReadToEnd();
-    const std::size_t line_end = output.find('\n');
-    ASSERT_NE(line_end, std::string::npos);
-    EXPECT_NE(output.find(term == nullptr ? "\"\"" : term), std::string::npos) << output;
-    EXPECT_EQ(output.substr(line_end + 1), "\033[4D");
-  }
 }
 
 }  // namespace
