@@ -61,7 +61,7 @@ class Arm64Kind final : public DeviceKind {
     }
     for (const char* module : {"ipstack.ko", "addon.ko"})
       AddCopy(Built(module), std::string("/lib/modules/") + module, plan);
-    return AddProgram(Built("device-agent"), "/sbin/device-agent", programs, plan);
+    return AddProgram(Built("device-guest"), "/sbin/device-guest", programs, plan);
   }
 
   std::vector<std::string> NeededOfHost() const override { return {files_.kernel, files_.tftp_directory}; }

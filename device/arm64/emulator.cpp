@@ -45,7 +45,7 @@ std::string TextOf(const LabCable::Address& address) {
 }
 
 /// The emulator's ends of the lines, by the numbers that its options name.
-enum Line : int { kSerial = 3, kAgent, kMonitor, kNetwork, kEmulatorNetwork, kLineEnd };
+enum Line : int { kSerial = 3, kGuest, kMonitor, kNetwork, kEmulatorNetwork, kLineEnd };
 
 std::string SocketLine(const char* name, Line number) {
   return std::string("socket,id=") + name + ",fd=" + std::to_string(number);
@@ -67,8 +67,8 @@ std::vector<std::string> EmulatorWords(const MachineParts& parts) {
   add({"-smp", "1", "-m", kMegabytes, "-kernel", parts.kernel, "-initrd", parts.first_root, "-append", kKernelLine});
   add({"-chardev", SocketLine("serial", kSerial), "-serial", "chardev:serial"});
   add({"-chardev", SocketLine("monitor", kMonitor), "-mon", "chardev=monitor,mode=control"});
-  add({"-chardev", SocketLine("agent", kAgent), "-device", "virtio-serial-device", "-device",
-       "virtserialport,chardev=agent,name=agent"});
+  add({"-chardev", SocketLine("guest", kGuest), "-device", "virtio-serial-device", "-device",
+       "virtserialport,chardev=guest,name=guest"});
   for (std::size_t i = 0; i < parts.disks.size(); ++i) {
     const std::string name = "disk" + std::to_string(i);
     add({"-drive", "if=none,format=raw,cache=unsafe,id=" + name + ",file=" + Escaped(parts.disks[i].image), "-device",
@@ -98,7 +98,7 @@ std::string FindEmulator() { return FindProgram("qemu-system-aarch64"); }
 pid_t StartEmulator(const MachineParts& parts, MachineLines& lines, int log) {
   std::array<UniqueFd, kLineEnd - kSerial> others;
   if (!MakeLine(SOCK_STREAM, lines.serial, others[0]) ||
-      !MakeLine(SOCK_STREAM, lines.agent, others[kAgent - kSerial]) ||
+      !MakeLine(SOCK_STREAM, lines.guest, others[kGuest - kSerial]) ||
       !MakeLine(SOCK_STREAM, lines.monitor, others[kMonitor - kSerial]) ||
       !MakeLine(SOCK_DGRAM, lines.network, others[kNetwork - kSerial]) ||
       !MakeLine(SOCK_DGRAM, lines.emulator_network, others[kEmulatorNetwork - kSerial]))

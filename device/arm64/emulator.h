@@ -27,7 +27,7 @@ struct MachineParts {
 /// This side's ends of what leads into an emulated machine. All are sockets.
 struct MachineLines {
   UniqueFd serial;
-  UniqueFd agent;             // to the program that serves the host inside
+  UniqueFd guest;             // to the program that serves the host inside
   UniqueFd monitor;           // the emulator's own, in QMP
   UniqueFd network;           // frames of the machine's port
   UniqueFd emulator_network;  // frames of the emulator's own network, where the TFTP server is

@@ -11,14 +11,14 @@ namespace device {
 
 /// What the two ends of the line into an emulated machine tell each other.
 enum class FrameKind : std::uint32_t {
-  kHello,         // agent -> host: the machine is up
-  kStartShell,    // host -> agent: bytes are words and environment, see PackTexts; value counts the words
-  kRun,           // host -> agent: bytes are a command
-  kKill,          // host -> agent: the command `id` ran too long
+  kHello,         // guest -> host: the machine is up
+  kStartShell,    // host -> guest: bytes are words and environment, see PackTexts; value counts the words
+  kRun,           // host -> guest: bytes are a command
+  kKill,          // host -> guest: the command `id` ran too long
   kStream,        // both ways: bytes of stream `value` (0, 1, 2) of command `id`; none: the stream has ended
-  kCommandEnded,  // agent -> host: value is the wait status; all of its streams came before
-  kHandedOver,    // agent -> host: /sbin/scmd has the console
-  kShellEnded     // agent -> host: value is the wait status
+  kCommandEnded,  // guest -> host: value is the wait status; all of its streams came before
+  kHandedOver,    // guest -> host: /sbin/scmd has the console
+  kShellEnded     // guest -> host: value is the wait status
 };
 
 struct Frame {

@@ -100,7 +100,7 @@ class Machine {
         emulator_network_(std::move(lines.emulator_network)),
         cable_(std::move(cable)),
         network_(port_.Get(), emulator_network_.Get(), cable_.Descriptor()),
-        frames_(std::move(lines.agent)),
+        frames_(std::move(lines.guest)),
         streams_(frames_) {}
 
   /// Gives the console to the launcher, and passes on what happens until the emulator ends.

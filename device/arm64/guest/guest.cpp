@@ -39,9 +39,9 @@ UniqueFd CatchSignals() {
   return UniqueFd(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
-class Agent {
+class Guest {
  public:
-  explicit Agent(UniqueFd line)
+  explicit Guest(UniqueFd line)
       : signals_(CatchSignals()),
         console_(open(kConsole, O_RDWR | O_NOCTTY | O_CLOEXEC)),
         frames_(std::move(line)),
@@ -142,8 +142,8 @@ class Agent {
 int main(int argc, char** argv) {
   UniqueFd line(argc == 2 ? open(argv[1], O_RDWR | O_CLOEXEC) : -1);
   if (!line) {
-    (void)std::fprintf(stderr, "device-agent: no line to the host: %s\n", std::strerror(errno));
+    (void)std::fprintf(stderr, "device-guest: no line to the host: %s\n", std::strerror(errno));
     return 1;
   }
-  device::Agent(std::move(line)).Serve();
+  device::Guest(std::move(line)).Serve();
 }
