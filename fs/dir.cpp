@@ -38,8 +38,6 @@ constexpr long kSpaceUnit = 512;
 /// Lines on their way to the pager. Handing over each for itself would cost a system call per entry.
 class Listing {
  public:
-  Listing() { tzset(); }  // once per listing: it looks at the time zone's file
-
   [[nodiscard]] std::uint32_t Add(std::string_view line) {
     const std::uint32_t verdict = pending_.Length() + line.size() < kBlockRoom ? kSuccess : Show();
     pending_.AppendText(line);
@@ -140,6 +138,7 @@ bool IsShown(const char* name, bool all) {
 /// @param heading printed before the first entry.
 /// @return 0, or ESH_ERR_FAIL when the user stopped.
 std::uint32_t ListMatches(const Matches& matches, bool all, const Heading& heading) {
+  tzset();  // once per listing: it looks at the time zone's file
   Listing listing;
   std::uint32_t verdict = kSuccess;
   std::uint32_t index = 0;

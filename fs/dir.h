@@ -11,9 +11,11 @@ std::uint32_t ESH_ProcDirAllFile();
 
 /// Lists the working directory and its medium's space.
 /// @param all whether hidden entries are included.
+/// @return 0, or ESH_ERR_FAIL when it is gone, cannot be entered, or the user stopped.
 std::uint32_t ESH_DirFileInHomePath(bool all);
 
 /// Lists a named directory or file and its medium's space. @param name as typed.
+/// @return 0, or ESH_ERR_FAIL when there is no such name, it cannot be entered, or the user stopped.
 std::uint32_t ESH_DirFileInDirectory(const char* name, bool all);
 
 /// Prints the lines of one directory.
@@ -22,6 +24,7 @@ std::uint32_t ESH_DirFileInDirectory(const char* name, bool all);
 std::uint32_t ESH_ListFileInfoInDir(const char* full, bool all);
 
 /// Prints the line of one entry; nothing when the entry has vanished.
+/// @param index the number at the start of the line.
 /// @return 0, or ESH_ERR_FAIL when the user stopped at a More prompt.
 std::uint32_t ESH_DirOneFileOfList(const char* full, std::uint32_t index);
 

@@ -5,7 +5,8 @@
 struct VEC_S;
 struct ESH_CMD_ELEMENT_S;
 
-/// What a file-name argument may be. Kinds 5 and 8 are offered like their neighbours and used by no command.
+/// What a file-name argument may be. FS_HELP_NEW_FILE and FS_HELP_LAST are used by no command;
+/// the last one, offered like an existing file, also bounds the range.
 enum FS_HELP_KIND_E : std::uint32_t {
   FS_HELP_EXISTING_FILE = 0,
   FS_HELP_DESTINATION = 1,

@@ -27,7 +27,8 @@ constexpr CharacterSet AllBut(std::string_view forbidden) {
 constexpr CharacterSet kAllowedInNames = AllBut("\"'*<>?\\|");
 constexpr CharacterSet kAllowedInDeviceNames = AllBut("\"'*./<>?\\|");
 
-/// A device name that begins with this is checked from behind it only.
+/// A device name that begins with this is checked from behind it and the one character that follows. Where nothing
+/// is left behind it to check, it passes.
 constexpr std::string_view kUncheckedStart = "/mnt";
 constexpr std::string_view kUncheckedDevice = "/mnt:";
 

@@ -1,12 +1,10 @@
 #include "shell/command_tree.h"
 
-#include <cctype>
-#include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string_view>
 
+#include "util/decimal.h"
 #include "util/fixed_text.h"
 #include "util/vector.h"
 
@@ -19,17 +17,11 @@ namespace {
 
 constexpr std::size_t kBoundDigits = 10;  // longest bound that is read
 
-/// Reads one bound of a range such as "<1-15>". A sign or blank in front is refused, as strtoul would take it.
+/// Reads one bound of a range such as "<1-15>".
 bool ReadBound(std::string_view digits, std::uint64_t& bound) {
   FixedText<kBoundDigits + 1> text;
   text.AppendText(digits);
-  if (digits.empty() || text.Truncated() || std::isxdigit(static_cast<unsigned char>(digits[0])) == 0) {
-    return false;
-  }
-  char* rest = nullptr;
-  errno = 0;
-  bound = std::strtoul(text.Text(), &rest, 10);
-  return errno == 0 && *rest == '\0';
+  return !text.Truncated() && ReadDecimal(text.Text(), bound);
 }
 
 /// Takes the range out of a placeholder such as "INTEGER<1-31>"; anything malformed leaves both bounds 0.

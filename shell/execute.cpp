@@ -31,14 +31,6 @@ bool MatchWords(const VEC_S& words, std::uint64_t count, VEC_S& candidates, Ambi
   return true;
 }
 
-void KeepCommandEnds(VEC_S& candidates) {
-  ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t index, const ESH_CMD_ELEMENT_S& element) {
-    if (element.ulType != ESH_ELEM_CR) {
-      VEC_Del(&candidates, index);
-    }
-  });
-}
-
 void ReportUnfinished(const VEC_S& words, std::uint64_t count, std::uint64_t ends, AmbiguousPosition ambiguous) {
   if (ambiguous) {
     ESH_PrintErrorInfo(ESH_MATCH_AMBIGUOUS, *ambiguous, &words);

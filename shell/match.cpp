@@ -3,8 +3,6 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <cctype>
-#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -76,7 +74,7 @@ Verdict JudgeParameter(const ESH_CMD_ELEMENT_S& element, const char* word) {
   }
 }
 
-Verdict Judge(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
+Verdict Judge(const ESH_CMD_ELEMENT_S& element, const char* word) {
   switch (element.ulType) {
     case ESH_ELEM_KEYWORD:
       return JudgeKeyword(element, word);
@@ -88,7 +86,7 @@ Verdict Judge(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
     case ESH_ELEM_IPV6:
     case ESH_ELEM_IPV6PREFIX:
     case ESH_ELEM_INTEGER:
-      return JudgeParameter(element, word.data());
+      return JudgeParameter(element, word);
     default:
       return {ESH_MATCH_NONE, false};
   }
@@ -112,25 +110,21 @@ bool HoldsDifferentTexts(const VEC_S& candidates) {
          }) != nullptr;
 }
 
-bool HoldsOnly(std::string_view word, bool (*allowed)(unsigned char)) {
-  return std::all_of(word.begin(), word.end(), [&](char c) { return allowed(static_cast<unsigned char>(c)); });
-}
+bool HoldsOnly(std::string_view word, bool (*allowed)(char)) { return std::all_of(word.begin(), word.end(), allowed); }
 
-bool IsIPv4Character(unsigned char c) { return std::isdigit(c) != 0 || c == '.'; }
+bool IsIPv4Character(char c) { return IsDigit(c) || c == '.'; }
 
-bool IsIPv6Character(unsigned char c) { return std::isxdigit(c) != 0 || c == ':' || c == '.'; }
+bool IsIPv6Character(char c) { return IsHexDigit(c) || c == ':' || c == '.'; }
 
-bool IsIPv6PrefixCharacter(unsigned char c) { return IsIPv6Character(c) || c == '/'; }
-
-bool IsTextCharacter(unsigned char c) { return c >= 0x20 && c <= 0x7E; }
+bool IsIPv6PrefixCharacter(char c) { return IsIPv6Character(c) || c == '/'; }
 
 /// Whether a word that is still being typed may become a value of this element.
-bool MayContinue(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
+bool MayContinue(const ESH_CMD_ELEMENT_S& element, const char* word) {
   switch (element.ulType) {
     case ESH_ELEM_KEYWORD:
       return BeginsWith(element, word);
     case ESH_ELEM_STRING:
-      return HoldsOnly(word, IsTextCharacter);
+      return HoldsOnly(word, IsPrintable);
     case ESH_ELEM_IPV4:
     case ESH_ELEM_IPV4MASK:
       return HoldsOnly(word, IsIPv4Character);
@@ -139,7 +133,7 @@ bool MayContinue(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
     case ESH_ELEM_IPV6PREFIX:
       return HoldsOnly(word, IsIPv6PrefixCharacter);
     case ESH_ELEM_INTEGER:
-      return IsValidValue(element, word.data());
+      return IsValidValue(element, word);
     default:
       return false;
   }
@@ -173,6 +167,8 @@ bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
 }
 
 }  // namespace
+
+void KeepCommandEnds(VEC_S& candidates) { KeepOnly(candidates, IsCr); }
 
 void ESH_SelectNextCmdElment(VEC_S* candidates) {
   UniqueVector next(VEC_Alloc(kUsualSlots));

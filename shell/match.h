@@ -4,7 +4,8 @@
 
 struct VEC_S;
 
-/// How well a word fits. The levels below 5 are also the errors that a line can have.
+/// How well a word fits. Those below ESH_MATCH_PARAM are also the errors that a line
+/// can have.
 enum ESH_MATCH_LEVEL_E : std::uint32_t {
   ESH_MATCH_NONE = 0,         ///< no candidate accepts the word
   ESH_MATCH_TOO_MANY = 1,     ///< only the end of the command could be here
@@ -26,6 +27,9 @@ void ESH_SelectNextCmdElment(VEC_S* candidates);
 /// Matches one complete word, removing the candidates that fail. @return the level reached. The name is "Elment".
 [[nodiscard]] std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* word);
 
+/// Keeps only the candidates that end a command.
+void KeepCommandEnds(VEC_S& candidates);
+
 /// Whether the last word of the line is finished (a blank follows it) or still being typed.
 enum ESH_WORD_MODE_E : std::uint32_t { ESH_WORD_PARTIAL = 0, ESH_WORD_FINISHED = 1 };
 
@@ -33,7 +37,8 @@ enum ESH_WORD_MODE_E : std::uint32_t { ESH_WORD_PARTIAL = 0, ESH_WORD_FINISHED =
 /// @param words    the words of the line (shell/words.h).
 /// @param count    how many they are.
 /// @param mode     ESH_WORD_FINISHED: what may follow the last word; ESH_WORD_PARTIAL: what may continue it.
-/// @param errIndex set to the index of the failing word when the result is below 5.
+/// @param candidates empty at the call; holds the elements that fit afterwards.
+/// @param errIndex set to the index of the failing word when the result is below ESH_MATCH_PARAM.
 /// @return a match level.
 [[nodiscard]] std::uint32_t ESH_GetCmdElementVec(const VEC_S* words, std::uint64_t count, std::uint32_t mode,
                                                  VEC_S* candidates, std::uint64_t* errIndex);

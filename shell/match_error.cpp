@@ -36,5 +36,5 @@ void ESH_PrintErrorInfo(std::uint32_t level, std::uint64_t wordIndex, const VEC_
     std::putchar(' ');
     return;
   }
-  std::printf("%s%s", "\r\n", kMessages[level]);
+  std::printf("\r\n%s", kMessages[level]);
 }

@@ -3,14 +3,13 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
-#include <cctype>
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "shell/result.h"
 #include "util/ascii.h"
+#include "util/decimal.h"
 #include "util/fixed_text.h"
 
 char g_szIPv4Address[16];
@@ -33,16 +32,14 @@ namespace {
 
 constexpr std::size_t kMaxWord = 512;
 constexpr std::size_t kMaxSignificantDigits = 10;
-constexpr unsigned long kMinPrefix = 1;
-constexpr unsigned long kMaxPrefix = 128;
+constexpr std::uint64_t kMinPrefix = 1;
+constexpr std::uint64_t kMaxPrefix = 128;
 
 // Rooms of the buffers that take less than their size.
 constexpr std::size_t kIPv6Room = 46;
 constexpr std::size_t kMaskLenRoom = 4;
 constexpr std::size_t kPrefixLenRoom = 5;
 constexpr std::size_t kNumberRoom = 11;
-
-bool IsPrintable(char character) { return character >= 0x20 && character <= 0x7E; }
 
 /// Converts to binary and prints again, so that one address has one spelling.
 std::uint32_t RecordAddress(int family, const char* word, char* buffer, std::size_t room) {
@@ -93,14 +90,8 @@ std::uint16_t ESH_CheckIPv6Prefix(const char* text) {
   if (address.Truncated() || inet_pton(AF_INET6, address.Text(), &binary) != 1) {
     return 0;
   }
-  const char* digits = slash + 1;
-  if (std::isxdigit(static_cast<unsigned char>(*digits)) == 0) {
-    return 0;
-  }
-  char* rest = nullptr;
-  errno = 0;
-  const unsigned long length = std::strtoul(digits, &rest, 10);
-  return errno == 0 && *rest == '\0' && length >= kMinPrefix && length <= kMaxPrefix ? 1 : 0;
+  std::uint64_t length = 0;
+  return ReadDecimal(slash + 1, length) && length >= kMinPrefix && length <= kMaxPrefix ? 1 : 0;
 }
 
 std::uint16_t ESH_CheckInteger(const char* text, std::uint64_t min, std::uint64_t max) {

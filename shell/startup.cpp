@@ -120,11 +120,7 @@ std::uint16_t HasLoadedKo() {
   return 0;
 }
 
-void ESH_SigInt(int /*signo*/) {
-  if (ESH_IsForkSubProcess() == 1) {
-    ESH_Sig2SubProcess(SIGINT);
-  }
-}
+void ESH_SigInt(int /*signo*/) { ESH_Sig2SubProcess(SIGINT); }
 
 void ESH_CMD_Init() {
   ESH_Fs_Init();

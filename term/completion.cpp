@@ -11,6 +11,7 @@
 #include "shell/match.h"
 #include "shell/parameter.h"
 #include "shell/words.h"
+#include "term/line_state.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
 
@@ -18,7 +19,7 @@ ESH_TAB_STATE_S g_stTabState;
 
 namespace {
 
-constexpr std::size_t kTabLineRoom = 512;
+constexpr std::size_t kTabLineRoom = kMaxCommandLine + 1;
 
 void ForgetCycle() {
   g_stTabState.szPrefix[0] = '\0';

@@ -1,6 +1,5 @@
 #include "term/redisplay.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -3,7 +3,6 @@
 #include <curses.h>
 // curses.h first: term.h needs its types.
 #include <term.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
