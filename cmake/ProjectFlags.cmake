@@ -23,7 +23,7 @@ endif()
 target_link_options(esh_product_flags INTERFACE -static-libstdc++ -static-libgcc -Wl,-z,relro,-z,now -Wl,--gc-sections
                                                 -Wl,--as-needed)
 
-# One layer of the shell. A layer links only layers below it, so an upward call does not link.
+# One layer of the shell. It uses only layers below it, which its unit test proves by linking nothing else.
 function(esh_layer name)
   cmake_parse_arguments(LAYER "" "" "SOURCES;USES" ${ARGN})
   add_library(${name} STATIC ${LAYER_SOURCES})
