@@ -11,6 +11,7 @@
 #include <ctime>
 #include <string_view>
 
+#include "fs/file_messages.h"
 #include "fs/name_rules.h"
 #include "fs/path.h"
 #include "fs/working_directory.h"
@@ -23,7 +24,6 @@
 
 namespace {
 
-constexpr char kDoesNotExist[] = "The file or directory doesn't exist.\r";
 constexpr char kDirectoryOf[] = "Directory of %s\r\n";
 constexpr char kIsEmpty[] = "The directory is empty.\r\n";
 constexpr char kSpace[] = "\r\n%ld KB total (%ld KB free)\r\n";

@@ -1,7 +1,13 @@
 #include "fs/file_commands.h"
 
+#include "fs/copy.h"
+#include "fs/delete.h"
 #include "fs/dir.h"
-#include "fs/file_help.h"
+#include "fs/directory.h"
+#include "fs/format.h"
+#include "fs/help_callbacks.h"
+#include "fs/more.h"
+#include "fs/move.h"
 #include "fs/pwd.h"
 #include "fs/user_file.h"
 #include "shell/command_table.h"
@@ -9,12 +15,32 @@
 
 namespace {
 
-constexpr char kFileName[] = "STRING<1-511>";
+constexpr char kFile[] = "[drive][path][file name]";
+constexpr char kDirectory[] = "[drive][path]";
+
+constexpr CommandWord FileName(const char* help, ESH_CMD_HELP_F list_values, ESH_CMD_CHECK_F check,
+                               ESH_CMD_RECORD_F record) {
+  return Param(ESH_ELEM_STRING, "STRING<1-511>", help, record, check, list_values);
+}
+
+/// Something below a medium's root.
+constexpr CommandWord Source(const char* help, ESH_CMD_HELP_F list_values) {
+  return FileName(help, list_values, ESH_FS_CheckUserManipulatedFile, ESH_RecordSourceFile);
+}
+
+/// Any place on a medium.
+constexpr CommandWord Destination(ESH_CMD_HELP_F list_values) {
+  return FileName(kFile, list_values, ESH_FS_CheckInvalidFileDir, ESH_RecordDestFile);
+}
 
 constexpr CommandWord kDir = Word("dir", "List files or folders");
 constexpr CommandWord kAll = Word("/all", "List all files on storage media");
-constexpr CommandWord kListed = Param(ESH_ELEM_STRING, kFileName, "[drive][path][file name]", ESH_RecordSourceFile,
-                                      ESH_FS_CheckInvalidFileDir, HelpDir);
+constexpr CommandWord kListed = FileName(kFile, HelpDir, ESH_FS_CheckInvalidFileDir, ESH_RecordSourceFile);
+// "mkdir" records into the destination, "rmdir" into the source.
+constexpr CommandWord kNewDirectory =
+    FileName(kDirectory, HelpMkdir, ESH_FS_CheckUserManipulatedFile, ESH_RecordDestFile);
+constexpr CommandWord kDrive =
+    Param(ESH_ELEM_STRING, "STRING<1-15>", "[drive]", ESH_RecordDiskName, CheckFormat, HelpFormat);
 
 constexpr CommandRow kFileCommands[] = {
     {ESH_ProcDir, kUserView, {kDir}},
@@ -22,6 +48,13 @@ constexpr CommandRow kFileCommands[] = {
     {ESH_ProcDirFile, kUserView, {kDir, kListed}},
     {ESH_ProcDirAllFile, kUserView, {kDir, kAll, kListed}},
     {ESH_ProcPwd, kUserView, {Word("pwd", "Display the current path")}},
+    {ESH_ProcCopy, kUserView, {Word("copy", "Copy a file"), Source(kFile, HelpCopySource), Destination(HelpCopyDest)}},
+    {ESH_ProcDelete, kUserView, {Word("delete", "Delete a file"), Source(kFile, HelpDelete)}},
+    {ESH_ProcMkdir, kUserView, {Word("mkdir", "Create a new directory"), kNewDirectory}},
+    {ESH_ProcRmdir, kUserView, {Word("rmdir", "Remove an existing directory"), Source(kDirectory, HelpRmdir)}},
+    {ESH_ProcMove, kUserView, {Word("move", "Move a file"), Source(kFile, HelpMoveSource), Destination(HelpMoveDest)}},
+    {ESH_ProcMore, kUserView, {Word("more", "Display the contents of a file"), Source(kFile, HelpMore)}},
+    {ESH_ProcFormat, kUserView, {Word("format", "Format the storage medium"), kDrive}},
 };
 static_assert(WellFormed(kFileCommands));
 

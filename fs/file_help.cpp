@@ -236,7 +236,3 @@ void ESH_HelpStatSwitch(const char* word, const char* full, std::uint32_t kind, 
     Offer(word, full, entry_kind, mode, help);
   }
 }
-
-std::uint32_t HelpDir(const char* word, VEC_S* help, const ESH_CMD_ELEMENT_S* /*element*/) {
-  return FS_HelpBaseEx(word, FS_HELP_FILE_OR_DIRECTORY, nullptr, help);
-}

@@ -3,7 +3,6 @@
 #include <cstdint>
 
 struct VEC_S;
-struct ESH_CMD_ELEMENT_S;
 
 /// What a file-name argument may be. FS_HELP_NEW_FILE and FS_HELP_LAST are used by no command;
 /// the last one, offered like an existing file, also bounds the range.
@@ -43,6 +42,3 @@ enum FS_OFFER_MODE_E : std::uint32_t { FS_OFFER_COMPLETION = 0, FS_OFFER_EXACT =
 /// @param full its full name.
 void ESH_HelpStatSwitch(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter,
                         std::uint32_t mode, VEC_S* help);
-
-/// Help callback of "dir".
-std::uint32_t HelpDir(const char* word, VEC_S* help, const ESH_CMD_ELEMENT_S* element);

@@ -133,11 +133,22 @@ TEST_P(CommandReference, ViewsAreReachedByTheirCommandsOnly) {
 }
 
 TEST_P(CommandReference, FileCommandsComeFirst) {
-  const std::vector<std::string> expected = {"dir <cr>", "dir /all <cr>", "dir STRING<1-511> <cr>",
-                                             "dir /all STRING<1-511> <cr>", "pwd <cr>"};
+  const std::vector<std::string> expected = {"dir <cr>",
+                                             "dir /all <cr>",
+                                             "dir STRING<1-511> <cr>",
+                                             "dir /all STRING<1-511> <cr>",
+                                             "pwd <cr>",
+                                             "copy STRING<1-511> STRING<1-511> <cr>",
+                                             "delete STRING<1-511> <cr>",
+                                             "mkdir STRING<1-511> <cr>",
+                                             "rmdir STRING<1-511> <cr>",
+                                             "move STRING<1-511> STRING<1-511> <cr>",
+                                             "more STRING<1-511> <cr>",
+                                             "format STRING<1-15> <cr>"};
   std::vector<std::string> commands = CommandsOf(*g_pstEshUserView);
   ASSERT_GE(commands.size(), expected.size() + 2);
-  EXPECT_EQ(std::vector<std::string>(commands.begin(), commands.begin() + 5), expected);
+  EXPECT_EQ(std::vector<std::string>(commands.begin(), commands.begin() + static_cast<std::ptrdiff_t>(expected.size())),
+            expected);
   EXPECT_EQ(*(commands.end() - 2), "reboot <cr>");
   EXPECT_EQ(commands.back(), "system-view <cr>");
 }

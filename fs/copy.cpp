@@ -1,0 +1,104 @@
+#include "fs/copy.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "fs/file_messages.h"
+#include "fs/named_file.h"
+#include "shell/parameter.h"
+#include "shell/result.h"
+#include "term/prompts.h"
+#include "util/unique_handle.h"
+
+namespace {
+
+constexpr char kSameFile[] = "The destination file can't be the same as the source file.\r";
+constexpr char kCopyQuestion[] = "Copy %s to %s?[Y/N]:";
+constexpr char kOverwriteQuestion[] = "%s already exists. Overwrite it?[Y/N]:";
+constexpr char kCopied[] = "Start to copy %s to %s... Done.\r\n";
+
+constexpr std::size_t kBlock = 32768;
+
+/// A link counts for itself: it would be replaced, not followed.
+bool EntryExists(const char* full) {
+  struct stat status {};
+  return lstat(full, &status) == 0;
+}
+
+/// Copies until a read brings nothing more. A read error ends the copy like the end of the file does.
+/// @return false when a write came up short.
+bool CopyBlocks(int source, int destination, char* block) {
+  for (;;) {
+    const ssize_t length = read(source, block, kBlock);
+    if (length <= 0) {
+      return true;
+    }
+    if (write(destination, block, static_cast<std::size_t>(length)) != length) {
+      return false;
+    }
+  }
+}
+
+/// Pushes the data out to the medium. A full medium often shows only here.
+bool CloseSynced(UniqueFd file) {
+  const bool synced = fsync(file.Get()) == 0;
+  return close(file.Release()) == 0 && synced;
+}
+
+bool CopyFile(const char* source_name, const char* destination_name, mode_t mode) {
+  UniqueFd destination(creat(destination_name, mode));
+  const UniqueFd source(open(source_name, O_RDONLY | O_CLOEXEC));
+  const UniqueText block(static_cast<char*>(std::malloc(kBlock + 1)));
+  return destination && source && block != nullptr && CopyBlocks(source.Get(), destination.Get(), block.get()) &&
+         CloseSynced(std::move(destination));
+}
+
+/// Makes room for the destination. @return false when the user keeps what is there.
+bool MayWrite(const NamedFile& destination) {
+  if (!EntryExists(destination.full)) {
+    return true;
+  }
+  std::printf(kOverwriteQuestion, destination.display);
+  return IsConfirmed();
+}
+
+std::uint32_t FailWithoutRoom(const char* destination) {
+  (void)std::remove(destination);  // what there is of it is of no use; there may be nothing
+  sync();
+  std::puts(kNoRoom);
+  return ESH_ERR_FAIL;
+}
+
+}  // namespace
+
+std::uint32_t ESH_ProcCopy() {
+  NamedFile source;
+  NamedFile destination;
+  struct stat status {};
+  if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) {
+    std::puts(kDoesNotExist);
+    return ESH_ERR_FAIL;
+  }
+  if (IsSameEntry(source.full, destination.full)) {
+    std::puts(kSameFile);
+    return ESH_ERR_FAIL;
+  }
+  std::printf(kCopyQuestion, source.display, destination.display);
+  if (!IsConfirmed() || !MayWrite(destination)) {
+    return kSuccess;
+  }
+  // What cannot be removed is not written into either: a fifo would never let the shell go.
+  if (EntryExists(destination.full) && std::remove(destination.full) != 0) {
+    return FailWithoutRoom(destination.full);
+  }
+  if (!CopyFile(source.full, destination.full, status.st_mode)) {
+    return FailWithoutRoom(destination.full);
+  }
+  std::printf(kCopied, source.display, destination.display);
+  return kSuccess;
+}

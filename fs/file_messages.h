@@ -1,0 +1,8 @@
+#pragma once
+
+/// Messages that more than one file command prints. Those that end in "\r" are written with puts(3).
+
+inline constexpr char kDoesNotExist[] = "The file or directory doesn't exist.\r";
+inline constexpr char kExecutionFailure[] = "Execution failure.\r";
+inline constexpr char kNoRoom[] =
+    "Failed to finish the operation because of insufficient storage space or quota limitation.\r";

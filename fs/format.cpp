@@ -1,0 +1,45 @@
+#include "fs/format.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "fs/name_rules.h"
+#include "fs/working_directory.h"
+#include "shell/child_process.h"
+#include "shell/parameter.h"
+#include "shell/result.h"
+#include "term/prompts.h"
+#include "util/fixed_text.h"
+
+namespace {
+
+constexpr char kNoDevice[] = "%s doesn't exist.\r\n";
+constexpr char kQuestion[] = "All data on %s will be lost, proceed with format? [Y/N]:";
+constexpr char kScript[] = "/etc/pkg/esh/format.sh";
+constexpr char kScratchFolder[] = "/tmp/";
+constexpr std::size_t kMediumPathRoom = 21;
+constexpr std::size_t kToolLineRoom = 2048;
+
+}  // namespace
+
+std::uint32_t ESH_ProcFormat() {
+  FixedText<sizeof(g_szDiskName)> device;  // the root may have been typed with its slash
+  device.AppendText(DeviceNameOf(g_szDiskName));
+  FixedText<kMediumPathRoom> medium;
+  medium.Append("%s/%s", kMediaRoot, device.Text());
+  if (access(medium.Text(), F_OK) != 0) {
+    std::printf(kNoDevice, device.Text());
+    return ESH_ERR_FAIL;
+  }
+  std::printf(kQuestion, device.Text());
+  if (!IsConfirmed()) {
+    return ESH_ERR_FAIL;
+  }
+  (void)!chdir(kScratchFolder);  // a medium that is the working directory is busy
+  FixedText<kToolLineRoom> line;
+  line.Append("%s %s", kScript, device.Text());
+  const std::uint32_t verdict = ESH_ForkProcess(line.Text(), 1, 0);
+  (void)ESH_SetPwd();  // whatever the script said
+  return verdict;
+}

@@ -1,0 +1,60 @@
+#include "fs/move.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "fs/file_messages.h"
+#include "fs/named_file.h"
+#include "shell/child_process.h"
+#include "shell/parameter.h"
+#include "shell/result.h"
+#include "term/prompts.h"
+#include "util/fixed_text.h"
+
+namespace {
+
+constexpr char kMoveQuestion[] = "Move %s to %s?[Y/N]:";
+constexpr char kToolFolder[] = "/bin/";
+constexpr char kMoveLine[] = "%smv %s %s";
+constexpr std::size_t kToolLineRoom = 2048;
+
+std::uint32_t RunMove(const char* source, const char* destination) {
+  FixedText<kToolLineRoom> line;
+  line.Append(kMoveLine, kToolFolder, source, destination);
+  return line.Truncated() ? ESH_ERR_FAIL : ESH_ForkProcess(line.Text(), 1, 0);  // never half a command line
+}
+
+/// Removes what a failed move left of the destination. Where the source is gone, or is the destination, that is the
+/// file itself: the tool may have been killed when all but its own end was done.
+void RemovePart(const char* source, const char* destination) {
+  struct stat status {};
+  if (stat(source, &status) == 0 && !IsSameEntry(source, destination)) {
+    (void)std::remove(destination);  // there may be none
+  }
+}
+
+}  // namespace
+
+std::uint32_t ESH_ProcMove() {
+  NamedFile source;
+  NamedFile destination;
+  struct stat status {};
+  if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) {
+    std::puts(kDoesNotExist);
+    return ESH_ERR_FAIL;
+  }
+  std::printf(kMoveQuestion, source.display, destination.display);
+  if (!IsConfirmed()) {
+    return ESH_ERR_FAIL;
+  }
+  const std::uint32_t moved = RunMove(source.full, destination.full);
+  if (moved == kSuccess) {
+    return kSuccess;
+  }
+  RemovePart(source.full, destination.full);
+  sync();
+  std::puts(kNoRoom);
+  return moved;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+
+#include "fs/name_rules.h"
+
+/// A file or directory that a command works on.
+struct NamedFile {
+  char full[kNameRoom];     ///< what the system is asked with
+  char display[kNameRoom];  ///< what the user is shown
+};
+
+/// Converts a typed name.
+/// @param expectFile 1: the name must not end in "/".
+/// @return false when the name is not legal or has no display name.
+[[nodiscard]] bool ResolveTypedName(const char* typed, std::uint16_t expectFile, NamedFile& file);
+
+/// Converts a typed name that must be a regular file (or a link to one).
+/// @param status of the file.
+[[nodiscard]] bool ResolveRegularFile(const char* typed, NamedFile& file, struct stat& status);
+
+/// Decides where "copy" and "move" write to: the typed destination, or in a directory the source's base name.
+/// @param typed          the destination as typed.
+/// @param sourceBaseName the typed source's last component.
+/// @param output         the full name, room for kNameRoom bytes.
+/// @return 0, or ESH_ERR_FAIL when there is no such place.
+[[nodiscard]] std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseName, char* output);
+
+/// Resolves both files of "copy" and "move" from what was typed.
+/// @param status of the source.
+/// @return false when either does not exist or is not of the right kind.
+[[nodiscard]] bool ResolveTransfer(const char* typed_source, const char* typed_destination, NamedFile& source,
+                                   NamedFile& destination, struct stat& status);
+
+/// Whether removing the destination would remove the source: both are one directory entry, also under different
+/// names (another case on a medium where case does not count, a link as the source, a second mount of a directory).
+/// Another hard link of the source, or a symbolic link as the destination, is an entry of its own.
+[[nodiscard]] bool IsSameEntry(const char* source, const char* destination);
