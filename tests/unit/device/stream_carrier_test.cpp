@@ -125,9 +125,10 @@ TEST(FrameStream, PutsAFrameTogetherFromSingleBytes) {
   for (const char byte : bytes) {
     ASSERT_EQ(write(raw.Get(), &byte, 1), 1);
     receiver.Receive();
-    if (const std::optional<Frame> frame = receiver.Next())
+    if (const std::optional<Frame> frame = receiver.Next()) {
       kinds +=
           frame->kind == FrameKind::kHello ? "hello" : "ended " + std::to_string(frame->value) + frame->bytes + " ";
+    }
   }
   EXPECT_EQ(kinds, "ended -1a hello");
   raw.Reset();
