@@ -17,6 +17,8 @@ TEST_F(CommandLine, TellsWhatIsWrongUnderTheWord) {
       {"nothing", "      ^\n % Unrecognized command found at '^' position.\n"},
       {"  pwd x", "            ^\n % Too many parameters found at '^' position.\n"},
       {"dir /mnt", "          ^\n % Wrong parameter found at '^' position.\n"},
+      {"  m", "        ^\n % Ambiguous command found at '^' position.\n"},
+      {"d /all", "The directory is empty.\n\n32768 KB total (32768 KB free)\n"},
       {"", ""},
       {"   ", ""},
       {"SYS", "System View: return to User View with Ctrl+Z\n"},

@@ -12,7 +12,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr std::chrono::seconds kPatience{60};  // only a fault waits this long
+// Only a fault is silent this long. Less than the time after which a question answers itself by no.
+constexpr std::chrono::seconds kPatience{25};
 constexpr std::string_view kPrompts[] = {"<boot>", "[boot]", "[boot-m-eth0]"};
 
 bool EndsInPrompt(std::string_view text) {
@@ -69,14 +70,16 @@ void OperatorConsole::Type(std::string_view keys) {
 }
 
 std::string OperatorConsole::Expect(std::string_view text) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  auto deadline = std::chrono::steady_clock::now() + kPatience;
   std::size_t found = std::string::npos;
   while ((found = printed_.find(text, waited_for_)) == std::string::npos) {
     if (std::chrono::steady_clock::now() > deadline) {
       ADD_FAILURE() << "never printed: " << text;
       return {};
     }
-    TakeIn(milliseconds(100));
+    if (TakeIn(milliseconds(100))) {
+      deadline = std::chrono::steady_clock::now() + kPatience;
+    }
   }
   const std::size_t start = waited_for_;
   waited_for_ = found + text.size();

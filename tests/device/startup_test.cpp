@@ -112,8 +112,13 @@ TEST_F(StartUp, ReadsTheFirstFifteenCharactersOfTheConsolesName) {
 
 TEST_F(StartUp, GivesTheConsoleToRootAlone) {
   BootToPrompt();
-  EXPECT_EQ(Run("stat -c '%u %g %a' /dev/pts/0"), "0 0 600\n");
   EXPECT_EQ(Run("grep Umask /proc/" + ShellPid() + "/status"), "Umask:\t0000\n");
+  Run("chown 1:1 /dev/pts/0; chmod 666 /dev/pts/0");
+  Run("kill -9 " + ShellPid());
+  Expect("Press Enter to start the emergency shell again");
+  Type("\r");
+  Expect("<boot>");
+  EXPECT_EQ(Run("stat -c '%u %g %a' /dev/pts/0"), "0 0 600\n");
 }
 
 struct Arguments {

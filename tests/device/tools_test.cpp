@@ -16,6 +16,7 @@ class Tools : public OperatorConsole {
     Type("reboot\r");
     Expect("[Y/N]:");
     Type("y\r");
+    Expect("y\r\r\n");  // the line's end before anything that the tool says
   }
   std::string Modes() { return Run("stty -a < /dev/pts/0"); }
 
