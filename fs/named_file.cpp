@@ -89,7 +89,7 @@ std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseN
   destination.AppendText(full);
   if (IsDirectory(full)) {
     destination.Append("/%s", sourceBaseName);
-  } else if (ESH_IsExpectFile(typed) == 0 || !(Exists(full) || Exists(Parent(full).path))) {
+  } else if (ESH_IsExpectFile(typed) == 0 || !(Exists(full) || IsDirectory(Parent(full).path))) {
     return ESH_ERR_FAIL;
   }
   CopyBounded(output, kNameRoom, destination.View());

@@ -52,6 +52,7 @@ TEST_F(FileCommands, CopyAsksAndTells) {
       {"copy a nodir/", "", kNoSuchFile},
       {"copy a nodir/x", "", kNoSuchFile},
       {"copy a b/", "", kNoSuchFile},
+      {"copy a b/x", "", kNoSuchFile},
       {"copy dir x", "", kNoSuchFile},
       {"copy nothing x", "", kNoSuchFile},
       {"copy a/ x", "", kNoSuchFile},
