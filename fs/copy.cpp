@@ -70,8 +70,7 @@ bool MayWrite(const NamedFile& destination) {
 std::uint32_t FailWithoutRoom(const char* destination) {
   (void)std::remove(destination);  // what there is of it is of no use; there may be nothing
   sync();
-  std::puts(kNoRoom);
-  return ESH_ERR_FAIL;
+  return Refuse(kNoRoom);
 }
 
 }  // namespace
@@ -81,12 +80,10 @@ std::uint32_t ESH_ProcCopy() {
   NamedFile destination;
   struct stat status {};
   if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) {
-    std::puts(kDoesNotExist);
-    return ESH_ERR_FAIL;
+    return Refuse(kDoesNotExist);
   }
   if (IsSameEntry(source.full, destination.full)) {
-    std::puts(kSameFile);
-    return ESH_ERR_FAIL;
+    return Refuse(kSameFile);
   }
   std::printf(kCopyQuestion, source.display, destination.display);
   if (!IsConfirmed() || !MayWrite(destination)) {

@@ -22,11 +22,6 @@ constexpr char kQuestion[] = "Delete %s?[Y/N]:";
 constexpr char kPleaseWait[] = "Deleting the file permanently will take a long time. Please wait...\r";
 constexpr char kDeleted[] = "Start to delete %s...Done.\r\n";  // no blank before "Done"
 
-std::uint32_t Refuse(const char* message) {
-  std::puts(message);
-  return ESH_ERR_FAIL;
-}
-
 }  // namespace
 
 std::uint32_t ESH_ProcDelete() {

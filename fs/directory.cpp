@@ -36,16 +36,6 @@ constexpr char kNotRemoved[] = "Failed to remove directory.\r";
 
 constexpr mode_t kDirectoryMode = 0777;
 
-std::uint32_t Refuse(const char* message) {
-  std::puts(message);
-  return ESH_ERR_FAIL;
-}
-
-bool IsDirectory(const char* full) {
-  struct stat status {};
-  return stat(full, &status) == 0 && S_ISDIR(status.st_mode);
-}
-
 /// Converts a typed name of something below a medium's root.
 bool ResolveBelowRoot(const char* typed, NamedFile& file) {
   return ESH_InputName2FullValidName(typed, 0, sizeof(file.full), file.full) == kSuccess &&

@@ -1,8 +1,19 @@
 #pragma once
 
+#include <cstdint>
+#include <cstdio>
+
+#include "shell/result.h"
+
 /// Messages that more than one file command prints. Those that end in "\r" are written with puts(3).
 
 inline constexpr char kDoesNotExist[] = "The file or directory doesn't exist.\r";
 inline constexpr char kExecutionFailure[] = "Execution failure.\r";
 inline constexpr char kNoRoom[] =
     "Failed to finish the operation because of insufficient storage space or quota limitation.\r";
+
+/// Prints why a command does nothing. @return ESH_ERR_FAIL, which is then the command's result.
+inline std::uint32_t Refuse(const char* message) {
+  std::puts(message);
+  return ESH_ERR_FAIL;
+}

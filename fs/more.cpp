@@ -62,13 +62,11 @@ std::uint32_t ESH_ProcMore() {
   struct stat status {};
   if (ESH_InputName2FullValidName(g_szSourceFile, 1, sizeof(full), full) != kSuccess || stat(full, &status) != 0 ||
       S_ISDIR(status.st_mode) || status.st_size < 1) {  // a fifo has no size, so it is never waited on
-    std::puts(kDoesNotExist);
-    return ESH_ERR_FAIL;
+    return Refuse(kDoesNotExist);
   }
   const UniqueFd file(open(full, O_RDONLY | O_CLOEXEC));
   if (!file) {
-    std::puts(kExecutionFailure);
-    return ESH_ERR_FAIL;
+    return Refuse(kExecutionFailure);
   }
   const std::size_t room = static_cast<std::size_t>(status.st_size) + 1;
   const UniqueText text(static_cast<char*>(std::malloc(room)));

@@ -42,8 +42,7 @@ std::uint32_t ESH_ProcMove() {
   NamedFile destination;
   struct stat status {};
   if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) {
-    std::puts(kDoesNotExist);
-    return ESH_ERR_FAIL;
+    return Refuse(kDoesNotExist);
   }
   std::printf(kMoveQuestion, source.display, destination.display);
   if (!IsConfirmed()) {

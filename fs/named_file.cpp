@@ -17,11 +17,6 @@ namespace {
 
 bool Exists(const char* full) { return access(full, F_OK) == 0; }
 
-bool IsDirectory(const char* full) {
-  struct stat status {};
-  return stat(full, &status) == 0 && S_ISDIR(status.st_mode);
-}
-
 bool IsOneInode(const struct stat& a, const struct stat& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
 
 /// A full name less its last "/" and what follows it.
@@ -69,8 +64,6 @@ bool IsSameLink(const char* source, const char* destination) {
   return EqualsIgnoringCase(source_name, name) && !ListsExactly(parent.path, name);
 }
 
-}  // namespace
-
 bool ResolveTypedName(const char* typed, std::uint16_t expectFile, NamedFile& file) {
   return ESH_InputName2FullValidName(typed, expectFile, sizeof(file.full), file.full) == kSuccess &&
          ESH_FS_GetUserFileNameByFullName(file.full, sizeof(file.display), file.display) == kSuccess;
@@ -78,6 +71,13 @@ bool ResolveTypedName(const char* typed, std::uint16_t expectFile, NamedFile& fi
 
 bool ResolveRegularFile(const char* typed, NamedFile& file, struct stat& status) {
   return ResolveTypedName(typed, 1, file) && stat(file.full, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+}  // namespace
+
+bool IsDirectory(const char* full) {
+  struct stat status {};
+  return stat(full, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseName, char* output) {

@@ -12,14 +12,8 @@ struct NamedFile {
   char display[kNameRoom];  ///< what the user is shown
 };
 
-/// Converts a typed name.
-/// @param expectFile 1: the name must not end in "/".
-/// @return false when the name is not legal or has no display name.
-[[nodiscard]] bool ResolveTypedName(const char* typed, std::uint16_t expectFile, NamedFile& file);
-
-/// Converts a typed name that must be a regular file (or a link to one).
-/// @param status of the file.
-[[nodiscard]] bool ResolveRegularFile(const char* typed, NamedFile& file, struct stat& status);
+/// Whether there is a directory, or a link to one, of this full name.
+[[nodiscard]] bool IsDirectory(const char* full);
 
 /// Decides where "copy" and "move" write to: the typed destination, or in a directory the source's base name.
 /// @param typed          the destination as typed.
