@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/mkpkg/package_layout.h"
+
+namespace mkpkg {
+
+/// A file in a package, with its data as they are stored.
+struct PackageFile {
+  std::uint32_t id = kImageId;
+  std::string name;
+  std::string data;
+  std::uint32_t device_code = 0;    // of an image: the device tag that it is built for
+  std::uint32_t packing = kStored;  // any other value than kStored and kPacked7z makes a file that no device reads
+  std::uint32_t unpacked_size = 0;  // of packed data
+};
+
+/// What a package is made from.
+struct PackageContents {
+  std::uint32_t product_tag = 0;
+  std::uint32_t type = kSystemPackage;
+  std::uint32_t attribute = 0;
+  std::uint32_t signature_format = kTrailerFormat;
+  bool host_order = false;  // words in this machine's byte order instead of big-endian
+  std::vector<PackageFile> files;
+};
+
+/// Makes a package that is not signed yet. The same contents give the same bytes.
+/// @param package  receives the whole package.
+/// @return an empty text, or one line that says why there can be no such package: too many files, a name that does not
+///         fit, more than 4 GB.
+[[nodiscard]] std::string ComposePackage(const PackageContents& contents, std::string& package);
+
+}  // namespace mkpkg
