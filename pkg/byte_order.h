@@ -1,0 +1,15 @@
+#pragma once
+
+#include <endian.h>
+
+#include <cstdint>
+#include <span>
+
+/// Converts one integer between big-endian and host order: the same step both ways.
+inline std::uint32_t FromBig32(std::uint32_t value) { return be32toh(value); }
+
+inline void FromBig32(std::span<std::uint32_t> words) {
+  for (std::uint32_t& word : words) {
+    word = FromBig32(word);
+  }
+}
