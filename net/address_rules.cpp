@@ -40,8 +40,8 @@ bool IsHostOfSubnet(std::uint32_t address, std::uint32_t mask) {
 }
 
 /// @param prefix_length less than 128.
-bool HasHostBits(const in6_addr& address, unsigned prefix_length) {
-  for (unsigned bit = prefix_length; bit < kIPv6Bits; ++bit) {
+bool HasHostBits(const in6_addr& address, std::uint64_t prefix_length) {
+  for (std::uint64_t bit = prefix_length; bit < kIPv6Bits; ++bit) {
     if ((address.s6_addr[bit / 8] & (0x80U >> bit % 8)) != 0) {
       return true;
     }
@@ -76,7 +76,7 @@ bool IsSameSubnet(const char* address, const char* mask, const char* other) {
          ((address_bits ^ other_bits) & mask_bits) == 0;
 }
 
-bool IsUsableIPv6Address(const in6_addr& address, unsigned prefix_length) {
+bool IsUsableIPv6Address(const in6_addr& address, std::uint64_t prefix_length) {
   return prefix_length < kIPv6Bits && HasHostBits(address, prefix_length) && !IN6_IS_ADDR_MULTICAST(&address) &&
          !IN6_IS_ADDR_UNSPECIFIED(&address) && !IN6_IS_ADDR_LOOPBACK(&address) && !IN6_IS_ADDR_LINKLOCAL(&address);
 }

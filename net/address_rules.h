@@ -21,7 +21,7 @@
 
 /// Whether the port may have this IPv6 address: unicast beyond the link, not loopback, a host below the prefix.
 /// @param prefix_length 0 to 128 bits; 128 leaves no host and is refused.
-[[nodiscard]] bool IsUsableIPv6Address(const in6_addr& address, unsigned prefix_length);
+[[nodiscard]] bool IsUsableIPv6Address(const in6_addr& address, std::uint64_t prefix_length);
 
 /// Whether a text is an IPv6 address in fe80::/10.
 [[nodiscard]] bool IsLinkLocalText(const char* text);

@@ -1,0 +1,79 @@
+#include "net/ipv4_address.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+
+#include "net/address_rules.h"
+#include "net/gateway.h"
+#include "net/management_port.h"
+#include "net/port_tools.h"
+#include "net/shutdown.h"
+#include "shell/parameter.h"
+#include "shell/result.h"
+#include "util/decimal.h"
+#include "util/fixed_text.h"
+
+namespace {
+
+constexpr char kInvalid[] = "Invalid IP address.\r";
+constexpr unsigned kAddressBits = 32;
+using DottedText = FixedText<16>;
+
+std::uint32_t MaskOf(std::uint64_t length) {
+  if (length >= kAddressBits) {
+    return 0xFFFFFFFF;
+  }
+  return length == 0 ? 0 : 0xFFFFFFFF << (kAddressBits - length);
+}
+
+std::uint32_t SetIPv4Address(const char* mask) {
+  const char* address = g_szIPv4Address;
+  if (std::strcmp(address, g_szMth0IPv4Add) == 0 && std::strcmp(mask, g_szMth0IPv4Mask) == 0) {
+    return kSuccess;
+  }
+  if (IsValidIPAddr(mask) == 0) {
+    std::puts(kInvalid);
+    return kSuccess;
+  }
+  if (!IsPortShut()) {
+    (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
+    if (ApplyIPv4Address(address, mask) != kSuccess) {
+      return ESH_ERR_FAIL;
+    }
+  }
+  ForgetIPv4Gateway();  // the routes of the old address go with it
+  SaveIPv4Address(address, mask);
+  return RecoverIfShut();
+}
+
+}  // namespace
+
+std::uint32_t ESH_ProcIPAddrMaskLen() {
+  std::uint64_t length = 0;
+  (void)ReadDecimal(g_szIPv4MaskLen, length);  // no number is a mask that is refused
+  const std::uint32_t mask = MaskOf(length);
+  DottedText text;
+  text.Append("%u.%u.%u.%u", mask >> 24, mask >> 16 & 0xFF, mask >> 8 & 0xFF, mask & 0xFF);
+  return SetIPv4Address(text.Text());
+}
+
+std::uint32_t ESH_ProcIPAddrMask() { return SetIPv4Address(g_szIPv4Mask); }
+
+std::uint32_t ESH_ProcUndoIPAddr() {
+  if (!IsSaved(g_szMth0IPv4Add)) {
+    return kSuccess;
+  }
+  (void)ESH_DeleteIPv4Addr();
+  (void)RecoverIfShut();
+  return kSuccess;
+}
+
+std::uint32_t ESH_DeleteIPv4Addr() {
+  (void)ESH_DeleteIPv4Gateway();  // the kernel drops a route with the address that it needs
+  if (!IsPortShut() && RemoveIPv4Address() != kSuccess) {
+    return ESH_ERR_FAIL;
+  }
+  ForgetIPv4Address();
+  return kSuccess;
+}

@@ -1,0 +1,63 @@
+#include "net/ipv6_address.h"
+
+#include <arpa/inet.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "net/address_rules.h"
+#include "net/management_port.h"
+#include "net/port_tools.h"
+#include "net/shutdown.h"
+#include "shell/parameter.h"
+#include "shell/result.h"
+#include "util/decimal.h"
+
+namespace {
+
+constexpr char kInvalid[] = "Invalid IPv6 address.\r";
+
+}  // namespace
+
+std::uint32_t ESH_ProcIPv6AddrPreLen() {
+  in6_addr address{};
+  if (inet_pton(AF_INET6, g_szIPv6Address, &address) != 1) {
+    return ESH_ERR_FAIL;
+  }
+  if (std::strcmp(g_szIPv6Address, g_szMth0IPv6Add) == 0 && std::strcmp(g_szIPv6PreLen, g_szMth0IPv6Per) == 0) {
+    return kSuccess;
+  }
+  std::uint64_t prefix_length = 0;
+  if (!ReadDecimal(g_szIPv6PreLen, prefix_length) || !IsUsableIPv6Address(address, prefix_length)) {
+    std::puts(kInvalid);
+    return kSuccess;
+  }
+  if (!IsPortShut()) {
+    (void)ESH_DeleteIPv6Addr();  // the kernel may have lost it
+    if (ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen) != kSuccess) {
+      return ESH_ERR_FAIL;
+    }
+  }
+  SaveIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
+  return RecoverIfShut();
+}
+
+std::uint32_t ESH_ProcUndoIPv6Addr() {
+  if (!IsSaved(g_szMth0IPv6Add)) {
+    return kSuccess;
+  }
+  (void)ESH_DeleteIPv6Addr();
+  (void)RecoverIfShut();
+  return kSuccess;
+}
+
+std::uint32_t ESH_DeleteIPv6Addr() {
+  if (!IsSaved(g_szMth0IPv6Add)) {
+    return kSuccess;
+  }
+  if (!IsPortShut() && RemoveIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per) != kSuccess) {
+    return ESH_ERR_FAIL;
+  }
+  ForgetIPv6Address();
+  return kSuccess;
+}
