@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <span>
 
-/// Converts one integer between big-endian and host order: the same step both ways.
+/// Conversions between big-endian and host order: the same step both ways.
+
+inline std::uint16_t FromBig16(std::uint16_t value) { return be16toh(value); }
+
 inline std::uint32_t FromBig32(std::uint32_t value) { return be32toh(value); }
 
 inline void FromBig32(std::span<std::uint32_t> words) {

@@ -7,20 +7,10 @@
 #include <memory>
 
 #include "pkg/package_format.h"
+#include "pkg/package_source.h"
 #include "pkg/verdict.h"
 
 class PackageSeal;
-
-inline constexpr std::uint16_t kPackageInFile = 1;  ///< PackageSource::usMode; any other value: in memory
-
-/// Where a package's bytes come from.
-struct PackageSource {
-  std::uint16_t usMode;
-  std::FILE* stream;
-  std::uint8_t* memory;  ///< from malloc
-  std::uint8_t* memory_end;
-  std::uint8_t* cursor;
-};
 
 /// An open package. Zero-initialised when created.
 struct PKG_READER_S {
@@ -51,7 +41,3 @@ using UniquePackage = std::unique_ptr<PKG_READER_S, PackageCloser>;
 [[nodiscard]] std::uint32_t PKG_GetMainHeadByHandle(std::FILE* stream, PackageMainHead* head);
 /// The same of a file. @return 0 or ESH_ERR_FAIL.
 [[nodiscard]] std::uint32_t PKG_GetMainHeadByFileName(const char* path, PackageMainHead* head);
-
-/// Reads a piece of a package.
-/// @return exactly `length` bytes for free(), or none: beyond the end, nothing asked for, not readable, no memory.
-[[nodiscard]] void* ReadBlockFromFile(PackageSource* source, std::uint64_t offset, std::uint64_t length);

@@ -3,6 +3,8 @@
 #include <cstdint>
 
 inline constexpr char kVersionFile[] = "/etc/pkg/version/1_0_package";
+inline constexpr char kProductTagName[] = "ProductTag";
+inline constexpr char kDeviceTagName[] = "DeviceTag";
 inline constexpr std::uint32_t kUnknownTag = 0xFFFFFFFF;
 
 /// The device's product and device tag, kUnknownTag until they were found.
