@@ -34,4 +34,13 @@ std::string EncodeDeviceKey(const UniqueKey& key, std::size_t size, std::string&
   return "cannot write the key: " + CryptographicReason();
 }
 
+bool IsWeakDeviceKey(const std::string& file) {
+  if (file.size() != kShortKeyFile && file.size() != kLongKeyFile) return false;
+  BIGNUM* exponent = BN_bin2bn(reinterpret_cast<const unsigned char*>(file.data() + file.size() - kNumberSize),
+                               static_cast<int>(kNumberSize), nullptr);
+  const bool weak = exponent != nullptr && BN_num_bits(exponent) <= 32 && BN_get_word(exponent) < kLeastExponent;
+  BN_free(exponent);
+  return weak;
+}
+
 }  // namespace mkpkg

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "pkg/package_format.h"
+
 namespace mkpkg {
 
 /// Reads a word as its package keeps it: big-endian, or in this machine's order. The word lies inside `bytes`.
@@ -12,6 +14,9 @@ namespace mkpkg {
 
 /// Writes a word. The word lies inside `bytes`.
 void PutWord(std::string& bytes, std::size_t offset, std::uint32_t value, bool host_order = false);
+
+/// @return whether these bytes can be a package: there is a whole main head, and it is readable.
+[[nodiscard]] bool HasMainHead(std::string_view bytes);
 
 /// @return whether a package's main head keeps its words in this machine's order. `package` holds a whole main head.
 [[nodiscard]] bool IsHostOrder(std::string_view package);

@@ -4,29 +4,26 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <string_view>
 
+#include "pkg/fingerprint_trailer.h"
 #include "tools/mkpkg/package_bytes.h"
-#include "tools/mkpkg/package_layout.h"
 #include "util/ascii.h"
 
 namespace mkpkg {
 namespace {
 
-// The backslash is part of the markers.
-constexpr std::string_view kBegin = "--=</Begin Signed File Fingerprint\\>=--\n";
-constexpr std::string_view kVendorBegin = "--=</Begin Kelvane Signed File Fingerprint\\>=--\n";
-constexpr std::string_view kEnd = "--=</End Signed File Fingerprint\\>=--\n";
-constexpr std::string_view kVendorEnd = "--=</End Kelvane Signed File Fingerprint\\>=--\n";
 constexpr std::string_view kLength = "Fingerprint Length: ";
-constexpr std::size_t kLengthDigits = 6;
-constexpr std::size_t kMaxSignature = 2048;  // of a signature, and of its text in the trailer
-constexpr std::size_t kMaxKeyName = 251;     // a file name with ".key"
+constexpr std::size_t kMaxKeyName = 251;  // a file name with ".key"
 
 /// DigestInfo of SHA-256 up to the digest (RFC 8017, section 9.2, note 1).
 constexpr std::array<unsigned char, 19> kDigestInfo = {0x30, 0x31, 0x30, 0x0d, 0x06, 0x09, 0x60, 0x86, 0x48, 0x01,
                                                        0x65, 0x03, 0x04, 0x02, 0x01, 0x05, 0x00, 0x04, 0x20};
+
+constexpr std::uint32_t kSignedInHead = 0;
+constexpr std::size_t kFormatAt = offsetof(PackageMainHead, signature_format);
+constexpr std::size_t kSignatureLengthAt = offsetof(PackageMainHead, signature_length);
+constexpr std::size_t kSignatureAt = offsetof(PackageMainHead, signature);
 
 const unsigned char* Bytes(std::string_view text) { return reinterpret_cast<const unsigned char*>(text.data()); }
 
@@ -40,12 +37,14 @@ std::string Base64(const std::string& bytes) {
 
 std::string SixDigits(std::size_t number) {
   std::string digits = std::to_string(number);
-  return digits.insert(0, kLengthDigits - std::min(kLengthDigits, digits.size()), '0');
+  return digits.insert(0, kTrailerLengthDigits - std::min(kTrailerLengthDigits, digits.size()), '0');
 }
 
-bool EndsInTrailer(std::string_view trailer) {
-  return (trailer.starts_with(kBegin) && trailer.ends_with(kEnd)) ||
-         (trailer.starts_with(kVendorBegin) && trailer.ends_with(kVendorEnd));
+bool IsTrailer(std::string_view text) {
+  const auto stands_between = [&](const TrailerMarkers& markers) {
+    return text.starts_with(markers.begin) && text.ends_with(markers.end);
+  };
+  return stands_between(kGenericMarkers) || stands_between(kVendorMarkers);
 }
 
 }  // namespace
@@ -62,14 +61,14 @@ std::string ReasonAgainstKeyName(const std::string& name) {
 std::size_t TrailerSize(const std::string& package) {
   const std::string_view bytes = package;
   const std::size_t at = bytes.rfind(kLength);
-  if (at == std::string_view::npos || bytes.size() - at < kLength.size() + kLengthDigits) return 0;
+  if (at == std::string_view::npos || bytes.size() - at < kLength.size() + kTrailerLengthDigits) return 0;
   std::size_t length = 0;
-  for (const char digit : bytes.substr(at + kLength.size(), kLengthDigits)) {
+  for (const char digit : bytes.substr(at + kLength.size(), kTrailerLengthDigits)) {
     if (!IsDigit(digit)) return 0;
     length = length * 10 + static_cast<std::size_t>(digit - '0');
   }
   if (length > bytes.size() || bytes.size() - length < kMainHeadSize) return 0;
-  return EndsInTrailer(bytes.substr(bytes.size() - length)) ? length : 0;
+  return IsTrailer(bytes.substr(bytes.size() - length)) ? length : 0;
 }
 
 std::string PrepareForSigning(const SignatureForm& form, std::string& package) {
@@ -77,12 +76,12 @@ std::string PrepareForSigning(const SignatureForm& form, std::string& package) {
     if (std::string reason = ReasonAgainstKeyName(form.key_name); !reason.empty()) return reason;
   }
   const bool host_order = IsHostOrder(package);
-  if (GetWord(package, kSignatureFormatAt, host_order) == kTrailerFormat) {
+  if (GetWord(package, kFormatAt, host_order) == kTrailerSigned) {
     package.resize(package.size() - TrailerSize(package));
   }
-  std::fill_n(package.begin() + kHeadSignatureAt, kHeadSignatureRoom, '\0');
-  PutWord(package, kHeadSignatureSizeAt, 0, host_order);
-  PutWord(package, kSignatureFormatAt, form.in_head ? kHeadFormat : kTrailerFormat, host_order);
+  std::fill_n(package.begin() + kSignatureAt, kHeadSignatureRoom, '\0');
+  PutWord(package, kSignatureLengthAt, 0, host_order);
+  PutWord(package, kFormatAt, form.in_head ? kSignedInHead : kTrailerSigned, host_order);
   RenewHeadCrc(package);
   return "";
 }
@@ -103,25 +102,26 @@ std::string BlockToSign(const SignatureForm& form, const std::string& digest) {
 }
 
 std::string Trailer(const SignatureForm& form, const std::string& signature) {
-  const std::string text = "Key: " + form.key_name + "\nHash: sha256\nSignature: " + Base64(signature) + "\n";
-  const std::string_view begin = form.vendor_markers ? kVendorBegin : kBegin;
-  const std::string_view end = form.vendor_markers ? kVendorEnd : kEnd;
-  const std::size_t length_line = kLength.size() + kLengthDigits + 1;
-  const std::size_t length = begin.size() + length_line + text.size() + length_line + end.size();
+  const std::string text =
+      "Key: " + form.key_name + "\nHash: " + std::string(kTrailerHash) + "\nSignature: " + Base64(signature) + "\n";
+  const TrailerMarkers& markers = form.vendor_markers ? kVendorMarkers : kGenericMarkers;
+  const std::size_t length_line = kLength.size() + kTrailerLengthDigits + 1;
+  const std::size_t length = markers.begin.size() + length_line + text.size() + length_line + markers.end.size();
   const std::string counted = std::string(kLength) + SixDigits(length) + "\n";
-  return std::string(begin) + counted + text + counted + std::string(end);
+  return std::string(markers.begin) + counted + text + counted + std::string(markers.end);
 }
 
 std::string AttachSignature(const SignatureForm& form, const std::string& signature, std::string& package) {
   if (signature.empty()) return "the signature is empty";
-  const std::size_t size = form.in_head ? signature.size() : Base64(signature).size();
-  if (size > kMaxSignature) return "the signature is longer than a package can carry";
+  const bool fits =
+      form.in_head ? signature.size() <= kHeadSignatureRoom : Base64(signature).size() <= kMostSignatureText;
+  if (!fits) return "the signature is longer than a package can carry";
   if (!form.in_head) {
     package += Trailer(form, signature);
     return "";
   }
-  PutWord(package, kHeadSignatureSizeAt, static_cast<std::uint32_t>(signature.size()), IsHostOrder(package));
-  std::copy(signature.begin(), signature.end(), package.begin() + kHeadSignatureAt);
+  PutWord(package, kSignatureLengthAt, static_cast<std::uint32_t>(signature.size()), IsHostOrder(package));
+  std::copy(signature.begin(), signature.end(), package.begin() + kSignatureAt);
   RenewHeadCrc(package);
   return "";
 }

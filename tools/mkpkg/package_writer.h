@@ -4,17 +4,18 @@
 #include <string>
 #include <vector>
 
-#include "tools/mkpkg/package_layout.h"
+#include "pkg/package_format.h"
 
 namespace mkpkg {
 
 /// A file in a package, with its data as they are stored.
 struct PackageFile {
-  std::uint32_t id = kImageId;
+  std::uint32_t id = kSystemImageFile;
   std::string name;
   std::string data;
-  std::uint32_t device_code = 0;    // of an image: the device tag that it is built for
-  std::uint32_t packing = kStored;  // any other value than kStored and kPacked7z makes a file that no device reads
+  std::uint32_t device_code = 0;  // of an image: the device tag that it is built for
+  std::uint32_t packing =
+      kStoredAsIs;                  // any other value than kStoredAsIs and kPacked7z makes a file that no device reads
   std::uint32_t unpacked_size = 0;  // of packed data
 };
 
@@ -23,7 +24,7 @@ struct PackageContents {
   std::uint32_t product_tag = 0;
   std::uint32_t type = kSystemPackage;
   std::uint32_t attribute = 0;
-  std::uint32_t signature_format = kTrailerFormat;
+  std::uint32_t signature_format = kTrailerSigned;
   bool host_order = false;  // words in this machine's byte order instead of big-endian
   std::vector<PackageFile> files;
 };

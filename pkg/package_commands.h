@@ -1,4 +1,0 @@
-#pragma once
-
-/// Registers the package commands.
-void ESH_Pkgm_Init();

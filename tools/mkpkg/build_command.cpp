@@ -1,0 +1,65 @@
+#include "tools/mkpkg/commands.h"
+#include "tools/mkpkg/description.h"
+#include "tools/mkpkg/exit_status.h"
+#include "tools/mkpkg/files.h"
+#include "tools/mkpkg/warnings.h"
+
+namespace mkpkg {
+namespace {
+
+constexpr char kHelp[] =
+    "usage: mkpkg build DESCRIPTION PACKAGE\n"
+    "Makes a package from a description file. It is not signed yet. The same input gives the same bytes; entries of\n"
+    "archives get the time that SOURCE_DATE_EPOCH tells, and 0 without it.\n"
+    "\n"
+    "A description, in full in mkpkg-format(5):\n"
+    "  product-tag: 0x0A100001\n"
+    "  [description]\n"
+    "  text: Platform version: 7.1.100\n"
+    "  text: Product version: Release 1\n"
+    "  [compatibility]\n"
+    "  text: [boot]\n"
+    "  text: 7.1.100\n"
+    "  [image]\n"
+    "  device-tag: 0x0A100002\n"
+    "  directory: root\n"
+    "  compression: gz\n"
+    "\n"
+    "Exit status: 0 done, 2 wrong command line, 3 the description or what it names is missing or wrong,\n"
+    "4 the package could not be written.\n";
+
+std::string DirectoryOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "" : path.substr(0, slash == 0 ? 1 : slash);
+}
+
+std::string Compose(const std::string& origin, std::string& package) {
+  std::string text;
+  PackageDescription description;
+  PackageContents contents;
+  if (std::string problem = ReadWholeFile(origin, text); !problem.empty()) return problem;
+  if (std::string problem = ParseDescription(text, origin, description); !problem.empty()) return problem;
+  if (std::string problem = CollectContents(description, DirectoryOf(origin), contents); !problem.empty()) {
+    return problem;
+  }
+  return ComposePackage(contents, package);
+}
+
+int Run(const Arguments& arguments) {
+  const std::string& path = arguments.Operands()[1];
+  std::string package;
+  if (std::string problem = Compose(arguments.Operands()[0], package); !problem.empty()) {
+    return Fail(kBadInput, problem);
+  }
+  if (std::string problem = WriteWholeFile(path, package); !problem.empty()) return Fail(kCannotWrite, problem);
+  PackageModel written;
+  if (std::string problem = ReadPackage(path, written); !problem.empty()) return Fail(kCannotWrite, problem);
+  for (const std::string& warning : WarningsFor(written, BaseName(path))) Warn(warning);
+  return kDone;
+}
+
+}  // namespace
+
+const Command kBuildCommand = {"build", kHelp, {}, 2, 2, Run};
+
+}  // namespace mkpkg

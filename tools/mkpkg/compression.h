@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/mkpkg/progress.h"
+
+namespace mkpkg {
+
+/// A way to make data smaller. The suffix of an image's name tells the device how to undo all of them but 7z, which
+/// the package itself tells.
+enum class Compression { kGz, kLzma, kXz, k7z };
+
+/// @return the compression of that name: "gz", "lzma", "xz", "7z".
+[[nodiscard]] std::optional<Compression> CompressionNamed(std::string_view name);
+
+/// @return the suffix that an image compressed so must have, with its dot; "" for 7z.
+[[nodiscard]] const char* SuffixOf(Compression compression);
+
+/// Compresses data. The same data give the same bytes, at any time.
+/// @return an empty text, or one line that says what went wrong.
+[[nodiscard]] std::string Compress(Compression compression, std::string_view data, Progress& progress,
+                                   std::string& compressed);
+
+/// Unpacks 7z data as a device does.
+/// @param size  the number of bytes that must come out.
+/// @return an empty text, or one line that says what is wrong with the data.
+[[nodiscard]] std::string Unpack7z(std::string_view packed, std::size_t size, std::string& data);
+
+/// What a device's root file system gets from an image.
+struct ImageRoom {
+  std::uint64_t files = 0;  // that are made, directories included
+  std::uint64_t bytes = 0;  // of all regular files together
+};
+
+/// Counts what is in an image: a cpio archive, compressed or not.
+/// @return nullopt when it is no such archive, or a damaged one.
+[[nodiscard]] std::optional<ImageRoom> MeasureImage(std::string_view image);
+
+}  // namespace mkpkg

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace mkpkg {
+
+/// Makes the archive that a device unpacks into its root file system: cpio in the "newc" format. Entries are sorted by
+/// name, belong to root and have one time, so that the same files give the same bytes. Permissions are kept.
+/// @param directory  what is below it goes into the archive: directories, files and links.
+/// @param time       in seconds since 1970, of every entry.
+/// @return an empty text, or one line that says what went wrong.
+[[nodiscard]] std::string ArchiveDirectory(const std::string& directory, std::int64_t time, std::string& archive);
+
+/// @return the time that SOURCE_DATE_EPOCH gives; 0 when it is not set or no number.
+[[nodiscard]] std::int64_t TimeOfEntries();
+
+}  // namespace mkpkg

@@ -1,0 +1,36 @@
+#include <cstdio>
+
+#include "tools/mkpkg/commands.h"
+#include "tools/mkpkg/exit_status.h"
+#include "tools/mkpkg/report.h"
+
+namespace mkpkg {
+namespace {
+
+constexpr char kHelp[] =
+    "usage: mkpkg info [--json] PACKAGE\n"
+    "Shows what is in a package, as the device's reader finds it: tags, files, texts, the room that an image needs on "
+    "a\n"
+    "device, and warnings of what a device accepts or drops without a word. Nothing is verified: see mkpkg check.\n"
+    "\n"
+    "  --json  the same for programs\n"
+    "\n"
+    "Exit status: 0 done, 2 wrong command line, 3 a device could not open the package, 4 the text could not be\n"
+    "written.\n";
+
+constexpr Option kOptions[] = {{"json"}};
+
+int Run(const Arguments& arguments) {
+  const std::string& path = arguments.Operands()[0];
+  PackageModel package;
+  if (std::string problem = ReadPackage(path, package); !problem.empty()) return Fail(kBadInput, problem);
+  const std::string report = arguments.Has("json") ? JsonReport(package, path) : TextReport(package, path);
+  (void)std::fputs(report.c_str(), stdout);
+  return EndOutput();
+}
+
+}  // namespace
+
+const Command kInfoCommand = {"info", kHelp, kOptions, 1, 1, Run};
+
+}  // namespace mkpkg

@@ -1,0 +1,79 @@
+#include <sys/stat.h>
+
+#include <cstdlib>
+
+#include "tools/mkpkg/commands.h"
+#include "tools/mkpkg/device_key.h"
+#include "tools/mkpkg/exit_status.h"
+#include "tools/mkpkg/files.h"
+#include "util/decimal.h"
+
+namespace mkpkg {
+namespace {
+
+constexpr char kHelp[] =
+    "usage: mkpkg key new [--exponent=N] PRIVATE_PEM PUBLIC_PEM\n"
+    "       mkpkg key device [--size=514|516] PEM KEYFILE\n"
+    "new     makes an RSA key pair of 2048 bits. The private key is readable by its owner only, not encrypted, and\n"
+    "        never replaces a file.\n"
+    "device  makes the file that a device keeps in /etc/sign_pub_key, as NAME.key, from a public (or private) key.\n"
+    "\n"
+    "  --exponent=N  the public exponent, odd, at least 65537 (which it is without this option)\n"
+    "  --size=514    a key that takes signatures of the digest alone (the usual)\n"
+    "  --size=516    a key that also takes signatures of the digest with its algorithm's name before it\n"
+    "\n"
+    "Exit status: 0 done, 2 wrong command line, 3 the key cannot be read or is none that a device should have,\n"
+    "4 a file could not be written.\n";
+
+constexpr Option kOptions[] = {{"exponent", true}, {"size", true}};
+constexpr mode_t kPrivateMode = 0600;
+
+int NewPair(const Arguments& arguments) {
+  std::uint64_t exponent = kLeastExponent;
+  if (arguments.Has("exponent") &&
+      (!ReadDecimal(arguments.Value("exponent").c_str(), exponent) || exponent > 0xFFFFFFFF)) {
+    return Fail(kUsage, "--exponent needs a number of at most 32 bits");
+  }
+  UniqueKey key;
+  if (std::string problem = GenerateKey(static_cast<std::uint32_t>(exponent), key); !problem.empty()) {
+    return Fail(kUsage, problem);
+  }
+  const std::string private_pem = PrivatePem(key);
+  const std::string public_pem = PublicPem(key);
+  if (private_pem.empty() || public_pem.empty()) return Fail(kBadInput, "out of memory");
+  std::string problem = WriteWholeFile(arguments.Operands()[1], private_pem, kPrivateMode, false);
+  if (problem.empty()) problem = WriteWholeFile(arguments.Operands()[2], public_pem);
+  return problem.empty() ? kDone : Fail(kCannotWrite, problem);
+}
+
+int DeviceKey(const Arguments& arguments) {
+  const std::string size = arguments.Value("size", "514");
+  if (size != "514" && size != "516") return Fail(kUsage, "--size is 514 or 516");
+  const std::string& origin = arguments.Operands()[1];
+  std::string pem;
+  std::string file;
+  UniqueKey key;
+  if (std::string problem = ReadWholeFile(origin, pem); !problem.empty()) return Fail(kBadInput, problem);
+  if (std::string problem = ReadPublicKey(pem, origin, key); !problem.empty()) return Fail(kBadInput, problem);
+  if (std::string problem = EncodeDeviceKey(key, size == "514" ? kShortKeyFile : kLongKeyFile, file);
+      !problem.empty()) {
+    return Fail(kBadInput, origin + ": " + problem);
+  }
+  const std::string& path = arguments.Operands()[2];
+  if (std::string problem = WriteWholeFile(path, file); !problem.empty()) return Fail(kCannotWrite, problem);
+  if (!path.ends_with(".key")) Warn("a device looks for files whose name ends in \".key\", not for " + BaseName(path));
+  return kDone;
+}
+
+int Run(const Arguments& arguments) {
+  const std::string& action = arguments.Operands()[0];
+  if (action == "new" && !arguments.Has("size")) return NewPair(arguments);
+  if (action == "device" && !arguments.Has("exponent")) return DeviceKey(arguments);
+  return Fail(kUsage, "it is \"mkpkg key new\" or \"mkpkg key device\"; see \"mkpkg key --help\"");
+}
+
+}  // namespace
+
+const Command kKeyCommand = {"key", kHelp, kOptions, 3, 3, Run};
+
+}  // namespace mkpkg

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "pkg/package_format.h"
+
+struct PKG_READER_S;
+
+namespace mkpkg {
+
+/// A contained file as a device finds it.
+struct ContainedFile {
+  std::uint32_t id = 0;
+  std::uint32_t device_code = 0;
+  std::uint32_t compression = kStoredAsIs;
+  std::uint64_t stored_size = 0;
+  std::string name;
+  std::string data;     // unpacked
+  std::string problem;  // why a device gets no data; "": it does
+};
+
+/// A package as a device finds it, before anybody asks whether it is genuine.
+struct PackageModel {
+  std::uint64_t size = 0;
+  PackageMainHead head{};  // in host order
+  std::string trailer;     // text of the signature trailer; "" when there is none
+  std::vector<ContainedFile> files;
+
+  [[nodiscard]] bool IsSignedInHead() const { return head.signature_format != kTrailerSigned; }
+  /// @return the first file of an ID, which is the one that a device takes; none when there is none.
+  [[nodiscard]] const ContainedFile* Find(std::uint32_t id) const;
+};
+
+/// Reads a package with the reader that the device has.
+/// @return an empty text, or one line that says why a device could not open it.
+[[nodiscard]] std::string ReadPackage(const std::string& path, PackageModel& package);
+
+/// Reads the files of an open package; of a verified one only what its signature covers.
+void ReadFiles(PKG_READER_S* reader, PackageModel& package);
+
+/// @return the rest of a trailer's line that starts with `field`, such as "Key: "; "" when there is no such line.
+[[nodiscard]] std::string TrailerField(const PackageModel& package, std::string_view field);
+
+/// Lines of a text file in a package, as a device reads them.
+[[nodiscard]] std::vector<std::string> LinesOf(const std::string& text);
+
+/// @return a line without blanks, tabs and line ends around it.
+[[nodiscard]] std::string TrimmedLine(const std::string& line);
+
+}  // namespace mkpkg

@@ -1,0 +1,143 @@
+#include "tools/mkpkg/report.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+#include <vector>
+
+#include "tools/mkpkg/compression.h"
+#include "tools/mkpkg/files.h"
+#include "tools/mkpkg/json_writer.h"
+#include "tools/mkpkg/warnings.h"
+#include "util/ascii.h"
+#include "util/fixed_text.h"
+
+namespace mkpkg {
+namespace {
+
+constexpr std::size_t kLineRoom = 512;
+
+template <typename... Values>
+void AppendLine(std::string& text, const char* format, Values... values) {
+  FixedText<kLineRoom> line;
+  line.Append(format, values...);
+  text.append(line.Text()).append("\n");
+}
+
+const char* RoleOf(std::uint32_t id) {
+  switch (id) {
+    case kSystemImageFile:
+      return "image";
+    case kCompatibilityFile:
+      return "compatibility";
+    case kDescriptionFile:
+      return "description";
+    default:
+      return "file";
+  }
+}
+
+const char* PackingOf(const ContainedFile& file) {
+  if (file.compression == kStoredAsIs) return "stored";
+  return file.compression == kPacked7z ? "7z" : "unknown";
+}
+
+std::optional<ImageRoom> RoomOf(const ContainedFile& file) {
+  return file.id == kSystemImageFile && file.problem.empty() ? MeasureImage(file.data) : std::nullopt;
+}
+
+const char* FormOf(const PackageModel& package) {
+  if (package.IsSignedInHead()) return package.head.signature_length == 0 ? "none" : "head";
+  return package.trailer.empty() ? "none" : "trailer";
+}
+
+std::vector<std::string> AllWarnings(const PackageModel& package, const std::string& path) {
+  std::vector<std::string> warnings = WarningsFor(package, BaseName(path));
+  for (std::string& warning : SignatureWarningsFor(package)) warnings.push_back(std::move(warning));
+  return warnings;
+}
+
+void AppendFile(std::string& text, const ContainedFile& file) {
+  AppendLine(text, "%-14s 0x%08X  %s  %zu bytes, %s%s", RoleOf(file.id), file.id, Printable(file.name).c_str(),
+             file.data.size(), PackingOf(file), file.compression == kStoredAsIs ? "" : " in the package");
+  if (file.id == kSystemImageFile) AppendLine(text, "  device tag   0x%08X", file.device_code);
+  if (const std::optional<ImageRoom> room = RoomOf(file)) {
+    AppendLine(text, "  room needed  %zu bytes in /tmp while it is unpacked, then %llu bytes in %llu files",
+               file.data.size(), static_cast<unsigned long long>(room->bytes),
+               static_cast<unsigned long long>(room->files));
+  }
+  if (!file.problem.empty()) AppendLine(text, "  no data      %s", file.problem.c_str());
+  if (file.id != kDescriptionFile && file.id != kCompatibilityFile) return;
+  for (const std::string& line : LinesOf(file.data)) text += "  | " + Printable(line) + "\n";
+}
+
+}  // namespace
+
+std::string Printable(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return !IsPrintable(c); }, '?');
+  return text;
+}
+
+std::string TextReport(const PackageModel& package, const std::string& path) {
+  const PackageMainHead& head = package.head;
+  std::string text = "Package " + Printable(path) + ", " + std::to_string(package.size) + " bytes\n";
+  AppendLine(text, "product tag    0x%08X", head.product_tag);
+  AppendLine(text, "type           %u%s", head.package_type, head.package_type == kSystemPackage ? " (system)" : "");
+  AppendLine(text, "attribute      %u", head.attributes);
+  AppendLine(text, "byte order     %s", head.byte_order == kHostOrder ? "host" : "big-endian");
+  AppendLine(text, "signature      %s", FormOf(package));
+  if (!package.trailer.empty()) {
+    AppendLine(text, "key            %s", Printable(TrailerField(package, "Key: ")).c_str());
+  }
+  for (const ContainedFile& file : package.files) AppendFile(text, file);
+  for (const std::string& warning : AllWarnings(package, path)) text += "warning: " + Printable(warning) + "\n";
+  return text;
+}
+
+std::string JsonReport(const PackageModel& package, const std::string& path) {
+  const PackageMainHead& head = package.head;
+  JsonWriter json;
+  json.BeginObject();
+  json.Text("path", path);
+  json.Number("size", package.size);
+  json.Number("productTag", head.product_tag);
+  json.Number("type", head.package_type);
+  json.Number("attribute", head.attributes);
+  json.Text("byteOrder", head.byte_order == kHostOrder ? "host" : "big-endian");
+  json.Text("signature", FormOf(package));
+  if (!package.trailer.empty()) json.Text("key", TrailerField(package, "Key: "));
+  json.BeginArray("files");
+  for (const ContainedFile& file : package.files) {
+    json.BeginObject();
+    json.Number("id", file.id);
+    json.Text("role", RoleOf(file.id));
+    json.Text("name", file.name);
+    json.Number("deviceTag", file.device_code);
+    json.Text("packing", PackingOf(file));
+    json.Number("storedSize", file.stored_size);
+    json.Number("size", file.data.size());
+    if (!file.problem.empty()) json.Text("problem", file.problem);
+    if (const std::optional<ImageRoom> room = RoomOf(file)) {
+      json.BeginObject("room");
+      json.Number("temporary", file.data.size());
+      json.Number("bytes", room->bytes);
+      json.Number("files", room->files);
+      json.EndObject();
+    }
+    if (file.id == kDescriptionFile || file.id == kCompatibilityFile) {
+      json.BeginArray("lines");
+      for (const std::string& line : LinesOf(file.data)) json.Text("", line);
+      json.EndArray();
+    }
+    json.EndObject();
+  }
+  json.EndArray();
+  json.BeginArray("warnings");
+  for (const std::string& warning : AllWarnings(package, path)) json.Text("", warning);
+  json.EndArray();
+  json.EndObject();
+  return json.Written();
+}
+
+}  // namespace mkpkg
