@@ -8,7 +8,7 @@ set -euo pipefail
 
 build_packages=(
   build-essential cmake ninja-build pkg-config
-  libncurses-dev ncurses-base libssl-dev zlib1g-dev liblzma-dev libarchive-dev
+  libncurses-dev ncurses-base libssl-dev zlib1g-dev liblzma-dev libbz2-dev libarchive-dev
   libgtest-dev libvterm-dev
   busybox-static openssh-client
 )

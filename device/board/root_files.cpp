@@ -23,9 +23,9 @@ constexpr char kMissingApplet[] = "reboot";
 constexpr char kDeviceTerminfo[] = "/usr/share/terminfo";
 constexpr const char* kTerminals[] = {"xterm",  "xterm-256color",  "vt100", "linux",         "ansi",
                                       "screen", "screen-256color", "tmux",  "tmux-256color", "dumb"};
-constexpr const char* kEmptyDirectories[] = {"bin",     "dev",         "dev/pts", "dev/shm", "dev/media",
-                                             "etc/pkg", "lib/modules", "mnt",     "proc",    "root",
-                                             "run",     "sbin",        "sys",     "var/tmp", "tmp"};
+constexpr const char* kEmptyDirectories[] = {
+    "bin", "dev",  "dev/pts",   "dev/shm", "dev/media", "etc/pkg", "etc/sign_pub_key", "lib/modules",
+    "mnt", "proc", "root/.ssh", "run",     "sbin",      "sys",     "var/tmp",          "tmp"};
 
 std::string DirectoryOf(const std::string& path) { return fs::path(path).parent_path().string(); }
 

@@ -9,6 +9,9 @@ namespace device {
 
 class ProgramSource;
 
+/// Where the shell looks for the library that unpacks 7z.
+inline constexpr char kUn7zPath[] = "/lib/libun7z.so";
+
 /// What a device's root file system is made from. The host is looked at once; each boot composes from it.
 struct RootPlan {
   std::vector<std::string> layers;   // directories whose contents are copied first, in this order

@@ -20,7 +20,10 @@ namespace {
 class NativeKind final : public DeviceKind {
  public:
   std::string Plan(const BootOptions& options, RootPlan& plan) const override {
-    return PlanRoot(options, ESH_DEVICE_FILES "/native/rootfs", HostPrograms(), plan);
+    const HostPrograms programs;
+    if (std::string problem = PlanRoot(options, ESH_DEVICE_FILES "/native/rootfs", programs, plan); !problem.empty())
+      return problem;
+    return AddProgram(ESH_DEVICE_UN7Z, kUn7zPath, programs, plan);
   }
 
   std::vector<std::string> NeededOfHost() const override { return {}; }
