@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+
+#include "pkg/package_reader.h"
+#include "tests/support/private_root.h"
+#include "tools/mkpkg/package_signer.h"
+#include "tools/mkpkg/package_writer.h"
+
+inline constexpr std::uint32_t kTestProductTag = 0x01020304;
+inline constexpr std::uint32_t kTestDeviceTag = 0x0A0B0C0D;
+inline constexpr char kTestPackage[] = "/mnt/flash:/good.bin";
+
+/// A device that knows what it is and has the keys of one maker: "maker" (514 bytes), "prefixed" (516 bytes) and the
+/// one for signatures in the head; and packages for it.
+struct PackageTest : PrivateRootTest {
+  void SetUp() override;
+
+  /// The maker's private key; a new one in each process.
+  static const mkpkg::UniqueKey& MakerKey();
+  /// A system package: compatibility list, description, an image for another device and one for this one.
+  static mkpkg::PackageContents Contents();
+  /// An unsigned package.
+  static std::string Compose(const mkpkg::PackageContents& contents);
+  static std::string Sign(std::string package, const mkpkg::SignatureForm& form);
+  /// Contents(), signed with a trailer that names "maker".
+  static std::string GoodPackage();
+
+  /// Stores a package and opens it. @return none when it does not open.
+  static UniquePackage Open(const std::string& package);
+  /// Stores a package and passes the device's judgement on it.
+  static PackageVerdict Judge(const std::string& package);
+};
+
+/// Descriptors that this process has open.
+[[nodiscard]] std::size_t OpenDescriptors();
