@@ -78,18 +78,25 @@ EntryKind KindOf(const char* full, unsigned char entry_type) {
 
 bool Passes(FS_HELP_FILTER_F filter, const char* full) { return filter == nullptr || filter(full) == 0; }
 
-void Offer(const char* word, const char* full, EntryKind entry_kind, std::uint32_t mode, VEC_S* help) {
-  OfferText text;
-  if (mode == FS_OFFER_EXACT) {
-    text.AppendText(word);
-  } else {
-    text.AppendText(DirectoryPart(word));
-    text.AppendText(LastComponent(full));
-  }
+void Offer(OfferText& text, EntryKind entry_kind, VEC_S* help) {
   if (entry_kind == EntryKind::kDirectory) {
     text.AppendText("/");
   }
   ESH_NewHelpInfo(text.Text(), text.Text(), help);
+}
+
+/// Offers the word with an entry's name in place of its last component.
+void OfferEntry(std::string_view word, std::string_view entry, EntryKind entry_kind, VEC_S* help) {
+  OfferText text;
+  text.AppendText(DirectoryPart(word));
+  text.AppendText(entry);
+  Offer(text, entry_kind, help);
+}
+
+void OfferAsTyped(std::string_view word, EntryKind entry_kind, VEC_S* help) {
+  OfferText text;
+  text.AppendText(word);
+  Offer(text, entry_kind, help);
 }
 
 bool IsOffered(EntryKind entry_kind, std::uint32_t kind) {
@@ -117,8 +124,8 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
     full.AppendText(entry->d_name);
     // ESH_HelpStatSwitch in completion mode, less what is known here already: a listing may have 100,000 entries.
     const EntryKind entry_kind = KindOf(full.Text(), entry->d_type);
-    if (IsOffered(entry_kind, kind) && ESH_FS_IsValidFileName(full.Text()) == kSuccess && Passes(filter, full.Text())) {
-      Offer(word, full.Text(), entry_kind, FS_OFFER_COMPLETION, help);
+    if (IsOffered(entry_kind, kind) && IsValidEntryName(entry->d_name, full.Length()) && Passes(filter, full.Text())) {
+      OfferEntry(word, entry->d_name, entry_kind, help);
     }
   }
 }
@@ -232,7 +239,12 @@ void ESH_HelpStatSwitch(const char* word, const char* full, std::uint32_t kind, 
     return;
   }
   const EntryKind entry_kind = KindOf(full);
-  if (IsOffered(entry_kind, kind)) {
-    Offer(word, full, entry_kind, mode, help);
+  if (!IsOffered(entry_kind, kind)) {
+    return;
+  }
+  if (mode == FS_OFFER_EXACT) {
+    OfferAsTyped(word, entry_kind, help);
+  } else {
+    OfferEntry(word, LastComponent(full), entry_kind, help);
   }
 }

@@ -1,9 +1,6 @@
 #include "term/completion.h"
 
-#include <strings.h>
-
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -11,6 +8,7 @@
 #include "shell/match.h"
 #include "shell/parameter.h"
 #include "shell/words.h"
+#include "term/help_records.h"
 #include "term/line_state.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
@@ -42,7 +40,7 @@ bool CycleGoesOn(const char* word) {
 void DropPlaceholders(VEC_S& list) {
   ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
     if (ESH_Variable(line.szKeyWord) == 1 || std::strcmp(line.szKeyWord, kCrWord) == 0) {
-      std::free(VEC_Del(&list, index));
+      FreeHelpRecord(static_cast<ESH_HELP_INFO_S*>(VEC_Del(&list, index)));
     }
   });
 }
@@ -80,7 +78,7 @@ std::string_view CommonPrefix(const VEC_S& candidates, std::size_t known) {
   std::size_t shared = model.size();
   ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
     std::size_t agreed = known;
-    while (agreed < shared && strncasecmp(candidate.szKeyWord + agreed, model.data() + agreed, 1) == 0) {
+    while (agreed < shared && LowerCase(candidate.szKeyWord[agreed]) == LowerCase(model[agreed])) {
       ++agreed;
     }
     shared = std::min(shared, agreed);

@@ -8,6 +8,7 @@
 
 #include "shell/command_tree.h"
 #include "shell/result.h"
+#include "term/help_records.h"
 #include "term/keyword_index.h"
 #include "util/fixed_text.h"
 
@@ -20,7 +21,7 @@ constexpr int kMaxSplits = 128;
 KeywordIndex g_index;
 
 ESH_HELP_INFO_S* NewRecord(std::string_view keyword, std::string_view help) {
-  auto* record = static_cast<ESH_HELP_INFO_S*>(std::malloc(sizeof(ESH_HELP_INFO_S)));
+  ESH_HELP_INFO_S* record = NewHelpRecord();
   if (record != nullptr) {
     CopyText(record->szKeyWord, keyword);
     CopyText(record->szHelp, help);
@@ -123,7 +124,7 @@ std::uint32_t ESH_NewHelpInfo(const char* keyword, const char* help, VEC_S* list
   }
   ESH_HELP_INFO_S* record = NewRecord(keyword, help);
   if (record == nullptr || VEC_Add(list, kNoIndex, record) == kNoIndex) {
-    std::free(record);
+    FreeHelpRecord(record);
     return kSuccess;
   }
   g_index.Added(*list, *record);
@@ -132,7 +133,7 @@ std::uint32_t ESH_NewHelpInfo(const char* keyword, const char* help, VEC_S* list
 
 void ESH_FreeHelpInfoVec(VEC_S* list) {
   g_index.Forget();
-  FreeVectorOf<ESH_HELP_INFO_S>(list, [](ESH_HELP_INFO_S* record) { std::free(record); });
+  FreeVectorOf<ESH_HELP_INFO_S>(list, FreeHelpRecord);
 }
 
 int CmpHelpString(const char* a, const char* b) {

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <strings.h>
-
+#include <algorithm>
 #include <string_view>
 
 /// Characters and comparisons of the ASCII alphabet, whatever the locale.
@@ -14,10 +13,15 @@ constexpr bool IsHexDigit(char character) {
 
 constexpr bool IsPrintable(char character) { return character >= 0x20 && character <= 0x7E; }
 
-inline bool BeginsIgnoringCase(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
+constexpr char LowerCase(char letter) {
+  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-inline bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+constexpr bool BeginsIgnoringCase(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), text.begin(),
+                                                    [](char a, char b) { return LowerCase(a) == LowerCase(b); });
+}
+
+constexpr bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
   return a.size() == b.size() && BeginsIgnoringCase(a, b);
 }

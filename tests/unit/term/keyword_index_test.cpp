@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 
 #include "term/help_list.h"
-#include "util/unique_handle.h"
+#include "term/help_records.h"
 #include "util/vector.h"
 
 namespace {
@@ -17,8 +16,6 @@ bool Add(const UniqueHelpList& list, const std::string& keyword) {
   ESH_NewHelpInfo(keyword.c_str(), "", list.get());
   return list->ulFirstFree != free_slot;
 }
-
-using UniqueRecord = std::unique_ptr<ESH_HELP_INFO_S, MemoryFreer>;
 
 UniqueHelpList NewList() { return UniqueHelpList(VEC_Alloc(8)); }
 
@@ -56,8 +53,9 @@ TEST(KeywordIndex, SeesWhatOthersTookOut) {
     Add(list, keyword);
   }
   for (const std::uint64_t index : {3U, 1U, 0U}) {
-    const UniqueRecord record(static_cast<ESH_HELP_INFO_S*>(VEC_Del(list.get(), index)));
+    auto* record = static_cast<ESH_HELP_INFO_S*>(VEC_Del(list.get(), index));
     const std::string keyword = record->szKeyWord;
+    FreeHelpRecord(record);
     EXPECT_TRUE(Add(list, keyword)) << keyword;
     EXPECT_FALSE(Add(list, keyword)) << keyword;
     EXPECT_FALSE(Add(list, "c")) << keyword;
