@@ -4,9 +4,10 @@
 # To fetch newer packages, remove it.
 set -euo pipefail
 
-cache=${XDG_CACHE_HOME:-${HOME:-/root}/.cache}/esh
-target=$cache/arm64-root
+# shellcheck source=SCRIPTDIR/package-root.sh
+. "$(dirname "$0")/package-root.sh"
 
+target=$cache/arm64-root
 kernel_flavour=cloud-arm64
 packages=(
   busybox-static:arm64 # the device's tools
@@ -20,26 +21,12 @@ packages=(
   libpcre2-8-0:arm64 libselinux1:arm64 libudev1:arm64 zlib1g:arm64
 )
 
-if [ "$(cat "$target/complete" 2> /dev/null)" = "${packages[*]}" ]; then
+if package_root_is_complete "$target" "${packages[@]}"; then
   echo "$target"
   exit 0
 fi
 
-mkdir -p "$cache"
-work=$(mktemp -d "$cache/fetch-XXXXXX")
-trap 'rm -rf "$work"' EXIT
-
-# Package lists of our own, so that this machine's apt does not have to know arm64 and nobody needs to be root.
-mkdir -p "$work/apt/lists/partial" "$work/apt/archives/partial" "$work/packages" "$work/root"
-cat > "$work/apt.conf" << TEXT
-APT::Architectures { "$(dpkg --print-architecture)"; "arm64"; };
-APT::Sandbox::User "";
-Dir::State::Lists "$work/apt/lists";
-Dir::Cache "$work/apt";
-TEXT
-export APT_CONFIG=$work/apt.conf LC_ALL=C
-apt-get --quiet update >&2
-
+begin_package_root "$(dpkg --print-architecture)" arm64
 # The meta package names the newest kernel, "linux-image-RELEASE".
 kernel_release=$(apt-cache depends "linux-image-$kernel_flavour:arm64" |
   sed -n 's/.*Depends: linux-image-\([0-9.-]*-'$kernel_flavour'\):arm64$/\1/p')
@@ -54,12 +41,8 @@ kernel_packages=(
   "linux-kbuild-${kernel_release%%.*}.$(echo "$kernel_release" | cut -d. -f2)"
 )
 
-(cd "$work/packages" && apt-get --quiet download "${packages[@]}" "${kernel_packages[@]}" >&2)
-for package in "$work"/packages/*.deb; do
-  dpkg-deb --extract "$package" "$work/root"
-done
+unpack_packages "${packages[@]}" "${kernel_packages[@]}"
 
-root=$work/root
 # Names that do not change with the kernel.
 ln -s "vmlinuz-$kernel_release" "$root/boot/vmlinuz"
 ln -s "$kernel_release" "$root/lib/modules/kernel"
@@ -70,7 +53,5 @@ find "$root" -type l -lname '/*' | while read -r link; do
   ln --symbolic --force --no-dereference --relative "$root$(readlink "$link")" "$link"
 done
 
-printf '%s\n' "${packages[*]}" > "$root/complete"
-rm -rf "$target"
-mv "$root" "$target"
+finish_package_root "$target" "${packages[@]}"
 echo "$target"

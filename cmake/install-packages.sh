@@ -1,5 +1,6 @@
 #!/bin/bash
-# Installs the Debian packages that the project needs and that are missing.
+# Installs the Debian packages that the project needs and that are missing, and fetches the servers of the device's lab,
+# which are not installed.
 #   cmake/install-packages.sh build   to build the project and boot the native device
 #   cmake/install-packages.sh test    also to run every check of ./test
 #   cmake/install-packages.sh bench   also to measure with bench/run, besides what build installs
@@ -55,5 +56,8 @@ if [ ${#missing[@]} -gt 0 ]; then
   fi
 fi
 
+here=$(dirname "$0")
+# A device without servers to talk to is still a device.
+"$here/fetch-lab.sh" > /dev/null || echo "${0##*/}: the servers of the lab cannot be fetched" >&2
 # What the device itself is made of is for its machine, not for this one.
-[ "$1" != arm64 ] || exec "$(dirname "$0")/fetch-arm64.sh" > /dev/null
+[ "$1" != arm64 ] || exec "$here/fetch-arm64.sh" > /dev/null

@@ -34,6 +34,8 @@ struct BootOptions {
   std::string shell;                              // the program on the host; it stands as /sbin/esh on the device
   std::string root_files;                         // directory of the host with the device's own files
   std::string lab_script;                         // run with busybox sh on the far side of m-eth0 before each boot
+  bool has_lab_servers = false;                   // FTP, TFTP, telnet and SSH servers run there, see LabNotice
+  std::string lab_directory;                      // of the host: what FTP and TFTP give out and receive; "": their own
   std::vector<std::string> arguments = {"scmd"};  // of the shell, without its name
   std::optional<std::string> term = "xterm";      // TERM of the shell; nullopt: not set
   std::vector<std::string> environment;           // "NAME=value", added to the shell's environment
@@ -121,6 +123,10 @@ class Device {
 
   /// Writes a file on the device, replacing what it held.
   [[nodiscard]] bool WriteFile(const std::string& path, const std::string& bytes);
+
+  /// What an operator should know of the lab's servers, in lines, once the device was started: addresses, account,
+  /// files, and which server could not be started. Empty without servers.
+  [[nodiscard]] virtual const std::string& LabNotice() const = 0;
 
   /// What became of the device so far; waits at most `time` for something other than kRunning.
   virtual Outcome WaitForOutcome(std::chrono::milliseconds time) = 0;

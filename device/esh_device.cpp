@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <span>
@@ -23,7 +24,7 @@ constexpr char kUsage[] =
     "When standard input is no terminal, its lines are typed on the console one by one.\n"
     "  --arm64           boot an emulated Arm machine\n"
     "  --shell PROGRAM   boot this program instead of the shell of this build\n"
-    "  --tftp DIRECTORY  files that the emulated machine finds on the TFTP server 10.0.2.2\n";
+    "  --tftp DIRECTORY  what the lab's FTP and TFTP servers give out and receive\n";
 constexpr char kTerminalWithoutName[] = "vt100";
 
 device::BootOptions OperatorOptions() {
@@ -41,8 +42,8 @@ device::BootOptions OperatorOptions() {
 struct Request {
   bool asks_for_help = false;
   bool emulated = false;
-  std::string shell;           // "": the one that is built here
-  std::string tftp_directory;  // "": the device's own choice
+  std::string shell;          // "": the one that is built here
+  std::string lab_directory;  // "": the lab's own
 };
 
 std::optional<Request> ReadArguments(std::span<char* const> arguments) {
@@ -57,7 +58,7 @@ std::optional<Request> ReadArguments(std::span<char* const> arguments) {
     } else if (name == "--shell" && has_value) {
       request.shell = arguments[++i];
     } else if (name == "--tftp" && has_value) {
-      request.tftp_directory = arguments[++i];
+      request.lab_directory = std::filesystem::absolute(arguments[++i]).string();
     } else {
       return std::nullopt;
     }
@@ -68,8 +69,9 @@ std::optional<Request> ReadArguments(std::span<char* const> arguments) {
 std::unique_ptr<device::Device> MakeDevice(const Request& request) {
   device::BootOptions options = OperatorOptions();
   if (!request.shell.empty()) options.shell = request.shell;
-  return request.emulated ? device::MakeArm64Device(options, request.tftp_directory)
-                          : device::MakeNativeDevice(options);
+  options.has_lab_servers = true;
+  options.lab_directory = request.lab_directory;
+  return request.emulated ? device::MakeArm64Device(options) : device::MakeNativeDevice(options);
 }
 
 /// A descriptor that the caller closed would be given to the next thing that is opened.
@@ -95,5 +97,6 @@ int main(int argc, char** argv) {
     (void)std::fprintf(stderr, "esh-device: %s\n", problem.c_str());
     return 1;
   }
+  (void)std::fputs(board->LabNotice().c_str(), stderr);  // the output is the console's
   return isatty(STDIN_FILENO) != 0 ? device::RelayTerminal(*board, signals) : device::FeedInput(*board, signals);
 }

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -13,6 +12,7 @@
 #include "device/arm64/emulator.h"
 #include "device/arm64/machine.h"
 #include "device/board/board_device.h"
+#include "device/board/package_root.h"
 
 namespace device {
 namespace {
@@ -31,27 +31,15 @@ constexpr const char* kDrivers[] = {"drivers/virtio/virtio_ring",
                                     "net/core/failover",
                                     "drivers/net/net_failover"};
 
-/// Where cmake/fetch-arm64.sh puts what the machine is made of.
-std::string PackagesRoot() {
-  const char* cache = std::getenv("XDG_CACHE_HOME");
-  if (cache != nullptr && *cache != '\0') return std::string(cache) + "/esh/arm64-root";
-  const char* home = std::getenv("HOME");
-  return std::string(home == nullptr ? "/root" : home) + "/.cache/esh/arm64-root";
-}
-
 std::string Built(const std::string& name) { return std::string(kBuild) + "/" + name; }
 
 class Arm64Kind final : public DeviceKind {
  public:
-  explicit Arm64Kind(std::string tftp_directory) : packages_(PackagesRoot()) {
-    files_.kernel = packages_ + "/boot/vmlinuz";
-    files_.tftp_directory = tftp_directory.empty() ? ESH_DEVICE_FILES "/media/flash" : std::move(tftp_directory);
-  }
+  Arm64Kind() : packages_(PackageRoot("arm64")), kernel_(packages_ + "/boot/vmlinuz") {}
 
   std::string Plan(const BootOptions& options, RootPlan& plan) const override {
     if (FindEmulator().empty()) return "the emulator is missing (Debian package qemu-system-arm)";
-    if (access(files_.kernel.c_str(), R_OK) != 0)
-      return files_.kernel + " is missing; cmake/install-packages.sh arm64 fetches it";
+    if (access(kernel_.c_str(), R_OK) != 0) return kernel_ + " is missing; cmake/install-packages.sh arm64 fetches it";
     const Arm64Programs programs(packages_);
     if (std::string problem = PlanRoot(options, ESH_DEVICE_FILES "/arm64/rootfs", programs, plan); !problem.empty())
       return problem;
@@ -66,7 +54,7 @@ class Arm64Kind final : public DeviceKind {
     return AddProgram(Built("device-guest"), "/sbin/device-guest", programs, plan);
   }
 
-  std::vector<std::string> NeededOfHost() const override { return {files_.kernel, files_.tftp_directory}; }
+  std::vector<std::string> NeededOfHost() const override { return {kernel_}; }
 
   std::string MakeMedium(const Medium& medium, const std::string& place) const override {
     const UniqueFd image(open(place.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
@@ -76,7 +64,7 @@ class Arm64Kind final : public DeviceKind {
 
   [[noreturn]] void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
                                     PowerSupply supply) const override {
-    RunMachine(options, plan, files_, std::move(supply));
+    RunMachine(options, plan, kernel_, std::move(supply));
   }
 
   Outcome OutcomeOf(int wait_status) const override {
@@ -90,14 +78,14 @@ class Arm64Kind final : public DeviceKind {
 
  private:
   std::string packages_;
-  MachineFiles files_;
+  std::string kernel_;
 };
 
 }  // namespace
 
-std::unique_ptr<Device> MakeArm64Device(BootOptions options, const std::string& tftp_directory) {
+std::unique_ptr<Device> MakeArm64Device(BootOptions options) {
   if (options.shell == DefaultBootOptions().shell) options.shell = Built("esh");
-  return MakeBoardDevice(std::make_unique<Arm64Kind>(tftp_directory), std::move(options));
+  return MakeBoardDevice(std::make_unique<Arm64Kind>(), std::move(options));
 }
 
 }  // namespace device

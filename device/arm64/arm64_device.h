@@ -13,8 +13,6 @@ namespace device {
 /// - its console is a serial line, which has no window: the options' size and ResizeConsole change nothing;
 /// - media are disks with FAT file systems, whose names know no upper and lower case;
 /// - programs among the host files must be for Arm. The default shell stands for the one built by preset arm64.
-/// - besides the lab, a TFTP server at 10.0.2.2 can be reached.
-/// @param tftp_directory  what the server gives out; "": the sample files of flash:.
-std::unique_ptr<Device> MakeArm64Device(BootOptions options, const std::string& tftp_directory = {});
+std::unique_ptr<Device> MakeArm64Device(BootOptions options);
 
 }  // namespace device

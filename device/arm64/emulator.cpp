@@ -45,7 +45,7 @@ std::string TextOf(const LabCable::Address& address) {
 }
 
 /// The emulator's ends of the lines, by the numbers that its options name.
-enum Line : int { kSerial = 3, kGuest, kMonitor, kNetwork, kEmulatorNetwork, kLineEnd };
+enum Line : int { kSerial = 3, kGuest, kMonitor, kNetwork, kLineEnd };
 
 std::string SocketLine(const char* name, Line number) {
   return std::string("socket,id=") + name + ",fd=" + std::to_string(number);
@@ -76,10 +76,6 @@ std::vector<std::string> EmulatorWords(const MachineParts& parts) {
   }
   add({"-netdev", FrameLine("port", kNetwork), "-device",
        "virtio-net-device,netdev=port,mac=" + TextOf(parts.port_address)});
-  // The emulator's network, and a hub that joins it with the line to us.
-  add({"-netdev", "user,id=tftp,restrict=on,ipv6=off,tftp=" + Escaped(parts.tftp_directory)});
-  add({"-netdev", "hubport,id=tftp-hub,hubid=0,netdev=tftp"});
-  add({"-netdev", FrameLine("line", kEmulatorNetwork), "-netdev", "hubport,id=line-hub,hubid=0,netdev=line"});
   return words;
 }
 
@@ -100,8 +96,7 @@ pid_t StartEmulator(const MachineParts& parts, MachineLines& lines, int log) {
   if (!MakeLine(SOCK_STREAM, lines.serial, others[0]) ||
       !MakeLine(SOCK_STREAM, lines.guest, others[kGuest - kSerial]) ||
       !MakeLine(SOCK_STREAM, lines.monitor, others[kMonitor - kSerial]) ||
-      !MakeLine(SOCK_DGRAM, lines.network, others[kNetwork - kSerial]) ||
-      !MakeLine(SOCK_DGRAM, lines.emulator_network, others[kEmulatorNetwork - kSerial]))
+      !MakeLine(SOCK_DGRAM, lines.network, others[kNetwork - kSerial]))
     return -1;
   (void)!write(lines.monitor.Get(), kMonitorGreeting.data(), kMonitorGreeting.size());
 

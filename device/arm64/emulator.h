@@ -17,9 +17,8 @@ struct MachineParts {
     std::string serial_number;  // at most 20 characters
   };
 
-  std::string kernel;          // file of the host, likewise below
-  std::string first_root;      // archive that the kernel unpacks as its root file system
-  std::string tftp_directory;  // what the TFTP server at 10.0.2.2 gives out
+  std::string kernel;      // file of the host, likewise below
+  std::string first_root;  // archive that the kernel unpacks as its root file system
   std::vector<Disk> disks;
   LabCable::Address port_address{};  // Ethernet address of its only network port
 };
@@ -27,10 +26,9 @@ struct MachineParts {
 /// This side's ends of what leads into an emulated machine. All are sockets.
 struct MachineLines {
   UniqueFd serial;
-  UniqueFd guest;             // to the program that serves the host inside
-  UniqueFd monitor;           // the emulator's own, in QMP
-  UniqueFd network;           // frames of the machine's port
-  UniqueFd emulator_network;  // frames of the emulator's own network, where the TFTP server is
+  UniqueFd guest;    // to the program that serves the host inside
+  UniqueFd monitor;  // the emulator's own, in QMP
+  UniqueFd network;  // frames of the machine's port
 };
 
 /// @return the emulator's path; "" when it is not installed.

@@ -26,9 +26,9 @@
 #include "device/arm64/console_line.h"
 #include "device/arm64/cpio_archive.h"
 #include "device/arm64/emulator.h"
+#include "device/arm64/frame_relay.h"
 #include "device/arm64/frame_stream.h"
 #include "device/arm64/lab_cable.h"
-#include "device/arm64/network_switch.h"
 #include "device/arm64/packed_texts.h"
 #include "device/arm64/stream_carrier.h"
 #include "device/board/namespaces.h"
@@ -97,9 +97,8 @@ class Machine {
         console_(std::move(console)),
         monitor_(std::move(lines.monitor)),
         port_(std::move(lines.network)),
-        emulator_network_(std::move(lines.emulator_network)),
         cable_(std::move(cable)),
-        network_(port_.Get(), emulator_network_.Get(), cable_.Descriptor()),
+        network_(port_.Get(), cable_.Descriptor()),
         frames_(std::move(lines.guest)),
         streams_(frames_) {}
 
@@ -237,9 +236,8 @@ class Machine {
   ConsoleLine console_;
   UniqueFd monitor_;
   UniqueFd port_;
-  UniqueFd emulator_network_;
   LabCable cable_;
-  NetworkSwitch network_;
+  FrameRelay network_;
   FrameStream frames_;
   StreamCarrier streams_;
   std::map<std::uint32_t, int> ended_commands_;  // wait status by request number
@@ -254,7 +252,7 @@ class Machine {
 
 }  // namespace
 
-void RunMachine(const BootOptions& options, const RootPlan& plan, const MachineFiles& files, PowerSupply supply) {
+void RunMachine(const BootOptions& options, const RootPlan& plan, const std::string& kernel, PowerSupply supply) {
   DieWithParent();
   setsid();
   const UniqueFd signals = CatchChildren();
@@ -263,8 +261,7 @@ void RunMachine(const BootOptions& options, const RootPlan& plan, const MachineF
   // All that a boot needs is in memory that goes with the boot.
   if (unshare(CLONE_NEWNS) != 0) GiveUp(supply.channel, "cannot make the machine's mount namespace");
   std::string problem = Mount("tmpfs", supply.empty_directory, "tmpfs", MS_NOSUID, "mode=755");
-  MachineParts parts{
-      files.kernel, supply.empty_directory + "/first-root.cpio", files.tftp_directory, {}, cable.PortAddress()};
+  MachineParts parts{kernel, supply.empty_directory + "/first-root.cpio", {}, cable.PortAddress()};
   if (problem.empty()) problem = MakeFirstRoot(options, plan, supply, parts.first_root);
   if (!problem.empty()) GiveUp(supply.channel, problem);
   for (const Medium& medium : options.media)

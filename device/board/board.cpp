@@ -19,6 +19,7 @@
 
 #include "device/board/command_server.h"
 #include "device/board/host_program.h"
+#include "device/board/lab_servers.h"
 #include "device/board/namespaces.h"
 
 namespace device {
@@ -39,6 +40,10 @@ std::vector<std::string> NeededPlaces(const DeviceKind& kind, const BootOptions&
   places.insert(places.end(), plan.layers.begin(), plan.layers.end());
   for (const HostFile& file : plan.copies) places.push_back(file.host_path);
   for (const Medium& medium : options.media) places.push_back(medium.contents);
+  if (options.has_lab_servers) {
+    const std::vector<std::string> of_servers = NeededByLabServers(options);
+    places.insert(places.end(), of_servers.begin(), of_servers.end());
+  }
   return places;
 }
 
@@ -70,7 +75,9 @@ class Board {
       launcher_.Send(MessageKind::kProblem, 0, 0, problem);
       _exit(1);
     }
-    launcher_.Send(MessageKind::kBoardReady);
+    std::string lab_notice;
+    if (options_.has_lab_servers) lab_notice = StartLabServers(options_, directory_ + "/lab", LabEnvironment());
+    launcher_.Send(MessageKind::kBoardReady, 0, 0, lab_notice);
     for (;;) ServeOnce();
   }
 
@@ -87,7 +94,7 @@ class Board {
     own_processes_.Reset(open("/proc/self/ns/pid", O_RDONLY | O_CLOEXEC));
     if (std::string problem = Mount("tmpfs", directory_, "tmpfs", MS_NOSUID, "mode=755"); !problem.empty())
       return problem;
-    for (const char* part : {"/root", "/media"}) (void)mkdir((directory_ + part).c_str(), 0755);
+    for (const char* part : {"/root", "/media", "/lab"}) (void)mkdir((directory_ + part).c_str(), 0755);
     for (const Medium& medium : options_.media) {
       const std::string place = directory_ + "/media/" + medium.name;
       if (std::string problem = kind_.MakeMedium(medium, place); !problem.empty()) return problem;
@@ -186,7 +193,7 @@ class Board {
   CommandServer lab_commands_;
   UniqueFd signals_;
   UniqueFd own_processes_;  // the board's own PID namespace
-  std::string directory_;   // holds "root" for the device's root file system and "media"
+  std::string directory_;   // holds "root" for the device's root file system, "media" and "lab"
   pid_t device_ = -1;
   std::uint32_t boot_ = 0;  // number of the boot, told with its end
 };

@@ -94,6 +94,7 @@ class BoardDevice final : public Device {
   int ShellStatus() const override { return shell_status_; }
   void PowerOff() override;
   const std::string& Report() const override { return report_; }
+  const std::string& LabNotice() const override { return lab_notice_; }
 
  private:
   std::string StartBoard();
@@ -125,6 +126,7 @@ class BoardDevice final : public Device {
   std::uint32_t last_command_ = 0;
   std::map<std::uint32_t, int> ended_commands_;  // wait status by request number
   std::string report_;
+  std::string lab_notice_;
 };
 
 BoardDevice::~BoardDevice() {
@@ -243,6 +245,7 @@ void BoardDevice::Handle(Message& message) {
       break;
     case MessageKind::kBoardReady:
       board_ready_ = true;
+      lab_notice_ = std::move(message.text);
       break;
     case MessageKind::kConsole:
       console_ = std::move(message.descriptors.at(0));

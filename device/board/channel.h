@@ -15,7 +15,7 @@ enum class MessageKind : std::uint32_t {
   kProblem,       // something could not be set up: text
   kLeftHost,      // keeper -> launcher: its user namespace wants its identities
   kIdentities,    // launcher -> keeper: they are mapped
-  kBoardReady,    // board -> launcher: media and lab are there
+  kBoardReady,    // board -> launcher: media and lab are there; text is for the operator
   kPowerOn,       // launcher -> board: boot a device that answers on the descriptor that comes along
   kPowerOff,      // launcher -> board
   kDeviceDown,    // board -> launcher: value is the wait status of the device's first process

@@ -25,7 +25,9 @@ constexpr char kSystemDirectories[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:
   _exit(1);
 }
 
-std::string ReadAll(int descriptor) {
+}  // namespace
+
+std::string ReadToEnd(int descriptor) {
   std::string text;
   std::array<char, 4096> block{};
   ssize_t length = 0;
@@ -34,8 +36,6 @@ std::string ReadAll(int descriptor) {
   }
   return text;
 }
-
-}  // namespace
 
 std::optional<std::string> OutputOf(const std::vector<std::string>& words) {
   std::array<int, 2> ends{};
@@ -51,7 +51,7 @@ std::optional<std::string> OutputOf(const std::vector<std::string>& words) {
   if (child == 0) ExecuteWithOutput(arguments, writing.Get());
   if (child < 0) return std::nullopt;
   writing.Reset();
-  std::string output = ReadAll(reading.Get());
+  std::string output = ReadToEnd(reading.Get());
   int status = 0;
   while (waitpid(child, &status, 0) < 0) {
     if (errno != EINTR) return std::nullopt;

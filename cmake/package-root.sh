@@ -1,0 +1,48 @@
+# shellcheck shell=bash
+# Functions for scripts that unpack Debian packages into a directory of their own below ~/.cache/esh, where nothing of
+# this machine changes: no package's scripts run and none of its daemons starts. Sourced by bash; nobody has to be root.
+
+cache=${XDG_CACHE_HOME:-${HOME:-/root}/.cache}/esh
+
+# package_root_is_complete TARGET PACKAGE...: whether the directory holds what these packages were unpacked to.
+package_root_is_complete() {
+  local target=$1
+  shift
+  [ "$(cat "$target/complete" 2> /dev/null)" = "$*" ]
+}
+
+# begin_package_root ARCHITECTURE...: makes $root, which goes when the script ends, and gets the package lists for it:
+# lists of its own, as this machine's apt need not know these architectures.
+begin_package_root() {
+  mkdir -p "$cache"
+  work=$(mktemp -d "$cache/fetch-XXXXXX")
+  trap 'rm -rf "$work"' EXIT
+  root=$work/root
+  mkdir -p "$work/apt/lists/partial" "$work/apt/archives/partial" "$work/packages" "$root"
+  cat > "$work/apt.conf" << TEXT
+APT::Architectures { $(printf '"%s"; ' "$@")};
+APT::Sandbox::User "";
+Dir::State::Lists "$work/apt/lists";
+Dir::Cache "$work/apt";
+TEXT
+  export APT_CONFIG=$work/apt.conf LC_ALL=C
+  apt-get --quiet update >&2
+}
+
+# unpack_packages PACKAGE...: into $root.
+unpack_packages() {
+  (cd "$work/packages" && apt-get --quiet download "$@" >&2)
+  local package
+  for package in "$work"/packages/*.deb; do
+    dpkg-deb --extract "$package" "$root"
+  done
+}
+
+# finish_package_root TARGET PACKAGE...: puts $root in its place.
+finish_package_root() {
+  local target=$1
+  shift
+  printf '%s\n' "$*" > "$root/complete"
+  rm -rf "$target"
+  mv "$root" "$target"
+}
