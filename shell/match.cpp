@@ -1,7 +1,5 @@
 #include "shell/match.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -74,7 +72,8 @@ Verdict JudgeParameter(const ESH_CMD_ELEMENT_S& element, const char* word) {
   }
 }
 
-Verdict Judge(const ESH_CMD_ELEMENT_S& element, const char* word) {
+/// @param word terminated.
+Verdict Judge(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
   switch (element.ulType) {
     case ESH_ELEM_KEYWORD:
       return JudgeKeyword(element, word);
@@ -86,7 +85,7 @@ Verdict Judge(const ESH_CMD_ELEMENT_S& element, const char* word) {
     case ESH_ELEM_IPV6:
     case ESH_ELEM_IPV6PREFIX:
     case ESH_ELEM_INTEGER:
-      return JudgeParameter(element, word);
+      return JudgeParameter(element, word.data());
     default:
       return {ESH_MATCH_NONE, false};
   }
@@ -106,7 +105,7 @@ bool HoldsDifferentTexts(const VEC_S& candidates) {
   const char* first = nullptr;
   return FindSlot<ESH_CMD_ELEMENT_S>(candidates, [&](const ESH_CMD_ELEMENT_S& element) {
            first = first == nullptr ? element.pcKeyWord : first;
-           return strcasecmp(first, element.pcKeyWord) != 0;
+           return first != element.pcKeyWord && !EqualsIgnoringCase(first, element.pcKeyWord);
          }) != nullptr;
 }
 
@@ -139,7 +138,15 @@ bool MayContinue(const ESH_CMD_ELEMENT_S& element, const char* word) {
   }
 }
 
-/// Behind the last element of a command without an end stands the command itself, which is no element.
+bool HasEnd(const ESH_CMD_THREAD_S& thread) {
+  return thread.pstPrev != &thread && IsCr(*static_cast<const ESH_CMD_ELEMENT_S*>(thread.pstPrev));
+}
+
+bool EveryCommandHasAnEnd() {
+  return FindSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec,
+                                    [](const ESH_CMD_THREAD_S& thread) { return !HasEnd(thread); }) == nullptr;
+}
+
 bool IsCommand(const ESH_CMD_LINK_S* link) {
   return FindSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec,
                                     [&](const ESH_CMD_THREAD_S& thread) { return &thread == link; }) != nullptr;
@@ -158,8 +165,10 @@ bool AddFirstElements(VEC_S& candidates) {
 /// @return false when memory is short.
 bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
   bool complete = true;
+  // Behind the last element of a command without an end stands the command itself, which is no element.
+  const bool all_are_elements = EveryCommandHasAnEnd();
   ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
-    if (complete && !IsCr(element) && !IsCommand(element.pstNext)) {
+    if (complete && !IsCr(element) && (all_are_elements || !IsCommand(element.pstNext))) {
       complete = VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext)) != kNoIndex;
     }
   });
@@ -171,8 +180,10 @@ bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
 void KeepCommandEnds(VEC_S& candidates) { KeepOnly(candidates, IsCr); }
 
 void ESH_SelectNextCmdElment(VEC_S* candidates) {
-  UniqueVector next(VEC_Alloc(kUsualSlots));
   const bool is_first_word = VEC_GetCount(candidates) == 0;
+  // As many as there can be, so that the vector need not grow again and again.
+  const std::uint64_t most = VEC_GetCount(is_first_word ? g_pstEshCurrentView->pstCmdVec : candidates);
+  UniqueVector next(VEC_Alloc(static_cast<std::int64_t>(most)));
   const bool complete =
       next != nullptr && (is_first_word ? AddFirstElements(*next) : AddSuccessors(*candidates, *next));
   if (!complete) {
@@ -183,7 +194,8 @@ void ESH_SelectNextCmdElment(VEC_S* candidates) {
   std::swap(*candidates, *next);
 }
 
-std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* word) {
+std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* typed) {
+  const std::string_view word(typed);
   std::uint32_t level = ESH_MATCH_NONE;
   KeepOnly(*candidates, [&](const ESH_CMD_ELEMENT_S& element) {
     const Verdict verdict = Judge(element, word);

@@ -25,7 +25,7 @@ enum ESH_MATCH_LEVEL_E : std::uint32_t {
 void ESH_SelectNextCmdElment(VEC_S* candidates);
 
 /// Matches one complete word, removing the candidates that fail. @return the level reached. The name is "Elment".
-[[nodiscard]] std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* word);
+[[nodiscard]] std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* typed);
 
 /// Keeps only the candidates that end a command.
 void KeepCommandEnds(VEC_S& candidates);

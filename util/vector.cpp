@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
 #include "shell/result.h"
 
@@ -38,8 +37,12 @@ void Trim(VEC_S& vec) {
 }  // namespace
 
 VEC_S* VEC_Alloc(std::int64_t initial) {
-  auto* vec = static_cast<VEC_S*>(std::calloc(1, sizeof(VEC_S)));
-  if (vec == nullptr || initial == -1) {
+  auto* vec = static_cast<VEC_S*>(std::malloc(sizeof(VEC_S)));
+  if (vec == nullptr) {
+    return nullptr;
+  }
+  *vec = VEC_S{};
+  if (initial == -1) {
     return vec;
   }
   if (VEC_Enlarge(vec, static_cast<std::uint64_t>(initial)) != kSuccess) {
@@ -128,14 +131,14 @@ std::uint32_t VEC_Reduce(VEC_S* vec, std::uint64_t need) {
 }
 
 std::uint32_t VEC_Resize(VEC_S* vec, std::uint64_t slots) {
-  auto** array = static_cast<void**>(std::calloc(slots, sizeof(void*)));
+  // Not calloc, which passes over the allocator's list of blocks that were freed a moment ago.
+  auto** array = static_cast<void**>(std::malloc(slots * sizeof(void*)));
   if (array == nullptr) {
     return ESH_ERR_FAIL;
   }
   const std::uint64_t kept = std::min(vec->ulCapacity, slots);
-  if (kept > 0) {
-    std::memcpy(array, vec->ppvArray, kept * sizeof(void*));
-  }
+  std::copy_n(vec->ppvArray, kept, array);
+  std::fill(array + kept, array + slots, nullptr);
   std::free(vec->ppvArray);
   vec->ppvArray = array;
   vec->ulCapacity = slots;
