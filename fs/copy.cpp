@@ -19,7 +19,6 @@ namespace {
 
 constexpr char kSameFile[] = "The destination file can't be the same as the source file.\r";
 constexpr char kCopyQuestion[] = "Copy %s to %s?[Y/N]:";
-constexpr char kOverwriteQuestion[] = "%s already exists. Overwrite it?[Y/N]:";
 constexpr char kCopied[] = "Start to copy %s to %s... Done.\r\n";
 
 constexpr std::size_t kBlock = 32768;

@@ -22,7 +22,6 @@
 
 namespace {
 
-constexpr char kWrongName[] = "Wrong file name (directory name). Please check it.\r";
 constexpr char kDirectoryExists[] = "The directory already exists.\r";
 constexpr char kFileExists[] = "The file with the same name already exists.\r";
 constexpr char kCreated[] = "Directory %s created.\r\n";

@@ -6,9 +6,9 @@
 
 #include "fs/name_rules.h"
 #include "fs/working_directory.h"
-#include "shell/child_process.h"
 #include "shell/parameter.h"
 #include "shell/result.h"
+#include "shell/tool_line.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
 
@@ -19,7 +19,6 @@ constexpr char kQuestion[] = "All data on %s will be lost, proceed with format? 
 constexpr char kScript[] = "/etc/pkg/esh/format.sh";
 constexpr char kScratchFolder[] = "/tmp/";
 constexpr std::size_t kMediumPathRoom = 21;
-constexpr std::size_t kToolLineRoom = 2048;
 
 }  // namespace
 
@@ -37,9 +36,9 @@ std::uint32_t ESH_ProcFormat() {
     return ESH_ERR_FAIL;
   }
   (void)!chdir(kScratchFolder);  // a medium that is the working directory is busy
-  FixedText<kToolLineRoom> line;
+  ToolLine line;
   line.Append("%s %s", kScript, device.Text());
-  const std::uint32_t verdict = ESH_ForkProcess(line.Text(), 1, 0);
+  const std::uint32_t verdict = RunToolLine(line, 1, 0);
   (void)ESH_SetPwd();  // whatever the script said
   return verdict;
 }

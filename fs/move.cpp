@@ -7,23 +7,21 @@
 
 #include "fs/file_messages.h"
 #include "fs/named_file.h"
-#include "shell/child_process.h"
 #include "shell/parameter.h"
 #include "shell/result.h"
+#include "shell/tool_line.h"
 #include "term/prompts.h"
-#include "util/fixed_text.h"
 
 namespace {
 
 constexpr char kMoveQuestion[] = "Move %s to %s?[Y/N]:";
 constexpr char kToolFolder[] = "/bin/";
 constexpr char kMoveLine[] = "%smv %s %s";
-constexpr std::size_t kToolLineRoom = 2048;
 
 std::uint32_t RunMove(const char* source, const char* destination) {
-  FixedText<kToolLineRoom> line;
+  ToolLine line;
   line.Append(kMoveLine, kToolFolder, source, destination);
-  return line.Truncated() ? ESH_ERR_FAIL : ESH_ForkProcess(line.Text(), 1, 0);  // never half a command line
+  return RunToolLine(line, 1, 0);
 }
 
 /// Removes what a failed move left of the destination. Where the source is gone, or is the destination, that is the

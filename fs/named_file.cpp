@@ -15,8 +15,6 @@
 
 namespace {
 
-bool Exists(const char* full) { return access(full, F_OK) == 0; }
-
 bool IsOneInode(const struct stat& a, const struct stat& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
 
 /// A full name less its last "/" and what follows it.
@@ -74,6 +72,8 @@ bool ResolveRegularFile(const char* typed, NamedFile& file, struct stat& status)
 }
 
 }  // namespace
+
+bool Exists(const char* full) { return access(full, F_OK) == 0; }
 
 bool IsDirectory(const char* full) {
   struct stat status {};

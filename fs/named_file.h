@@ -12,6 +12,9 @@ struct NamedFile {
   char display[kNameRoom];  ///< what the user is shown
 };
 
+/// Whether there is something of this full name; a link that leads nowhere is nothing.
+[[nodiscard]] bool Exists(const char* full);
+
 /// Whether there is a directory, or a link to one, of this full name.
 [[nodiscard]] bool IsDirectory(const char* full);
 

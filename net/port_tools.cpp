@@ -1,16 +1,11 @@
 #include "net/port_tools.h"
 
-#include <cstddef>
-
 #include "net/management_port.h"
 #include "shell/child_process.h"
 #include "shell/result.h"
-#include "util/fixed_text.h"
+#include "shell/tool_line.h"
 
 namespace {
-
-constexpr std::size_t kToolLineRoom = 2048;
-using ToolLine = FixedText<kToolLineRoom>;
 
 constexpr char kRemoveIPv4Address[] = "/bin/ifconfig m-eth0 0.0.0.0";
 constexpr char kRemoveIPv4DefaultRoute[] = "/bin/route del default";
@@ -20,8 +15,7 @@ constexpr char kPortDown[] = "/bin/ifconfig m-eth0 down";
 
 std::uint32_t Run(const char* line) { return ESH_ForkProcess(line, 1, 0); }
 
-/// Half a line would be another command.
-std::uint32_t Run(const ToolLine& line) { return line.Truncated() ? ESH_ERR_FAIL : Run(line.Text()); }
+std::uint32_t Run(const ToolLine& line) { return RunToolLine(line, 1, 0); }
 
 }  // namespace
 

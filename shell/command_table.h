@@ -21,7 +21,7 @@ struct CommandWord {
 /// The views in which a command is valid; they can be added up.
 enum ViewSet : unsigned { kUserView = 1, kSystemView = 2, kInterfaceView = 4, kAllViews = 7 };
 
-inline constexpr std::size_t kMaxWords = 5;
+inline constexpr std::size_t kMaxWords = 7;
 
 struct CommandRow {
   ESH_CMD_PROC_F handler;

@@ -12,6 +12,8 @@
 #include "fs/medium.h"
 #include "fs/working_directory.h"
 #include "net/network_commands.h"
+#include "pkg/package_commands.h"
+#include "remote/remote_commands.h"
 #include "shell/child_process.h"
 #include "shell/command_tree.h"
 #include "shell/console_attach.h"
@@ -125,8 +127,10 @@ void ESH_SigInt(int /*signo*/) { ESH_Sig2SubProcess(SIGINT); }
 
 void ESH_CMD_Init() {
   ESH_Fs_Init();
+  ESH_Pkgm_Init();
   if (ESH_IsExistIpstackKo() == 1) {
     ESH_Network_Init();
+    ESH_Protocol_Init();
   }
   ESH_Reboot_Init();
   ESH_ChangeView_Init();

@@ -111,6 +111,15 @@ char* ESH_LINE_GetLine(std::uint32_t mode, std::uint32_t max) {
   return g_stESh_Line.pcBuf;
 }
 
+void ForgetLine() {
+  for (char* buffer : {g_stESh_Line.pcBuf, g_stESh_Line.pcLastBuf}) {
+    explicit_bzero(buffer, kLineRoom);
+  }
+  g_stESh_Line.ulCursor = 0;
+  g_stESh_Line.ulLen = 0;
+  ForgetShown();
+}
+
 char* ESH_LINE_GetCmdLine() {
   g_stESh_Display.ulMoreLines = g_stESh_Display.ulScrLines;
   g_stESh_Display.ulCurLines = 0;

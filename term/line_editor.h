@@ -19,6 +19,9 @@ void ESH_LINE_Exit();
 ///         the buffer holds the single byte 3.
 char* ESH_LINE_GetLine(std::uint32_t mode, std::uint32_t max);
 
+/// Overwrites what the editor holds of the line that it read last, for a line that nobody shall find in memory.
+void ForgetLine();
+
 /// Reads a command line. @return the edit buffer with the key that ended the read: "\n" or "\t" behind the text (for
 /// "\t" what stood behind the cursor is cut off), "?" where it was typed, or Ctrl+Z alone.
 char* ESH_LINE_GetCmdLine();

@@ -4,9 +4,12 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include "shell/result.h"
+#include "util/decimal.h"
 #include "util/fixed_text.h"
 #include "util/unique_handle.h"
 
@@ -14,6 +17,8 @@ namespace {
 
 constexpr char kSettingsRoot[] = "/proc/sys";
 constexpr std::size_t kPathRoom = 128;
+constexpr std::size_t kDottedRoom = 4096;
+constexpr std::size_t kNumberRoom = 24;
 
 enum class CallResult { kDone, kRefused, kNoSuchCall };
 
@@ -29,26 +34,77 @@ struct SysctlCall {
   unsigned long unused[4];
 };
 
-CallResult WriteBySystemCall(std::span<const int> path, int value) {
-  SysctlCall call{};
+CallResult CallSysctl(std::span<const int> path, SysctlCall& call) {
   call.name = const_cast<int*>(path.data());  // the kernel reads the name only
   call.name_length = static_cast<int>(path.size());
-  call.new_value = &value;
-  call.new_length = sizeof(value);
   if (syscall(SYS__sysctl, &call) == 0) {
     return CallResult::kDone;
   }
   // A filter of system calls answers EPERM for a call that it does not know.
   return errno == ENOSYS || errno == EPERM ? CallResult::kNoSuchCall : CallResult::kRefused;
 }
+
+CallResult WriteBySystemCall(std::span<const int> path, int value) {
+  SysctlCall call{};
+  call.new_value = &value;
+  call.new_length = sizeof(value);
+  return CallSysctl(path, call);
+}
+
+/// @param length in: room of `value` in bytes; out: bytes read.
+CallResult ReadBySystemCall(std::span<const int> path, std::size_t& length, void* value) {
+  SysctlCall call{};
+  call.old_value = value;
+  call.old_length = &length;
+  return CallSysctl(path, call);
+}
 #else
 CallResult WriteBySystemCall(std::span<const int>, int) { return CallResult::kNoSuchCall; }
+CallResult ReadBySystemCall(std::span<const int>, std::size_t&, void*) { return CallResult::kNoSuchCall; }
 #endif
 
 void AppendSettingPath(std::span<const int> path, TextBuilder& file_name) {
   file_name.AppendText(kSettingsRoot);
   for (const int number : path) {
     file_name.Append("/%d", number);
+  }
+}
+
+/// Reads the file of a setting, without its line end, cut to `size` - 1 bytes.
+std::uint32_t ReadSettingFile(std::span<const int> path, std::size_t size, char* text) {
+  FixedText<kPathRoom> file_name;
+  AppendSettingPath(path, file_name);
+  const UniqueFd file(open(file_name.Text(), O_RDONLY | O_CLOEXEC));
+  text[0] = '\0';
+  if (file_name.Truncated() || !file) {
+    return ESH_ERR_FAIL;
+  }
+  const ssize_t length = read(file.Get(), text, size - 1);
+  if (length < 0) {
+    return ESH_ERR_FAIL;
+  }
+  const bool has_line_end = length > 0 && text[length - 1] == '\n';
+  text[has_line_end ? length - 1 : length] = '\0';
+  return kSuccess;
+}
+
+/// @param count in: room of `numbers`; out: how many there are.
+bool ReadDotted(const char* text, std::size_t& count, std::uint64_t* numbers) {
+  const std::size_t room = count;
+  count = 0;
+  for (;;) {
+    FixedText<kNumberRoom> number;
+    const std::size_t length = std::strcspn(text, ".");
+    number.AppendText({text, length});
+    if (number.Truncated() || !ReadDecimal(number.Text(), numbers[count])) {
+      count = 0;
+      return false;
+    }
+    ++count;
+    if (text[length] == '\0' || count == room) {
+      return true;
+    }
+    text += length + 1;
   }
 }
 
@@ -69,4 +125,27 @@ std::uint32_t WriteKernelSetting(std::span<const int> path, int value) {
   }
   const ssize_t written = write(file.Get(), text.Text(), text.Length());
   return written == static_cast<ssize_t>(text.Length()) ? kSuccess : ESH_ERR_FAIL;
+}
+
+std::uint32_t ReadKernelText(std::span<const int> path, std::size_t size, char* text) {
+  std::size_t length = size - 1;
+  const CallResult result = ReadBySystemCall(path, length, text);
+  if (result == CallResult::kNoSuchCall) {
+    return ReadSettingFile(path, size, text);
+  }
+  text[result == CallResult::kDone ? std::min(length, size - 1) : 0] = '\0';
+  return result == CallResult::kDone ? kSuccess : ESH_ERR_FAIL;
+}
+
+std::uint32_t ReadKernelNumbers(std::span<const int> path, std::size_t& count, std::uint64_t* numbers) {
+  std::size_t length = count * sizeof(*numbers);
+  const CallResult result = ReadBySystemCall(path, length, numbers);
+  if (result == CallResult::kNoSuchCall) {
+    char text[kDottedRoom];
+    const bool read = ReadSettingFile(path, sizeof(text), text) == kSuccess && ReadDotted(text, count, numbers);
+    count = read ? count : 0;
+    return read ? kSuccess : ESH_ERR_FAIL;
+  }
+  count = result == CallResult::kDone ? length / sizeof(*numbers) : 0;
+  return count > 0 ? kSuccess : ESH_ERR_FAIL;
 }

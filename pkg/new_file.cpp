@@ -1,0 +1,27 @@
+#include "pkg/new_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+UniqueFd CreateAnew(const char* path, mode_t mode) {
+  (void)unlink(path);  // an absent file is what is wanted; one that stays makes the next step fail
+  return UniqueFd(open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+}
+
+bool WriteAll(int fd, const void* bytes, std::size_t length) {
+  const char* rest = static_cast<const char*>(bytes);
+  while (length > 0) {
+    const ssize_t written = write(fd, rest, length);
+    if (written < 0 && errno == EINTR) {
+      continue;
+    }
+    if (written <= 0) {
+      return false;
+    }
+    rest += written;
+    length -= static_cast<std::size_t>(written);
+  }
+  return true;
+}

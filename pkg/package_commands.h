@@ -1,0 +1,4 @@
+#pragma once
+
+/// Registers the package commands.
+void ESH_Pkgm_Init();

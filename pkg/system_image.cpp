@@ -1,0 +1,74 @@
+#include "pkg/system_image.h"
+
+#include <unistd.h>
+
+#include <cstring>
+
+#include "pkg/contained_file.h"
+#include "pkg/cpio_unpack.h"
+#include "pkg/new_file.h"
+#include "pkg/package_format.h"
+#include "pkg/package_reader.h"
+#include "pkg/process_runner.h"
+#include "shell/result.h"
+#include "util/fixed_text.h"
+
+namespace {
+
+constexpr char kScratchDirectory[] = "/tmp/";
+constexpr mode_t kScratchMode = 0600;
+constexpr std::size_t kScratchRoom = sizeof(kScratchDirectory) + kImageNameRoom;
+constexpr char kRoot[] = "/";
+
+using UniqueFileHead = std::unique_ptr<PackageFileHead, MemoryFreer>;
+
+/// The first row with an image for a device. One whose head is damaged is passed over.
+const PackageFileEntry* FindImage(PKG_READER_S* package, std::uint32_t device) {
+  for (std::uint32_t i = 0; i < package->head.file_count; ++i) {
+    const PackageFileEntry& entry = package->head.files[i];
+    if (entry.file_id != kSystemImageFile) {
+      continue;
+    }
+    const UniqueFileHead head(FileHeadCreateByFileDesc(package, &entry));
+    if (head != nullptr && head->device_code == device) {
+      return &entry;
+    }
+  }
+  return nullptr;
+}
+
+/// A name that would lead out of the directory is none.
+bool IsPlainName(const char* name) { return name[0] != '\0' && std::strchr(name, '/') == nullptr; }
+
+bool WriteScratchFile(const char* path, const SystemImage& image) {
+  UniqueFd file(CreateAnew(path, kScratchMode));
+  return file && WriteAll(file.Get(), image.data.get(), image.size) && close(file.Release()) == 0;
+}
+
+}  // namespace
+
+SystemImage TakeSystemImage(PKG_READER_S* package, std::uint32_t device) {
+  SystemImage image;
+  const PackageFileEntry* entry = FindImage(package, device);
+  if (entry != nullptr) {
+    image.data.reset(
+        static_cast<char*>(GetFileFromReadHeadByFileDesc(entry, package, sizeof(image.name), &image.size, image.name)));
+  }
+  return image;
+}
+
+std::uint32_t UnpackSystemImage(SystemImage& image) {
+  if (!IsPlainName(image.name)) {
+    return ESH_ERR_FAIL;
+  }
+  FixedText<kScratchRoom> path;
+  path.Append("%s%s", kScratchDirectory, image.name);
+  const bool is_written = WriteScratchFile(path.Text(), image);
+  image.data.reset();  // what unpacks it needs the memory
+  if (is_written) {
+    (void)PKG_CpioUnpackerProc(path.Text(), kRoot);
+  } else {
+    (void)unlink(path.Text());  // an absent file is what is wanted
+  }
+  return RemoveWithTool(path.Text());
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+#include "util/unique_handle.h"
+
+struct PKG_READER_S;
+
+inline constexpr std::size_t kImageNameRoom = 129;
+
+/// A system image taken out of a package.
+struct SystemImage {
+  UniqueText data;  ///< none when the package has no image that can be read
+  std::uint32_t size = 0;
+  char name[kImageNameRoom] = "";
+};
+
+/// Takes the first image that is made for a device.
+/// @param device the device tag.
+[[nodiscard]] SystemImage TakeSystemImage(PKG_READER_S* package, std::uint32_t device);
+
+/// Unpacks an image into the root file system, by way of a file in /tmp, and frees its data. Whether that worked is
+/// not told: the image of another kind of archive is left packed.
+/// @return 0, or ESH_ERR_FAIL when its name is no plain file name or the file in /tmp could not be removed again.
+[[nodiscard]] std::uint32_t UnpackSystemImage(SystemImage& image);

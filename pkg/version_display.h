@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+
+/// Prints the product's banner, copyright, uptime and the boot image's versions.
+void ESH_DVER_DisplayVersion();
+
+/// Prints the part of it that is about the boot image.
+void DisplayPkgInfoForDver();
+
+/// Handlers of "display version" and "display copyright". @return 0.
+std::uint32_t ESH_ProcDisVersion();
+std::uint32_t ESH_ProcDisCopyright();

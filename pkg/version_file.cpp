@@ -1,0 +1,52 @@
+#include "pkg/version_file.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "pkg/keyed_line.h"
+#include "pkg/product_code.h"
+#include "shell/result.h"
+#include "util/fixed_text.h"
+
+namespace {
+
+constexpr char kBuildTime[] = "PkgTime: ";
+constexpr std::size_t kYearWord = 3;  // "PkgTime: Mar 14 2026 10:20:30", counted from 0
+
+/// A blank-separated word of a line, counted from 0; empty when there are fewer.
+std::string_view NthWord(std::string_view line, std::size_t number) {
+  constexpr std::string_view kBlanks = " \t";
+  for (;; --number) {
+    line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+    const std::size_t length = std::min(line.find_first_of(kBlanks), line.size());
+    if (number == 0 || line.empty()) {
+      return line.substr(0, length);
+    }
+    line.remove_prefix(length);
+  }
+}
+
+}  // namespace
+
+std::uint32_t GetBootBinPkgInfo(const char* key, char* value) {
+  return ReadKeyedLine(kVersionFile, key, kPkgInfoRoom, value);
+}
+
+void GetVersion(std::size_t size, char* text) {
+  char platform[kPkgInfoRoom];
+  char product[kPkgInfoRoom];
+  FixedText<2 * kPkgInfoRoom> version;
+  if (GetBootBinPkgInfo(kPlatformVersion, platform) == kSuccess &&
+      GetBootBinPkgInfo(kProductVersion, product) == kSuccess) {
+    version.Append("Version %s, %s", platform, product);
+  }
+  CopyBounded(text, size, version.View());
+}
+
+std::uint32_t ESH_GetCompileTimeFromBoot(char* year) {
+  char time[kPkgInfoRoom];
+  const std::uint32_t result = GetBootBinPkgInfo(kBuildTime, time);
+  // The key is the first of the line's words.
+  CopyBounded(year, kYearRoom, NthWord(time, kYearWord - 1));
+  return result == ESH_ERR_FAIL ? kSuccess : result;
+}

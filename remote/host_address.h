@@ -1,0 +1,18 @@
+#pragma once
+
+#include "remote/refusal.h"
+
+/// Checks of the recorded host address, before anything is run with it.
+
+inline constexpr char kUnrecognizedIPv6Host[] = "Unrecognized IPv6 host or wrong IPv6 address.\r";
+
+/// Refuses an IPv4 address that is no single host's, and says so.
+[[nodiscard]] Refusal CheckIPv4Host();
+
+/// Refuses an IPv6 address that does not convert, silently, and the unspecified one ("::") with a message.
+/// @param message printed with puts(3).
+[[nodiscard]] Refusal CheckIPv6Host(const char* message);
+
+/// The two halves of CheckIPv6Host.
+[[nodiscard]] Refusal CheckIPv6Text();
+[[nodiscard]] Refusal CheckIPv6Specified(const char* message);

@@ -1,0 +1,40 @@
+#include "remote/ssh.h"
+
+#include <unistd.h>
+
+#include "fs/named_file.h"
+#include "remote/credentials.h"
+#include "remote/host_address.h"
+#include "shell/parameter.h"
+#include "shell/result.h"
+#include "shell/tool_line.h"
+
+namespace {
+
+constexpr char kKnownHosts[] = "/root/.ssh/known_hosts";
+
+std::uint32_t Connect(const char* address) {
+  const char* user = GetSSHUserName();
+  if (user == nullptr) {
+    return kSuccess;
+  }
+  ToolLine line;
+  line.Append("/bin/ssh %s -l %s", address, user);
+  return RunToolLine(line, 1, 1);
+}
+
+}  // namespace
+
+std::uint32_t ESH_ProcSsh2() {
+  const Refusal refusal = CheckIPv4Host();
+  return refusal ? *refusal : Connect(g_szIPv4Address);
+}
+
+std::uint32_t ESH_ProcSsh2IPv6() {
+  const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host);
+  return refusal ? *refusal : Connect(g_szIPv6Address);
+}
+
+std::uint32_t ESH_ProcResetPublicKeySsh() {
+  return !Exists(kKnownHosts) || unlink(kKnownHosts) == 0 ? kSuccess : ESH_ERR_FAIL;
+}

@@ -1,0 +1,25 @@
+#include "remote/telnet.h"
+
+#include "remote/host_address.h"
+#include "shell/parameter.h"
+#include "shell/tool_line.h"
+
+namespace {
+
+std::uint32_t Connect(const char* address) {
+  ToolLine line;
+  line.Append("/bin/telnet %s", address);
+  return RunToolLine(line, 1, 1);
+}
+
+}  // namespace
+
+std::uint32_t ESH_ProcTelnet() {
+  const Refusal refusal = CheckIPv4Host();
+  return refusal ? *refusal : Connect(g_szIPv4Address);
+}
+
+std::uint32_t ESH_ProcTelnetIPv6() {
+  const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host);
+  return refusal ? *refusal : Connect(g_szIPv6Address);
+}

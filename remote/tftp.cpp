@@ -1,0 +1,52 @@
+#include "remote/tftp.h"
+
+#include "remote/host_address.h"
+#include "remote/local_file.h"
+#include "shell/parameter.h"
+#include "shell/tool_line.h"
+
+namespace {
+
+constexpr char kTftp[] = "tftp";
+
+std::uint32_t Get(const char* address) {
+  TargetName target;
+  if (const Refusal refusal = ChooseTarget(kTftp, target)) {
+    return *refusal;
+  }
+  ToolLine line;
+  line.Append("/bin/tftp -g -r %s -l %s %s", g_szRemoteFile, target.Text(), address);
+  return RunToolLine(line, 0, 0);
+}
+
+std::uint32_t Put(const char* address) {
+  char source[kNameRoom];
+  if (const Refusal refusal = GetLocalFileFullName(kTftp, source)) {
+    return *refusal;
+  }
+  ToolLine line;
+  line.Append("/bin/tftp -p -l %s -r %s %s", source, g_szRemoteFile, address);
+  return RunToolLine(line, 0, 0);
+}
+
+}  // namespace
+
+std::uint32_t ESH_ProcTftpget() {
+  const Refusal refusal = CheckIPv4Host();
+  return refusal ? *refusal : Get(g_szIPv4Address);
+}
+
+std::uint32_t ESH_ProcTftpput() {
+  const Refusal refusal = CheckIPv4Host();
+  return refusal ? *refusal : Put(g_szIPv4Address);
+}
+
+std::uint32_t ESH_ProcTftpIPv6get() {
+  const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host);
+  return refusal ? *refusal : Get(g_szIPv6Address);
+}
+
+std::uint32_t ESH_ProcTftpIPv6put() {
+  const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host);
+  return refusal ? *refusal : Put(g_szIPv6Address);
+}
