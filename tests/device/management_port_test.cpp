@@ -1,0 +1,274 @@
+#include <iterator>
+
+#include "tests/device/operator_console.h"
+
+namespace {
+
+/// What the display must say, according to busybox ifconfig and the carrier file.
+constexpr char kPortAsSeenOtherwise[] = R"(
+      seen=$(busybox ifconfig m-eth0)
+      say() { echo "$seen" | sed -n "s/.*$1.*/$2/p"; }
+      n='\([0-9]*\)' x='\([0-9A-F]*\)'
+      [ -e /tmp/shut ] && state='Administratively DOWN' || case $(cat /sys/class/net/m-eth0/carrier 2> /dev/null) in
+        0) state=DOWN ;; 1) state=UP ;; *) state= ;; esac
+      if [ -e /tmp/shut ] || [ -e /sys/class/net/m-eth0/carrier ]; then
+        echo "m-eth0 current state: $state"
+        echo "Line protocol current state: $state"
+        say "MTU:$n" 'The Maximum Transmit Unit is \1 '
+      fi
+      ip -o -4 addr show dev m-eth0 | sed -n 's/.*inet \([0-9./]*\).*/Inet4 Address is \1/p'
+      say 'inet6 addr: \(.*\) Scope:\(.*\)' 'Inet6 Address is \1 Scope:\2'
+      for kind in IP IPV6; do
+        say "HWaddr $x:$x:$x:$x:$x:$x" "$kind Packet Frame Type:PKTFMT_ETHNT_2, Hardware Address:\1\2-\3\4-\5\6"
+      done
+      say "RX packets:$n errors:$n dropped:$n overruns:$n frame:$n" \
+        'Input:\1 packets, \2 errors, \3 dropped, \4 overruns, \5 frame'
+      say "TX packets:$n errors:$n dropped:$n overruns:$n carrier:$n" \
+        'Output:\1 packets, \2 errors, \3 dropped, \4 overruns, \5 carrier'
+      say "collisions:$n txqueuelen:$n" '       \1 collisions, \2 txqueuelen'
+      say "RX bytes:$n" 'Input bytes:\1'
+      say "TX bytes:$n" 'Output bytes:\1')";
+
+/// The management port, set up with the real tools, which note how they were called.
+class ManagementPort : public OperatorConsole {
+ protected:
+  void SetUp() override {
+    OperatorConsole::SetUp();
+    // A line that stands in /tmp/broken fails. The script that a tool is called from is kept.
+    constexpr char kRecorder[] =
+        "#!/bin/sh\n"
+        "call=\"${0##*/} $*\"\n"
+        "echo \"$call\" >> /tmp/tools\n"
+        "[ -e /var/tmp/TempFile ] && cp -p /var/tmp/TempFile /tmp/script\n"
+        "[ \"$(cat /tmp/broken 2> /dev/null)\" = \"$call\" ] && exit 1\n"
+        "exec /bin/busybox $call\n";
+    Replace("/bin/ifconfig", kRecorder);
+    Replace("/bin/route", kRecorder);
+  }
+
+  void BootToInterfaceView() {
+    BootToPrompt();
+    Command("system-view");
+    Command("interface m-eth0");
+    TakeTools();
+  }
+
+  /// The tool lines since the last call. @param broken the one that fails from now on.
+  std::string TakeTools(const std::string& broken = "") {
+    return Run("cat /tmp/tools 2> /dev/null; rm -f /tmp/tools; echo '" + broken + "' > /tmp/broken");
+  }
+
+  /// Compares what a command prints with what a script finds out. @return the former.
+  std::string ExpectShown(const std::string& line, const std::string& script) {
+    std::string shown;
+    std::string before;
+    std::string after;
+    // The kernel sends packets of its own, and the counters are to stand still meanwhile.
+    for (int tries = 0; tries < 20 && (tries == 0 || before != after); ++tries) {
+      before = Run(script);
+      shown = Command(line);
+      after = Run(script);
+    }
+    EXPECT_EQ(shown, after);
+    return shown;
+  }
+  std::string ExpectRightDisplay() { return ExpectShown("display interface m-eth0", kPortAsSeenOtherwise); }
+};
+
+struct Step {
+  const char* line;
+  const char* said;
+  const char* tools;
+  const char* broken = "";  // the tool line that fails
+};
+
+TEST_F(ManagementPort, SavesWhatWorkedAndAppliesItAgain) {
+  constexpr Step kSteps[] = {
+      // Nothing is set, so there is nothing to undo, and no gateway fits.
+      {"undo ip address", "", ""},
+      {"undo ipv6 address", "", ""},
+      {"undo ip gateway", "", ""},
+      {"undo ipv6 gateway", "", ""},
+      {"ip gateway 10.9.1.254", "The gateway is invalid.\n", ""},
+      // An address is saved when its tool succeeded; what is saved already is not set again.
+      {"ip address 10.9.1.255 24", "Invalid IP address.\n", ""},
+      {"ip address 127.0.0.1 8", "Invalid IP address.\n", ""},
+      {"ip address 10.9.1.1 24", "", "ifconfig m-eth0 10.9.1.1 netmask 255.255.255.0\n",
+       "ifconfig m-eth0 10.9.1.1 netmask 255.255.255.0"},
+      {"ip address 10.9.1.1 24", "", "ifconfig m-eth0 10.9.1.1 netmask 255.255.255.0\n"},
+      {"ip address 10.9.1.1 255.255.255.0", "", ""},
+      {"ip address 10.9.1.1 31", "Invalid IP address.\n", ""},
+      {"ip gateway 10.9.1.255", "The gateway is invalid.\n", ""},
+      {"ip gateway 10.9.2.254", "The gateway is unreachable.\n", ""},
+      {"ip gateway 10.9.1.254", "", "route add default gw 10.9.1.254\n"},
+      {"ip gateway 10.9.1.254", "", ""},
+      {"ip gateway 10.9.1.253", "", "route del default\nroute add default gw 10.9.1.253\n",
+       "route add default gw 10.9.1.253"},
+      {"ip gateway 10.9.1.254", "", "route add default gw 10.9.1.254\n"},
+      {"undo ip gateway", "", "route del default\n", "route del default"},
+      {"ip gateway 10.9.1.254", "", ""},
+      // A new address takes the place of the old one and drops the IPv4 gateway only.
+      {"ipv6 address fd09:0::1 064", "", "ifconfig m-eth0 fd09::1/64\n"},
+      {"ipv6 address fd09::1 64", "", ""},
+      {"ipv6 address fd09:: 64", "Invalid IPv6 address.\n", ""},
+      {"ipv6 gateway 2001::1", "The gateway address must be link-local address.\n", ""},
+      {"ipv6 gateway fe80::8", "", "route -A inet6 add ::/0 gw fe80::8 dev m-eth0\n"},
+      {"ipv6 gateway fe80::9", "", "route -A inet6 del ::/0\nroute -A inet6 add ::/0 gw fe80::9 dev m-eth0\n"},
+      {"ipv6 address fd09::2 64", "", "ifconfig m-eth0 del fd09::1/64\nifconfig m-eth0 fd09::2/64\n"},
+      {"ip address 10.9.2.1 24", "", "route del default\nifconfig m-eth0 10.9.2.1 netmask 255.255.255.0\n"},
+      {"ip gateway 10.9.2.254", "", "route add default gw 10.9.2.254\n"},
+      // Shut down only when both tools worked. From then on gateways are only saved.
+      {"shutdown", "", "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n", "ifconfig m-eth0 0.0.0.0"},
+      {"shutdown", "", "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n"},
+      {"shutdown", "", ""},
+      {"ip gateway 10.9.2.253", "", ""},
+      {"ipv6 gateway fe80::7", "", ""},
+      {"undo shutdown", "Operation failed.\n", "ifconfig m-eth0 up\n", "ifconfig m-eth0 up"},
+      {"undo shutdown", "",
+       "ifconfig m-eth0 up\nifconfig m-eth0 10.9.2.1 netmask 255.255.255.0\nifconfig m-eth0 fd09::2/64\n"
+       "route add default gw 10.9.2.253\nroute -A inet6 add ::/0 gw fe80::7 dev m-eth0\n"},
+      {"undo shutdown", "", "ifconfig m-eth0 up\n"},
+      // A setting that is refused when the port comes up is forgotten.
+      {"shutdown", "", "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n"},
+      {"undo shutdown", "",
+       "ifconfig m-eth0 up\nifconfig m-eth0 10.9.2.1 netmask 255.255.255.0\nifconfig m-eth0 fd09::2/64\n"
+       "route -A inet6 add ::/0 gw fe80::7 dev m-eth0\n",
+       "ifconfig m-eth0 10.9.2.1 netmask 255.255.255.0"},
+      {"undo ip address", "", ""},
+      // Addresses, set or removed, bring the port up.
+      {"shutdown", "", "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n"},
+      {"ip address 10.9.3.1 24", "",
+       "ifconfig m-eth0 up\nifconfig m-eth0 10.9.3.1 netmask 255.255.255.0\nifconfig m-eth0 fd09::2/64\n"
+       "route -A inet6 add ::/0 gw fe80::7 dev m-eth0\n"},
+      {"ip gateway 10.9.3.254", "", "route add default gw 10.9.3.254\n"},
+      {"shutdown", "", "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n"},
+      {"undo ipv6 address", "",
+       "ifconfig m-eth0 up\nifconfig m-eth0 10.9.3.1 netmask 255.255.255.0\nroute add default gw 10.9.3.254\n"
+       "route -A inet6 add ::/0 gw fe80::7 dev m-eth0\n"},
+      {"shutdown", "", "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n"},
+      {"ip address 10.9.4.1 24", "",
+       "ifconfig m-eth0 up\nifconfig m-eth0 10.9.4.1 netmask 255.255.255.0\n"
+       "route -A inet6 add ::/0 gw fe80::7 dev m-eth0\n"},
+      {"shutdown", "", "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n"},
+      {"ipv6 address fd09::4 64", "",
+       "ifconfig m-eth0 up\nifconfig m-eth0 10.9.4.1 netmask 255.255.255.0\nifconfig m-eth0 fd09::4/64\n"
+       "route -A inet6 add ::/0 gw fe80::7 dev m-eth0\n"},
+      {"undo ipv6 address", "", "ifconfig m-eth0 del fd09::4/64\n", "ifconfig m-eth0 del fd09::4/64"},
+      {"undo ipv6 address", "", "ifconfig m-eth0 del fd09::4/64\n"},
+      {"undo ip address", "", "ifconfig m-eth0 0.0.0.0\n", "ifconfig m-eth0 0.0.0.0"},
+      {"shutdown", "", "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n"},
+      {"undo ipv6 gateway", "", ""},
+      {"undo ip address", "", "ifconfig m-eth0 up\n"},
+  };
+  BootToInterfaceView();
+  for (const Step* step = std::begin(kSteps); step != std::end(kSteps); ++step) {
+    SCOPED_TRACE(step->line);
+    EXPECT_EQ(Command(step->line), step->said);
+    EXPECT_EQ(TakeTools(step + 1 == std::end(kSteps) ? "" : step[1].broken), step->tools);
+  }
+}
+
+TEST_F(ManagementPort, IsSetAsTheKernelSays) {
+  BootToInterfaceView();
+  for (const char* line : {"ip address 10.0.0.9 255.255.255.0", "ip gateway 10.0.0.1", "ipv6 address fd00::9 64",
+                           "ipv6 gateway fe80::1", "shutdown", "undo shutdown"}) {
+    EXPECT_EQ(Command(line), "");
+  }
+  const std::string addresses = Run("ip -o addr show dev m-eth0");
+  EXPECT_NE(addresses.find("inet 10.0.0.9/24 brd 10.0.0.255 "), std::string::npos) << addresses;
+  EXPECT_NE(addresses.find("inet6 fd00::9/64 scope global"), std::string::npos) << addresses;
+  EXPECT_EQ(Run("ip route show default").rfind("default via 10.0.0.1 dev m-eth0", 0), 0U);
+  EXPECT_NE(Run("ip -6 route").find("default via fe80::1 dev m-eth0"), std::string::npos);
+  Run("ping -c 1 -W 5 10.0.0.1 && ping -c 1 -W 5 fd00::1");
+  // A route that the kernel has lost does not stand in the way of the next.
+  Run("ip route del default; ip -6 route del default");
+  EXPECT_EQ(Command("ip gateway 10.0.0.2"), "route: SIOCDELRT: No such process\n");
+  EXPECT_EQ(Command("ipv6 gateway fe80::2"), "route: SIOCDELRT: No such process\n");
+  EXPECT_EQ(Command("ip address 10.0.0.8 24"), "");
+  for (const char* line : {"undo ipv6 gateway", "undo ipv6 address", "undo ip address"}) {
+    EXPECT_EQ(Command(line), "");
+  }
+  EXPECT_EQ(Run("ip -4 addr show dev m-eth0; ip route; ip -6 route | grep default || true"), "");
+  EXPECT_EQ(Run("ip -o -6 addr show dev m-eth0 scope global"), "");
+}
+
+TEST_F(ManagementPort, IsShownAsTheKernelSeesIt) {
+  BootToInterfaceView();
+  EXPECT_EQ(ExpectRightDisplay().find("Inet4"), std::string::npos) << "it has no address yet";
+  Command("ip address 10.0.0.9 23");
+  Command("ipv6 address fd00::9 64");
+  Run("ip addr add fec0::9/10 dev m-eth0; ip addr add ::10.2.3.4/96 dev m-eth0; ip link set m-eth0 mtu 1400;"
+      "ping -c 2 -s 999 10.0.0.1");
+  const std::string shown = ExpectRightDisplay();
+  for (const char* line :
+       {"\nInet4 Address is 10.0.0.9/23\n", "\nInet6 Address is fec0::9/10 Scope:Site\n",
+        "\nInet6 Address is ::10.2.3.4/96 Scope:Compat\n", "\nInet6 Address is fd00::9/64 Scope:Global\n",
+        "/64 Scope:Link\n", "\nThe Maximum Transmit Unit is 1400 \n"}) {
+    EXPECT_NE(shown.find(line), std::string::npos) << line << shown;
+  }
+
+  Board().RunInLab("ip link set lab0 down");  // an emulated cable stays plugged in
+  Run("[ -f /sys/class/net/m-eth0/mtu ] || echo 0 > /sys/class/net/m-eth0/carrier");
+  ExpectRightDisplay();
+  Run("ip link set m-eth0 down");
+  ExpectRightDisplay();
+  Board().RunInLab("ip link set lab0 up");
+  Command("shutdown");
+  Run("touch /tmp/shut");
+  ExpectRightDisplay();
+}
+
+TEST_F(ManagementPort, StaysShutDownWithoutItsCarrierFile) {
+  BootToInterfaceView();
+  Run("umount -l /sys/.kernel 2> /dev/null || umount -l /sys 2> /dev/null || rm -r /sys/class/net");
+  EXPECT_EQ(ExpectRightDisplay().find("current state"), std::string::npos);
+  Command("shutdown");
+  EXPECT_EQ(Command("undo shutdown"), "");
+  Run("touch /tmp/shut");
+  ExpectRightDisplay();
+}
+
+TEST_F(ManagementPort, ThatIsGoneFailsEveryCommand) {
+  BootToInterfaceView();
+  Run("/bin/rmmod ipstack");
+  EXPECT_EQ(Command("display interface m-eth0"), "Operation failed.\n");
+  EXPECT_NE(Command("undo shutdown").find("\nOperation failed.\n"), std::string::npos);
+  for (const char* line : {"shutdown", "ip address 10.0.0.9 24", "ipv6 address fd00::9 64", "ipv6 gateway fe80::1"}) {
+    TakeTools();
+    Command(line);
+    const std::string tools = TakeTools();
+    EXPECT_NE(tools, "") << line;
+    Command(line);
+    EXPECT_EQ(TakeTools(), tools) << line << ": nothing was saved";
+  }
+}
+
+TEST_F(ManagementPort, RoutesAreShownAsTheToolShowsThem) {
+  BootToInterfaceView();
+  Command("ip address 10.0.0.9 24");
+  Command("ip gateway 10.0.0.77");
+  ExpectShown("display ip routing-table", "busybox route");
+  ExpectShown("display ipv6 routing-table", "busybox route -A inet6 -n");
+  EXPECT_EQ(Board().ReadFile("/tmp/script"),
+            std::string("#!/bin/sh\r\n\0/bin/route -A inet6 -n > /etc/pkg/route_table6", 58));
+  EXPECT_EQ(Run("stat -c %a /tmp/script"), "666\n");
+
+  constexpr char kLeftovers[] = "ls -d /var/tmp/* /etc/pkg/route_table6 2> /dev/null; true";
+  Run("for i in $(seq 40); do ip -6 route add fd77:$i::/64 dev m-eth0; done");
+  Type("display ipv6 routing-table\r");
+  Expect("---- More ----");
+  EXPECT_EQ(Run(kLeftovers), "/etc/pkg/route_table6\n");
+  Type("q");
+  Expect("[boot-m-eth0]");
+  EXPECT_EQ(Run(kLeftovers), "");
+
+  Run("echo 'route -A inet6 -n' > /tmp/broken");  // the table is empty
+  EXPECT_EQ(Command("display ipv6 routing-table"), "");
+  EXPECT_EQ(Run(kLeftovers), "");
+  TakeTools();
+  Run("mkdir /var/tmp/TempFile");
+  EXPECT_EQ(Command("display ipv6 routing-table"), "");
+  EXPECT_EQ(TakeTools(), "") << "a script that cannot be written is not run";
+}
+
+}  // namespace
