@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Directories that are the test's own. The new root is put together in the machine's own /mnt, which always exists.
-constexpr const char* kOwnDirectories[] = {"/mnt", "/etc", "/tmp", "/lib/modules", "/proc/sys"};
+constexpr const char* kOwnDirectories[] = {"/mnt", "/etc", "/tmp", "/lib/modules", "/proc/net", "/proc/sys"};
 constexpr const char* kOwnFiles[] = {"/proc/modules", "/sbin/scmd"};
 /// Directories that hold some of these, and otherwise show what the machine has there.
 constexpr const char* kMirrored[] = {"/", "/lib", "/proc", "/sbin"};
