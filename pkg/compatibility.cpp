@@ -2,7 +2,6 @@
 
 #include <string_view>
 
-#include "pkg/package_format.h"
 #include "pkg/package_text.h"
 #include "pkg/version_file.h"
 #include "util/ascii.h"
@@ -22,21 +21,48 @@ bool IsCandidate(std::string_view line, std::string_view product_version, std::s
   return rest.starts_with('-') && rest.substr(1) == product_version;
 }
 
+/// What follows the keys of both versions, as far as the product version.
+void JoinVersions(READ_BUFF_S& description, TextBuilder& version) {
+  constexpr std::string_view kPlatform(kPlatformVersion);
+  constexpr std::string_view kProduct(kProductVersion);
+  bool has_platform = false;
+  for (const char* text = ReadBuffGets(&description); text != nullptr; text = ReadBuffGets(&description)) {
+    const std::string_view line(text);
+    if (!has_platform && line.starts_with(kPlatform)) {
+      has_platform = true;
+      version.AppendText(line.substr(kPlatform.size()));
+    } else if (line.starts_with(kProduct)) {
+      version.AppendText("-");
+      version.AppendText(line.substr(kProduct.size()));
+      return;
+    }
+  }
+}
+
 }  // namespace
 
-void ReadProductVersion(PKG_READER_S* package, char* version) {
+void ReadProductVersion(READ_BUFF_S* description, char* version) {
   constexpr std::string_view kKey(kProductVersion);
   version[0] = '\0';
-  const UniqueLines description = OpenPackageText(package, kDescriptionFile);
   if (description == nullptr) {
     return;
   }
-  for (char* text = ReadBuffGets(description.get()); text != nullptr; text = ReadBuffGets(description.get())) {
+  for (char* text = ReadBuffGets(description); text != nullptr; text = ReadBuffGets(description)) {
     const std::string_view line(TrimLine(text));
     if (BeginsIgnoringCase(line, kKey)) {
       CopyBounded(version, kProductVersionRoom, line.substr(kKey.size()));
     }
   }
+}
+
+void ReadBootVersion(READ_BUFF_S* description, char* version) {
+  version[0] = '\0';
+  if (description == nullptr) {
+    return;
+  }
+  FixedText<kRunningVersionRoom> joined;
+  JoinVersions(*description, joined);
+  CopyBounded(version, kRunningVersionRoom, joined.View());
 }
 
 bool IsCompliant(READ_BUFF_S* list, const char* product_version, const char* running) {

@@ -4,14 +4,21 @@
 
 #include "pkg/line_reader.h"
 
-struct PKG_READER_S;
-
 /// Room for a package's product version.
 inline constexpr std::size_t kProductVersionRoom = 65;
 
-/// The product version that a package's own description gives; when there are several, the last.
-/// @param version room for kProductVersionRoom bytes; empty when there is none.
-void ReadProductVersion(PKG_READER_S* package, char* version);
+/// Room for the version of a boot image.
+inline constexpr std::size_t kRunningVersionRoom = 129;
+
+/// The product version that a package's description gives; when there are several, the last.
+/// @param description may be none.
+/// @param version     room for kProductVersionRoom bytes; empty when there is none.
+void ReadProductVersion(READ_BUFF_S* description, char* version);
+
+/// The version of a boot image as its package's description gives it: platform version, a hyphen, product version.
+/// @param description may be none.
+/// @param version     room for kRunningVersionRoom bytes; empty when there is none.
+void ReadBootVersion(READ_BUFF_S* description, char* version);
 
 /// Whether a compatibility list allows a boot image: one of the lines from "[boot]" on is its version, or that less
 /// the hyphen and the package's own product version. The line "[boot]" itself counts.

@@ -72,7 +72,8 @@ std::uint32_t CheckSystemPackage(const char* name, PKG_READER_S* package) {
   char running[kRunningVersionRoom];
   ReadRunningVersion(running);
   char product_version[kProductVersionRoom];
-  ReadProductVersion(package, product_version);
+  const UniqueLines description = OpenPackageText(package, kDescriptionFile);
+  ReadProductVersion(description.get(), product_version);
   if (!IsCompliant(list.get(), product_version, running)) {
     std::puts(kNotCompliant);
     return ESH_ERR_FAIL;

@@ -1,10 +1,10 @@
 #include "tools/mkpkg/device_verdict.h"
 
-#include <algorithm>
-#include <cstdio>
 #include <string_view>
 
+#include "pkg/compatibility.h"
 #include "pkg/head_check.h"
+#include "pkg/line_reader.h"
 #include "pkg/package_reader.h"
 #include "pkg/product_code.h"
 #include "tools/mkpkg/device_key.h"
@@ -17,10 +17,7 @@ namespace {
 
 constexpr std::string_view kSuffix = ".bin";
 constexpr std::size_t kMaxName = 127;
-constexpr std::size_t kVersionRoom = 127;  // of the running version
-constexpr std::size_t kProductVersionRoom = 64;
-constexpr std::string_view kPlatformVersion = "Platform version: ";
-constexpr std::string_view kProductVersion = "Product version: ";
+constexpr char kOperationFailed[] = "Operation failed!";
 constexpr char kHeadKey[] = "digital_sign_old_public";
 constexpr char kKeySuffix[] = ".key";
 
@@ -50,52 +47,49 @@ DeviceVerdict JudgeGenuine(PKG_READER_S* reader, const DeviceFacts& facts) {
   return Refuse(NameOfVerdict(verdict), ReasonOf(verdict), Corrupted(facts));
 }
 
+/// Opens a text of a package for reading line by line; none when it has no such text.
+UniqueLines OpenText(const PackageModel& package, std::uint32_t id) {
+  const ContainedFile* file = package.Find(id);
+  return UniqueLines(file == nullptr || file->data.empty() ? nullptr
+                                                           : ReadBuffCreateByMem(file->data.data(), file->data.size()));
+}
+
 std::string RunningVersion(const std::string& boot_image) {
   PackageModel boot;
   if (boot_image.empty() || !ReadPackage(boot_image, boot).empty()) return "";
-  const ContainedFile* description = boot.Find(kDescriptionFile);
-  if (description == nullptr) return "";
-  std::string version;
-  for (const std::string& line : LinesOf(description->data)) {
-    if (version.empty() && line.starts_with(kPlatformVersion)) version = line.substr(kPlatformVersion.size());
-    if (line.starts_with(kProductVersion)) {
-      version += "-" + line.substr(kProductVersion.size());
-      break;
-    }
-  }
-  return version.substr(0, kVersionRoom);
-}
-
-std::string ProductVersion(const PackageModel& package) {
-  const ContainedFile* description = package.Find(kDescriptionFile);
-  std::string version;
-  if (description == nullptr) return version;
-  for (const std::string& raw : LinesOf(description->data)) {
-    const std::string line = TrimmedLine(raw);
-    if (BeginsIgnoringCase(line, kProductVersion)) {
-      version = line.substr(kProductVersion.size(), kProductVersionRoom);
-    }
-  }
+  char version[kRunningVersionRoom];
+  ReadBootVersion(OpenText(boot, kDescriptionFile).get(), version);
   return version;
 }
 
 bool IsCompatible(const PackageModel& package, const std::string& running) {
-  if (running.empty()) return false;
-  const std::string product = ProductVersion(package);
-  const std::string ending = product.empty() ? "" : "-" + product;
-  bool in_list = false;
-  for (const std::string& raw : LinesOf(package.Find(kCompatibilityFile)->data)) {
-    const std::string line = TrimmedLine(raw);
-    in_list = in_list || line == "[boot]";
-    if (in_list && line + ending == running) return true;
+  char product_version[kProductVersionRoom];
+  ReadProductVersion(OpenText(package, kDescriptionFile).get(), product_version);
+  return IsCompliant(OpenText(package, kCompatibilityFile).get(), product_version, running.c_str());
+}
+
+/// The first image for a device whose head a device can read.
+const ContainedFile* FindImage(const PackageModel& package, std::uint32_t device_tag) {
+  for (const ContainedFile& file : package.files) {
+    if (file.id == kSystemImageFile && file.has_head && file.device_code == device_tag) return &file;
   }
-  return false;
+  return nullptr;
+}
+
+DeviceVerdict JudgeImage(const ContainedFile* image) {
+  if (image == nullptr) return Refuse("image", "the package has no image for this device's tag", kOperationFailed);
+  if (!image->problem.empty()) {
+    return Refuse("image", "image " + image->name + " gives no data: " + image->problem, kOperationFailed);
+  }
+  if (image->name.empty() || image->name.find('/') != std::string::npos) {
+    return Refuse("image-name", "the image's name is empty or holds a slash", kOperationFailed);
+  }
+  return Accept();
 }
 
 /// The part of "install load" that comes after the package was found genuine.
 DeviceVerdict JudgeContents(const PackageModel& package, const DeviceFacts& facts) {
-  const ContainedFile* list = package.Find(kCompatibilityFile);
-  if (list == nullptr || list->data.empty()) {
+  if (OpenText(package, kCompatibilityFile) == nullptr) {
     return Refuse("compatibility-list", "the package has no compatibility list",
                   "File " + facts.typed_name + " is invalid.");
   }
@@ -108,18 +102,9 @@ DeviceVerdict JudgeContents(const PackageModel& package, const DeviceFacts& fact
   }
   const std::uint32_t tag = ReadVersionTag(facts.version_file.c_str(), "DeviceTag");
   if (tag == kUnknownTag) {
-    return Refuse("device-tag", "the device's version file has no DeviceTag", "Operation failed!");
+    return Refuse("device-tag", "the device's version file has no DeviceTag", kOperationFailed);
   }
-  const auto image = std::find_if(package.files.begin(), package.files.end(), [&](const ContainedFile& file) {
-    return file.id == kSystemImageFile && file.device_code == tag && !file.name.empty();
-  });
-  if (image == package.files.end() || !image->problem.empty()) {
-    return Refuse("image",
-                  image == package.files.end() ? "the package has no image for this device's tag"
-                                               : "image " + image->name + " gives no data: " + image->problem,
-                  "Operation failed!");
-  }
-  return Accept();
+  return JudgeImage(FindImage(package, tag));
 }
 
 }  // namespace
@@ -133,8 +118,7 @@ DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts) {
   if (DeviceVerdict verdict = JudgeGenuine(reader.get(), facts); !verdict.accepted) return verdict;
   PackageModel package;
   ReadFiles(reader.get(), package);
-  const ContainedFile* description = package.Find(kDescriptionFile);
-  if (description == nullptr || description->data.empty()) {
+  if (OpenText(package, kDescriptionFile) == nullptr) {
     return Refuse("description", "the package has no description", "Operation failed! ");
   }
   return Accept();

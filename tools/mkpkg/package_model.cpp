@@ -39,6 +39,7 @@ ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry)
     file.problem = "its head lies outside the package, does not agree with the file table or is not signed";
     return file;
   }
+  file.has_head = true;
   file.device_code = head->device_code;
   file.compression = head->compression;
   file.stored_size = head->stored_size;

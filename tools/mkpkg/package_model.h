@@ -13,6 +13,7 @@ namespace mkpkg {
 /// A contained file as a device finds it.
 struct ContainedFile {
   std::uint32_t id = 0;
+  bool has_head = false;  // the fields below are known
   std::uint32_t device_code = 0;
   std::uint32_t compression = kStoredAsIs;
   std::uint64_t stored_size = 0;
