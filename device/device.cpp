@@ -14,7 +14,7 @@ std::vector<Medium> DefaultMedia() { return {{"flash:", 32 * kMegabyte, ""}, {"c
 void FillWithSamples(std::vector<Medium>& media) {
   for (Medium& medium : media) {
     // The directory is named like the medium without its colon.
-    const std::string samples = ESH_DEVICE_FILES "/media/" + medium.name.substr(0, medium.name.find(':'));
+    const std::string samples = ESH_DEVICE_PACKAGES "/" + medium.name.substr(0, medium.name.find(':'));
     if (std::filesystem::is_directory(samples)) medium.contents = samples;
   }
 }

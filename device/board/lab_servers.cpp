@@ -19,6 +19,7 @@ namespace device {
 namespace {
 
 constexpr char kLabFiles[] = ESH_DEVICE_FILES "/lab";
+constexpr char kSamples[] = ESH_DEVICE_PACKAGES "/lab";
 constexpr char kPackages[] = "lab";
 
 /// System calls by which a server becomes somebody else before it serves.
@@ -64,7 +65,7 @@ std::string StartLabServers(const BootOptions& options, const std::string& place
     if (HasOneIdentity()) (void)PretendIdentities();  // the servers tell when it did not help
     const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
     ExecuteProgram({FindProgram("busybox"), "sh", kLabFiles + std::string("/servers.sh"), PackageRoot(kPackages), place,
-                    options.lab_directory},
+                    options.lab_directory, kSamples},
                    environment, {null.Get(), writing.Get(), null.Get()});
   }
   writing.Reset();
@@ -72,7 +73,7 @@ std::string StartLabServers(const BootOptions& options, const std::string& place
 }
 
 std::vector<std::string> NeededByLabServers(const BootOptions& options) {
-  return {kLabFiles, PackageRoot(kPackages), options.lab_directory};
+  return {kLabFiles, kSamples, PackageRoot(kPackages), options.lab_directory};
 }
 
 }  // namespace device

@@ -112,7 +112,7 @@ std::string AddProgram(const std::string& host_path, const std::string& path, co
 std::string PlanRoot(const BootOptions& options, const std::string& kind_files, const ProgramSource& programs,
                      RootPlan& plan) {
   plan = RootPlan{};
-  plan.layers = {options.root_files, kind_files};
+  plan.layers = {options.root_files, ESH_DEVICE_PACKAGES "/root", kind_files};
   for (const std::string& layer : plan.layers) {
     if (!fs::is_directory(layer)) return "the device's files are missing: " + layer;
   }

@@ -2,13 +2,15 @@
 # Starts the servers of the lab, once, and tells about the lab on standard output. Run with busybox sh on the far side
 # of m-eth0, in the namespaces that the servers live and end in. A server that does not start is told of and no
 # failure: the device has other uses.
-#   servers.sh PROGRAMS PLACE DIRECTORY
+#   servers.sh PROGRAMS PLACE DIRECTORY SAMPLES
 # PROGRAMS   where cmake/fetch-lab.sh put the servers
 # PLACE      an empty directory for their root file system, which is theirs alone
 # DIRECTORY  what FTP and TFTP give out and receive; "": the lab's own files, which live in memory
+# SAMPLES    packages for the device, which are among these
 programs=$1
 place=$2
 directory=$3
+samples=$4
 here=${0%/*}
 
 give_up() {
@@ -17,10 +19,10 @@ give_up() {
 }
 
 # The rest of this script in mounts that nobody else sees.
-if [ "$4" != in-own-mounts ]; then
+if [ "$5" != in-own-mounts ]; then
   [ -e "$programs/complete" ] || give_up "$programs is missing; cmake/install-packages.sh build fetches it"
   [ -z "$directory" ] || [ -d "$directory" ] || give_up "there is no directory $directory"
-  exec busybox unshare -m busybox sh "$0" "$programs" "$place" "$directory" in-own-mounts
+  exec busybox unshare -m busybox sh "$0" "$programs" "$place" "$directory" "$samples" in-own-mounts
 fi
 
 mount -t tmpfs -o mode=755 lab "$place" || give_up "no memory can be mounted at $place"
@@ -46,11 +48,11 @@ if [ -n "$directory" ]; then
   owner=$(stat -c %u:%g srv)
   FILES="those in $directory"
 else
-  cp "$here"/files/* srv
+  cp "$here"/files/* "$samples"/* srv
   truncate -s 8M srv/image.bin
   truncate -s 40M srv/large.bin
   owner=1000:1000
-  FILES="readme.txt, startup.cfg, image.bin (8 MB), large.bin (40 MB: more than flash: holds)"
+  FILES="system.bin and other packages, readme.txt, startup.cfg, image.bin (8 MB), large.bin (40 MB: more than flash: holds)"
 fi
 [ "$(awk '{ print $3; exit }' /proc/self/uid_map)" -gt 1 ] || owner=0:0
 [ -n "$directory" ] || chown -R "$owner" srv

@@ -19,6 +19,7 @@ constexpr NamedValue kTypes[] = {{"system", kSystemPackage}};
 constexpr NamedValue kByteOrders[] = {{"big-endian", 0}, {"host", 1}};
 constexpr NamedValue kSections[] = {
     {"image", kSystemImageFile}, {"compatibility", kCompatibilityFile}, {"description", kDescriptionFile}};
+constexpr std::string_view kNotCompressed = "none";
 constexpr std::string_view kOtherFile = "file ";  // "[file 0x...]"
 
 std::string_view Trimmed(std::string_view text) {
@@ -47,8 +48,9 @@ std::optional<std::uint32_t> ValueNamed(const NamedValue (&values)[kCount], std:
   return std::nullopt;
 }
 
-/// Reads "gz, 7z" and the like.
+/// Reads "gz, 7z" and the like, or "none".
 bool ReadCompressions(std::string_view text, std::vector<Compression>& compressions) {
+  if (text == kNotCompressed) return true;
   for (std::string_view rest = text; !rest.empty();) {
     const std::size_t comma = std::min(rest.find(','), rest.size());
     const std::optional<Compression> compression = CompressionNamed(Trimmed(rest.substr(0, comma)));

@@ -77,7 +77,7 @@ void CheckTexts(const PackageModel& package, Lines& warnings) {
 
 void CheckCompatibility(const PackageModel& package, Lines& warnings) {
   const ContainedFile* file = package.Find(kCompatibilityFile);
-  if (file == nullptr) return;
+  if (file == nullptr || !file->problem.empty()) return;
   Lines lines = LinesOf(file->data);
   for (std::string& line : lines) line = TrimmedLine(line);
   const auto boot = std::find(lines.begin(), lines.end(), kBootLine);
@@ -90,7 +90,7 @@ void CheckCompatibility(const PackageModel& package, Lines& warnings) {
 
 void CheckDescription(const PackageModel& package, Lines& warnings) {
   const ContainedFile* file = package.Find(kDescriptionFile);
-  if (file == nullptr) return;
+  if (file == nullptr || !file->problem.empty()) return;
   std::size_t versions = 0;
   for (const std::string& raw : LinesOf(file->data)) {
     const std::string line = TrimmedLine(raw);
@@ -139,7 +139,7 @@ void CheckImages(const PackageModel& package, Lines& warnings) {
   }
   std::vector<std::uint32_t> seen;
   for (const ContainedFile& file : package.files) {
-    if (file.id != kSystemImageFile) continue;
+    if (file.id != kSystemImageFile || !file.has_head) continue;
     CheckImageName(file, warnings);
     if (file.device_code == kNoTag) warnings.push_back("image " + file.name + ": device tag 0xFFFFFFFF fits no device");
     if (std::find(seen.begin(), seen.end(), file.device_code) != seen.end()) {
