@@ -29,6 +29,7 @@ constexpr char kFailed[] = "\r\nOperation failed! \r";  // with its blank
 constexpr char kShownLine[] = "  %s\r\n";
 constexpr std::string_view kRelease = "Version type: release";
 constexpr std::string_view kPlatform = "Platform version:";
+constexpr std::string_view kBoards = "Supported boards:";  // the last key may also stand in the plural
 constexpr std::string_view kVendor = "Vendor:";
 constexpr std::string_view kRenamedVendor = "Kelvane";
 constexpr char kVendorNow[] = "Vantrel";
@@ -39,8 +40,8 @@ bool IsShown(std::string_view line, std::uint32_t corporation) {
   if (BeginsIgnoringCase(line, kRelease) || (corporation == kDurell && line.starts_with(kPlatform))) {
     return false;
   }
-  return std::any_of(std::begin(g_apcDetailFilter), std::end(g_apcDetailFilter),
-                     [line](const char* key) { return line.starts_with(key); });
+  return line.starts_with(kBoards) || std::any_of(std::begin(g_apcDetailFilter), std::end(g_apcDetailFilter),
+                                                  [line](const char* key) { return line.starts_with(key); });
 }
 
 void PrintLine(const char* line) {

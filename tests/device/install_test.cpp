@@ -1,0 +1,285 @@
+#include <functional>
+
+#include "pkg/package_format.h"
+#include "tests/device/operator_console.h"
+#include "tools/mkpkg/compression.h"
+#include "tools/mkpkg/device_key.h"
+#include "tools/mkpkg/package_signer.h"
+#include "tools/mkpkg/package_writer.h"
+
+namespace {
+
+constexpr std::uint32_t kProductTag = 0x0A100001;  // of the device's version file
+constexpr std::uint32_t kDeviceTag = 0x0A100002;
+constexpr char kPackage[] = "/mnt/flash:/system.bin";
+constexpr char kInstall[] = "install load flash:/system.bin";
+constexpr char kDisplay[] = "display install package flash:/system.bin";
+constexpr char kBegin[] = "Check package flash:/system.bin ...\n";
+constexpr char kVerified[] = "Verifying the file flash:/system.bin ...Done.\n";
+constexpr char kDescription[] = "Platform version: 7.1.100\nProduct version: Release 1\n";
+
+/// A device with a maker's key, its boot image on flash:, and packages made for it.
+class Install : public OperatorConsole {
+ protected:
+  void SetUp() override {
+    OperatorConsole::SetUp();
+    ASSERT_EQ(mkpkg::GenerateKey(mkpkg::kLeastExponent, key_), "");
+    std::string key_file;
+    ASSERT_EQ(mkpkg::EncodeDeviceKey(key_, mkpkg::kShortKeyFile, key_file), "");
+    Replace("/etc/sign_pub_key/maker.key", key_file);
+  }
+
+  void BootWithBootImage() {
+    BootToPrompt();
+    mkpkg::PackageContents boot;
+    boot.product_tag = kProductTag;
+    boot.files = {{.id = kDescriptionFile, .name = "d", .data = kDescription}};
+    Put("/mnt/flash:/boot.bin", Signed(boot));
+  }
+
+  /// The archive of the loaded system, which consists of its program.
+  std::string Archive() {
+    return Run(
+        "mkdir -p /run/image/sbin && cd /run/image && printf '#!/bin/sh\necho \"Loaded: $1\"\nexec sleep 60\n' > "
+        "sbin/tessaro && chmod 755 sbin/tessaro && find . | cpio -o -H newc");
+  }
+
+  static std::string Compressed(mkpkg::Compression how, const std::string& data) {
+    mkpkg::Progress silent("", 0);
+    std::string compressed;
+    EXPECT_EQ(mkpkg::Compress(how, data, silent, compressed), "");
+    return compressed;
+  }
+
+  mkpkg::PackageContents Contents() {
+    mkpkg::PackageContents contents;
+    contents.product_tag = kProductTag;
+    contents.files = {{.id = kCompatibilityFile, .name = "c", .data = "[boot]\n7.0.1\n 7.1.100 \n"},
+                      {.id = kDescriptionFile, .name = "d", .data = kDescription},
+                      {.id = kSystemImageFile, .name = "other.gz", .data = "no archive", .device_code = 1},
+                      {.id = kSystemImageFile,
+                       .name = "system.gz",
+                       .data = Compressed(mkpkg::Compression::kGz, Archive()),
+                       .device_code = kDeviceTag}};
+    return contents;
+  }
+
+  std::string Signed(const mkpkg::PackageContents& contents) {
+    std::string package;
+    EXPECT_EQ(mkpkg::ComposePackage(contents, package), "");
+    EXPECT_EQ(mkpkg::SignPackage({.key_name = "maker"}, key_, package), "");
+    return package;
+  }
+
+  void Put(const std::string& path, const std::string& bytes) { ASSERT_TRUE(Board().WriteFile(path, bytes)); }
+
+  /// What a load must leave behind whatever became of it.
+  void ExpectNoScratchFiles() { EXPECT_EQ(Run("ls -A /tmp; ls -d /etc/pkg/TempFile 2> /dev/null; true"), ""); }
+
+ private:
+  mkpkg::UniqueKey key_;
+};
+
+TEST_F(Install, LoadsTheImageAndLeavesTheConsoleToIt) {
+  BootWithBootImage();
+  Run("touch /root/.ssh/known_hosts");
+  Put("/mnt/flash:/system.BIN", Signed(Contents()));
+  Type("install load system.BIN\r");
+  EXPECT_TRUE(Expect("Loading...\r\r\n")
+                  .ends_with("Check package system.BIN ...\n"
+                             "Verifying the file system.BIN ...Done.\n"
+                             "Extracting package ...\n"
+                             "\nLoading...\n"));
+  Expect("Loaded: flash:/system.BIN");
+  EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
+  const std::string record = "flash:/system.BIN";
+  EXPECT_EQ(Board().ReadFile("/var/pkg/change.list"), record + std::string(64 - record.size(), '\0'));
+  EXPECT_EQ(Run("cat /proc/sys/vm/drop_caches"), "3\n");
+  EXPECT_EQ(Run("ls /root/.ssh; grep -c ipstack /proc/modules; ls /sys/class/net | grep m-eth0; true"), "0\n");
+  ExpectNoScratchFiles();
+}
+
+TEST_F(Install, UnpacksEveryKindOfImage) {
+  options.has_ip_stack = false;
+  for (const mkpkg::Compression how : {mkpkg::Compression::kXz, mkpkg::Compression::kLzma, mkpkg::Compression::k7z}) {
+    NewDevice();
+    BootWithBootImage();
+    mkpkg::PackageContents contents = Contents();
+    mkpkg::PackageFile& image = contents.files.back();
+    if (how == mkpkg::Compression::k7z) {  // the package packs what is an archive that has its own suffix
+      image.packing = kPacked7z;
+      image.unpacked_size = static_cast<std::uint32_t>(image.data.size());
+      image.data = Compressed(how, image.data);
+    } else {
+      image.name = std::string("system") + mkpkg::SuffixOf(how);
+      image.data = Compressed(how, Archive());
+    }
+    Put(kPackage, Signed(contents));
+    Type(std::string(kInstall) + "\r");
+    Expect("Loaded: flash:/system.bin");
+  }
+}
+
+TEST_F(Install, RefusesWhatIsNotForThisDevice) {
+  BootWithBootImage();
+  using mkpkg::PackageContents;
+  const std::string corrupted = "flash:/system.bin is corrupted.\n";
+  const std::string not_system = "Package flash:/system.bin is not a system package.\n";
+  const struct {
+    const char* why;
+    std::function<void(PackageContents&)> change;
+    std::string printed;
+  } cases[] = {
+      {"another product", [](PackageContents& c) { c.product_tag = 1; }, kVerified + corrupted},
+      {"a kind of its own", [](PackageContents& c) { c.attribute = 1; }, not_system},
+      {"no system package", [](PackageContents& c) { c.type = 1; }, not_system},
+      {"no compatibility list", [](PackageContents& c) { c.files.erase(c.files.begin()); },
+       std::string(kVerified) + "File flash:/system.bin is invalid.\n"},
+      {"another boot image", [](PackageContents& c) { c.files[0].data = "7.1.100\n[boot]\n7.1.101\n"; },
+       std::string(kVerified) + "This system image is not compliant with the boot image.\n"},
+      {"no image for this device", [](PackageContents& c) { c.files[3].device_code = 2; },
+       std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n"},
+      {"an image that leads out of /tmp", [](PackageContents& c) { c.files[3].name = "../mnt/flash:/boot.bin"; },
+       std::string(kVerified) + "Extracting package ...\nOperation failed!\n"},
+  };
+  const mkpkg::PackageContents good = Contents();
+  for (const auto& c : cases) {
+    mkpkg::PackageContents contents = good;
+    c.change(contents);
+    Put(kPackage, Signed(contents));
+    EXPECT_EQ(Command(kInstall), kBegin + c.printed) << c.why;
+  }
+  std::string forged = Signed(good);
+  forged[kMainHeadSize + kFileHeadSize] ^= 1;
+  Put(kPackage, forged);
+  EXPECT_EQ(Command(kInstall), std::string(kBegin) + kVerified + corrupted);
+  EXPECT_EQ(Command(kDisplay), kVerified + corrupted);
+  Put(kPackage, forged.substr(0, kMainHeadSize - 1));
+  EXPECT_EQ(Command(kInstall), kBegin + corrupted);
+  EXPECT_EQ(Run("ls /sbin/tessaro /var/pkg 2> /dev/null; ls /mnt/flash:/boot.bin"), "/mnt/flash:/boot.bin\n");
+  ExpectNoScratchFiles();
+}
+
+TEST_F(Install, RefusesNamesThatAreNoPackages) {
+  options.media.push_back({"usba1:", 1 << 20, ""});
+  BootWithBootImage();
+  Run("touch /mnt/flash:/text.txt /mnt/usba1:/a.bin");
+  const struct {
+    const char* name;
+    const char* printed;
+  } cases[] = {
+      {"usba1:/a.bin", "The startup software images must be in the primary partition.\n"},
+      {"text.txt", "Check package text.txt ...\ntext.txt: Invalid file name.\n"},
+      {"a~.bin", "Check package a~.bin ...\na~.bin: Invalid file name.\n"},
+      {"gone.bin", "Check package gone.bin ...\nThe package gone.bin doesn't exist. \n"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Command(std::string("install load ") + c.name), c.printed);
+  }
+  Run("mkdir /mnt/flash:/dir.bin; touch /mnt/flash:/a~1.bin");
+  Type("install load flash:/?");
+  const std::string offered = Expect("<boot>");
+  EXPECT_NE(offered.find("flash:/boot.bin"), std::string::npos) << offered;
+  EXPECT_EQ(offered.find("text.txt"), std::string::npos) << offered;
+  EXPECT_EQ(offered.find("dir.bin"), std::string::npos) << offered;
+  EXPECT_EQ(offered.find("a~1.bin"), std::string::npos) << offered;
+}
+
+/// Faults on the way: what is broken before the load, and what the load then makes of it.
+TEST_F(Install, ClaimsNoSuccessThatItDoesNotHave) {
+  options.has_ip_stack = false;
+  const std::string extracting = std::string(kBegin) + kVerified + "Extracting package ...\n";
+  const struct {
+    const char* why;
+    const char* fault;
+    std::string printed;  // "": the load goes on to its end
+    bool is_unpacked;
+  } cases[] = {
+      {"rm is missing", "rm /bin/rm", extracting + "Operation failed!\n", true},
+      {"rm is killed", "rm /bin/rm; printf '#!/bin/sh\nkill -9 $$\n' > /bin/rm; chmod 755 /bin/rm",
+       extracting + "Operation failed!\n", true},
+      {"no place for the record", "touch /var/pkg", extracting, true},
+      {"no device tag", "sed -i /DeviceTag/d /etc/pkg/version/1_0_package", extracting + "Operation failed!\n", false},
+      {"no boot image", "rm /mnt/flash:/boot.bin",
+       std::string(kBegin) + kVerified + "This system image is not compliant with the boot image.\n", false},
+      // These the steps do not look at: the image stays packed and the load ends like any other.
+      {"gunzip is missing", "rm /bin/gunzip", "", false},
+      {"no place for the script", "mkdir /etc/pkg/TempFile", "", false},
+      {"no room in /tmp", "mount -t tmpfs -o size=4k small /tmp; dd if=/dev/zero of=/tmp/filler bs=4k count=1", "",
+       false},
+      {"a planted link", "ln -s /mnt/flash:/victim /tmp/system.gz; echo safe > /mnt/flash:/victim", "", true},
+  };
+  for (const auto& c : cases) {
+    NewDevice();
+    BootWithBootImage();
+    Put(kPackage, Signed(Contents()));
+    Run(c.fault);
+    if (c.printed.empty()) {
+      Type(std::string(kInstall) + "\r");
+      Expect("Loading...");
+      EXPECT_EQ(Outcome(), device::Outcome::kHandedOver) << c.why;
+    } else {
+      EXPECT_EQ(Command(kInstall), c.printed) << c.why;
+      EXPECT_EQ(Run("ls /var/pkg/change.list* 2> /dev/null; true"), "") << c.why;
+    }
+    EXPECT_EQ(Run("ls /sbin/tessaro 2> /dev/null; true"), c.is_unpacked ? "/sbin/tessaro\n" : "") << c.why;
+    EXPECT_EQ(Run("cat /mnt/flash:/victim 2> /dev/null || echo safe"), "safe\n") << c.why;
+  }
+}
+
+TEST_F(Install, StaysWhenTheNetworkDoesNotGo) {
+  Replace("/bin/rmmod", "#!/bin/sh\nexit 1\n");
+  BootWithBootImage();
+  Put(kPackage, Signed(Contents()));
+  EXPECT_TRUE(Command(kInstall).ends_with("\nLoading...\nExit failed.\n"));
+  EXPECT_EQ(Run("ls /var/pkg"), "change.list\n") << "the image is loaded all the same";
+  ExpectNoScratchFiles();
+}
+
+TEST_F(Install, CtrlCDoesNotLeaveHalfASystem) {
+  Replace("/bin/gunzip", "#!/bin/sh\nsleep 1\nexec /bin/busybox gunzip \"$@\"\n");
+  BootWithBootImage();
+  Put(kPackage, Signed(Contents()));
+  Type(std::string(kInstall) + "\r");
+  Expect("Extracting package ...");
+  for (int i = 0; i < 5; ++i) {
+    Type(kCtrlC);
+    Listen(std::chrono::milliseconds(50));
+  }
+  Expect("Loaded: flash:/system.bin");
+}
+
+TEST_F(Install, ShowsWhatAPackageIs) {
+  BootWithBootImage();
+  mkpkg::PackageContents contents = Contents();
+  contents.files[1].data =
+      "[Package]\r\nVendor: Kelvane Inc\r\nProduct: T5100\r\n Vendor: indented\r\nSecret: x\r\nversion TYPE: "
+      "release\r\n"
+      "VERSION type: RELEASE candidate\r\nSupported boards: all\r\nProduct version: Release 1\r\n";
+  Put(kPackage, Signed(contents));
+  EXPECT_EQ(Command(kDisplay), std::string(kVerified) +
+                                   "  flash:/system.bin\n  [Package]\n  Vendor: Vantrel\n  Product: T5100\n"
+                                   "  Supported boards: all\n  Product version: Release 1\n\n");
+  contents.files.erase(contents.files.begin() + 1);
+  Put(kPackage, Signed(contents));
+  EXPECT_EQ(Command(kDisplay), std::string(kVerified) + "  flash:/system.bin\n\nOperation failed! \n");
+}
+
+TEST_F(Install, ShowsVersionAndCopyright) {
+  BootToPrompt();
+  const std::string version = Command("display version");
+  EXPECT_TRUE(
+      version.starts_with("Ostrel Tessaro Software\n"
+                          "Copyright (c) 2004-2026 Ostrel Networks Ltd. All rights reserved.\n"
+                          "Ostrel T5100 uptime is "))
+      << version;
+  EXPECT_TRUE(
+      version.ends_with("\n\nBoot image: flash:/boot.bin\nBoot image version: 7.1.100\n\n"
+                        "Emergency device, 1 processor, 64 MB memory\n"))
+      << version;
+  EXPECT_TRUE(Command("display copyright").starts_with("Copyright (c) 2004-2026 Ostrel"));
+  Run(": > /etc/pkg/license/copyright");
+  EXPECT_EQ(Command("display copyright"), "");
+}
+
+}  // namespace
