@@ -3,11 +3,11 @@
 #include <unistd.h>
 
 #include "fs/named_file.h"
+#include "remote/connection.h"
 #include "remote/credentials.h"
 #include "remote/host_address.h"
 #include "shell/parameter.h"
 #include "shell/result.h"
-#include "shell/tool_line.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ std::uint32_t Connect(const char* address) {
   }
   ToolLine line;
   line.Append("/bin/ssh %s -l %s", address, user);
-  return RunToolLine(line, 1, 1);
+  return RunConnection(line);
 }
 
 }  // namespace

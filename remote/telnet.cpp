@@ -1,15 +1,15 @@
 #include "remote/telnet.h"
 
+#include "remote/connection.h"
 #include "remote/host_address.h"
 #include "shell/parameter.h"
-#include "shell/tool_line.h"
 
 namespace {
 
 std::uint32_t Connect(const char* address) {
   ToolLine line;
   line.Append("/bin/telnet %s", address);
-  return RunToolLine(line, 1, 1);
+  return RunConnection(line);
 }
 
 }  // namespace

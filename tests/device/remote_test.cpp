@@ -2,12 +2,14 @@
 
 namespace {
 
-/// Stands for a tool and says what it was started with, whether Ctrl+C can end it and whether the terminal echoes.
+/// Stands for a tool and says what it was started with, whether Ctrl+C or a stop can hold it up and whether the
+/// terminal echoes.
 constexpr char kRecorder[] = R"(#!/bin/sh
 printf '%s' "$0"
 printf ' <%s>' "$@"
 ignored=0x$(grep SigIgn /proc/$$/status | cut -f 2)
 [ $((ignored & 2)) = 0 ] || printf ' uninterrupted'
+[ $((ignored & 0x80000)) = 0 ] || printf ' unstopped'
 stty -a | grep -q '[^-]echo ' && printf ' echoing'
 echo
 )";
@@ -56,18 +58,19 @@ class RemoteTools : public OperatorConsole {
 TEST_F(RemoteTools, ConnectionsAskForTheAddressFirstAndIgnoreCtrlC) {
   const std::string root = "login as:root\n";
   const Exchange kExchanges[] = {
-      {"telnet 127.0.0.1", "", "/bin/telnet <127.0.0.1> uninterrupted echoing\n"},
-      {"telnet ipv6 0:0::0:1", "", "/bin/telnet <::1> uninterrupted echoing\n"},
+      {"telnet 127.0.0.1", "", "/bin/telnet <127.0.0.1> uninterrupted unstopped echoing\n"},
+      {"telnet ipv6 0:0::0:1", "", "/bin/telnet <::1> uninterrupted unstopped echoing\n"},
       {"telnet 0.0.0.0", "", kInvalid},
       {"telnet ipv6 ::", "", kUnrecognized},
-      {"ssh2 127.0.0.1", "root\r", root + "/bin/ssh <127.0.0.1> <-l> <root> uninterrupted echoing\n"},
-      {"ssh2 ipv6 ::1", "root\r", root + "/bin/ssh <::1> <-l> <root> uninterrupted echoing\n"},
+      {"ssh2 127.0.0.1", "root\r", root + "/bin/ssh <127.0.0.1> <-l> <root> uninterrupted unstopped echoing\n"},
+      {"ssh2 ipv6 ::1", "root\r", root + "/bin/ssh <::1> <-l> <root> uninterrupted unstopped echoing\n"},
       {"ssh2 239.1.1.1", "", kInvalid},
       {"ssh2 ipv6 ::0", "", kUnrecognized},
       {"ssh2 127.0.0.1", "\r", "login as:\n"},
       {"ssh2 127.0.0.1", "roo\003", "login as:roo\n"},
       {"ssh2 127.0.0.1", "root -v\r", "login as:root -v\n"},
-      {"ssh2 127.0.0.1", " root \r", "login as: root \n/bin/ssh <127.0.0.1> <-l> <root> uninterrupted echoing\n"},
+      {"ssh2 127.0.0.1", " root \r",
+       "login as: root \n/bin/ssh <127.0.0.1> <-l> <root> uninterrupted unstopped echoing\n"},
   };
   BootWithRecorders();
   const std::string modes = Modes();
