@@ -4,7 +4,7 @@ set -uo pipefail
 cd "$(dirname "$0")/.."
 
 build=build/release
-sources=$(find shell term fs util device tests -name '*.cpp' ! -path 'device/arm64/guest/*' | sort)
+sources=$(find shell term fs net pkg remote util device tools tests -name '*.cpp' ! -path 'device/arm64/guest/*' | sort)
 # shellcheck disable=SC2086 # one word per source
 printf '%s\n' $sources | xargs -P "${1:-1}" -n 2 clang-tidy -p $build --quiet 2> $build/lint.log
 status=$?
