@@ -123,7 +123,7 @@ TEST_F(ReaderTest, ForgedNumbersYieldNoData) {
   // Packed with 7z, on a device without the library.
   std::string package = good;
   mkpkg::PutWord(package, head + offsetof(PackageFileHead, compression), kPacked7z);
-  for (const std::uint32_t unpacked : values) {
+  for (const std::uint32_t unpacked : {0U, 1U, 4096U}) {
     mkpkg::PutWord(package, head + offsetof(PackageFileHead, unpacked_size), unpacked);
     EXPECT_EQ(FileOf(Open(package).get(), 3), "");
   }
