@@ -7,6 +7,8 @@ namespace {
 
 constexpr std::uint64_t kMegabyte = 1048576;
 
+std::string MountPlace(const std::string& medium) { return ShellQuoted("/mnt/" + medium); }
+
 }  // namespace
 
 std::vector<Medium> DefaultMedia() { return {{"flash:", 32 * kMegabyte, ""}, {"cfa0:", 16 * kMegabyte, ""}}; }
@@ -54,6 +56,20 @@ std::optional<std::string> Device::ReadFile(const std::string& path) {
 
 bool Device::WriteFile(const std::string& path, const std::string& bytes) {
   const CommandResult result = Run("exec cat > " + ShellQuoted(path), bytes);
+  return result.finished && result.status == 0;
+}
+
+bool Device::FillMedium(const std::string& name) {
+  // Small pieces last, for what is left when a large one no longer fits.
+  const std::string command = "cd " + MountPlace(name) +
+                              " && for size in 65536 512; do dd if=/dev/zero bs=$size >> fill 2>/dev/null; done;"
+                              " sync; df -k . | awk 'END {exit $4 > 0}'";
+  const CommandResult result = Run(command);
+  return result.finished && result.status == 0;
+}
+
+bool Device::ProtectMedium(const std::string& name) {
+  const CommandResult result = Run("mount -o remount,ro " + MountPlace(name));
   return result.finished && result.status == 0;
 }
 

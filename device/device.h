@@ -124,6 +124,15 @@ class Device {
   /// Writes a file on the device, replacing what it held.
   [[nodiscard]] bool WriteFile(const std::string& path, const std::string& bytes);
 
+  /// Writes onto a medium until not one block of it is free. The file that fills it is called "fill".
+  [[nodiscard]] bool FillMedium(const std::string& name);
+
+  /// Has a medium take no more writes.
+  [[nodiscard]] bool ProtectMedium(const std::string& name);
+
+  /// Pulls a medium out of the running device, whatever is open on it. It is there again after the next boot.
+  [[nodiscard]] virtual bool PullMedium(const std::string& name) = 0;
+
   /// What an operator should know of the lab's servers, in lines, once the device was started: addresses, account,
   /// files, and which server could not be started. Empty without servers.
   [[nodiscard]] virtual const std::string& LabNotice() const = 0;

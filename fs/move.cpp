@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <string_view>
 
 #include "fs/file_messages.h"
 #include "fs/named_file.h"
@@ -22,6 +23,20 @@ std::uint32_t RunMove(const char* source, const char* destination) {
   ToolLine line;
   line.Append(kMoveLine, kToolFolder, source, destination);
   return RunToolLine(line, 1, 0);
+}
+
+bool IsLink(const char* full) {
+  struct stat status {};
+  return lstat(full, &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+/// Whether the tool would destroy the file by moving it onto itself: it puts a link in the place of what it points to,
+/// and between two mounts of one folder it removes the destination first. Within a folder it renames, which is safe.
+bool WouldLose(const char* source, const char* destination) {
+  const std::string_view from(source);
+  const std::string_view to(destination);
+  const bool is_rename = from.substr(0, from.rfind('/')) == to.substr(0, to.rfind('/')) && !IsLink(source);
+  return from != to && !is_rename && IsSameEntry(source, destination);
 }
 
 /// Removes what a failed move left of the destination. Where the source is gone, or is the destination, that is the
@@ -46,7 +61,8 @@ std::uint32_t ESH_ProcMove() {
   if (!IsConfirmed()) {
     return ESH_ERR_FAIL;
   }
-  const std::uint32_t moved = RunMove(source.full, destination.full);
+  const std::uint32_t moved =
+      WouldLose(source.full, destination.full) ? ESH_ERR_FAIL : RunMove(source.full, destination.full);
   if (moved == kSuccess) {
     return kSuccess;
   }

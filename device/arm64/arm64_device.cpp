@@ -62,6 +62,14 @@ class Arm64Kind final : public DeviceKind {
     return "cannot make " + medium.name + ": " + std::strerror(errno);
   }
 
+  /// Parts the disk from its driver, as a plug that is drawn does. What is mounted stays so, and fails.
+  std::string PullCommand(const std::string& medium) const override {
+    return "for disk in /sys/block/vd*; do [ \"$(cat $disk/serial)\" = " + ShellQuoted(medium) +
+           " ] || continue;"
+           " link=$(readlink -f $disk/device); echo ${link##*/} > /sys/bus/virtio/drivers/virtio_blk/unbind; exit;"
+           " done; exit 1";
+  }
+
   [[noreturn]] void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
                                     PowerSupply supply) const override {
     RunMachine(options, plan, kernel_, std::move(supply));

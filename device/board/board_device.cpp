@@ -90,6 +90,7 @@ class BoardDevice final : public Device {
   CommandResult RunInLab(const std::string& command, const std::string& input, milliseconds time) override {
     return RunOver(board_, command, input, time);
   }
+  bool PullMedium(const std::string& name) override;
   Outcome WaitForOutcome(milliseconds time) override;
   int ShellStatus() const override { return shell_status_; }
   void PowerOff() override;
@@ -217,6 +218,11 @@ Outcome BoardDevice::WaitForOutcome(milliseconds time) {
     TakeMessages(outcome_ == Outcome::kRunning ? MillisecondsUntil(end) : 0);
   } while (outcome_ == Outcome::kRunning && Clock::now() < end);
   return outcome_;
+}
+
+bool BoardDevice::PullMedium(const std::string& name) {
+  const CommandResult result = Run(kind_->PullCommand(name), {}, kCommandTime);
+  return result.finished && result.status == 0;
 }
 
 void BoardDevice::PowerOff() {

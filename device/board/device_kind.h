@@ -37,6 +37,9 @@ class DeviceKind {
   /// @return an empty text, or one line that says what went wrong.
   [[nodiscard]] virtual std::string MakeMedium(const Medium& medium, const std::string& place) const = 0;
 
+  /// @return the command that takes a medium out of a running device.
+  [[nodiscard]] virtual std::string PullCommand(const std::string& medium) const = 0;
+
   /// Is the first process of a device: starts it, passes on what is said to it and what becomes of it, and ends with
   /// the channel. Called in a process that is number 1 of a fresh PID namespace.
   [[noreturn]] virtual void RunFirstProcess(const BootOptions& options, const RootPlan& plan,

@@ -40,6 +40,11 @@ class NativeKind final : public DeviceKind {
     return error ? "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message() : "";
   }
 
+  /// What is open stays usable, as memory does; by name nothing is found any more.
+  std::string PullCommand(const std::string& medium) const override {
+    return "umount -l " + ShellQuoted("/mnt/" + medium);
+  }
+
   [[noreturn]] void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
                                     PowerSupply supply) const override {
     RunNativeFirstProcess(options, plan, std::move(supply));

@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <thread>
 
+#include "device/arm64/arm64_device.h"
 #include "device/native/native_device.h"
 
 namespace {
@@ -14,6 +16,7 @@ using std::chrono::milliseconds;
 
 // Only a fault is silent this long. Less than the time after which a question answers itself by no.
 constexpr std::chrono::seconds kPatience{25};
+constexpr char kDeviceVariable[] = "ESH_TEST_DEVICE";
 constexpr std::string_view kPrompts[] = {"<boot>", "[boot]", "[boot-m-eth0]"};
 
 bool EndsInPrompt(std::string_view text) {
@@ -25,6 +28,12 @@ bool EndsInPrompt(std::string_view text) {
   return false;
 }
 
+/// @return "native" unless the environment names another device.
+std::string DeviceName() {
+  const char* name = std::getenv(kDeviceVariable);
+  return name == nullptr ? "native" : name;
+}
+
 std::string WithoutReturns(std::string_view text) {
   std::string lines(text);
   std::erase(lines, '\r');
@@ -33,18 +42,24 @@ std::string WithoutReturns(std::string_view text) {
 
 }  // namespace
 
-void OperatorConsole::SetUp() { RecordProperty("device", "native"); }
+bool OperatorConsole::IsArm64() { return DeviceName() == "arm64"; }
+
+void OperatorConsole::SetUp() {
+  ASSERT_TRUE(IsArm64() || DeviceName() == "native") << kDeviceVariable << "=" << DeviceName();
+  RecordProperty("device", DeviceName());
+}
 
 void OperatorConsole::TearDown() {
   if (HasFailure() && board_ != nullptr) {
-    GTEST_MESSAGE_AT_(__FILE__, __LINE__, ("on the native device, whose console says:\n" + printed_).c_str(),
+    GTEST_MESSAGE_AT_(__FILE__, __LINE__,
+                      ("on the " + DeviceName() + " device, whose console says:\n" + printed_).c_str(),
                       testing::TestPartResult::kNonFatalFailure);
   }
 }
 
 void OperatorConsole::Boot() {
   if (board_ == nullptr) {
-    board_ = device::MakeNativeDevice(options);
+    board_ = IsArm64() ? device::MakeArm64Device(options) : device::MakeNativeDevice(options);
   }
   screen_ = std::make_unique<VirtualScreen>(options.rows == 0 ? 24 : options.rows,
                                             options.columns == 0 ? 80 : options.columns);

@@ -14,8 +14,9 @@
 /// Waits until a condition holds. @return whether it does.
 [[nodiscard]] bool Eventually(const std::function<bool()>& condition);
 
-/// An operator at the console of a device: boots it, types, and looks at what is printed. Which device it is is
-/// decided in one place, so that every test runs on any.
+/// An operator at the console of a device: boots it, types, and looks at what is printed. The environment variable
+/// ESH_TEST_DEVICE names the device, "native" or "arm64", so that every test runs on both. A suite whose name begins
+/// with "Native" is about what only the native device has or can be made to do, and runs there alone.
 class OperatorConsole : public testing::Test {
  protected:
   /// What the device is made of; changed before the first Boot.
@@ -41,6 +42,11 @@ class OperatorConsole : public testing::Test {
   device::Outcome Outcome();
   /// Takes in what is printed for a while; for what must not be printed.
   void Listen(std::chrono::milliseconds time);
+
+  /// Whether the device is the emulated one: its media are FAT, its modules and kernel settings are a kernel's.
+  [[nodiscard]] static bool IsArm64();
+  /// The console's path on the device.
+  [[nodiscard]] static std::string ConsolePath() { return IsArm64() ? "/dev/ttyAMA0" : "/dev/pts/0"; }
 
   /// Runs a command on the device beside the shell, which must succeed. @return its output.
   std::string Run(const std::string& command);

@@ -23,7 +23,7 @@ namespace {
 constexpr int kPatienceMs = 60000;
 
 /// The program behind ./run, on a terminal of the test's own.
-class Relay : public testing::Test {
+class NativeRelay : public testing::Test {
  protected:
   void SetUp() override {
     // What the program leaves running becomes the test's own child, and shows.
@@ -105,7 +105,7 @@ class Relay : public testing::Test {
   pid_t program_ = -1;
 };
 
-TEST_F(Relay, LeavesByItsKeyAndGivesTheTerminalBack) {
+TEST_F(NativeRelay, LeavesByItsKeyAndGivesTheTerminalBack) {
   Start();
   Type("pwd\r");
   Expect("flash:");
@@ -114,7 +114,7 @@ TEST_F(Relay, LeavesByItsKeyAndGivesTheTerminalBack) {
   ExpectTerminalAsBefore();
 }
 
-TEST_F(Relay, GivesTheTerminalBackWhenASignalEndsIt) {
+TEST_F(NativeRelay, GivesTheTerminalBackWhenASignalEndsIt) {
   for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
     Start();
     kill(program_, signal);
@@ -123,7 +123,7 @@ TEST_F(Relay, GivesTheTerminalBackWhenASignalEndsIt) {
   }
 }
 
-TEST_F(Relay, GivesTheTerminalBackWhenTheDeviceDies) {
+TEST_F(NativeRelay, GivesTheTerminalBackWhenTheDeviceDies) {
   Start();
   kill(Keeper(), SIGKILL);
   Expect("The device died");
@@ -131,19 +131,19 @@ TEST_F(Relay, GivesTheTerminalBackWhenTheDeviceDies) {
   ExpectTerminalAsBefore();
 }
 
-TEST_F(Relay, EndsWithItsWindow) {
+TEST_F(NativeRelay, EndsWithItsWindow) {
   Start();
   keyboard_.Reset();
   EXPECT_NE(WEXITSTATUS(WaitForEnd()), 0);
 }
 
-TEST_F(Relay, LeavesNothingRunningWhenItIsKilled) {
+TEST_F(NativeRelay, LeavesNothingRunningWhenItIsKilled) {
   Start();
   kill(program_, SIGKILL);
   EXPECT_TRUE(WIFSIGNALED(WaitForEnd()));
 }
 
-TEST_F(Relay, TypesALineOfAPipeWheneverTheConsoleWaits) {
+TEST_F(NativeRelay, TypesALineOfAPipeWheneverTheConsoleWaits) {
   const std::string command = std::string("printf 'dir\\nreboot\\nn\\nsystem-view' | ") + ESH_DEVICE_PROGRAM;
   std::FILE* pipe = popen(command.c_str(), "r");  // NOLINT(cert-env33-c): as an operator would pipe
   ASSERT_NE(pipe, nullptr);

@@ -29,6 +29,9 @@ class StartUp : public OperatorConsole {
   std::string Calls() { return Run("cat /tmp/calls"); }
 };
 
+/// With kernel settings and a list of modules that stand there without a module.
+class NativeStartUp : public StartUp {};
+
 TEST_F(StartUp, RunsItsToolsInOrder) {
   BootToPrompt();
   EXPECT_EQ(Calls(),
@@ -39,7 +42,7 @@ TEST_F(StartUp, RunsItsToolsInOrder) {
             "ifconfig m-eth0 up\n");
 }
 
-TEST_F(StartUp, LeavesALoadedAddonAlone) {
+TEST_F(NativeStartUp, LeavesALoadedAddonAlone) {
   Replace("/proc/modules", "addon 16384 0 - Live 0x0000000000000000\n");
   BootToPrompt();
   EXPECT_EQ(Calls().find("addon.ko"), std::string::npos);
@@ -60,7 +63,7 @@ struct Failure {
   bool tools_run;  // without a terminal of its own the shell cannot start any, and yet must reboot
 };
 
-TEST_F(StartUp, RebootsWithoutAWordAfterAStepThatCounts) {
+TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
   const Failure kFailures[] = {
       {"no console named", "/etc/pkg/esh/ttyname.conf", std::nullopt, false},
       {"nothing in the console's file", "/etc/pkg/esh/ttyname.conf", " \n", false},
@@ -97,14 +100,14 @@ TEST_F(StartUp, ReallyRebootsWithAndWithoutAConsole) {
   }
 }
 
-TEST_F(StartUp, GoesOnAfterAStepThatDoesNotCount) {
+TEST_F(NativeStartUp, GoesOnAfterAStepThatDoesNotCount) {
   Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nexit 1\n");
   Replace("/bin/insmod", "#!/bin/sh\n[ $1 = /lib/modules/ipstack.ko ]\n");
   BootToPrompt();
   EXPECT_EQ(Run(std::string("cat ") + kConsoleSwitch), "1\n");
 }
 
-TEST_F(StartUp, ReadsTheFirstFifteenCharactersOfTheConsolesName) {
+TEST_F(NativeStartUp, ReadsTheFirstFifteenCharactersOfTheConsolesName) {
   Replace("/etc/pkg/esh/ttyname.conf", "\n \t/dev//////pts/0123 4\n");  // fifteen to the first "0"
   BootToPrompt();
   EXPECT_EQ(Command("pwd"), "Working directory doesn't exist.\n") << "nothing was mounted";
@@ -113,12 +116,12 @@ TEST_F(StartUp, ReadsTheFirstFifteenCharactersOfTheConsolesName) {
 TEST_F(StartUp, GivesTheConsoleToRootAlone) {
   BootToPrompt();
   EXPECT_EQ(Run("grep Umask /proc/" + ShellPid() + "/status"), "Umask:\t0000\n");
-  Run("chown 1:1 /dev/pts/0; chmod 666 /dev/pts/0");
+  Run("chown 1:1 " + ConsolePath() + "; chmod 666 " + ConsolePath());
   Run("kill -9 " + ShellPid());
   Expect("Press Enter to start the emergency shell again");
   Type("\r");
   Expect("<boot>");
-  EXPECT_EQ(Run("stat -c '%u %g %a' /dev/pts/0"), "0 0 600\n");
+  EXPECT_EQ(Run("stat -c '%u %g %a' " + ConsolePath()), "0 0 600\n");
 }
 
 struct Arguments {

@@ -18,7 +18,7 @@ class Tools : public OperatorConsole {
     Type("y\r");
     Expect("y\r\r\n");  // the line's end before anything that the tool says
   }
-  std::string Modes() { return Run("stty -a < /dev/pts/0"); }
+  std::string Modes() { return Run("stty -a < " + ConsolePath()); }
 
   std::string prompt_modes_;
 };
