@@ -3,8 +3,8 @@
 #include <csignal>
 
 std::uint32_t RunConnection(const ToolLine& line) {
-  // "z" at telnet's own prompt and "~^Z" in ssh make the tool stop itself. The shell waits for its end and there is
-  // nobody to wake it: the console would be lost. Ignored signals stay ignored in the tool.
+  // "z" at telnet's own prompt makes the tool stop itself. The shell waits for its end and there is nobody to wake it:
+  // the console would be lost. A signal that is ignored here stays ignored in the tool.
   const auto before = std::signal(SIGTSTP, SIG_IGN);
   const std::uint32_t verdict = RunToolLine(line, 1, 1);
   std::signal(SIGTSTP, before);
