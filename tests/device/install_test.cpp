@@ -9,14 +9,14 @@
 
 namespace {
 
-constexpr std::uint32_t kProductTag = 0x0A100001;  // of the device's version file
-constexpr std::uint32_t kDeviceTag = 0x0A100002;
+constexpr std::uint32_t kProductTag = 0x00005100;  // of the device's version file
+constexpr std::uint32_t kDeviceTag = 0x00000051;
 constexpr char kPackage[] = "/mnt/flash:/system.bin";
 constexpr char kInstall[] = "install load flash:/system.bin";
 constexpr char kDisplay[] = "display install package flash:/system.bin";
 constexpr char kBegin[] = "Check package flash:/system.bin ...\n";
 constexpr char kVerified[] = "Verifying the file flash:/system.bin ...Done.\n";
-constexpr char kDescription[] = "Platform version: 7.1.100\nProduct version: Release 1\n";
+constexpr char kDescription[] = "Platform version: 7.1.075\nProduct version: Release 0612\n";
 
 /// A device with a maker's key, its boot image on flash:, and packages made for it.
 class Install : public OperatorConsole {
@@ -54,7 +54,7 @@ class Install : public OperatorConsole {
   mkpkg::PackageContents Contents() {
     mkpkg::PackageContents contents;
     contents.product_tag = kProductTag;
-    contents.files = {{.id = kCompatibilityFile, .name = "c", .data = "[boot]\n7.0.1\n 7.1.100 \n"},
+    contents.files = {{.id = kCompatibilityFile, .name = "c", .data = "[boot]\n7.0.1\n 7.1.075 \n"},
                       {.id = kDescriptionFile, .name = "d", .data = kDescription},
                       {.id = kSystemImageFile, .name = "other.gz", .data = "no archive", .device_code = 1},
                       {.id = kSystemImageFile,
@@ -135,7 +135,7 @@ TEST_F(Install, RefusesWhatIsNotForThisDevice) {
       {"no system package", [](PackageContents& c) { c.type = 1; }, not_system},
       {"no compatibility list", [](PackageContents& c) { c.files.erase(c.files.begin()); },
        std::string(kVerified) + "File flash:/system.bin is invalid.\n"},
-      {"another boot image", [](PackageContents& c) { c.files[0].data = "7.1.100\n[boot]\n7.1.101\n"; },
+      {"another boot image", [](PackageContents& c) { c.files[0].data = "7.1.075\n[boot]\n7.1.101\n"; },
        std::string(kVerified) + "This system image is not compliant with the boot image.\n"},
       {"no image for this device", [](PackageContents& c) { c.files[3].device_code = 2; },
        std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n"},
@@ -274,7 +274,7 @@ TEST_F(Install, ShowsVersionAndCopyright) {
                           "Ostrel T5100 uptime is "))
       << version;
   EXPECT_TRUE(
-      version.ends_with("\n\nBoot image: flash:/boot.bin\nBoot image version: 7.1.100\n\n"
+      version.ends_with("\n\nBoot image: flash:/boot.bin\nBoot image version: 7.1.075\n\n"
                         "Emergency device, 1 processor, 64 MB memory\n"))
       << version;
   EXPECT_TRUE(Command("display copyright").starts_with("Copyright (c) 2004-2026 Ostrel"));
