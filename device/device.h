@@ -133,6 +133,10 @@ class Device {
   /// Pulls a medium out of the running device, whatever is open on it. It is there again after the next boot.
   [[nodiscard]] virtual bool PullMedium(const std::string& name) = 0;
 
+  /// Pulls the cable out of m-eth0 at its far side, or puts it in again; a boot finds it put in.
+  /// @return false when that failed.
+  [[nodiscard]] bool PlugCable(bool in);
+
   /// What an operator should know of the lab's servers, in lines, once the device was started: addresses, account,
   /// files, and which server could not be started. Empty without servers.
   [[nodiscard]] virtual const std::string& LabNotice() const = 0;

@@ -110,6 +110,11 @@ pid_t StartEmulator(const MachineParts& parts, MachineLines& lines, int log) {
   ExecuteProgram(EmulatorWords(parts), {"PATH=/usr/bin:/bin"}, descriptors);
 }
 
+std::string CableCommand(bool is_plugged_in) {
+  return std::string("{\"execute\":\"set_link\",\"arguments\":{\"name\":\"port\",\"up\":") +
+         (is_plugged_in ? "true" : "false") + "}}\n";
+}
+
 MachineEnd MonitorTells(const std::string& received) {
   if (received.find("\"reason\": \"guest-reset\"") != std::string::npos) return MachineEnd::kRestart;
   if (received.find("\"reason\": \"guest-shutdown\"") != std::string::npos) return MachineEnd::kPowerOff;

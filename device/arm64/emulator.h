@@ -40,6 +40,9 @@ std::string FindEmulator();
 /// @return its process, -1 when it could not be started.
 pid_t StartEmulator(const MachineParts& parts, MachineLines& lines, int log);
 
+/// @return what is said to the emulator's monitor to pull the cable out of the machine's port, or to put it in.
+std::string CableCommand(bool is_plugged_in);
+
 /// How a machine told the emulator to end.
 enum class MachineEnd { kNone, kRestart, kPowerOff };
 

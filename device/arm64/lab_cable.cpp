@@ -5,6 +5,8 @@
 #include <linux/ethtool.h>
 #include <linux/if_ether.h>
 #include <linux/if_packet.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
 #include <linux/sockios.h>
 #include <net/if.h>
 #include <sys/ioctl.h>
@@ -12,6 +14,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <string_view>
@@ -53,6 +56,16 @@ bool SilenceKernel(int socket, ifreq request) {
   return ioctl(socket, SIOCSIFFLAGS, &request) == 0;
 }
 
+/// @return a socket that tells of changes to network ports.
+UniqueFd ListenToPorts() {
+  UniqueFd changes(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE));
+  sockaddr_nl group{};
+  group.nl_family = AF_NETLINK;
+  group.nl_groups = RTMGRP_LINK;
+  if (bind(changes.Get(), reinterpret_cast<const sockaddr*>(&group), sizeof(group)) != 0) changes.Reset();
+  return changes;
+}
+
 }  // namespace
 
 std::string LabCable::Open() {
@@ -73,8 +86,19 @@ std::string LabCable::Open() {
   if (setsockopt(socket.Get(), SOL_PACKET, PACKET_IGNORE_OUTGOING, &ignore, sizeof(ignore)) != 0 ||
       bind(socket.Get(), reinterpret_cast<const sockaddr*>(&place), sizeof(place)) != 0)
     return Problem("packets");
+  changes_ = ListenToPorts();
+  if (!changes_) return Problem("changes");
   socket_ = std::move(socket);
   return "";
+}
+
+bool LabCable::IsPluggedIn() const {
+  std::array<char, 4096> change{};
+  while (recv(changes_.Get(), change.data(), change.size(), 0) > 0) {
+    // They only wake; the port tells.
+  }
+  ifreq request = RequestFor(kCableEnd);
+  return ioctl(socket_.Get(), SIOCGIFFLAGS, &request) == 0 && (request.ifr_flags & IFF_RUNNING) != 0;
 }
 
 }  // namespace device

@@ -119,6 +119,7 @@ class Machine {
     std::vector<pollfd> waiting{{channel_.Descriptor(), POLLIN, 0},
                                 {signals, POLLIN, 0},
                                 {monitor_.Get(), POLLIN, 0},
+                                {cable_.Changes(), POLLIN, 0},
                                 {frames_.Closed() ? -1 : frames_.Descriptor(), line_events, 0}};
     console_.Watch(waiting);
     network_.Watch(waiting);
@@ -133,7 +134,8 @@ class Machine {
     network_.Pass();
     if (waiting[2].revents != 0) ListenToMonitor();
     frames_.Flush();
-    if (waiting[3].revents != 0) frames_.Receive();
+    if (waiting[3].revents != 0) LookAtCable();
+    if (waiting[4].revents != 0) frames_.Receive();
     while (std::optional<Frame> frame = frames_.Next()) Handle(*frame);
     if (waiting[0].revents != 0) ListenToLauncher();
     streams_.Carry();
@@ -152,6 +154,11 @@ class Machine {
     const ssize_t length = recv(monitor_.Get(), block.data(), block.size(), MSG_DONTWAIT);
     if (length > 0) monitor_says_.append(block.data(), static_cast<std::size_t>(length));
     if (length == 0) monitor_.Reset();
+  }
+
+  void LookAtCable() {
+    const std::string command = CableCommand(cable_.IsPluggedIn());
+    (void)send(monitor_.Get(), command.data(), command.size(), MSG_DONTWAIT);
   }
 
   void ListenToLauncher() {

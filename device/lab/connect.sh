@@ -12,9 +12,8 @@ ip addr replace 10.1.0.1/32 dev lo || exit 1
 settings=/proc/sys/net/ipv6/conf/lab0
 if [ -d $settings ]; then
   echo 0 > $settings/accept_dad        # an address is usable at once; nobody else can have it
-  echo 1 > $settings/keep_addr_on_down # a cable that is pulled out and put in again finds all as it was
+  echo 1 > $settings/keep_addr_on_down # a cable that is pulled out and put in again finds the host as it was
   ip addr add fd00::1/64 dev lab0 || exit 1
-  ip addr add fe80::1/64 dev lab0 || exit 1
   ip addr replace fd00:1::1/128 dev lo || exit 1
 fi
-ip link set lab0 up
+busybox sh "${0%/*}/cable.sh" in
