@@ -44,6 +44,7 @@ PackageVerdict OpenPackage(const char* path, PKG_READER_S*& reader) {
   }
   package->source.usMode = kPackageInFile;
   package->source.stream = stream.release();  // closed with the package
+  std::setvbuf(package->source.stream, package->stream_buffer, _IOFBF, sizeof(package->stream_buffer));
   const PackageVerdict verdict = ReadMainHead(package->source, package->head);
   if (verdict != PackageVerdict::kGood) {
     return verdict;

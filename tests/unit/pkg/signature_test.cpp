@@ -213,7 +213,7 @@ TEST_F(SignatureTest, PathMustNameTheOpenFile) {
 
 TEST_F(SignatureTest, VerifiedPackageHandsOutOnlyWhatWasVerified) {
   mkpkg::PackageContents contents = Contents();
-  contents.files[3].data.resize(20000);  // so that no stream still holds the description when it is asked for
+  contents.files[3].data.resize(100000);  // so that no stream still holds the description when it is asked for
   for (const bool in_head : {false, true}) {
     for (const std::size_t changed : {kDescriptionData, kDescriptionData - kFileHeadSize + 50}) {
       std::string package = Sign(Compose(contents), {.in_head = in_head, .key_name = "maker"});
