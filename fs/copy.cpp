@@ -66,8 +66,7 @@ bool MayWrite(const NamedFile& destination) {
   return IsConfirmed();
 }
 
-std::uint32_t FailWithoutRoom(const char* destination) {
-  (void)std::remove(destination);  // what there is of it is of no use; there may be nothing
+std::uint32_t FailWithoutRoom() {
   sync();
   return Refuse(kNoRoom);
 }
@@ -90,10 +89,11 @@ std::uint32_t ESH_ProcCopy() {
   }
   // What cannot be removed is not written into either: a fifo would never let the shell go.
   if (EntryExists(destination.full) && std::remove(destination.full) != 0) {
-    return FailWithoutRoom(destination.full);
+    return FailWithoutRoom();
   }
   if (!CopyFile(source.full, destination.full, status.st_mode)) {
-    return FailWithoutRoom(destination.full);
+    (void)std::remove(destination.full);  // a part is of no use; there may be none
+    return FailWithoutRoom();
   }
   std::printf(kCopied, source.display, destination.display);
   return kSuccess;

@@ -1,0 +1,145 @@
+#include <algorithm>
+#include <cerrno>
+#include <set>
+
+#include "tests/device/operator_console.h"
+
+namespace {
+
+constexpr int kHalf = 0;   // the call does half of its work
+constexpr int kKill = -1;  // the shell is killed in it
+
+constexpr char kDone[] = "Done.";
+constexpr char kNoRoom[] = "Failed to finish the operation because of insufficient storage space";
+constexpr char kNotDone[] = "Execution failure.";
+constexpr char kQuiet[] = "";
+
+/// What a command may leave behind, all files of the medium in order as NAME:CONTENT. "A" is the whole source, "O" the
+/// older file, "?" a part.
+struct Ending {
+  const char* says;  // what the last line begins with
+  std::string files;
+};
+
+/// A command, the calls that fail in it one after another, and how it may end.
+struct Faults {
+  const char* line;
+  const char* answers;
+  int error;
+  std::set<std::string> calls;
+  std::vector<Ending> endings;  // the first: nothing failed that counts
+};
+
+/// A shell whose n-th call of a kind fails, for every n that the command gets to.
+class NativeFileFaults : public OperatorConsole {
+ protected:
+  void SetUp() override {
+    OperatorConsole::SetUp();
+    options.host_files.push_back({ESH_FAULTS_LIBRARY, "/lib/faults.so"});
+    options.environment.push_back("LD_PRELOAD=/lib/faults.so");
+    options.environment.emplace_back("ASAN_OPTIONS=verify_asan_link_order=0:allocator_may_return_null=1");
+    options.media = {{"flash:", 4 << 20, ""}};
+  }
+
+  /// A source of three blocks and a bit, an older file, a folder with a file and an empty one.
+  void Prepare() { Run("cd /mnt/flash: && rm -rf * && mkdir dir empty && cp /tmp/a /tmp/o . && cp /tmp/o dir/x"); }
+
+  std::string Files() {
+    return Run(
+        "cd /mnt/flash:; for f in *; do printf ' %s' $f; [ -d $f ] && continue; printf :; "
+        "if cmp -s $f /tmp/a; then printf A; elif cmp -s $f /tmp/o; then printf O; else printf '?'; fi; done");
+  }
+
+  /// Runs one command whose n-th call fails. @return whether it got there.
+  bool RunWithFault(const Faults& faults, const std::string& call, int number) {
+    Prepare();
+    const std::string descriptors = Run("ls /proc/" + shell_ + "/fd");
+    if (faults.answers[0] == '\0') Plan(call, number, faults.error);
+    Type(std::string(faults.line) + "\r");
+    for (const char* answer = faults.answers; *answer != '\0'; ++answer) {
+      Expect("[Y/N]:");
+      if (answer[1] == '\0') Plan(call, number, faults.error);
+      Type({answer, 1});
+      Type("\r");
+    }
+    const std::string printed = Expect("<boot>");
+    const bool reached = Run("cat /tmp/fault").find(" 0 ") != std::string::npos;
+    Run("rm /tmp/fault");
+    const std::string files = Files();
+    const auto fits = [&](const Ending& ending) {
+      return printed.find(ending.says) != std::string::npos && files == ending.files;
+    };
+    EXPECT_TRUE(std::any_of(faults.endings.begin(), faults.endings.end(), fits)) << printed << files;
+    EXPECT_EQ(Run("ls /proc/" + shell_ + "/fd"), descriptors);
+    return reached;
+  }
+
+  void Plan(const std::string& call, int number, int error) {
+    ASSERT_TRUE(Board().WriteFile("/tmp/fault", call + " " + std::to_string(number) + " " + std::to_string(error)));
+  }
+
+  void BootShell() {
+    BootToPrompt();
+    Run("cd /tmp && dd if=/dev/urandom of=a bs=1000 count=100 2>/dev/null; echo older > o");
+    shell_ = ShellPid();
+  }
+
+  std::string shell_;
+};
+
+TEST_F(NativeFileFaults, EveryCallMayFail) {
+  constexpr char kBefore[] = " a:A dir empty o:O";
+  const Faults kFaults[] = {
+      // A failure on the way leaves no part; what was overwritten is lost, and only a read error is taken for the end.
+      {"copy a x",
+       "y",
+       ENOSPC,
+       {"creat", "open", "write", "fsync", "close", "malloc"},
+       {{kDone, " a:A dir empty o:O x:A"}, {kNoRoom, kBefore}}},
+      {"copy a x", "y", kHalf, {"write"}, {{kDone, " a:A dir empty o:O x:A"}, {kNoRoom, kBefore}}},
+      {"copy a x", "y", EIO, {"read"}, {{kDone, " a:A dir empty o:O x:A"}, {kDone, " a:A dir empty o:O x:?"}}},
+      {"copy a o",
+       "yy",
+       EIO,
+       {"creat", "open", "write", "fsync", "close", "malloc"},
+       {{kDone, " a:A dir empty o:A"}, {kNoRoom, " a:A dir empty"}}},
+      {"copy a o", "yy", EROFS, {"remove"}, {{kDone, " a:A dir empty o:A"}, {kNoRoom, kBefore}}},
+      {"move a x", "y", EAGAIN, {"fork"}, {{kQuiet, " dir empty o:O x:A"}, {kNoRoom, kBefore}}},
+      {"move a o", "y", EAGAIN, {"fork"}, {{kQuiet, " dir empty o:A"}, {kNoRoom, " a:A dir empty"}}},
+      {"delete a", "y", EROFS, {"remove"}, {{kDone, " dir empty o:O"}, {kNotDone, kBefore}}},
+      {"rmdir empty", "y", EIO, {"opendir"}, {{"removed.", " a:A dir o:O"}, {"The directory doesn't exist.", kBefore}}},
+      {"rmdir empty", "y", EBUSY, {"rmdir"}, {{"removed.", " a:A dir o:O"}, {"Failed to remove directory.", kBefore}}},
+      {"format flash:", "y", EAGAIN, {"fork"}, {{kQuiet, kBefore}, {"Formatting flash: ... done.", " *:?"}}},
+      {"format flash:", "y", EIO, {"chdir"}, {{"Formatting flash: ... done.", " *:?"}}},
+      {"mkdir x", "", EROFS, {"mkdir"}, {{"created.", " a:A dir empty o:O x"}, {kNotDone, kBefore}}},
+      // The fault may also meet what reads the line.
+      {"more o", "", EIO, {"open", "read"}, {{"older", kBefore}, {kNotDone, kBefore}, {kQuiet, kBefore}}},
+      {"more a", "", ENOMEM, {"malloc"}, {{"Not a text file.", kBefore}, {kQuiet, kBefore}}},
+  };
+  BootShell();
+  for (const Faults& faults : kFaults) {
+    for (const std::string& call : faults.calls) {
+      int number = 1;
+      for (; RunWithFault(faults, call, number) && !HasFailure(); ++number) {
+      }
+      ASSERT_FALSE(HasFailure()) << faults.line << ": " << call << " number " << number;
+      EXPECT_GT(number, 1) << faults.line << " never calls " << call;
+    }
+  }
+  EXPECT_EQ(Command("pwd"), "flash:\n");
+}
+
+TEST_F(NativeFileFaults, AShellKilledInACopyLosesNoSource) {
+  for (int number = 1; number <= 5; ++number) {  // the fifth does not come: the file has four blocks
+    BootShell();
+    Prepare();
+    Type("copy a x\r");
+    Expect("[Y/N]:");
+    Plan("write", number, kKill);
+    Type("y\r");
+    Expect(number < 5 ? "Press Enter to start the emergency shell again" : "Done.");
+    EXPECT_NE(Files().find("a:A"), std::string::npos);
+  }
+}
+
+}  // namespace
