@@ -1,80 +1,32 @@
 /// The shell on a console: what a key costs, what waiting costs, and how long it takes from exec to prompt.
 #include "tests/support/console.h"
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
+#include "bench/booted_shell.h"
 #include "bench/measure.h"
-#include "tests/support/private_root.h"
 #include "tests/unit/term/editor_model.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr char kMachine[] = "/host";  // where the private root keeps the machine's
 constexpr char kTrace[] = "/tmp/trace";
-constexpr char kPrompt[] = "<boot>";
 constexpr char kPeerPrompt[] = "ready>";
 constexpr int kStarts = 41;
 constexpr int kIdleSeconds = 5;
 
-/// A device whose start-up script is empty, whose modules are loaded, and whose only tool is busybox.
-void PrepareDevice() {
-  const std::string failure = EnterPrivateRoot();
-  Require(failure.empty(), failure.c_str());
-  fs::remove("/bin");  // it was a link to the machine's, which a shell that fails to start would change
-  fs::create_directory("/bin");
-  fs::create_symlink(std::string(kMachine) + "/bin/busybox", "/bin/busybox");
-  AddMedium("flash:");
-  WriteFile("/proc/modules", "addon 16384 0 - Live 0x0\n");
-  WriteFile("/etc/pkg/esh/mount.sh", "#!/bin/busybox sh\n");
-  fs::permissions("/etc/pkg/esh/mount.sh", fs::perms::owner_all);
-}
-
-void Execute(std::vector<std::string> words) {
-  std::vector<char*> arguments;
-  for (std::string& word : words) {
-    arguments.push_back(word.data());
-  }
-  arguments.push_back(nullptr);
-  execv(arguments[0], arguments.data());
-}
-
-/// Becomes the shell. It takes the console by itself, which it could not while this session holds it.
-void BecomeShell(const std::vector<std::string>& command) {
-  const std::string_view console(ttyname(STDIN_FILENO));
-  WriteFile("/etc/pkg/esh/ttyname.conf", std::string(console.substr(console.find("/dev"))));
-  std::signal(SIGHUP, SIG_IGN);
-  ioctl(STDIN_FILENO, TIOCNOTTY);
-  std::signal(SIGHUP, SIG_DFL);
-  Execute(command);
-}
-
 void BecomePeer() {
   setenv("PS1", kPeerPrompt, 1);
   Execute({"/bin/busybox", "ash"});
-}
-
-/// Ends a process and all that it started: the shell is not the console's own child.
-void EndFamily(pid_t process) {
-  const std::string id = std::to_string(process);
-  std::ifstream children(kMachine + ("/proc/" + id) + "/task/" + id + "/children");
-  for (pid_t child = 0; children >> child;) {
-    EndFamily(child);
-  }
-  kill(process, SIGKILL);
 }
 
 double MillisToPrompt(std::string_view prompt, const Console::Body& body) {
@@ -182,7 +134,7 @@ void MeasureKeys(const std::string& shell) {
 
 int main(int argc, char** argv) {
   Require(argc == 2, "usage: bench_console SHELL");
-  const std::string shell = kMachine + fs::absolute(argv[1]).string();
+  const std::string shell = ShellOnDevice(argv[1]);
   PrepareDevice();
   MeasureKeys(shell);
   MeasureStart(shell);

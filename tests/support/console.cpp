@@ -95,6 +95,14 @@ std::string Console::ReadUntil(std::string_view mark) const {
   return output;
 }
 
+std::string Console::ReadUntilOneOf(std::initializer_list<std::string_view> marks) const {
+  std::string output;
+  const auto ends_in = [&output](std::string_view mark) { return output.ends_with(mark); };
+  while (!std::any_of(marks.begin(), marks.end(), ends_in) && ReadMore(output, SIZE_MAX)) {
+  }
+  return output;
+}
+
 std::string Console::ReadToEnd() const { return Read(SIZE_MAX); }
 
 std::string Console::NextReport() const {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,8 @@ class Console {
   [[nodiscard]] std::string Read(std::size_t count) const;
   /// Waits for output that ends in `mark`.
   [[nodiscard]] std::string ReadUntil(std::string_view mark) const;
+  /// Waits for output that ends in one of these marks, behind which the child waits for a key.
+  [[nodiscard]] std::string ReadUntilOneOf(std::initializer_list<std::string_view> marks) const;
   /// All that the child wrote until it ended.
   [[nodiscard]] std::string ReadToEnd() const;
   /// Waits for the child's next message; empty when there will be none.
