@@ -1,8 +1,8 @@
 #include "pkg/base64.h"
 
-#include <openssl/evp.h>
-
 #include <algorithm>
+
+#include "pkg/fips_crypto.h"
 
 namespace {
 
@@ -25,8 +25,8 @@ std::optional<std::size_t> DecodeBase64(std::string_view text, std::span<std::ui
       text.find_first_not_of('=', digits) != std::string_view::npos) {
     return std::nullopt;
   }
-  const int decoded =
-      EVP_DecodeBlock(out.data(), reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
+  const int decoded = DecodeBase64Groups(out.data(), reinterpret_cast<const unsigned char*>(text.data()),
+                                         static_cast<int>(text.size()));
   if (decoded < 0) {
     return std::nullopt;
   }

@@ -1,83 +1,93 @@
 #include "pkg/fips_crypto.h"
 
-#include <openssl/bn.h>
 #include <openssl/core_names.h>
-#include <openssl/crypto.h>
-#include <openssl/evp.h>
-#include <openssl/param_build.h>
-#include <openssl/rsa.h>
+
+#include "pkg/crypto_library.h"
+
+/// Whoever holds a context, number or key had the library to make it; only what makes them asks whether it is there.
 
 namespace {
 
 struct ParamBuilderFreer {
-  void operator()(OSSL_PARAM_BLD* builder) const { OSSL_PARAM_BLD_free(builder); }
+  void operator()(OSSL_PARAM_BLD* builder) const { Crypto()->OSSL_PARAM_BLD_free(builder); }
 };
 struct ParamsFreer {
-  void operator()(OSSL_PARAM* params) const { OSSL_PARAM_free(params); }
+  void operator()(OSSL_PARAM* params) const { Crypto()->OSSL_PARAM_free(params); }
 };
 struct KeyContextFreer {
-  void operator()(EVP_PKEY_CTX* context) const { EVP_PKEY_CTX_free(context); }
+  void operator()(EVP_PKEY_CTX* context) const { Crypto()->EVP_PKEY_CTX_free(context); }
 };
 using UniqueParams = std::unique_ptr<OSSL_PARAM, ParamsFreer>;
 using UniqueKeyContext = std::unique_ptr<EVP_PKEY_CTX, KeyContextFreer>;
 
-/// What decides over a package is built in: no file of the device may put other algorithms in its place.
-void SetUpLibrary() { (void)OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CONFIG, nullptr); }
-
 UniqueParams KeyParams(const BIGNUM* modulus, const BIGNUM* exponent) {
-  const std::unique_ptr<OSSL_PARAM_BLD, ParamBuilderFreer> builder(OSSL_PARAM_BLD_new());
-  if (builder == nullptr || OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_N, modulus) != 1 ||
-      OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, exponent) != 1) {
+  const std::unique_ptr<OSSL_PARAM_BLD, ParamBuilderFreer> builder(Crypto()->OSSL_PARAM_BLD_new());
+  if (builder == nullptr || Crypto()->OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_N, modulus) != 1 ||
+      Crypto()->OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, exponent) != 1) {
     return nullptr;
   }
-  return UniqueParams(OSSL_PARAM_BLD_to_param(builder.get()));
+  return UniqueParams(Crypto()->OSSL_PARAM_BLD_to_param(builder.get()));
 }
 
 }  // namespace
 
 const EVP_MD* FIPS_evp_sha256() {
-  SetUpLibrary();
-  return EVP_sha256();
+  const CryptoLibrary* crypto = Crypto();
+  return crypto == nullptr ? nullptr : crypto->EVP_sha256();
 }
 
-void FIPS_md_ctx_init(FIPS_MD_CTX* ctx) { ctx->context = EVP_MD_CTX_new(); }
+void FIPS_md_ctx_init(FIPS_MD_CTX* ctx) {
+  const CryptoLibrary* crypto = Crypto();
+  ctx->context = crypto == nullptr ? nullptr : crypto->EVP_MD_CTX_new();
+}
 
 int FIPS_digestinit(FIPS_MD_CTX* ctx, const EVP_MD* method) {
-  return ctx->context == nullptr ? 0 : EVP_DigestInit_ex(ctx->context, method, nullptr);
+  return ctx->context == nullptr ? 0 : Crypto()->EVP_DigestInit_ex(ctx->context, method, nullptr);
 }
 
 int FIPS_digestupdate(FIPS_MD_CTX* ctx, const void* data, std::size_t length) {
-  return EVP_DigestUpdate(ctx->context, data, length);
+  return Crypto()->EVP_DigestUpdate(ctx->context, data, length);
 }
 
 int FIPS_digestfinal(FIPS_MD_CTX* ctx, unsigned char* digest, unsigned* length) {
-  return ctx->context == nullptr ? 0 : EVP_DigestFinal_ex(ctx->context, digest, length);
+  return ctx->context == nullptr ? 0 : Crypto()->EVP_DigestFinal_ex(ctx->context, digest, length);
 }
 
 int FIPS_md_ctx_copy(FIPS_MD_CTX* to, const FIPS_MD_CTX* from) {
-  return to->context == nullptr ? 0 : EVP_MD_CTX_copy_ex(to->context, from->context);
+  return to->context == nullptr ? 0 : Crypto()->EVP_MD_CTX_copy_ex(to->context, from->context);
 }
 
 void FIPS_md_ctx_cleanup(FIPS_MD_CTX* ctx) {
-  EVP_MD_CTX_free(ctx->context);
-  ctx->context = nullptr;
+  if (ctx->context != nullptr) {
+    Crypto()->EVP_MD_CTX_free(ctx->context);
+    ctx->context = nullptr;
+  }
 }
 
-void BigNumberFreer::operator()(BIGNUM* number) const { BN_free(number); }
+void BigNumberFreer::operator()(BIGNUM* number) const { Crypto()->BN_free(number); }
 
 BIGNUM* FIPS_bn_bin2bn(const unsigned char* bytes, int length, BIGNUM* number) {
-  SetUpLibrary();
-  return BN_bin2bn(bytes, length, number);
+  const CryptoLibrary* crypto = Crypto();
+  return crypto == nullptr ? nullptr : crypto->BN_bin2bn(bytes, length, number);
 }
 
-void RsaKeyFreer::operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
+bool IsOddAboveOne(const BIGNUM* number) {
+  return Crypto()->BN_is_odd(number) == 1 && Crypto()->BN_is_one(number) == 0;
+}
+
+bool IsBelow(const BIGNUM* number, std::uint32_t bound) {
+  constexpr int kBoundBits = 32;
+  return Crypto()->BN_num_bits(number) <= kBoundBits && Crypto()->BN_get_word(number) < bound;
+}
+
+void RsaKeyFreer::operator()(EVP_PKEY* key) const { Crypto()->EVP_PKEY_free(key); }
 
 UniqueRsaKey MakeRsaPublicKey(const BIGNUM* modulus, const BIGNUM* exponent) {
   const UniqueParams params = KeyParams(modulus, exponent);
-  const UniqueKeyContext context(EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr));
+  const UniqueKeyContext context(Crypto()->EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr));
   EVP_PKEY* key = nullptr;
-  if (params == nullptr || context == nullptr || EVP_PKEY_fromdata_init(context.get()) != 1 ||
-      EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY, params.get()) != 1) {
+  if (params == nullptr || context == nullptr || Crypto()->EVP_PKEY_fromdata_init(context.get()) != 1 ||
+      Crypto()->EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY, params.get()) != 1) {
     return nullptr;
   }
   return UniqueRsaKey(key);
@@ -85,13 +95,19 @@ UniqueRsaKey MakeRsaPublicKey(const BIGNUM* modulus, const BIGNUM* exponent) {
 
 int FIPS_rsa_public_decrypt(int length, const unsigned char* from, unsigned char* to, EVP_PKEY* key, int padding) {
   static_assert(kPkcs1Padding == RSA_PKCS1_PADDING);
-  const UniqueKeyContext context(EVP_PKEY_CTX_new(key, nullptr));
+  const UniqueKeyContext context(Crypto()->EVP_PKEY_CTX_new(key, nullptr));
   std::size_t signed_length = kMostSigned;
   // Without a digest's name set, what was signed comes out as it is, an algorithm prefix included.
-  if (length < 0 || context == nullptr || EVP_PKEY_verify_recover_init(context.get()) != 1 ||
-      EVP_PKEY_CTX_set_rsa_padding(context.get(), padding) != 1 ||
-      EVP_PKEY_verify_recover(context.get(), to, &signed_length, from, static_cast<std::size_t>(length)) != 1) {
+  if (length < 0 || context == nullptr || Crypto()->EVP_PKEY_verify_recover_init(context.get()) != 1 ||
+      Crypto()->EVP_PKEY_CTX_set_rsa_padding(context.get(), padding) != 1 ||
+      Crypto()->EVP_PKEY_verify_recover(context.get(), to, &signed_length, from, static_cast<std::size_t>(length)) !=
+          1) {
     return -1;
   }
   return static_cast<int>(signed_length);
+}
+
+int DecodeBase64Groups(unsigned char* out, const unsigned char* text, int length) {
+  const CryptoLibrary* crypto = Crypto();
+  return crypto == nullptr ? -1 : crypto->EVP_DecodeBlock(out, text, length);
 }

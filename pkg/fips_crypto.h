@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 struct bignum_st;
@@ -9,7 +10,7 @@ struct evp_md_st;
 struct evp_pkey_st;
 
 /// The cryptography of packages: the FIPS entry points on top of libcrypto. Functions that return int return 1 when
-/// all went well. libcrypto is set up at the first call, not when the shell starts, and reads no configuration.
+/// all went well. Where libcrypto is missing, nothing can be made and no package is genuine.
 
 /// A running digest.
 struct FIPS_MD_CTX {
@@ -37,6 +38,10 @@ using UniqueBigNumber = std::unique_ptr<bignum_st, BigNumberFreer>;
 /// @return the number; none when memory is short.
 [[nodiscard]] bignum_st* FIPS_bn_bin2bn(const unsigned char* bytes, int length, bignum_st* number);
 
+/// Whether a number is neither 0, 1 nor even.
+[[nodiscard]] bool IsOddAboveOne(const bignum_st* number);
+[[nodiscard]] bool IsBelow(const bignum_st* number, std::uint32_t bound);
+
 struct RsaKeyFreer {
   void operator()(evp_pkey_st* key) const;
 };
@@ -56,3 +61,7 @@ inline constexpr int kPkcs1Padding = 1;  ///< PKCS #1, block type 1
 
 /// Room for a block of the largest key in use.
 inline constexpr std::size_t kMostSigned = 256;
+
+/// Decodes whole groups of base64, with blanks around them and "=" anywhere: DecodeBase64 says what may be decoded.
+/// @return three bytes for each group, or -1.
+[[nodiscard]] int DecodeBase64Groups(unsigned char* out, const unsigned char* text, int length);

@@ -1,7 +1,5 @@
 #include "pkg/public_key.h"
 
-#include <openssl/bn.h>
-
 #include <algorithm>
 #include <climits>
 
@@ -10,18 +8,10 @@
 
 namespace {
 
-constexpr BN_ULONG kLeastPrefixedExponent = 65537;
-constexpr int kMostWordBits = 32;
+constexpr std::uint32_t kLeastPrefixedExponent = 65537;
 
 UniqueBigNumber ReadNumber(std::span<const std::uint8_t> bytes) {
   return UniqueBigNumber(FIPS_bn_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr));
-}
-
-/// Neither number of a key is 0, 1 or even.
-bool IsOddAboveOne(const BIGNUM* number) { return BN_is_odd(number) == 1 && BN_is_one(number) == 0; }
-
-bool IsBelow(const BIGNUM* number, BN_ULONG bound) {
-  return BN_num_bits(number) <= kMostWordBits && BN_get_word(number) < bound;
 }
 
 bool IsPlainName(std::string_view name) {
