@@ -13,7 +13,7 @@ build_packages=(
   libgtest-dev libvterm-dev
   busybox-static openssh-client
 )
-test_packages=(clang-format clang-tidy clang libclang-rt-dev)
+test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl python3 mandoc)
 bench_packages=(libcli-dev strace valgrind)
 arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm)
 

@@ -1,0 +1,144 @@
+"""Judges packages without a line of the shell's code, so that two people would have to make the same mistake."""
+
+import base64
+import binascii
+import hashlib
+import re
+import struct
+
+HEAD = 6180
+FILE_HEAD = 340
+TRAILER_FORMAT = 0xFF00A105
+HOST_ORDER = 0xFFFFFFFF
+STORED = 0xFFFFFFFF
+HEAD_KEY = b"digital_sign_old_public"
+
+TRAILER = [
+    re.compile(
+        (
+            rb"--=</Begin %sSigned File Fingerprint\\>=--\n"
+            rb"Fingerprint Length: ([0-9]{6})\n"
+            rb"Key: ([^\x00\t\n\v\f\r ]+)\n"
+            rb"Hash: sha256\n"
+            rb"Signature: ([^\x00\t\n\v\f\r ]+)\n"
+            rb"Fingerprint Length: ([0-9]{6})\n"
+            rb"--=</End %sSigned File Fingerprint\\>=--\n"
+        )
+        % (word, word)
+    )
+    for word in (b"", b"Kelvane ")
+]
+BASE64 = re.compile(rb"(?:[A-Za-z0-9+/]{4})*(?:[A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=)?")
+
+
+def crc16(data):
+    """CRC-16/XMODEM."""
+    return binascii.crc_hqx(data, 0)
+
+
+def opened_block(signature, modulus, exponent):
+    """What RSA and PKCS #1 type 1 padding leave of a signature; None when they leave nothing."""
+    size = (modulus.bit_length() + 7) // 8
+    number = int.from_bytes(signature, "big")
+    if len(signature) > size or number >= modulus or exponent >= modulus:
+        return None
+    block = pow(number, exponent, modulus).to_bytes(size, "big")
+    match = re.match(rb"\x00\x01\xff{8,}\x00", block)
+    return block[match.end() :] if match else None
+
+
+def key_accepts(key, signature, digest):
+    """Whether a device's key file accepts a signature for a digest."""
+    if len(key) not in (514, 516):
+        return False
+    modulus = int.from_bytes(key[-512:-256], "big")
+    exponent = int.from_bytes(key[-256:], "big")
+    if any(number < 2 or number % 2 == 0 for number in (modulus, exponent)):
+        return False
+    if len(key) == 516 and exponent < 65537:
+        return False
+    block = opened_block(signature, modulus, exponent)
+    if block is None:
+        return False
+    return block == digest if len(key) == 514 else len(block) >= 32 and block[-32:] == digest
+
+
+def claim(package, word):
+    """Which bytes are signed, with which signature and key; None when the package makes no claim."""
+    if word(3104) != TRAILER_FORMAT:
+        length = word(3108)
+        return None if length > 2048 else (HEAD, len(package), package[3120 : 3120 + length], HEAD_KEY)
+    if len(package) < HEAD + word(28):
+        return None
+    tail = package[-100:]
+    at = tail.find(b"Fingerprint Length: ")
+    digits = tail[at + 20 : at + 26] if at >= 0 else b""
+    if not re.fullmatch(rb"[0-9]{6}", digits):
+        return None
+    length = int(digits)
+    if length == 0 or length > len(package) - HEAD:
+        return None
+    trailer = package[len(package) - length :]
+    for form in TRAILER:
+        match = form.fullmatch(trailer)
+        if match:
+            break
+    else:
+        return None
+    first, key, signature, second = match.groups()
+    if first != second or len(signature) > 2048 or not BASE64.fullmatch(signature):
+        return None
+    return 0, len(package) - length, base64.b64decode(signature), key
+
+
+def contained(package, words, signed):
+    """What the device hands out of the file of a table's row: digests of its name and data; "-" for nothing."""
+    _, offset, total, check_b, check_a, _ = words
+    begin, end = signed
+    if offset < begin or offset + FILE_HEAD > end:
+        return "-"
+    head = package[offset : offset + FILE_HEAD]
+    order = "=" if struct.unpack_from("=I", head, 44)[0] == HOST_ORDER else ">"
+    stored = struct.unpack_from(order + "I", head, 24)[0]
+    data_length, head_b, compression = struct.unpack_from(order + "III", head, 328)
+    head_a = struct.unpack_from(order + "I", head, 12)[0]
+    data = offset + FILE_HEAD
+    if (head_a, head_b, data_length + FILE_HEAD) != (check_a, check_b, total):
+        return "-"
+    if compression != STORED or stored == 0 or data + stored > end:
+        return "-"
+    name = head[104:328].split(b"\0")[0]
+    return hashlib.sha256(name).hexdigest() + hashlib.sha256(package[data : data + stored]).hexdigest()
+
+
+def judge(package, keys, product_tag):
+    """None for a package that must be refused, otherwise what is handed out of each row of its table.
+
+    keys: name of a key -> bytes of its file; a key that is no plain file is left out.
+    """
+    if len(package) < HEAD:
+        return None
+    order_word = struct.unpack_from("=I", package, 5168)[0]
+    if order_word not in (0, HOST_ORDER):
+        return None
+    order = "=" if order_word == HOST_ORDER else ">"
+
+    def word(offset):
+        return struct.unpack_from(order + "I", package, offset)[0]
+
+    count = word(4)
+    attribute = word(5176)
+    if count > 128 or word(8) != product_tag or product_tag == 0xFFFFFFFF:
+        return None
+    if (attribute & 1 == 1) != (attribute == 1) or word(6176) != crc16(package[:6176]):
+        return None
+    found = claim(package, word)
+    if found is None:
+        return None
+    begin, end, signature, name = found
+    if name.startswith(b".") or b"/" in name or name not in keys:
+        return None
+    if not key_accepts(keys[name], signature, hashlib.sha256(package[begin:end]).digest()):
+        return None
+    rows = [struct.unpack_from(order + "6I", package, 32 + 24 * row) for row in range(count)]
+    return [contained(package, row, (begin, end)) for row in rows]
