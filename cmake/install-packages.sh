@@ -14,7 +14,7 @@ build_packages=(
   busybox-static openssh-client
 )
 test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl python3 mandoc)
-bench_packages=(libcli-dev strace valgrind)
+bench_packages=(libcli-dev openssl strace valgrind)
 arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm)
 
 case ${1-} in
