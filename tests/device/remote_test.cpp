@@ -10,7 +10,7 @@ printf ' <%s>' "$@"
 ignored=0x$(grep SigIgn /proc/$$/status | cut -f 2)
 [ $((ignored & 2)) = 0 ] || printf ' uninterrupted'
 [ $((ignored & 0x80000)) = 0 ] || printf ' unstopped'
-stty -a | grep -q '[^-]echo ' && printf ' echoing'
+stty -a 2> /dev/null | grep -q '[^-]echo ' && printf ' echoing'
 echo
 )";
 
@@ -52,7 +52,7 @@ class RemoteTools : public OperatorConsole {
     }
   }
 
-  std::string Modes() { return Run("stty -a < $(cat /etc/pkg/esh/ttyname.conf)"); }
+  std::string Modes() { return Run("stty -a < " + ConsolePath()); }
 };
 
 TEST_F(RemoteTools, ConnectionsAskForTheAddressFirstAndIgnoreCtrlC) {
