@@ -1,0 +1,173 @@
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+#include "tests/device/lab_console.h"
+
+namespace {
+
+constexpr char kLogin[] = "operator\rharbour\r";
+constexpr char kLoginShown[] = "user:operator\npassword:*******\n";
+
+/// Bytes of which no two blocks are alike.
+std::string Content(std::size_t size) {
+  std::string bytes(size, '\0');
+  for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7 + i / 512 + i / 131072);
+  return bytes;
+}
+
+class Transfers : public LabConsole {
+ protected:
+  void Serve(const std::string& name, const std::string& bytes) const {
+    std::ofstream(Served(name), std::ios::binary) << bytes;
+  }
+  [[nodiscard]] std::string Received(const std::string& name) const {
+    std::ifstream file(Served(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  /// @return bytes of a file on the device; -1: there is none.
+  long SizeOf(const std::string& path) { return std::stol(Run("stat -c %s '" + path + "' 2> /dev/null || echo -1")); }
+};
+
+/// The same on the native device alone: on the emulated one it takes minutes.
+class NativeTransfers : public Transfers {};
+
+TEST_F(Transfers, BringWhatWasSent) {
+  BootIntoLab();
+  struct Way {
+    const char* command;
+    const char* answers;
+    const char* printed;
+  };
+  constexpr Way kWays[] = {{"tftp 10.0.0.1", "", ""},
+                           {"tftp ipv6 fd00::1", "", ""},
+                           {"ftp 10.1.0.1", kLogin, kLoginShown},
+                           {"ftp ipv6 fd00:1::1", kLogin, kLoginShown}};
+  for (const Way& way : kWays) {
+    const std::string command = way.command;
+    for (const std::size_t size : {std::size_t{0}, std::size_t{1024}, std::size_t{70001}}) {  // 1024: no short block
+      SCOPED_TRACE(command + " " + std::to_string(size));
+      Serve("there", Content(size));
+      EXPECT_EQ(Ask(command + " get there flash:/here", way.answers), way.printed);
+      EXPECT_EQ(Ask(command + " put here back", way.answers), way.printed);
+      EXPECT_EQ(Received("back"), Content(size));
+      Run("rm /mnt/flash:/here");
+      std::filesystem::remove(Served("back"));
+    }
+  }
+}
+
+TEST_F(NativeTransfers, OfMoreBlocksThanTftpHasNumbersFor) {
+  options.media[0].bytes = 64 << 20;
+  BootIntoLab();
+  const std::string bytes = Content(35 << 20);
+  Serve("there", bytes);
+  for (const char* line : {"tftp 10.0.0.1 get there flash:/here", "tftp ipv6 fd00::1 put here back"}) {
+    Type(std::string(line) + "\r");
+    Expect("\n");
+    // A loaded machine may need longer than anything else is waited for.
+    for (int i = 0; i < 90 && Run("sleep 1; pidof tftp || true") != ""; ++i) Listen(std::chrono::milliseconds(0));
+    EXPECT_EQ(Expect("<boot>"), "<boot>");
+  }
+  EXPECT_TRUE(Received("back") == bytes);
+}
+
+TEST_F(Transfers, ThatAreRefusedLeaveTheOldFileAlone) {
+  options.media[1].bytes = 4 << 20;
+  BootIntoLab();
+  Serve("big", Content(8 << 20));
+  Run("echo old > /mnt/flash:/old");
+  struct Refusal {
+    std::string line;
+    std::string answers;
+    std::string printed;
+    std::string path;
+    long size;  // of that file afterwards
+  };
+  const std::string login = kLoginShown;
+  const std::string overwrite = "flash:/old already exists. Overwrite it?[Y/N]:y\n";
+  const std::string refused = "can't connect to remote host (10.0.0.1): Connection refused\n";
+  const std::string old = "/mnt/flash:/old";
+  const std::string card = "/mnt/cfa0:/new";
+  const Refusal kRefusals[] = {
+      {"tftp 10.0.0.1 get none flash:/old", "y\r", overwrite + "tftp: server error: (1) File not found\n", old, 4},
+      {"tftp ipv6 fd00::1 get none cfa0:/new", "", "tftp: server error: (1) File not found\n", card, -1},
+      {"ftp 10.0.0.1 get none flash:/old", std::string(kLogin) + "y\r",
+       login + overwrite + "ftpget: unexpected server response to RETR: 550 Failed to open file.\n", old, 4},
+      {"ftp ipv6 fd00::1 get big cfa0:/new", "operator\rharbor\r",
+       "user:operator\npassword:******\nftpget: unexpected server response to PASS: 530 Login incorrect.\n", card, -1},
+      {"ftp 10.0.0.1 put old no/old", kLogin,
+       login + "ftpput: unexpected server response to STOR: 553 Could not create file.\n", old, 4},
+      // The medium is full: one tool removes the part, the other leaves it.
+      {"tftp 10.0.0.1 get big cfa0:/new", "", "tftp: write error\n", card, -1},
+      {"ftp 10.0.0.1 get big cfa0:/part", kLogin, login + "ftpget: write error: No space left on device\n", card, -1},
+  };
+  for (const Refusal& refusal : kRefusals) {
+    EXPECT_EQ(Ask(refusal.line, refusal.answers), refusal.printed) << refusal.line;
+    EXPECT_EQ(SizeOf(refusal.path), refusal.size) << refusal.line;
+  }
+  EXPECT_GT(SizeOf("/mnt/cfa0:/part"), 1 << 20);
+  SignalServer("vsftpd", "KILL");
+  EXPECT_EQ(Ask("ftp 10.0.0.1 get big flash:/old", std::string(kLogin) + "y\r"),
+            login + overwrite + "ftpget: " + refused);
+  EXPECT_EQ(Ask("ftp 10.0.0.1 put old new", kLogin), login + "ftpput: " + refused);
+  EXPECT_EQ(SizeOf(old), 4);
+  EXPECT_EQ(Modes(), PromptModes());
+}
+
+TEST_F(Transfers, ThatBreakLeaveWhatTheToolLeaves) {
+  enum class Left { kNothing, kPart, kWhole };
+  struct Break {
+    const char* why;
+    std::string line;
+    std::string answers;
+    std::function<void()> happens;
+    std::string printed;
+    Left left;
+  };
+  const std::string login = kLoginShown;
+  const auto press_ctrl_c = [this] { Type(kCtrlC); };
+  const auto freeze = [this] {
+    SignalSessions("vsftpd", "STOP");
+    Listen(std::chrono::milliseconds(500));
+    Type(kCtrlC);
+    SignalSessions("vsftpd", "KILL");
+  };
+  const auto end_session = [this] {
+    SignalSessions("vsftpd", "STOP");  // one must not tell of the other's end
+    SignalSessions("vsftpd", "KILL");
+  };
+  const auto pull_cable = [this] { EXPECT_TRUE(Board().PlugCable(false)); };
+  const auto pull_and_plug = [this] {
+    EXPECT_TRUE(Board().PlugCable(false));
+    Listen(std::chrono::milliseconds(500));
+    EXPECT_TRUE(Board().PlugCable(true));
+  };
+  const Break kBreaks[] = {
+      {"Ctrl+C", "tftp 10.0.0.1 get big flash:/new", "", press_ctrl_c, "", Left::kPart},
+      {"Ctrl+C", "ftp 10.0.0.1 get big flash:/new", kLogin, press_ctrl_c, login, Left::kPart},
+      {"the server stops answering", "ftp ipv6 fd00::1 get big flash:/new", kLogin, freeze, login, Left::kPart},
+      {"the server ends the connection in mid file", "ftp 10.0.0.1 get big flash:/new", kLogin, end_session,
+       login + "ftpget: unexpected server response: EOF\n", Left::kPart},
+      {"the link is gone for a moment", "ftp 10.0.0.1 get big flash:/new", kLogin, pull_and_plug, login, Left::kWhole},
+      {"the link is gone", "tftp 10.0.0.1 get big flash:/new", "", pull_cable, "tftp: timeout\n", Left::kNothing},
+  };
+  constexpr long kSize = 12 << 20;
+  BootIntoLab();
+  Serve("big", Content(kSize));
+  for (const Break& event : kBreaks) {
+    SCOPED_TRACE(event.line + ": " + event.why);
+    Type(event.line + "\r");
+    Expect("\n");
+    Type(event.answers);
+    ASSERT_TRUE(Eventually([&] { return SizeOf("/mnt/flash:/new") > 100000; }));
+    event.happens();
+    EXPECT_EQ(Expect("<boot>"), event.printed + "<boot>");
+    EXPECT_EQ(Modes(), PromptModes());
+    const long size = SizeOf("/mnt/flash:/new");
+    EXPECT_EQ(size < 0 ? Left::kNothing : size < kSize ? Left::kPart : Left::kWhole, event.left) << size;
+    Run("rm -f /mnt/flash:/new");
+  }
+}
+
+}  // namespace
