@@ -73,9 +73,10 @@ TEST_F(NativeTransfers, OfMoreBlocksThanTftpHasNumbersFor) {
 }
 
 TEST_F(Transfers, ThatAreRefusedLeaveTheOldFileAlone) {
-  options.media[1].bytes = 4 << 20;
   BootIntoLab();
-  Serve("big", Content(8 << 20));
+  Serve("big", Content(1 << 20));
+  // Room for less than that; TFTP to the emulated device is slow.
+  Run("cd /mnt/cfa0: && dd if=/dev/zero of=fill bs=1024 count=$(($(df -k . | awk 'END { print $4 }') - 300))");
   Run("echo old > /mnt/flash:/old");
   struct Refusal {
     std::string line;
@@ -106,7 +107,7 @@ TEST_F(Transfers, ThatAreRefusedLeaveTheOldFileAlone) {
     EXPECT_EQ(Ask(refusal.line, refusal.answers), refusal.printed) << refusal.line;
     EXPECT_EQ(SizeOf(refusal.path), refusal.size) << refusal.line;
   }
-  EXPECT_GT(SizeOf("/mnt/cfa0:/part"), 1 << 20);
+  EXPECT_GT(SizeOf("/mnt/cfa0:/part"), 200000);
   SignalServer("vsftpd", "KILL");
   EXPECT_EQ(Ask("ftp 10.0.0.1 get big flash:/old", std::string(kLogin) + "y\r"),
             login + overwrite + "ftpget: " + refused);
@@ -152,7 +153,7 @@ TEST_F(Transfers, ThatBreakLeaveWhatTheToolLeaves) {
       {"the link is gone for a moment", "ftp 10.0.0.1 get big flash:/new", kLogin, pull_and_plug, login, Left::kWhole},
       {"the link is gone", "tftp 10.0.0.1 get big flash:/new", "", pull_cable, "tftp: timeout\n", Left::kNothing},
   };
-  constexpr long kSize = 12 << 20;
+  constexpr long kSize = 8 << 20;
   BootIntoLab();
   Serve("big", Content(kSize));
   for (const Break& event : kBreaks) {
