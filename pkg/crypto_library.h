@@ -42,7 +42,7 @@
   FUNCTION(OSSL_PARAM_free)
 
 struct CryptoLibrary {
-#define ESH_CRYPTO_DECLARE(name) decltype(&::name) name;
+#define ESH_CRYPTO_DECLARE(name) decltype(&::name) name;  // NOLINT(bugprone-macro-parentheses): a name
   ESH_CRYPTO_FUNCTIONS(ESH_CRYPTO_DECLARE)
 #undef ESH_CRYPTO_DECLARE
 };
