@@ -97,8 +97,8 @@ def words_of_the_head(maker, _step):
 
 def wrong_keys(maker, _step):
     """Every key of the device named for a good signature, names that lead elsewhere, and signatures of others."""
-    names = [*maker.keys, b"link", b"directory", b"missing", b"../outside", b"./maker", b".hidden", b"..", b"keys/maker"]
-    names += [b"/etc/hosts", b"maker.key", b"MAKER", b"", b" maker", b"maker ", b"mak er", b"maker\tx", b"m" * 300]
+    names = [*maker.keys, b"link", b"directory", b"missing", b"../outside", b"./maker", b".hidden", b".."]
+    names += [b"keys/maker", b"/etc/hosts", b"maker.key", b"MAKER", b"", b" maker", b"maker ", b"mak er", b"maker\tx", b"m" * 300]
     for key in names:
         yield f"key {key}", trailer_sign(maker.body, maker.pair, key=key)
         yield f"key {key}, with DigestInfo", trailer_sign(maker.body, maker.pair, DIGEST_INFO, key=key)
@@ -143,17 +143,29 @@ def trailers(maker, _step):
         yield made(f"hash {name}", hash=b"Hash: " + name)
     counts = {0, 1, size - 1, size, size + 1, len(body) + size, len(body) + size - HEAD, len(body), 999999}
     texts = [b"%06d" % count for count in sorted(counts)]
-    texts += [b"%05d" % size, b"%07d" % size, b"%d" % size, b"%6d" % size, b"-%05d" % size, b"+%05d" % size, b"0x%04x" % size, b""]
+    texts += [form % size for form in (b"%05d", b"%07d", b"%d", b"%6d", b"-%05d", b"+%05d", b"0x%04x")] + [b""]
     for first in texts:
         for second in texts:
             yield made(f"lengths {first} {second}", lengths=(first, second))
     text = base64.b64encode(good)
     for what, signature in {
-        "empty": b"", "= inside": text[:100] + b"=" + text[101:], "last group cut": text[:-1], "cut by 2": text[:-2],
-        "three =": text[:-3] + b"===", "url alphabet": text.replace(b"+", b"-").replace(b"/", b"_"),
-        "blank": text[:50] + b" " + text[50:], "tab": text[:50] + b"\t" + text[50:], "line end": text[:64] + b"\n" + text[64:],
-        "stranger": b"*" + text[1:], "high": b"\xe9" + text[1:], "2048": b"A" * 2048, "2052": b"A" * 2052,
-        "group more": text + b"AAAA", "padded group more": text + b"AA==", "twice": text + text, "= alone": b"====",
+        "empty": b"",
+        "= inside": text[:100] + b"=" + text[101:],
+        "last group cut": text[:-1],
+        "cut by 2": text[:-2],
+        "three =": text[:-3] + b"===",
+        "url alphabet": text.replace(b"+", b"-").replace(b"/", b"_"),
+        "blank": text[:50] + b" " + text[50:],
+        "tab": text[:50] + b"\t" + text[50:],
+        "line end": text[:64] + b"\n" + text[64:],
+        "stranger": b"*" + text[1:],
+        "high": b"\xe9" + text[1:],
+        "2048": b"A" * 2048,
+        "2052": b"A" * 2052,
+        "group more": text + b"AAAA",
+        "padded group more": text + b"AA==",
+        "twice": text + text,
+        "= alone": b"====",
     }.items():
         yield made(f"signature text {what}", text=signature)
     for what, signature in {"255": good[1:], "cut": good[:-1], "257": good + b"\0", "led by 0": b"\0" + good}.items():
@@ -194,18 +206,29 @@ def paddings(maker, _step):
     """Blocks that are almost padded right, made with the private key, and blocks forged without it."""
     digest = hashlib.sha256(maker.body).digest()
     blocks = {
-        "type 2": b"\x00\x02" + b"\xff" * 221 + b"\x00" + digest, "type 0": b"\x00" * 224 + digest,
-        "no separator": b"\x00\x01" + b"\xff" * 222 + digest, "hole": b"\x00\x01" + b"\xff" * 100 + b"\xfe" + b"\xff" * 120 + b"\x00" + digest,
-        "led by 1": b"\x01\x01" + b"\xff" * 221 + b"\x00" + digest, "early separator": b"\x00\x01" + b"\xff" * 7 + b"\x00" + digest.rjust(246, b"A"),
-        "8 bytes": b"\x00\x01" + b"\xff" * 8 + b"\x00" + digest.rjust(245, b"A"), "garbage behind": b"\x00\x01" + b"\xff" * 8 + b"\x00" + (DIGEST_INFO + digest).ljust(245, b"A"),
+        "type 2": b"\x00\x02" + b"\xff" * 221 + b"\x00" + digest,
+        "type 0": b"\x00" * 224 + digest,
+        "no separator": b"\x00\x01" + b"\xff" * 222 + digest,
+        "hole": b"\x00\x01" + b"\xff" * 100 + b"\xfe" + b"\xff" * 120 + b"\x00" + digest,
+        "led by 1": b"\x01\x01" + b"\xff" * 221 + b"\x00" + digest,
+        "early separator": b"\x00\x01" + b"\xff" * 7 + b"\x00" + digest.rjust(246, b"A"),
+        "8 bytes": b"\x00\x01" + b"\xff" * 8 + b"\x00" + digest.rjust(245, b"A"),
+        "garbage behind": b"\x00\x01" + b"\xff" * 8 + b"\x00" + (DIGEST_INFO + digest).ljust(245, b"A"),
     }
     for what, block in blocks.items():
         for key in (b"maker", b"long"):
             yield f"block {what} for {key}", maker.body + trailer(maker.pair.raw(block), key=key)
     for what, block in {
-        "31 bytes": digest[:31], "33 bytes": digest + b"\0", "33, led": b"\0" + digest, "empty": b"", "SHA-1": digest[:20],
-        "digest of nothing": hashlib.sha256(b"").digest(), "wrong DigestInfo": b"\x30\x20" + DIGEST_INFO[2:] + digest,
-        "text": digest.hex().encode(), "last bit": digest[:-1] + bytes([digest[-1] ^ 1]), "twice": digest + digest,
+        "31 bytes": digest[:31],
+        "33 bytes": digest + b"\0",
+        "33, led": b"\0" + digest,
+        "empty": b"",
+        "SHA-1": digest[:20],
+        "digest of nothing": hashlib.sha256(b"").digest(),
+        "wrong DigestInfo": b"\x30\x20" + DIGEST_INFO[2:] + digest,
+        "text": digest.hex().encode(),
+        "last bit": digest[:-1] + bytes([digest[-1] ^ 1]),
+        "twice": digest + digest,
     }.items():
         for key in (b"maker", b"long"):
             yield f"signed {what} for {key}", maker.body + trailer(maker.pair.sign(block), key=key)

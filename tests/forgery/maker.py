@@ -184,7 +184,8 @@ class Maker:
         for name, numbers in weak.items():
             for value in (0, 1, 2, n - 1, n, 2**2048 - 1):
                 for size in (514, 516):
-                    keys[b"%s-%s-%d" % (name.encode(), str(value)[:4].encode(), size)] = device_key(*numbers(value), size)
+                    key_name = f"{name}-{str(value)[:4]}-{size}"
+                    keys[key_name.encode()] = device_key(*numbers(value), size)
         for size in (0, 1, 513, 515, 517, 1028):
             keys[b"size-%d" % size] = (good + good)[:size]
         return keys

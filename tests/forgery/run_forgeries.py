@@ -2,7 +2,7 @@
 """Has the device's verifier and an independent judge look at forged packages; their verdicts must not differ.
 
 Ends with 0 when they agree on every package, the device's verifier survives all of them, leaves no descriptor open and
-does not grow. The last line counts the forgeries.
+does not grow. The last lines count the forgeries.
 """
 
 import argparse
@@ -14,7 +14,7 @@ import tempfile
 
 import forgeries
 import independent_judge
-from maker import PRODUCT_TAG, Maker
+from maker import PRODUCT_TAG, Maker, word
 
 MAX_REPORTED = 20
 
@@ -57,7 +57,7 @@ def openssl_agrees(maker):
     with open(body, "wb") as file:
         file.write(maker.body)
     with open(signature, "wb") as file:
-        file.write(independent_judge.claim(maker.tool_signed, lambda at: int.from_bytes(maker.tool_signed[at : at + 4], "big"))[2])
+        file.write(independent_judge.claim(maker.tool_signed, lambda at: word(maker.tool_signed, at))[2])
     recover = ["openssl", "pkeyutl", "-verifyrecover", "-inkey", maker.pair.pem, "-in", signature]
     block = subprocess.run([*recover, "-pkeyopt", "rsa_padding_mode:pkcs1"], check=True, capture_output=True).stdout
     digest = subprocess.run(["openssl", "dgst", "-sha256", "-binary", body], check=True, capture_output=True).stdout
@@ -68,7 +68,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--mkpkg", required=True, help="the package tool")
     parser.add_argument("--judge", required=True, help="the program that answers for the device")
-    parser.add_argument("--step", type=int, default=1, help="change every STEPth byte only; 1, which is all, by default")
+    parser.add_argument("--step", type=int, default=1, help="change every STEPth byte only; by default 1: all")
     options = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="esh-forgeries.") as directory:
         maker = Maker(options.mkpkg, directory)
@@ -92,7 +92,8 @@ def compare(maker, device, step):
         if (answer[1:] if answer[0] == "good" else None) != expected:
             differences += 1
             if differences <= MAX_REPORTED:
-                print(f"DIFFERENT: {group}: {what}: the device says {answer[0]}, the judge", "no" if expected is None else "good")
+                verdict = "no" if expected is None else "good"
+                print(f"DIFFERENT: {group}: {what}: the device says {answer[0]}, the judge {verdict}")
 
     for name, package in maker.valid.items():
         look_at("valid", name, package)
@@ -111,7 +112,8 @@ def compare(maker, device, step):
     leaked = device.descriptors() - open_before
     status = device.end()
     print("verdicts:", ", ".join(f"{name} {count}" for name, count in sorted(verdicts.items())))
-    print(f"{total} forgeries, {differences} verdicts differ, {leaked} descriptors left, {grown // 1024} KB grown, status {status}")
+    print(f"{total} forgeries, {differences} verdicts differ")
+    print(f"The verifier left {leaked} descriptors open, grew by {grown // 1024} KB and ended with {status}.")
     return 0 if differences == 0 and leaked == 0 and status == 0 and grown < 300 << 20 else 1
 
 
