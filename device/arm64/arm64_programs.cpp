@@ -53,11 +53,20 @@ std::string Arm64Programs::AddLibraries(const std::string& program, RootPlan& pl
     const std::string path = LibraryPath(root_, library);
     if (path.empty() && needs->loader.ends_with("/" + library)) continue;  // the loader itself
     if (path.empty()) return MissingLibrary(program, library, root_);
-    if (IsPlanned(path, plan)) continue;
-    AddCopy(root_ + path, path, plan);
-    if (std::string problem = AddLibraries(root_ + path, plan); !problem.empty()) return problem;
+    if (std::string problem = AddLibrary(path, plan); !problem.empty()) return problem;
   }
   return "";
+}
+
+std::string Arm64Programs::AddLoadedLibrary(const std::string& name, RootPlan& plan) const {
+  const std::string path = LibraryPath(root_, name);
+  return path.empty() ? name + " is not in " + root_ : AddLibrary(path, plan);
+}
+
+std::string Arm64Programs::AddLibrary(const std::string& path, RootPlan& plan) const {
+  if (IsPlanned(path, plan)) return "";
+  AddCopy(root_ + path, path, plan);
+  return AddLibraries(root_ + path, plan);
 }
 
 }  // namespace device
