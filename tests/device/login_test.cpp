@@ -41,7 +41,9 @@ TEST_F(Logins, ReachAShellAndComeBack) {
       secure ? LogInBySsh(address) : LogInByTelnet(address);
       Type("echo $USER at $(hostname); cat\r");
       Expect("operator at lab");
-      Type(kCtrlC);  // ends what runs there, not the connection
+      Type("twice\r");
+      Expect("twice\r\ntwice");  // what runs there is there
+      Type(kCtrlC);              // ends it, not the connection
       Expect(kFarPrompt);
       Type("ls\r");
       Expect("readme.txt");
