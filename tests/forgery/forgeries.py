@@ -63,7 +63,8 @@ def length_fields(package):
 
 def lengths(maker, step):
     """Every length at its extremes, one past the file and wrapping; not signed again, and signed by the maker himself,
-    so that what lies behind the signature has to bear it. A `step` above 1 leaves out two kinds of packages and signs one only."""
+    so that what lies behind the signature has to bear it. A `step` above 1 leaves out two kinds of packages and signs
+    one only."""
     for name, package in maker.valid.items():
         if step > 1 and name not in ("trailer", "head"):
             continue
