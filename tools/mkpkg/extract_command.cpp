@@ -52,7 +52,7 @@ int Run(const Arguments& arguments) {
       continue;
     }
     used.push_back(name);
-    const std::string target = directory + "/" + name;
+    const std::string target = std::string(directory).append("/").append(name);
     if (std::string problem = WriteWholeFile(target, file.data, 0666, false); !problem.empty()) {
       return Fail(kCannotWrite, problem);
     }
