@@ -43,8 +43,8 @@ class PackageSeal {
   [[nodiscard]] std::span<const Border> Borders() const { return {borders_, count_}; }
   [[nodiscard]] const Border* Find(std::uint64_t offset) const;
 
-  /// The main head's two, and three of each contained file.
-  static constexpr std::size_t kMostBorders = 2 + 3 * kMaxPackageFiles;
+  /// The main head's two, one behind a second main head, and three of each contained file.
+  static constexpr std::size_t kMostBorders = 3 + 3 * kMaxPackageFiles;
 
   Border borders_[kMostBorders] = {};
   std::size_t count_ = 0;

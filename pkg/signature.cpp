@@ -9,6 +9,7 @@
 #include <span>
 #include <string_view>
 
+#include "pkg/byte_order.h"
 #include "pkg/fingerprint_trailer.h"
 #include "pkg/package_digest.h"
 #include "pkg/package_seal.h"
@@ -19,6 +20,9 @@
 namespace {
 
 constexpr std::string_view kHeadFormKey = "digital_sign_old_public";
+
+/// Where a main head would end that begins the signed part of a package of the head form.
+constexpr std::uint64_t kInnerHeadEnd = 2 * kMainHeadSize;
 
 constexpr std::uint32_t kHeadForm = 0;
 constexpr std::uint32_t kTrailerForm = 1;
@@ -92,6 +96,7 @@ PackageVerdict ReadHeadClaim(const PKG_READER_S& reader, std::uint64_t size, con
 void PlanSeal(PKG_READER_S& reader, PackageSeal& seal) {
   seal.AddBorder(0);
   seal.AddBorder(kMainHeadSize);
+  seal.AddBorder(kInnerHeadEnd);
   for (const PackageFileEntry& file : std::span(reader.head.files).first(reader.head.file_count)) {
     PackageFileHead head;
     if (!SeekSource(reader.source, file.head_offset) || !ReadSource(reader.source, &head, sizeof(head))) {
@@ -115,6 +120,22 @@ bool SealHoldsMainHead(const PackageSeal& seal, const PackageMainHead& head) {
     ConvertMainHead(stored, head.file_count);
   }
   return seal.Holds(0, &stored, sizeof(stored));
+}
+
+/// Whether a signature in the main head can be for what was digested. One key may serve both forms: then a package with
+/// a trailer could be put behind a head of the forger's own, and the signature of its trailer would hold for it.
+PackageVerdict JudgeSignedPart(PKG_READER_S& reader, std::uint64_t size, const PackageSeal& seal) {
+  if (size < kInnerHeadEnd) {
+    return PackageVerdict::kGood;
+  }
+  PackageMainHead inner;
+  if (!SeekSource(reader.source, kMainHeadSize) || !ReadSource(reader.source, &inner, sizeof(inner)) ||
+      !seal.Holds(kMainHeadSize, &inner, sizeof(inner))) {
+    return PackageVerdict::kUnreadable;
+  }
+  const bool is_other_form =
+      inner.signature_format == kTrailerSigned || FromBig32(inner.signature_format) == kTrailerSigned;
+  return is_other_form ? PackageVerdict::kWrongSignature : PackageVerdict::kGood;
 }
 
 }  // namespace
@@ -143,6 +164,12 @@ PackageVerdict JudgeSignature(PKG_READER_S* reader, const char* key_directory) {
           kSuccess ||
       digest_length != kDigestSize || (trailer_form && !SealHoldsMainHead(*seal, reader->head))) {
     return PackageVerdict::kUnreadable;
+  }
+  if (!trailer_form) {
+    verdict = JudgeSignedPart(*reader, size, *seal);
+    if (verdict != PackageVerdict::kGood) {
+      return verdict;
+    }
   }
   if (!SignatureHolds(claim.key, std::span(claim.signature).first(claim.signature_length), digest)) {
     return PackageVerdict::kWrongSignature;

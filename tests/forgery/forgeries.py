@@ -259,4 +259,18 @@ def forged_endings(maker):
             yield f"cube ends in the digest, for {key}, {attempt}", body + trailer(root.to_bytes(256, "big"), key=key)
 
 
-GROUPS = (flipped_bytes, truncations, lengths, words_of_the_head, wrong_keys, trailers, paddings)
+def other_form(maker, _step):
+    """A package with a trailer behind a head of the forger's own: one key serves both forms."""
+    for order, body in maker.bodies.items():
+        genuine = maker.pair.sign(hashlib.sha256(body).digest())
+        head = body[:HEAD]
+        for row in range(word(body, 4)):
+            at = 32 + 24 * row + 4
+            head = put(head, at, word(body, at) + HEAD)
+        head = put(put(head, 3104, 0), 3108, len(genuine))
+        head = renew(head[:3120] + genuine.ljust(2048, b"\0") + head[5168:])
+        yield f"{order}: its trailer's signature in the head", head + body
+        yield f"{order}: with the trailer", head + body + trailer(genuine)
+
+
+GROUPS = (other_form, flipped_bytes, truncations, lengths, words_of_the_head, wrong_keys, trailers, paddings)

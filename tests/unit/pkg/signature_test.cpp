@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "pkg/contained_file.h"
+#include "pkg/fingerprint_trailer.h"
 #include "pkg/head_check.h"
 #include "pkg/product_code.h"
 #include "pkg/public_key.h"
@@ -247,6 +248,25 @@ TEST_F(SignatureTest, UnsignedBytesAreNoContainedFile) {
   EXPECT_EQ(Description(reader.get()), Contents().files[1].data);
   EXPECT_EQ(JudgePackage(reader.get(), kTestProductTag, kKeyDirectory), PackageVerdict::kGood);
   EXPECT_EQ(Description(reader.get()), "");
+}
+
+TEST_F(SignatureTest, SignatureOfATrailerIsNoneInTheHead) {
+  // One key serves both forms: behind a head of the forger's own, another product's package would fit.
+  for (const bool host_order : {false, true}) {
+    mkpkg::PackageContents contents = Contents();
+    contents.product_tag = kTestProductTag + 1;
+    contents.host_order = host_order;
+    const std::string foreign = Sign(Compose(contents), {.key_name = "maker"});
+    EXPECT_EQ(Judge(foreign), PackageVerdict::kProductTag);
+    const std::string signed_part = foreign.substr(0, foreign.rfind("--=</Begin"));
+    std::uint8_t signature[kHeadSignatureRoom] = {};
+    std::uint32_t length = 0;
+    ASSERT_EQ(PKG_GetCSS_Signture(foreign.c_str() + signed_part.size(), signature, &length), 0U);
+    std::string package = Sign(Compose(Contents()), {.in_head = true, .key_name = ""}).substr(0, kMainHeadSize);
+    package.replace(offsetof(PackageMainHead, signature), length, reinterpret_cast<char*>(signature), length);
+    mkpkg::RenewHeadCrc(package);
+    EXPECT_EQ(Judge(package + signed_part), PackageVerdict::kWrongSignature);
+  }
 }
 
 }  // namespace
