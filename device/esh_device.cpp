@@ -92,11 +92,11 @@ int main(int argc, char** argv) {
   }
 
   device::SessionSignals signals;
-  const std::unique_ptr<device::Device> board = MakeDevice(*request);
-  if (const std::string problem = board->StartBoot(); !problem.empty()) {
+  const std::unique_ptr<device::Device> chosen = MakeDevice(*request);
+  if (const std::string problem = chosen->StartBoot(); !problem.empty()) {
     (void)std::fprintf(stderr, "esh-device: %s\n", problem.c_str());
     return 1;
   }
-  (void)std::fputs(board->LabNotice().c_str(), stderr);  // the output is the console's
-  return isatty(STDIN_FILENO) != 0 ? device::RelayTerminal(*board, signals) : device::FeedInput(*board, signals);
+  (void)std::fputs(chosen->LabNotice().c_str(), stderr);  // the output is the console's
+  return isatty(STDIN_FILENO) != 0 ? device::RelayTerminal(*chosen, signals) : device::FeedInput(*chosen, signals);
 }

@@ -33,6 +33,7 @@
 #include "device/arm64/stream_carrier.h"
 #include "device/board/namespaces.h"
 #include "device/board/shell_start.h"
+#include "device/board/signal_file.h"
 
 namespace device {
 namespace {
@@ -69,15 +70,6 @@ std::string MakeFirstRoot(const BootOptions& options, const RootPlan& plan, cons
   if (std::string problem = archive.AddTree(root); !problem.empty()) return problem;
   archive.AddDevice("dev/console", 0600, 5, 1);  // /init's, before it has made the others
   return archive.Finish() ? "" : "cannot write " + archive_path;
-}
-
-UniqueFd CatchChildren() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGCHLD);
-  sigprocmask(SIG_SETMASK, &signals, nullptr);
-  (void)std::signal(SIGPIPE, SIG_IGN);
-  return UniqueFd(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
 /// @return the line of an output that says best why a machine went down: the kernel's panic, or the last one.
@@ -262,7 +254,8 @@ class Machine {
 void RunMachine(const BootOptions& options, const RootPlan& plan, const std::string& kernel, PowerSupply supply) {
   DieWithParent();
   setsid();
-  const UniqueFd signals = CatchChildren();
+  const UniqueFd signals = CatchSignals({SIGCHLD});
+  (void)std::signal(SIGPIPE, SIG_IGN);
   LabCable cable;
   if (std::string problem = cable.Open(); !problem.empty()) GiveUp(supply.channel, problem);
   // All that a boot needs is in memory that goes with the boot.

@@ -21,6 +21,7 @@
 #include "device/board/host_program.h"
 #include "device/board/lab_servers.h"
 #include "device/board/namespaces.h"
+#include "device/board/signal_file.h"
 
 namespace device {
 namespace {
@@ -84,7 +85,7 @@ class Board {
  private:
   std::string SetUp() {
     DieWithParent();
-    CatchChildren();
+    signals_ = CatchSignals({SIGCHLD});
     directory_ = ChooseDirectory(NeededPlaces(kind_, options_, plan_));
     if (directory_.empty()) return "no directory of the host can be covered";
     // Nothing that is mounted from here on may reach the host.
@@ -100,14 +101,6 @@ class Board {
       if (std::string problem = kind_.MakeMedium(medium, place); !problem.empty()) return problem;
     }
     return "";
-  }
-
-  void CatchChildren() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGCHLD);
-    sigprocmask(SIG_SETMASK, &signals, nullptr);
-    signals_.Reset(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
   }
 
   void ServeOnce() {

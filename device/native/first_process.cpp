@@ -22,6 +22,7 @@
 #include "device/board/command_server.h"
 #include "device/board/namespaces.h"
 #include "device/board/shell_start.h"
+#include "device/board/signal_file.h"
 
 namespace device {
 namespace {
@@ -141,15 +142,6 @@ pid_t StartBus() {
   for (;;) pause();
 }
 
-UniqueFd CatchSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGCHLD);
-  sigaddset(&signals, SIGUSR1);
-  sigprocmask(SIG_SETMASK, &signals, nullptr);
-  return UniqueFd(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
-}
-
 void CollectProcesses(pid_t shell, CommandServer& commands, Channel& channel) {
   int status = 0;
   for (pid_t ended = 0; (ended = waitpid(-1, &status, WNOHANG)) > 0;) {
@@ -187,7 +179,7 @@ void RunNativeFirstProcess(const BootOptions& options, const RootPlan& plan, Pow
   DieWithParent();
   setsid();
   umask(0);
-  const UniqueFd signals = CatchSignals();
+  const UniqueFd signals = CatchSignals({SIGCHLD, SIGUSR1});
   const pid_t bus = StartBus();
   if (std::string problem = SetUpDevice(options, plan, supply); !problem.empty()) GiveUp(supply.channel, problem);
   ConsoleEnds console;

@@ -22,6 +22,7 @@
 #include "device/board/channel.h"
 #include "device/board/command_server.h"
 #include "device/board/shell_start.h"
+#include "device/board/signal_file.h"
 #include "util/unique_handle.h"
 
 namespace device {
@@ -29,20 +30,10 @@ namespace {
 
 constexpr char kConsole[] = "/dev/ttyAMA0";
 
-UniqueFd CatchSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGCHLD);
-  sigaddset(&signals, SIGUSR1);
-  sigprocmask(SIG_SETMASK, &signals, nullptr);
-  (void)std::signal(SIGPIPE, SIG_IGN);  // a command need not read its input
-  return UniqueFd(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
-}
-
 class Guest {
  public:
   explicit Guest(UniqueFd line)
-      : signals_(CatchSignals()),
+      : signals_(CatchSignals({SIGCHLD, SIGUSR1})),
         console_(open(kConsole, O_RDWR | O_NOCTTY | O_CLOEXEC)),
         frames_(std::move(line)),
         streams_(frames_),
@@ -145,5 +136,6 @@ int main(int argc, char** argv) {
     (void)std::fprintf(stderr, "device-guest: no line to the host: %s\n", std::strerror(errno));
     return 1;
   }
+  (void)std::signal(SIGPIPE, SIG_IGN);  // a command need not read its input
   device::Guest(std::move(line)).Serve();
 }

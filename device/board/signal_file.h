@@ -1,0 +1,21 @@
+#pragma once
+
+#include <sys/signalfd.h>
+
+#include <csignal>
+#include <initializer_list>
+
+#include "util/unique_handle.h"
+
+namespace device {
+
+/// Blocks these signals and no others. @return a non-blocking descriptor from which they are read as they come.
+inline UniqueFd CatchSignals(std::initializer_list<int> numbers) {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int number : numbers) sigaddset(&signals, number);
+  sigprocmask(SIG_SETMASK, &signals, nullptr);
+  return UniqueFd(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+}  // namespace device
