@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "pkg/system_image.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/package_signer.h"
 #include "util/ascii.h"
@@ -12,8 +13,8 @@ namespace mkpkg {
 namespace {
 
 constexpr std::string_view kPackageSuffix = ".bin";
-constexpr std::size_t kMaxTypedName = 63;   // of the commands' parameter
-constexpr std::size_t kMaxImageName = 127;  // that install load takes
+constexpr std::size_t kMaxTypedName = 63;                  // of the commands' parameter
+constexpr std::size_t kMaxImageName = kImageNameRoom - 1;  // that install load takes
 constexpr std::size_t kMaxVersion = 64;
 constexpr std::size_t kRecordSize = 64;  // of the path in the device's record of what was loaded
 constexpr std::string_view kMedium = "flash:/";
@@ -115,7 +116,8 @@ void CheckImageName(const ContainedFile& image, Lines& warnings) {
     return;
   }
   if (name.size() > kMaxImageName)
-    warnings.push_back("image " + name + ": a device cuts a name of more than 127 bytes");
+    warnings.push_back("image " + name + ": a device cuts a name of more than " + std::to_string(kMaxImageName) +
+                       " bytes");
   if (name.find_first_not_of(kPlainCharacters) != std::string::npos || name[0] == '-') {
     warnings.push_back("image " + name +
                        ": the name goes through the device's command interpreter; use letters, digits,"
