@@ -10,7 +10,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 #include <string_view>
 
 #include "pkg/new_file.h"
@@ -41,10 +40,8 @@ bool AppendWord(VEC_S& words, std::string_view text) {
 }
 
 void SetToolSignals() {
-  std::signal(SIGINT, SIG_IGN);
-  for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) {
-    std::signal(signal, SIG_DFL);
-  }
+  std::signal(SIGINT, SIG_IGN);   // SIGHUP the shell ignores already
+  std::signal(SIGPIPE, SIG_DFL);  // which it ignores too, but a tool before a pipe ends by it
 }
 
 [[noreturn]] void BecomeProgram(char* const* arguments) {
