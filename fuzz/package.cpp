@@ -10,8 +10,8 @@
 #include "pkg/fingerprint_trailer.h"
 #include "pkg/head_check.h"
 #include "pkg/signature.h"
-#include "pkg/whole_file.h"
 #include "util/unique_handle.h"
+#include "util/whole_file.h"
 
 namespace {
 

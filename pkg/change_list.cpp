@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "fs/name_rules.h"
-#include "pkg/new_file.h"
 #include "shell/result.h"
+#include "util/new_file.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include "pkg/base64.h"
 #include "pkg/package_format.h"
 #include "pkg/package_reader.h"
-#include "pkg/regular_file.h"
 #include "shell/result.h"
 #include "util/ascii.h"
 #include "util/decimal.h"
+#include "util/regular_file.h"
 
 namespace {
 

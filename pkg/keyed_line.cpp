@@ -3,11 +3,11 @@
 #include <string_view>
 
 #include "pkg/line_reader.h"
-#include "pkg/whole_file.h"
 #include "shell/result.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
 #include "util/unique_handle.h"
+#include "util/whole_file.h"
 
 std::uint32_t ReadKeyedLine(const char* path, const char* key, std::size_t room, char* value) {
   value[0] = '\0';

@@ -5,9 +5,9 @@
 
 #include "pkg/byte_order.h"
 #include "pkg/package_seal.h"
-#include "pkg/regular_file.h"
 #include "shell/result.h"
 #include "util/fixed_text.h"
+#include "util/regular_file.h"
 #include "util/unique_handle.h"
 
 namespace {

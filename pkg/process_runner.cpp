@@ -12,11 +12,11 @@
 #include <cstring>
 #include <string_view>
 
-#include "pkg/new_file.h"
 #include "shell/child_process.h"
 #include "shell/result.h"
 #include "term/terminal.h"
 #include "util/fixed_text.h"
+#include "util/new_file.h"
 #include "util/unique_handle.h"
 #include "util/vector.h"
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "pkg/regular_file.h"
+#include "util/regular_file.h"
 
 std::uint32_t g_uiProductCode = kUnknownTag;
 std::uint32_t g_uiDeviceCode = kUnknownTag;

@@ -8,10 +8,10 @@
 #include "pkg/oem_file.h"
 #include "pkg/system_identity.h"
 #include "pkg/version_file.h"
-#include "pkg/whole_file.h"
 #include "shell/result.h"
 #include "util/fixed_text.h"
 #include "util/unique_handle.h"
+#include "util/whole_file.h"
 
 OEM_CONSUMER_INFO_S g_stOemConsumerInfo;
 pthread_once_t g_stOemDataLock = PTHREAD_ONCE_INIT;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <climits>
 
-#include "pkg/regular_file.h"
 #include "util/fixed_text.h"
+#include "util/regular_file.h"
 
 namespace {
 

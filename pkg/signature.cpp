@@ -10,11 +10,11 @@
 #include <string_view>
 
 #include "pkg/byte_order.h"
+#include "pkg/file_status.h"
 #include "pkg/fingerprint_trailer.h"
 #include "pkg/package_digest.h"
 #include "pkg/package_seal.h"
 #include "pkg/public_key.h"
-#include "pkg/regular_file.h"
 #include "shell/result.h"
 
 namespace {

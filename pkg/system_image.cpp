@@ -6,12 +6,12 @@
 
 #include "pkg/contained_file.h"
 #include "pkg/cpio_unpack.h"
-#include "pkg/new_file.h"
 #include "pkg/package_format.h"
 #include "pkg/package_reader.h"
 #include "pkg/process_runner.h"
 #include "shell/result.h"
 #include "util/fixed_text.h"
+#include "util/new_file.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include "pkg/corporation_tables.h"
 #include "pkg/product_identity.h"
 #include "pkg/system_identity.h"
-#include "pkg/whole_file.h"
 #include "shell/result.h"
 #include "term/pager.h"
 #include "util/unique_handle.h"
+#include "util/whole_file.h"
 
 namespace {
 

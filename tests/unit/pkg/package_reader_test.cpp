@@ -7,11 +7,11 @@
 #include "pkg/contained_file.h"
 #include "pkg/head_check.h"
 #include "pkg/product_code.h"
-#include "pkg/whole_file.h"
 #include "shell/result.h"
 #include "tests/support/package_fixture.h"
 #include "tools/mkpkg/package_bytes.h"
 #include "util/unique_handle.h"
+#include "util/whole_file.h"
 
 namespace {
 

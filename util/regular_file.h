@@ -2,8 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <cstdint>
-
 #include "util/unique_handle.h"
 
 enum class Links { kFollow, kRefuse };
@@ -14,9 +12,3 @@ enum class Links { kFollow, kRefuse };
 /// @param stat  receives what the file is; may be none.
 /// @return the stream, or none with errno set.
 [[nodiscard]] UniqueFile OpenRegularFile(const char* path, Links links, struct stat* stat);
-
-/// Tells what a file is. @return 0, kErrPackageMismatch for a symbolic link, ESH_ERR_FAIL when it cannot be opened.
-[[nodiscard]] std::uint32_t PKG_Fstat(const char* path, struct stat* stat);
-
-/// @return the size of a file in bytes, 0 for one that PKG_Fstat refuses.
-[[nodiscard]] std::uint64_t PKG_GetFileSizeByUserPath(const char* path);

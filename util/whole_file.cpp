@@ -1,9 +1,9 @@
-#include "pkg/whole_file.h"
+#include "util/whole_file.h"
 
 #include <cstdio>
 #include <cstdlib>
 
-#include "pkg/regular_file.h"
+#include "util/regular_file.h"
 
 char* FileReadWhole(const char* path, std::size_t* out_size) {
   *out_size = 0;

@@ -1,4 +1,4 @@
-#include "pkg/new_file.h"
+#include "util/new_file.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,11 +1,8 @@
-#include "pkg/regular_file.h"
+#include "util/regular_file.h"
 
 #include <fcntl.h>
 
 #include <cerrno>
-
-#include "pkg/verdict.h"
-#include "shell/result.h"
 
 UniqueFile OpenRegularFile(const char* path, Links links, struct stat* stat) {
   const int refuse = links == Links::kRefuse ? O_NOFOLLOW : 0;
@@ -27,16 +24,4 @@ UniqueFile OpenRegularFile(const char* path, Links links, struct stat* stat) {
     }
   }
   return file;
-}
-
-std::uint32_t PKG_Fstat(const char* path, struct stat* stat) {
-  if (OpenRegularFile(path, Links::kRefuse, stat) != nullptr) {
-    return kSuccess;
-  }
-  return errno == ELOOP ? kErrPackageMismatch : ESH_ERR_FAIL;
-}
-
-std::uint64_t PKG_GetFileSizeByUserPath(const char* path) {
-  struct stat stat;
-  return PKG_Fstat(path, &stat) == kSuccess ? static_cast<std::uint64_t>(stat.st_size) : 0;
 }
