@@ -7,7 +7,8 @@ struct VEC_S;
 /// Runs tools for package commands. Unlike the shell's other tools they have no terminal to themselves, and neither
 /// Ctrl+C nor a console that hangs up ends them: half an unpacked system would be worse than the wait.
 
-/// Splits a text at blanks and tabs. @return its words, for ParserVecFree, or none when memory is short.
+/// Splits a text at blanks and tabs. @return its words, for ParserVecFree (shell/argument_list.h), or none when memory
+/// is short.
 [[nodiscard]] VEC_S* PKG_ParserVecAlloc(const char* text);
 
 /// Runs one program and waits until it ends.

@@ -3,52 +3,20 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <initializer_list>
-#include <memory>
-#include <string_view>
 
+#include "shell/argument_list.h"
 #include "shell/result.h"
 #include "term/console_mode.h"
 #include "term/terminal.h"
-#include "util/vector.h"
 
 std::int32_t g_EShSubPid = -1;
 std::int32_t g_iShellGid = -1;
 
 namespace {
-
-struct TextVectorFreer {
-  void operator()(VEC_S* vec) const { ParserVecFree(vec); }
-};
-using UniqueTextVector = std::unique_ptr<VEC_S, TextVectorFreer>;
-
-bool AppendCopy(VEC_S& words, std::string_view text) {
-  char* copy = strndup(text.data(), text.size());
-  if (copy == nullptr || VEC_Add(&words, kNoIndex, copy) == kNoIndex) {
-    std::free(copy);
-    return false;
-  }
-  return true;
-}
-
-/// Splits a command line at runs of blanks; nothing else separates or quotes. NULL when memory is short.
-UniqueTextVector SplitAtBlanks(std::string_view line) {
-  UniqueTextVector words(VEC_Alloc(kUsualSlots));
-  std::size_t start = line.find_first_not_of(' ');
-  while (words != nullptr && start != std::string_view::npos) {
-    const std::size_t end = std::min(line.find(' ', start), line.size());
-    if (!AppendCopy(*words, line.substr(start, end - start))) {
-      return nullptr;
-    }
-    start = line.find_first_not_of(' ', end);
-  }
-  return words;
-}
 
 void SetToolSignals(std::uint16_t ignoreInt) {
   std::signal(SIGINT, ignoreInt == 1 ? SIG_IGN : SIG_DFL);
@@ -66,26 +34,13 @@ void SetToolSignals(std::uint16_t ignoreInt) {
   SetToolSignals(ignoreInt);
   ESH_LINE_RestoreTermiosMode(echo);
   ESH_LINE_MaskSpecKey();
-  const UniqueTextVector words = cmdline == nullptr ? nullptr : SplitAtBlanks(cmdline);
-  const std::uint64_t count = VEC_GetCount(words.get());
-  // The terminating NULL needs a slot of its own, which a full vector lacks.
-  if (count == 0 || VEC_Enlarge(words.get(), count + 1) != kSuccess) {
+  const UniqueArguments words = cmdline == nullptr ? nullptr : SplitCommandLine(cmdline, " ");
+  char* const* arguments = ArgumentsOf(words.get());
+  if (arguments == nullptr) {
     _exit(EXIT_SUCCESS);
   }
-  auto** arguments = reinterpret_cast<char**>(words->ppvArray);
   execv(arguments[0], arguments);
   _exit(EXIT_FAILURE);
-}
-
-/// Waits for one child to end, however often a signal interrupts the wait.
-int WaitFor(pid_t child) {
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) {
-      return -1;
-    }
-  }
-  return status;
 }
 
 }  // namespace
@@ -102,10 +57,20 @@ std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std:
   }
   setpgid(child, child);  // also here, so that the group exists whichever process runs first
   g_EShSubPid = child;
-  const int status = WaitFor(child);
+  const std::uint32_t result = ResultOfChild(child);
   g_EShSubPid = -1;
   SetPgtp(g_iShellGid);
   ESH_LINE_SetTermiosMode();
+  return result;
+}
+
+std::uint32_t ResultOfChild(pid_t child) {
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) {
+      return ESH_ERR_FAIL;
+    }
+  }
   return status == 0 ? kSuccess : ESH_ERR_FAIL;
 }
 
@@ -139,8 +104,4 @@ void ESH_CloseSubProcess() {
   killpg(g_EShSubPid, SIGHUP);
   SetPgtp(g_iShellGid);
   g_EShSubPid = -1;
-}
-
-void ParserVecFree(VEC_S* vec) {
-  FreeVectorOf<char>(vec, [](char* text) { std::free(text); });
 }

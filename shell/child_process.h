@@ -4,8 +4,6 @@
 
 #include <cstdint>
 
-struct VEC_S;
-
 /// Process id of the running tool, -1 when none runs. Read by the SIGINT handler.
 extern std::int32_t g_EShSubPid;
 /// The shell's own process group, noted before each fork; -1 before the first.
@@ -18,6 +16,10 @@ extern std::int32_t g_iShellGid;
 /// @return 0 when the tool exited with status 0, otherwise ESH_ERR_FAIL (also when it could not be started).
 std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo);
 
+/// Waits until a child ends, however often a signal interrupts the wait.
+/// @return 0 when it exited with status 0, otherwise ESH_ERR_FAIL.
+[[nodiscard]] std::uint32_t ResultOfChild(pid_t child);
+
 /// Makes a process group the foreground group of the terminal on descriptor 2. @return 0 or ESH_ERR_FAIL.
 std::uint32_t SetPgtp(pid_t pgrp);
 
@@ -29,6 +31,3 @@ void ESH_Sig2SubProcess(int sig);
 
 /// Ends a running tool with its whole group and takes the terminal back.
 void ESH_CloseSubProcess();
-
-/// Frees a vector of plain text buffers and the buffers. NULL is allowed.
-void ParserVecFree(VEC_S* vec);

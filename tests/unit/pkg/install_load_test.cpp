@@ -6,7 +6,7 @@
 #include "pkg/package_name.h"
 #include "pkg/process_runner.h"
 #include "pkg/verdict.h"
-#include "shell/child_process.h"
+#include "shell/argument_list.h"
 #include "shell/result.h"
 #include "tests/support/package_fixture.h"
 #include "util/vector.h"
