@@ -14,6 +14,8 @@ namespace {
 
 constexpr char kFtp[] = "ftp";
 
+using TransferFn = std::uint32_t (*)(const char* address);
+
 /// The tools take the remote name as a word of its own. One that looks like an option would change what they do; it
 /// is refused before a password is asked for in vain.
 Refusal AskCredentials() {
@@ -43,51 +45,30 @@ std::uint32_t Put(const char* address) {
   return refusal ? *refusal : Transfer("/bin/ftpput", address, g_szRemoteFile, source);
 }
 
+/// The rest of a transfer, once its host is checked.
+std::uint32_t LogInAndTransfer(const Refusal& host, TransferFn transfer, const char* address) {
+  const PasswordForgotten forgotten;
+  if (host) {
+    return *host;
+  }
+  const Refusal refusal = AskCredentials();
+  return refusal ? *refusal : transfer(address);
+}
+
+/// In place of Get: only here is an IPv6 address looked at once more behind the credentials.
+std::uint32_t GetFromSpecified(const char* address) {
+  const Refusal refusal = CheckIPv6Specified(kUnrecognizedIPv6Host);
+  return refusal ? *refusal : Get(address);
+}
+
 }  // namespace
 
-std::uint32_t ESH_ProcFtpget() {
-  const PasswordForgotten forgotten;
-  if (const Refusal refusal = CheckIPv4Host()) {
-    return *refusal;
-  }
-  if (const Refusal refusal = AskCredentials()) {
-    return *refusal;
-  }
-  return Get(g_szIPv4Address);
-}
+std::uint32_t ESH_ProcFtpget() { return LogInAndTransfer(CheckIPv4Host(), Get, g_szIPv4Address); }
 
-std::uint32_t ESH_ProcFtpput() {
-  const PasswordForgotten forgotten;
-  if (const Refusal refusal = CheckIPv4Host()) {
-    return *refusal;
-  }
-  if (const Refusal refusal = AskCredentials()) {
-    return *refusal;
-  }
-  return Put(g_szIPv4Address);
-}
+std::uint32_t ESH_ProcFtpput() { return LogInAndTransfer(CheckIPv4Host(), Put, g_szIPv4Address); }
 
-std::uint32_t ESH_ProcFtpIPv6get() {
-  const PasswordForgotten forgotten;
-  if (const Refusal refusal = CheckIPv6Text()) {
-    return *refusal;
-  }
-  if (const Refusal refusal = AskCredentials()) {
-    return *refusal;
-  }
-  if (const Refusal refusal = CheckIPv6Specified(kUnrecognizedIPv6Host)) {  // only here behind the credentials
-    return *refusal;
-  }
-  return Get(g_szIPv6Address);
-}
+std::uint32_t ESH_ProcFtpIPv6get() { return LogInAndTransfer(CheckIPv6Text(), GetFromSpecified, g_szIPv6Address); }
 
 std::uint32_t ESH_ProcFtpIPv6put() {
-  const PasswordForgotten forgotten;
-  if (const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host)) {
-    return *refusal;
-  }
-  if (const Refusal refusal = AskCredentials()) {
-    return *refusal;
-  }
-  return Put(g_szIPv6Address);
+  return LogInAndTransfer(CheckIPv6Host(kUnrecognizedIPv6Host), Put, g_szIPv6Address);
 }
