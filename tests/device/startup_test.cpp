@@ -122,6 +122,7 @@ TEST_F(StartUp, GivesTheConsoleToRootAlone) {
   Type("\r");
   Expect("<boot>");
   EXPECT_EQ(Run("stat -c '%u %g %a' " + ConsolePath()), "0 0 600\n");
+  EXPECT_EQ(Run("ls /proc/" + ShellPid() + "/fd"), "0\n1\n2\n");
 }
 
 struct Arguments {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -11,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 
 #include "shell/result.h"
@@ -78,32 +76,6 @@ TEST(Tool, GetsItsWordsWithoutQuotingAndWithoutEmptyOnes) {
   EXPECT_EQ(OutputOf([&] { RunTool(script.Line() + " 3 4 5 6 7 8 9"); }), "7:3:4:5:6:7:8:9:");
 }
 
-TEST(Tool, SpeaksAfterTheShellAndNothingIsSaidTwice) {
-  const std::string output = OutputOf([] {
-    std::printf("before ");
-    Say(RunTool("/bin/echo during"));
-    Say(RunTool("/no/such/tool"));
-  });
-  EXPECT_EQ(output, "before during\r\ndone\r\nfailed\r\n");
-}
-
-TEST(Tool, OwnsTheTerminalAndTheShellTakesItBack) {
-  const std::string output = OutputOf([] {
-    RunTool("/bin/cat /proc/self/stat");
-    std::printf("%d %d %d", tcgetpgrp(STDERR_FILENO) == getpgrp(), g_iShellGid == getpgrp(), g_EShSubPid);
-  });
-  std::istringstream text(output);
-  std::string skipped;
-  int pid = 0;
-  int group = 0;
-  int foreground = 0;
-  text >> pid >> skipped >> skipped >> skipped >> group >> skipped >> skipped >> foreground;
-  EXPECT_GT(pid, 0);
-  EXPECT_EQ(group, pid);
-  EXPECT_EQ(foreground, pid);
-  EXPECT_TRUE(output.ends_with("\r\n1 1 -1")) << output;
-}
-
 TEST(Tool, FindsItsSignalsAsIfNoShellHadChangedThem) {
   for (const std::uint16_t ignore_int : kFlags) {
     const std::string output = OutputOf([&] { RunTool("/bin/grep SigIgn /proc/self/status", ignore_int); });
@@ -114,48 +86,6 @@ TEST(Tool, FindsItsSignalsAsIfNoShellHadChangedThem) {
       EXPECT_FALSE(is_ignored(signal)) << output;
     }
   }
-}
-
-TEST(Tool, IsEndedByCtrlCUnlessItIgnoresIt) {
-  const Script script("echo ready; read line; echo \"got $line\"");
-  const Shell interrupted([&] { Say(RunTool(script.Line(), 0)); });
-  EXPECT_EQ(interrupted.ReadUntil("ready\r\n"), "ready\r\n");
-  interrupted.Type("\x03");
-  EXPECT_TRUE(interrupted.ReadToEnd().ends_with("failed\r\n"));
-
-  const Shell ignoring([&] { Say(RunTool(script.Line(), 1)); });
-  EXPECT_EQ(ignoring.ReadUntil("ready\r\n"), "ready\r\n");
-  ignoring.Type("\x03");
-  ignoring.Type("on\n");
-  EXPECT_TRUE(ignoring.ReadToEnd().ends_with("got on\r\ndone\r\n"));
-}
-
-TEST(Tool, SeesTheModesOfTheStartWithoutTheKeysThatStopIt) {
-  for (const std::uint16_t echo : kFlags) {
-    const std::string modes = OutputOf([&] { RunTool("/bin/stty -a", 1, echo); });
-    EXPECT_EQ(modes.find("-echo ") == std::string::npos, echo == 1) << modes;
-    EXPECT_NE(modes.find("-echonl"), std::string::npos) << modes;
-    for (const char* mode : {" icanon", " onlcr", "isig", "intr = ^C", "quit = <undef>", "susp = <undef>",
-                             "start = <undef>", "stop = <undef>"}) {
-      EXPECT_NE(modes.find(mode), std::string::npos) << mode << " in " << modes;
-    }
-  }
-}
-
-TEST(Tool, ThatChangesTheModesAndIsKilledLeavesNoTrace) {
-  const Script script("stty raw -echo intr z; kill -KILL $$");
-  const std::string output = OutputOf([&] {
-    Say(RunTool(script.Line()));
-    termios settings{};
-    tcgetattr(STDIN_FILENO, &settings);
-    std::printf("%d %d %d %d\n", settings.c_lflag == 0, settings.c_cc[VMIN], settings.c_cc[VTIME],
-                tcgetpgrp(STDERR_FILENO) == getpgrp());
-    RunTool("/bin/stty -a");
-  });
-  EXPECT_TRUE(output.starts_with("failed\r\n1 0 1 1\r\n")) << output;
-  EXPECT_NE(output.find("intr = ^C"), std::string::npos) << output;
-  EXPECT_NE(output.find(" icanon"), std::string::npos) << output;
-  EXPECT_NE(output.find(" echo "), std::string::npos) << output;
 }
 
 TEST(Tool, GetsSignalsThatTheShellPassesOn) {

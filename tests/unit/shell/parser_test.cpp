@@ -73,18 +73,6 @@ TEST_F(Parser, AnswersABlankLineWithALineBreakOnly) {
   }
 }
 
-TEST_F(Parser, ReturnsToTheUserViewOnCtrlZWhateverTheLineHolds) {
-  const TestView other("[boot]");
-  for (const char* line : {"\x1a", "one\x1a", "  \x1a"}) {
-    ESH_VIEW_S* entered = g_pstEshCurrentView;
-    EXPECT_EQ(Parse(line), "\r\n");
-    EXPECT_EQ(g_pstEshCurrentView, g_pstEshUserView);
-    EXPECT_STREQ(ESH_GetPrompt(), "<boot>");
-    EXPECT_EQ(TestView::TakeRan(), "");
-    ESH_SetCmdMode(entered);
-  }
-}
-
 TEST_F(Parser, EnterAndHelpEndACompletion) {
   for (const char* line : {"one\n", "t?"}) {
     (void)Parse("t\t");
@@ -92,12 +80,6 @@ TEST_F(Parser, EnterAndHelpEndACompletion) {
     (void)Parse(line);
     EXPECT_STREQ(g_stTabState.szPrefix, "") << line;
   }
-}
-
-TEST_F(Parser, TakesTheLongestLine) {
-  const std::string longest = "two " + std::string(kMaxCommandLine - 4, 'x') + "\n";
-  EXPECT_EQ(Parse(longest), "\r\n");
-  EXPECT_EQ(TestView::TakeRan(), "two STRING<1-511> <cr>\n");
 }
 
 }  // namespace

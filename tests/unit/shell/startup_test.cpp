@@ -1,13 +1,7 @@
 #include "shell/startup.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdlib>
 #include <filesystem>
-#include <string>
 
-#include "shell/hand_over.h"
 #include "shell/ip_stack.h"
 #include "tests/support/private_root.h"
 
@@ -44,44 +38,5 @@ TEST_F(Startup, LooksForTheIpStackAfreshAtEveryCall) {
   fs::remove("/lib/modules/ipstack.ko");
   EXPECT_EQ(ESH_IsExistIpstackKo(), 0);
 }
-
-/// Lets the waiting process see a shell that has ended. @return the exit status of what it became.
-int HandOver() {
-  const pid_t waiting = fork();
-  if (waiting == 0) {
-    const pid_t shell = fork();
-    if (shell == 0) {
-      _exit(7);
-    }
-    WaitAndHandOver(shell);
-    _exit(42);
-  }
-  int status = -1;
-  waitpid(waiting, &status, 0);
-  return WEXITSTATUS(status);
-}
-
-TEST_F(Startup, TidiesUpAndBecomesTheCommandProgramWhenTheShellEnds) {
-  for (const char* medium : {"flash:", "cfa0:", "usba0:"}) {
-    AddMedium(medium);
-  }
-  WriteFile("/proc/sys/7/8/1", "1\n");
-  WriteFile("/proc/sys/kernel/hotplug", std::string(14, 'x'));
-  WriteFile("/sbin/scmd", "#!/bin/sh\ntest \"$#\" -eq 0 && exit 3\n");
-  fs::permissions("/sbin/scmd", fs::perms::owner_all);
-  EXPECT_EQ(HandOver(), 3);
-  EXPECT_FALSE(fs::is_symlink("/mnt/slot0#flash:"));
-  EXPECT_FALSE(fs::is_symlink("/mnt/slot0#cfa0:"));
-  EXPECT_TRUE(fs::is_symlink("/mnt/slot0#usba0:")) << "only these two go";
-  EXPECT_EQ(ReadFile("/proc/sys/7/8/1"), "0\n");
-  EXPECT_EQ(ReadFile("/proc/sys/kernel/hotplug"), std::string("/sbin/hotplug\0", 14)) << "with its NUL";
-}
-
-TEST_F(Startup, DoesWithoutWhatIsMissingWhenTheShellEnds) {
-  EXPECT_EQ(HandOver(), 42) << "no command program to become";
-  EXPECT_FALSE(fs::exists("/proc/sys/kernel/hotplug")) << "a setting is written, never made";
-}
-
-TEST_F(Startup, CtrlCHarmsNobodyWhenNoToolRuns) { ESH_SigInt(2); }
 
 }  // namespace
