@@ -105,14 +105,6 @@ TEST_F(ConsoleModeTest, RestoreUndoesRawModeAndWhatAToolLeft) {
   }
 }
 
-TEST_F(ConsoleModeTest, MaskingTheSpecialKeysChangesNothingElse) {
-  termios masked = saved_;
-  for (const int key : kSpecialKeys) {
-    masked.c_cc[key] = 0;
-  }
-  ExpectSame(After(ESH_LINE_MaskSpecKey), masked, "masked");
-}
-
 TEST(ConsoleMode, RawModeMakesTheConsoleBlock) {
   const Console console({}, [](const Console::Report& report) {
     fcntl(STDERR_FILENO, F_SETFL, fcntl(STDERR_FILENO, F_GETFL) | O_NONBLOCK);

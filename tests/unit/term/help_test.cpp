@@ -177,15 +177,6 @@ class HelpTest : public testing::Test {
   TestView view_{"<boot>"};
 };
 
-TEST_F(HelpTest, NamesTheViewAboveItsCommands) {
-  const std::string commands = "  copy     What it is\r\n  delete   What it is\r\n  display  What it is\r\n\r\n";
-  EXPECT_EQ(Ask(""), "M-th view commands:\r\n" + commands);
-  g_pstEshSysView = g_pstEshCurrentView;
-  EXPECT_EQ(Ask(""), "System view commands:\r\n" + commands);
-  g_pstEshUserView = g_pstEshCurrentView;
-  EXPECT_EQ(Ask(""), "User view commands:\r\n" + commands);
-}
-
 struct HelpCase {
   const char* line;
   const char* output;

@@ -23,29 +23,18 @@ class HistoryTest : public testing::Test {
     }
     ESH_HIS_Init();
   }
+  /// All lines, newest first.
+  static std::vector<std::string> UpToTheBell() {
+    std::vector<std::string> lines;
+    for (char buffer[2048]; ESH_HIS_ArrowUp(sizeof(buffer), buffer) == 1;) {
+      lines.emplace_back(buffer);
+    }
+    return lines;
+  }
   static void Enter(const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
       ESH_HIS_Add(line.c_str());
     }
-  }
-  /// The recalled line; "bell" when there is none.
-  static std::string Up() { return Recall(ESH_HIS_ArrowUp); }
-  static std::string Down() { return Recall(ESH_HIS_ArrowDown); }
-  /// All lines, newest first.
-  static std::vector<std::string> UpToTheBell() {
-    std::vector<std::string> lines;
-    for (std::string line = Up(); line != "bell"; line = Up()) {
-      lines.push_back(line);
-    }
-    return lines;
-  }
-
- private:
-  static std::string Recall(std::uint16_t (*recall)(std::uint64_t, char*)) {
-    char buffer[2048] = "typed";
-    const std::uint16_t copied = recall(sizeof(buffer), buffer);
-    EXPECT_TRUE(copied == 1 || std::strcmp(buffer, "typed") == 0) << "a refusal leaves the line alone";
-    return copied == 1 ? buffer : "bell";
   }
 };
 
@@ -76,34 +65,6 @@ TEST_F(HistoryTest, KeepsWhatIsWorthKeeping) {
     EXPECT_EQ(UpToTheBell(), c.recalled) << c.why;
     EXPECT_EQ(g_stEShHisRec.ulCurNum, c.recalled.size()) << c.why;
     Forget();
-  }
-}
-
-TEST_F(HistoryTest, WalksBothWaysAndStopsAtTheEnds) {
-  EXPECT_EQ(Up(), "bell");
-  EXPECT_EQ(Down(), "bell");
-  Enter({"a", "b", "c"});
-  EXPECT_EQ(Down(), "bell");
-  EXPECT_EQ(Up(), "c");
-  EXPECT_EQ(Up(), "b");
-  EXPECT_EQ(Up(), "a");
-  EXPECT_EQ(Up(), "bell");
-  EXPECT_EQ(Up(), "bell");
-  EXPECT_EQ(Down(), "b") << "a refused step does not move";
-  EXPECT_EQ(Down(), "c");
-  EXPECT_EQ(Down(), "") << "past the newest";
-  EXPECT_EQ(Down(), "bell");
-  EXPECT_EQ(Up(), "c");
-}
-
-TEST_F(HistoryTest, EveryEnterStartsTheWalkAnew) {
-  Enter({"a", "b", "c"});
-  for (const char* line : {"", "# x", "c"}) {
-    Up();
-    Up();
-    Enter({line});
-    EXPECT_EQ(Down(), "bell") << line;
-    EXPECT_EQ(Up(), "c") << line;
   }
 }
 

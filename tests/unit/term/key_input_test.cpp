@@ -55,18 +55,6 @@ TEST(GetChar, EveryKindOfNothingIsOneTry) {
   }
 }
 
-TEST(GetChar, DeliversEveryByteButNulAndReadsNoneAhead) {
-  std::string keys(1, '\0');
-  for (int byte = 1; byte < 256; ++byte) {
-    keys.push_back(static_cast<char>(byte));
-  }
-  ScriptedStdio stdio(keys);
-  for (int byte = 1; byte < 255; ++byte) {
-    EXPECT_EQ(GetChar(0), byte);
-  }
-  EXPECT_EQ(stdio.TakeKeysLeft(), "\377");
-}
-
 /// A console that hung up answers every read at once. It is asked ten times a second, and heard when it is back.
 TEST(GetChar, DoesNotSpinWhileTheConsoleIsGone) {
   char directory[] = "/tmp/esh-key-input-XXXXXX";
@@ -90,12 +78,6 @@ TEST(GetChar, DoesNotSpinWhileTheConsoleIsGone) {
   }
   unlink(fifo.c_str());
   rmdir(directory);
-}
-
-TEST(EscapeSequence, IsReadAwayUntilTheInputIsQuiet) {
-  ScriptedStdio stdio("25;80Habc");
-  LINE_EscapeSequenceNULL();
-  EXPECT_EQ(stdio.TakeKeysLeft(), "");
 }
 
 struct RedrawCase {
