@@ -1,21 +1,16 @@
 #include "fs/dir.h"
 
 #include <fcntl.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <string>
 
-#include "fs/pwd.h"
 #include "shell/parameter.h"
 #include "shell/result.h"
-#include "term/line_state.h"
 #include "tests/support/private_root.h"
 #include "tests/support/scripted_stdio.h"
 #include "util/unique_handle.h"
@@ -51,8 +46,8 @@ struct DirTest : PrivateRootTest {
   }
 
   template <typename Command>
-  static std::string OutputOf(Command command, const char* keys = "") {
-    ScriptedStdio stdio(keys);
+  static std::string OutputOf(Command command) {
+    ScriptedStdio stdio;
     command();
     return stdio.TakeOutput();
   }
@@ -72,27 +67,6 @@ struct DirTest : PrivateRootTest {
     return output.substr(0, space);
   }
 };
-
-TEST_F(DirTest, PrintsOneLineForEachEntry) {
-  const std::string longest(255, 'x');
-  Make("B");
-  Make("a-dir/", 0, 0755);
-  Make("big", 5'000'000'000, 0400);
-  Make("first day", 0, 0200, 0);
-  Make("last", 123456789012, 0000, 4102444799);
-  Make("sealed/", 0, 0055);
-  Make(longest);
-  EXPECT_EQ(ListingOf("/mnt/flash:"),
-            "Directory of flash:\r\n"
-            "     0      -rw-           5  Jan 02 2024 00:04:05     B\r\n"
-            "     1      drw-           -  Jan 02 2024 00:04:05     a-dir\r\n"
-            "     2      -r--  5000000000  Jan 02 2024 00:04:05     big\r\n"
-            "     3      --w-           0  Jan 01 1970 00:00:00     first day\r\n"
-            "     4      ----123456789012  Dec 31 2099 23:59:59     last\r\n"
-            "     5      d---           -  Jan 02 2024 00:04:05     sealed\r\n"
-            "     6      -rw-           5  Jan 02 2024 00:04:05     " +
-                longest + "\r\n");
-}
 
 TEST_F(DirTest, ShowsLocalTimeAndDatesBeyond2100) {
   setenv("TZ", "UTC-2", 1);
@@ -121,16 +95,6 @@ TEST_F(DirTest, ShowsHiddenEntriesBehindAllOthersAndOnlyWhenAsked) {
             "Directory of flash:/logs\r\n"
             "     0      drwh           -  Jan 02 2024 00:04:05     ..b\r\n"
             "     1      -rwh           5  Jan 02 2024 00:04:05     .a\r\n");
-}
-
-TEST_F(DirTest, CountsAnEntryThatLeadsNowhereWithoutShowingIt) {
-  Make("b");
-  fs::create_symlink("gone", "a");
-  fs::create_symlink("b", "c");
-  EXPECT_EQ(ListingOf("/mnt/flash:"),
-            "Directory of flash:\r\n"
-            "     1      -rw-           5  Jan 02 2024 00:04:05     b\r\n"
-            "     2      -rw-           5  Jan 02 2024 00:04:05     c\r\n");
 }
 
 TEST_F(DirTest, APlaceWithoutADisplayNameShowsNothing) {
@@ -176,51 +140,6 @@ TEST_F(DirTest, SaysThatThereIsNoSuchThing) {
   for (const char* name : {"gone", "flash:/gone", "gone:/", "flash:/..", "/mnt/flash:", "..", "flash:/a*"}) {
     EXPECT_EQ(OutputOf([&] { EXPECT_EQ(ESH_DirFileInDirectory(name, false), ESH_ERR_FAIL); }), kDoesNotExist) << name;
   }
-}
-
-TEST_F(DirTest, KnowsWhetherTheWorkingDirectoryIsStillThere) {
-  EXPECT_EQ(OutputOf(ESH_ProcPwd), "flash:\r\n");
-  Make("logs/");
-  ASSERT_EQ(chdir("logs"), 0);
-  EXPECT_EQ(OutputOf(ESH_ProcPwd), "flash:/logs\r\n");
-  fs::remove("/mnt/flash:/logs");
-  EXPECT_EQ(OutputOf(ESH_ProcDir), kDoesNotExist);
-  EXPECT_EQ(OutputOf(ESH_ProcPwd), "CheckInvalidFileDir");
-  ASSERT_EQ(chdir("/tmp"), 0);
-  EXPECT_EQ(OutputOf(ESH_ProcPwd), "Working directory doesn't exist.\r\n");
-}
-
-TEST_F(DirTest, TellsTheSpaceOfTheMediumInKilobytes) {
-  AddMedium("small:");
-  ASSERT_EQ(mount("tmpfs", "/mnt/small:", "tmpfs", 0, "size=4096k"), 0) << std::strerror(errno);
-  const auto free_space = [] {
-    const std::string line = OutputOf([] { ESH_DirFsInfo("/mnt/small:"); });
-    const std::string total = "\r\n4096 KB total (";
-    EXPECT_TRUE(line.starts_with(total) && line.ends_with(" KB free)\r\n")) << line;
-    return std::strtol(line.c_str() + total.size(), nullptr, 10);
-  };
-  const long before = free_space();
-  EXPECT_LE(before, 4096);
-  WriteFile("/mnt/small:/a", std::string(std::size_t{1024} * 1024, 'x'));
-  EXPECT_EQ(before - free_space(), 1024);
-  EXPECT_EQ(OutputOf([] { ESH_DirFsInfo("/mnt/gone:"); }), "");
-}
-
-TEST_F(DirTest, EndsWhenTheUserHasSeenEnough) {
-  Make("logs/");
-  for (int i = 0; i < 60; ++i) {
-    Make("logs/" + std::to_string(i));
-  }
-  const auto list = [](const char* keys) {
-    g_stESh_Display = {.ulScrLines = 24, .ulMoreLines = 24, .ulCurLines = 0};
-    return OutputOf([] { (void)ESH_DirFileInDirectory("flash:/logs", false); }, keys);
-  };
-  const std::string cut = list("q");
-  EXPECT_NE(cut.find("---- More ----"), std::string::npos);
-  EXPECT_EQ(cut.find("     59"), std::string::npos);
-  EXPECT_EQ(cut.find("KB total"), std::string::npos);
-  EXPECT_EQ(fs::current_path(), "/mnt/flash:");
-  EXPECT_TRUE(list("    ").ends_with(" KB free)\r\n"));
 }
 
 }  // namespace

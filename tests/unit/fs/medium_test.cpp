@@ -42,24 +42,6 @@ TEST_F(MediumTest, OnlyTheFirstUnitOfAKindHoldsPackages) {
   }
 }
 
-TEST_F(MediumTest, GetsASlotLinkWhenItIsADirectory) {
-  AddMedium("flash:");
-  fs::create_directory("/mnt/cfa0:");
-  fs::create_directory("/mnt/.hidden");
-  fs::create_symlink("/mnt/cfa0:", "/mnt/link:");
-  WriteFile("/mnt/plain", "");
-  EXPECT_EQ(IsDirPath("cfa0:"), 1);
-  EXPECT_EQ(IsDirPath("link:"), 0) << "a link to a directory is none";
-  EXPECT_EQ(IsDirPath("plain"), 0);
-  EXPECT_EQ(IsDirPath("gone"), 0);
-  LinkMedia();
-  LinkMedia();  // what is there stays
-  EXPECT_EQ(fs::read_symlink("/mnt/slot0#cfa0:"), "/mnt/cfa0:");
-  EXPECT_EQ(fs::read_symlink("/mnt/slot0#flash:"), "/mnt/flash:");
-  EXPECT_EQ(fs::read_symlink("/mnt/slot0#.hidden"), "/mnt/.hidden");
-  EXPECT_EQ(std::distance(fs::directory_iterator("/mnt"), {}), 5 + 3);
-}
-
 TEST_F(MediumTest, FirstOfItsKindBecomesTheWorkingDirectory) {
   struct StartCase {
     const char* why;
