@@ -6,6 +6,7 @@
 /// What may be the name of a package file.
 
 inline constexpr char kPackageSuffix[] = ".bin";
+inline constexpr std::size_t kMaxPackageName = 127;
 
 /// Whether a name has a suffix, in any case, and something before it.
 /// @param maxLength most characters of the name.
@@ -14,9 +15,3 @@ inline constexpr char kPackageSuffix[] = ".bin";
 
 /// Whether a name holds "~", with which FAT marks the short form of a long name: a package has one name only.
 [[nodiscard]] bool HoldsAliasMark(const char* name);
-
-/// Resolves the name of an existing package on a medium, and prints why it is refused.
-/// @param name     as typed.
-/// @param fullPath room for kNameRoom bytes.
-/// @return 0 or ESH_ERR_FAIL.
-[[nodiscard]] std::uint32_t PackageNameProcess(const char* name, char* fullPath);

@@ -43,7 +43,7 @@ PackageVerdict ReadPublicKey(const char* directory, std::string_view name, Publi
   FixedText<PATH_MAX> path;
   path.Append("%s/", directory);
   path.AppendText(name);
-  path.AppendText(".key");
+  path.AppendText(kKeySuffix);
   if (!IsPlainName(name) || path.Truncated()) {
     return PackageVerdict::kKeyName;
   }

@@ -16,6 +16,9 @@ inline constexpr std::size_t kPrefixedKeySize = 4 + 2 * kKeyNumberSize;  ///< wh
 
 inline constexpr std::size_t kDigestSize = 32;
 
+/// What the name of a key file ends in.
+inline constexpr char kKeySuffix[] = ".key";
+
 struct PublicKey {
   UniqueRsaKey rsa;
   bool prefix_allowed = false;

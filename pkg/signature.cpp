@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr std::string_view kHeadFormKey = "digital_sign_old_public";
-
 /// Where a main head would end that begins the signed part of a package of the head form.
 constexpr std::uint64_t kInnerHeadEnd = 2 * kMainHeadSize;
 

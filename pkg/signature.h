@@ -9,6 +9,8 @@
 #include "pkg/package_reader.h"
 
 inline constexpr char kSignKeyDirectory[] = "/etc/sign_pub_key";
+/// The key of packages that are signed in their main head.
+inline constexpr char kHeadFormKey[] = "digital_sign_old_public";
 
 /// Checks the signature of an open package. The open file itself is judged, not what its path names by now, though the
 /// path must still name it and be no symbolic link. When it is good, the reader is sealed (PKG_READER_S::seal).

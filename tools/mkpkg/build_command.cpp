@@ -1,7 +1,8 @@
 #include "tools/mkpkg/commands.h"
-#include "tools/mkpkg/description.h"
+#include "tools/mkpkg/contents.h"
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
+#include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/warnings.h"
 
 namespace mkpkg {

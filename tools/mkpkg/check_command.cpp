@@ -8,6 +8,7 @@
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/json_writer.h"
+#include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/report.h"
 #include "tools/mkpkg/warnings.h"
 

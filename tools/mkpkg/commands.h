@@ -25,14 +25,4 @@ extern const Command kInfoCommand;
 extern const Command kCheckCommand;
 extern const Command kExtractCommand;
 
-/// Prints "mkpkg: problem" on standard error.
-/// @return the status.
-int Fail(int status, const std::string& problem);
-
-/// Prints "mkpkg: warning: text" on standard error.
-void Warn(const std::string& text);
-
-/// Ends a sub-command that wrote to standard output. @return kDone, or kCannotWrite when that failed.
-int EndOutput();
-
 }  // namespace mkpkg

@@ -1,4 +1,5 @@
-#include "tools/mkpkg/description.h"
+#include "tools/mkpkg/contents.h"
+
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/image_archive.h"
 

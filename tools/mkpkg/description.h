@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "tools/mkpkg/compression.h"
-#include "tools/mkpkg/package_writer.h"
 
 namespace mkpkg {
 
@@ -35,11 +34,5 @@ struct PackageDescription {
 /// @return an empty text, or one line "ORIGIN:LINE: what is wrong".
 [[nodiscard]] std::string ParseDescription(std::string_view text, const std::string& origin,
                                            PackageDescription& description);
-
-/// Fetches and compresses what a description names.
-/// @param base  directory that its relative paths start from.
-/// @return an empty text, or one line that says what went wrong.
-[[nodiscard]] std::string CollectContents(const PackageDescription& description, const std::string& base,
-                                          PackageContents& contents);
 
 }  // namespace mkpkg

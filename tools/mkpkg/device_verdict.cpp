@@ -1,25 +1,21 @@
 #include "tools/mkpkg/device_verdict.h"
 
-#include <string_view>
-
 #include "pkg/compatibility.h"
 #include "pkg/head_check.h"
 #include "pkg/line_reader.h"
+#include "pkg/package_name.h"
 #include "pkg/package_reader.h"
 #include "pkg/product_code.h"
+#include "pkg/public_key.h"
+#include "pkg/signature.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/verdict_text.h"
-#include "util/ascii.h"
 
 namespace mkpkg {
 namespace {
 
-constexpr std::string_view kSuffix = ".bin";
-constexpr std::size_t kMaxName = 127;
 constexpr char kOperationFailed[] = "Operation failed!";
-constexpr char kHeadKey[] = "digital_sign_old_public";
-constexpr char kKeySuffix[] = ".key";
 
 DeviceVerdict Accept() { return {true, "", "", ""}; }
 
@@ -31,15 +27,23 @@ std::string Corrupted(const DeviceFacts& facts) { return facts.typed_name + " is
 
 DeviceVerdict JudgeName(const DeviceFacts& facts) {
   const std::string& name = facts.typed_name;
-  const bool has_suffix = name.size() > kSuffix.size() && name.size() <= kMaxName &&
-                          EqualsIgnoringCase(std::string_view(name).substr(name.size() - kSuffix.size()), kSuffix);
-  if (has_suffix && name.find('~') == std::string::npos) return Accept();
+  const bool fits = ESH_FilterFile(name.c_str(), kPackageSuffix, kMaxPackageName) == 1;
+  if (fits && !HoldsAliasMark(name.c_str())) return Accept();
   return Refuse("name", "a package's name ends in .bin and holds no ~", name + ": Invalid file name.");
 }
 
-/// Opens, checks and seals a package as both commands do.
+/// Opens a package as both commands do, when its name is one.
+DeviceVerdict Open(const std::string& path, const DeviceFacts& facts, UniquePackage& reader) {
+  if (DeviceVerdict verdict = JudgeName(facts); !verdict.accepted) return verdict;
+  PKG_READER_S* opened = nullptr;
+  const PackageVerdict opening = OpenPackage(path.c_str(), opened);
+  reader.reset(opened);
+  return reader ? Accept() : Refuse(NameOfVerdict(opening), ReasonOf(opening), Corrupted(facts));
+}
+
+/// Checks and seals an open package as both commands do.
 DeviceVerdict JudgeGenuine(PKG_READER_S* reader, const DeviceFacts& facts) {
-  const std::uint32_t product = ReadVersionTag(facts.version_file.c_str(), "ProductTag");
+  const std::uint32_t product = ReadVersionTag(facts.version_file.c_str(), kProductTagName);
   if (product == kUnknownTag)
     return Refuse("product-tag", "the device's version file has no ProductTag", Corrupted(facts));
   const PackageVerdict verdict = JudgePackage(reader, product, facts.key_directory.c_str());
@@ -100,7 +104,7 @@ DeviceVerdict JudgeContents(const PackageModel& package, const DeviceFacts& fact
                                   : "the compatibility list does not name boot image version " + running,
                   "This system image is not compliant with the boot image.");
   }
-  const std::uint32_t tag = ReadVersionTag(facts.version_file.c_str(), "DeviceTag");
+  const std::uint32_t tag = ReadVersionTag(facts.version_file.c_str(), kDeviceTagName);
   if (tag == kUnknownTag) {
     return Refuse("device-tag", "the device's version file has no DeviceTag", kOperationFailed);
   }
@@ -110,11 +114,8 @@ DeviceVerdict JudgeContents(const PackageModel& package, const DeviceFacts& fact
 }  // namespace
 
 DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts) {
-  if (DeviceVerdict verdict = JudgeName(facts); !verdict.accepted) return verdict;
-  PKG_READER_S* opened = nullptr;
-  const PackageVerdict opening = OpenPackage(path.c_str(), opened);
-  const UniquePackage reader(opened);
-  if (!reader) return Refuse(NameOfVerdict(opening), ReasonOf(opening), Corrupted(facts));
+  UniquePackage reader;
+  if (DeviceVerdict verdict = Open(path, facts, reader); !verdict.accepted) return verdict;
   if (DeviceVerdict verdict = JudgeGenuine(reader.get(), facts); !verdict.accepted) return verdict;
   PackageModel package;
   ReadFiles(reader.get(), package);
@@ -125,11 +126,8 @@ DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts) {
 }
 
 DeviceVerdict JudgeInstall(const std::string& path, const DeviceFacts& facts) {
-  if (DeviceVerdict verdict = JudgeName(facts); !verdict.accepted) return verdict;
-  PKG_READER_S* opened = nullptr;
-  const PackageVerdict opening = OpenPackage(path.c_str(), opened);
-  const UniquePackage reader(opened);
-  if (!reader) return Refuse(NameOfVerdict(opening), ReasonOf(opening), Corrupted(facts));
+  UniquePackage reader;
+  if (DeviceVerdict verdict = Open(path, facts, reader); !verdict.accepted) return verdict;
   if (reader->head.attributes != 0 || reader->head.package_type != kSystemPackage) {
     return Refuse("system-package", "its attribute is not 0 or its type not 2",
                   "Package " + facts.typed_name + " is not a system package.");
@@ -141,7 +139,7 @@ DeviceVerdict JudgeInstall(const std::string& path, const DeviceFacts& facts) {
 }
 
 bool NamesWeakKey(const PackageModel& package, const std::string& key_directory) {
-  const std::string name = package.IsSignedInHead() ? kHeadKey : TrailerField(package, "Key: ");
+  const std::string name = package.IsSignedInHead() ? kHeadFormKey : TrailerField(package, "Key: ");
   std::string key;
   return ReadWholeFile(key_directory + "/" + name + kKeySuffix, key).empty() && IsWeakDeviceKey(key);
 }

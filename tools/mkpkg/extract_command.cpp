@@ -8,6 +8,7 @@
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
+#include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/package_model.h"
 #include "tools/mkpkg/report.h"
 

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "util/new_file.h"
 #include "util/unique_handle.h"
 
 namespace mkpkg {
@@ -29,16 +30,6 @@ extern "C" void RemoveTemporary(int number) {
 
 std::string Reason(const char* what, const std::string& path) {
   return std::string("cannot ") + what + " " + path + ": " + std::strerror(errno);
-}
-
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(fd, bytes.data(), std::min(bytes.size(), kPiece));
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
 }
 
 /// A temporary file that is gone when the object is, unless it took the place of another.
@@ -74,7 +65,7 @@ class Temporary {
 
 std::string WriteInPlace(const std::string& path, std::string_view bytes) {
   UniqueFd fd(open(path.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!fd || !WriteAll(fd.Get(), bytes) || close(fd.Release()) != 0) return Reason("write", path);
+  if (!fd || !WriteAll(fd.Get(), bytes.data(), bytes.size()) || close(fd.Release()) != 0) return Reason("write", path);
   return "";
 }
 
@@ -104,8 +95,9 @@ std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode
   const Temporary temporary(path);
   const mode_t mask = umask(0);
   umask(mask);
-  if (temporary.Get() < 0 || !WriteAll(temporary.Get(), bytes) || fchmod(temporary.Get(), mode & ~mask) != 0 ||
-      fsync(temporary.Get()) != 0 || !temporary.TakePlaceOf(path, replace)) {
+  if (temporary.Get() < 0 || !WriteAll(temporary.Get(), bytes.data(), bytes.size()) ||
+      fchmod(temporary.Get(), mode & ~mask) != 0 || fsync(temporary.Get()) != 0 ||
+      !temporary.TakePlaceOf(path, replace)) {
     return Reason("write", path);
   }
   return "";

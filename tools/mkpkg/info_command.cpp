@@ -2,6 +2,7 @@
 
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/exit_status.h"
+#include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/report.h"
 
 namespace mkpkg {

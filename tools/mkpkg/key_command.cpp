@@ -2,10 +2,12 @@
 
 #include <cstdlib>
 
+#include "pkg/public_key.h"
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
+#include "tools/mkpkg/messages.h"
 #include "util/decimal.h"
 
 namespace mkpkg {
@@ -61,7 +63,8 @@ int DeviceKey(const Arguments& arguments) {
   }
   const std::string& path = arguments.Operands()[2];
   if (std::string problem = WriteWholeFile(path, file); !problem.empty()) return Fail(kCannotWrite, problem);
-  if (!path.ends_with(".key")) Warn("a device looks for files whose name ends in \".key\", not for " + BaseName(path));
+  if (!path.ends_with(kKeySuffix))
+    Warn("a device looks for files whose name ends in \".key\", not for " + BaseName(path));
   return kDone;
 }
 

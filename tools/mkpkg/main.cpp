@@ -4,6 +4,7 @@
 
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/exit_status.h"
+#include "tools/mkpkg/messages.h"
 
 namespace {
 

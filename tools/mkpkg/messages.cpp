@@ -1,6 +1,7 @@
+#include "tools/mkpkg/messages.h"
+
 #include <cstdio>
 
-#include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/exit_status.h"
 
 namespace mkpkg {

@@ -7,6 +7,7 @@
 #include "pkg/crc16.h"
 
 namespace mkpkg {
+
 std::uint32_t GetWord(std::string_view bytes, std::size_t offset, bool host_order) {
   std::uint32_t word = 0;
   std::memcpy(&word, bytes.data() + offset, sizeof(word));

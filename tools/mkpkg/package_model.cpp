@@ -6,6 +6,7 @@
 #include "pkg/line_reader.h"
 #include "pkg/package_reader.h"
 #include "pkg/package_seal.h"
+#include "pkg/package_text.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/package_signer.h"
@@ -102,10 +103,6 @@ std::vector<std::string> LinesOf(const std::string& text) {
   return lines;
 }
 
-std::string TrimmedLine(const std::string& line) {
-  constexpr char kBlanks[] = " \t\r\n\v\f";
-  const std::size_t begin = line.find_first_not_of(kBlanks);
-  return begin == std::string::npos ? "" : line.substr(begin, line.find_last_not_of(kBlanks) - begin + 1);
-}
+std::string TrimmedLine(std::string line) { return TrimLine(line.data()); }
 
 }  // namespace mkpkg

@@ -47,7 +47,7 @@ void ReadFiles(PKG_READER_S* reader, PackageModel& package);
 /// Lines of a text file in a package, as a device reads them.
 [[nodiscard]] std::vector<std::string> LinesOf(const std::string& text);
 
-/// @return a line without blanks, tabs and line ends around it.
-[[nodiscard]] std::string TrimmedLine(const std::string& line);
+/// @return a line without blanks, tabs and the like around it, as a device trims one.
+[[nodiscard]] std::string TrimmedLine(std::string line);
 
 }  // namespace mkpkg

@@ -3,6 +3,7 @@
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
+#include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/package_bytes.h"
 #include "tools/mkpkg/package_signer.h"
 #include "tools/mkpkg/progress.h"

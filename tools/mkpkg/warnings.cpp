@@ -4,7 +4,11 @@
 #include <cstdio>
 #include <string_view>
 
+#include "pkg/compatibility.h"
+#include "pkg/package_name.h"
+#include "pkg/product_code.h"
 #include "pkg/system_image.h"
+#include "pkg/version_file.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/package_signer.h"
 #include "util/ascii.h"
@@ -12,15 +16,12 @@
 namespace mkpkg {
 namespace {
 
-constexpr std::string_view kPackageSuffix = ".bin";
 constexpr std::size_t kMaxTypedName = 63;                  // of the commands' parameter
 constexpr std::size_t kMaxImageName = kImageNameRoom - 1;  // that install load takes
-constexpr std::size_t kMaxVersion = 64;
+constexpr std::size_t kMaxVersion = kProductVersionRoom - 1;
 constexpr std::size_t kRecordSize = 64;  // of the path in the device's record of what was loaded
 constexpr std::string_view kMedium = "flash:/";
-constexpr std::uint32_t kNoTag = 0xFFFFFFFF;
 constexpr char kBootLine[] = "[boot]";
-constexpr char kProductVersion[] = "Product version: ";
 constexpr char kPlainCharacters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-+";
 
 /// What an image must begin with to be what its suffix says.
@@ -51,7 +52,7 @@ std::size_t CountOf(const PackageModel& package, std::uint32_t id) {
 void CheckHead(const PackageModel& package, Lines& warnings) {
   if (package.head.package_type != kSystemPackage) warnings.push_back("\"install load\" takes packages of type 2 only");
   if (package.head.attributes != 0) warnings.push_back("\"install load\" takes packages with attribute 0 only");
-  if (package.head.product_tag == kNoTag) warnings.push_back("product tag 0xFFFFFFFF fits no device");
+  if (package.head.product_tag == kUnknownTag) warnings.push_back("product tag 0xFFFFFFFF fits no device");
   if (package.files.empty()) warnings.push_back("the package holds no files");
 }
 
@@ -143,7 +144,8 @@ void CheckImages(const PackageModel& package, Lines& warnings) {
   for (const ContainedFile& file : package.files) {
     if (file.id != kSystemImageFile || !file.has_head) continue;
     CheckImageName(file, warnings);
-    if (file.device_code == kNoTag) warnings.push_back("image " + file.name + ": device tag 0xFFFFFFFF fits no device");
+    if (file.device_code == kUnknownTag)
+      warnings.push_back("image " + file.name + ": device tag 0xFFFFFFFF fits no device");
     if (std::find(seen.begin(), seen.end(), file.device_code) != seen.end()) {
       warnings.push_back("image " + file.name + ": an earlier one has the same device tag " + Hex(file.device_code) +
                          " and is taken");
@@ -164,10 +166,9 @@ void CheckData(const PackageModel& package, Lines& warnings) {
 }
 
 void CheckFileName(const std::string& name, Lines& warnings) {
-  const bool has_suffix = name.size() > kPackageSuffix.size() &&
-                          EqualsIgnoringCase(name.substr(name.size() - kPackageSuffix.size()), kPackageSuffix);
-  if (!has_suffix) warnings.push_back("the file name does not end in \".bin\": a device refuses it");
-  if (name.find('~') != std::string::npos) warnings.push_back("the file name holds \"~\": a device refuses it");
+  if (ESH_FilterFile(name.c_str(), kPackageSuffix, name.size()) == 0)
+    warnings.push_back("the file name does not end in \".bin\": a device refuses it");
+  if (HoldsAliasMark(name.c_str())) warnings.push_back("the file name holds \"~\": a device refuses it");
   if (name.size() > kMaxTypedName) {
     warnings.push_back("the file name is longer than 63 characters: it cannot be typed on a device");
   }
