@@ -29,6 +29,7 @@ class FileCommands : public OperatorConsole {
     for (const char answer : answers) {
       printed += Expect("[Y/N]:");
       Type({&answer, 1});
+      printed += Expect({&answer, 1});  // shown before the next key
       Type("\r");
     }
     printed += Expect("<boot>");

@@ -56,13 +56,4 @@ TEST(CommandTree, LinksTheWordsInACircleThroughTheCommand) {
   EXPECT_EQ(end->ulType, ESH_ELEM_CR);
 }
 
-TEST(CommandTree, ACommandWithoutWordsIsItsOwnNeighbour) {
-  TestView view("<t>");
-  view.Add("");
-  auto* thread = static_cast<ESH_CMD_THREAD_S*>(g_pstEshCurrentView->pstCmdVec->ppvArray[0]);
-  EXPECT_EQ(thread->pstNext, thread);
-  EXPECT_EQ(thread->pstPrev, thread);
-  EXPECT_EQ(FirstElement(*thread), nullptr);
-}
-
 }  // namespace

@@ -91,12 +91,6 @@ TEST(Execute, TheFirstAmbiguousWordIsReported) {
   ExpectErrors({{"alpha o", 6, kAmbiguous}});
 }
 
-TEST(Execute, TwoCommandsThatReadTheSameAreAmbiguousBehindTheLine) {
-  TestView view("<boot>");
-  view.AddAll({"same word <cr>", "same word <cr>"});
-  ExpectErrors({{" same word", 11, kAmbiguous}});
-}
-
 TEST(Execute, RecordsEachParametersOwnWordBeforeTheHandlerRuns) {
   TestView view("<boot>");
   view.Add("move STRING<1-511> to STRING<1-511> at X.X.X.X <cr>",

@@ -75,17 +75,6 @@ TEST(Filter, TheCheckCallbackHasTheLastWord) {
   }
 }
 
-TEST(Filter, AnElementOfAnUnknownTypeMatchesNothing) {
-  const TestView view("<t>");
-  ESH_CMD_THREAD_S* thread = ESH_CmdThread_Init(nullptr);
-  ESH_CmdThread_AddCmdElement(thread, "alpha", "", nullptr, nullptr, nullptr, ESH_ELEM_CR + 1);
-  ESH_CmdThread_Reg2View(g_pstEshCurrentView, thread);
-  const UniqueVector candidates(VEC_Alloc(8));
-  ESH_SelectNextCmdElment(candidates.get());
-  EXPECT_EQ(ESH_FilterCmdElment(candidates.get(), "alpha"), ESH_MATCH_NONE);
-  EXPECT_EQ(TextsOf(*candidates), "");
-}
-
 TEST(SelectNext, StartsWithTheViewAndDropsFinishedCommands) {
   TestView view("<t>");
   view.AddAll({"one two <cr>", "", "one <cr>", "three"});

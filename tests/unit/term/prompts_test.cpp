@@ -2,12 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <string>
-
-#include "term/line_editor.h"
 #include "term/line_state.h"
-#include "tests/support/console.h"
 #include "tests/unit/term/scripted_editor.h"
 
 namespace {
@@ -49,23 +44,6 @@ TEST(Confirm, TakesYesOnlyForAYesThatStandsAtEnter) {
     EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;
     EXPECT_EQ(g_stESh_Line.ulMode, std::uint32_t{ESH_LINE_MODE_CONFIRM});
   }
-}
-
-TEST(Confirm, ShowsQuestionAndAnswerBeforeTheNextKey) {
-  const Console console({}, [](const Console::Report& report) {
-    (void)ESH_LINE_Init();
-    std::fputs("Sure?[Y/N]:", stdout);
-    report(std::to_string(ESH_LINE_GetConfirm(kConfirmSeconds)));
-  });
-  EXPECT_EQ(console.ReadUntil(":"), "Sure?[Y/N]:");
-  console.Type("n");
-  EXPECT_EQ(console.Read(1), "n");
-  console.Type("\b");
-  EXPECT_EQ(console.ReadUntil("K"), TAKEN_BACK);
-  console.Type("Y");
-  EXPECT_EQ(console.Read(1), "Y");
-  console.Type("\r");
-  EXPECT_EQ(console.NextReport(), "1");
 }
 
 }  // namespace

@@ -143,23 +143,10 @@ class RandomKeys {
   /// @param crowded the line is long enough: rather shorten it.
   /// @param highest the highest byte that may be typed.
   std::string Next(bool crowded, int highest) {
-    static const std::string kEditing[] = {"\001",
-                                           "\002",
-                                           "\004",
-                                           "\005",
-                                           "\006",
-                                           "\010",
-                                           "\177",
-                                           "\010",
-                                           "\033[C",
-                                           "\033[D",
-                                           "\033[D",
-                                           "\033[3~",
-                                           "\033[A",
-                                           "\033[B",
-                                           "\003",
-                                           "\025",
-                                           std::string(1, '\0')};
+    static const std::string kNul(1, '\0');
+    static const std::string kEditing[] = {"\001",   "\002",   "\004",   "\005",   "\006",   "\010",
+                                           "\177",   "\010",   "\033[C", "\033[D", "\033[D", "\033[3~",
+                                           "\033[A", "\033[B", "\003",   "\025",   kNul};
     static const std::string kEnding[] = {"\n", "\r", "\t", "?", "\032"};
     const unsigned dice = Below(crowded ? 70 : 100);
     if (dice < 3) {
