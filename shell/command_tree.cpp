@@ -17,6 +17,8 @@ namespace {
 
 constexpr std::size_t kBoundDigits = 10;  // longest bound that is read
 
+bool g_has_endless_command = false;
+
 /// Reads one bound of a range such as "<1-15>".
 bool ReadBound(std::string_view digits, std::uint64_t& bound) {
   FixedText<kBoundDigits + 1> text;
@@ -42,7 +44,12 @@ void ReadRange(std::string_view placeholder, ESH_CMD_ELEMENT_S& element) {
   element.ulMax = max;
 }
 
+bool EndsInCr(const ESH_CMD_THREAD_S& thread) {
+  return thread.pstPrev != &thread && static_cast<const ESH_CMD_ELEMENT_S*>(thread.pstPrev)->ulType == ESH_ELEM_CR;
+}
+
 void Append(ESH_CMD_THREAD_S& thread, ESH_CMD_ELEMENT_S& element) {
+  g_has_endless_command = g_has_endless_command || EndsInCr(thread);  // what follows the end is an end no more
   element.pstPrev = thread.pstPrev;
   element.pstNext = &thread;
   thread.pstPrev->pstNext = &element;
@@ -101,9 +108,11 @@ void ESH_CmdThread_AddCr(ESH_CMD_THREAD_S* thread) {
 }
 
 void ESH_CmdThread_Reg2View(ESH_VIEW_S* view, ESH_CMD_THREAD_S* thread) {
-  if (view != nullptr) {
-    VEC_Add(view->pstCmdVec, kNoIndex, thread);
+  if (view == nullptr) {
+    return;
   }
+  g_has_endless_command = g_has_endless_command || !EndsInCr(*thread);
+  VEC_Add(view->pstCmdVec, kNoIndex, thread);
 }
 
 void ESH_CmdThread_Reg2AllView(ESH_CMD_THREAD_S* thread) {
@@ -112,9 +121,7 @@ void ESH_CmdThread_Reg2AllView(ESH_CMD_THREAD_S* thread) {
   ESH_CmdThread_Reg2View(g_pstEshMthView, thread);
 }
 
-ESH_CMD_ELEMENT_S* FirstElement(const ESH_CMD_THREAD_S& thread) {
-  return thread.pstNext == &thread ? nullptr : static_cast<ESH_CMD_ELEMENT_S*>(thread.pstNext);
-}
+bool HasEndlessCommand() { return g_has_endless_command; }
 
 ESH_CMD_ELEMENT_S* NextElement(const ESH_CMD_THREAD_S& thread, const ESH_CMD_ELEMENT_S& element) {
   return element.pstNext == &thread ? nullptr : static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext);

@@ -88,8 +88,14 @@ void ESH_CmdThread_Reg2View(ESH_VIEW_S* view, ESH_CMD_THREAD_S* thread);
 /// Adds a command to the user, system and management-interface views, in that order.
 void ESH_CmdThread_Reg2AllView(ESH_CMD_THREAD_S* thread);
 
+/// Whether some command may lack its end, for want of memory when it was made. Behind the last element of such a
+/// command stands the command itself, which is no element.
+[[nodiscard]] bool HasEndlessCommand();
+
 /// The command's first word position, or NULL when it has none.
-[[nodiscard]] ESH_CMD_ELEMENT_S* FirstElement(const ESH_CMD_THREAD_S& thread);
+[[nodiscard]] inline ESH_CMD_ELEMENT_S* FirstElement(const ESH_CMD_THREAD_S& thread) {
+  return thread.pstNext == &thread ? nullptr : static_cast<ESH_CMD_ELEMENT_S*>(thread.pstNext);
+}
 
 /// The word position after one that is not the end of its command; NULL behind the last.
 [[nodiscard]] ESH_CMD_ELEMENT_S* NextElement(const ESH_CMD_THREAD_S& thread, const ESH_CMD_ELEMENT_S& element);

@@ -55,7 +55,7 @@ void RecordParameters(const ESH_CMD_THREAD_S& thread, const VEC_S& words) {
 }  // namespace
 
 void ESH_CmdExecute(const VEC_S* words) {
-  const UniqueVector candidates(VEC_Alloc(kUsualSlots));
+  const UniqueVector candidates(VEC_Alloc(kNoSlots));
   const std::uint64_t count = VEC_GetCount(words);
   AmbiguousPosition ambiguous;
   if (candidates == nullptr || count == 0 || !MatchWords(*words, count, *candidates, ambiguous)) {

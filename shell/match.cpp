@@ -138,15 +138,6 @@ bool MayContinue(const ESH_CMD_ELEMENT_S& element, const char* word) {
   }
 }
 
-bool HasEnd(const ESH_CMD_THREAD_S& thread) {
-  return thread.pstPrev != &thread && IsCr(*static_cast<const ESH_CMD_ELEMENT_S*>(thread.pstPrev));
-}
-
-bool EveryCommandHasAnEnd() {
-  return FindSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec,
-                                    [](const ESH_CMD_THREAD_S& thread) { return !HasEnd(thread); }) == nullptr;
-}
-
 bool IsCommand(const ESH_CMD_LINK_S* link) {
   return FindSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec,
                                     [&](const ESH_CMD_THREAD_S& thread) { return &thread == link; }) != nullptr;
@@ -165,10 +156,8 @@ bool AddFirstElements(VEC_S& candidates) {
 /// @return false when memory is short.
 bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
   bool complete = true;
-  // Behind the last element of a command without an end stands the command itself, which is no element.
-  const bool all_are_elements = EveryCommandHasAnEnd();
   ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
-    if (complete && !IsCr(element) && (all_are_elements || !IsCommand(element.pstNext))) {
+    if (complete && !IsCr(element) && !(HasEndlessCommand() && IsCommand(element.pstNext))) {
       complete = VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext)) != kNoIndex;
     }
   });
@@ -180,9 +169,10 @@ bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
 void KeepCommandEnds(VEC_S& candidates) { KeepOnly(candidates, IsCr); }
 
 void ESH_SelectNextCmdElment(VEC_S* candidates) {
-  const bool is_first_word = VEC_GetCount(candidates) == 0;
+  const std::uint64_t count = VEC_GetCount(candidates);
+  const bool is_first_word = count == 0;
   // As many as there can be, so that the vector need not grow again and again.
-  const std::uint64_t most = VEC_GetCount(is_first_word ? g_pstEshCurrentView->pstCmdVec : candidates);
+  const std::uint64_t most = is_first_word ? g_pstEshCurrentView->pstCmdVec->ulMaxIndex + 1 : count;
   UniqueVector next(VEC_Alloc(static_cast<std::int64_t>(most)));
   const bool complete =
       next != nullptr && (is_first_word ? AddFirstElements(*next) : AddSuccessors(*candidates, *next));

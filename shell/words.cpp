@@ -18,16 +18,14 @@ struct WordFreer {
 };
 using UniqueWord = std::unique_ptr<ESH_MARK_STR_S, WordFreer>;
 
-/// Makes the record of the word that stands at `start`; NULL when memory is short.
+/// Makes the record of the word that stands at `start`, with its buffer behind it; NULL when memory is short.
 UniqueWord MakeWord(std::string_view text, std::uint64_t start) {
-  UniqueWord word(new (std::nothrow) ESH_MARK_STR_S{});
-  if (word == nullptr) {
+  void* memory = std::malloc(sizeof(ESH_MARK_STR_S) + kWordRoom);
+  if (memory == nullptr) {
     return nullptr;
   }
-  word->pcWord = static_cast<char*>(std::malloc(kWordRoom));
-  if (word->pcWord == nullptr) {
-    return nullptr;
-  }
+  UniqueWord word(new (memory) ESH_MARK_STR_S{});
+  word->pcWord = static_cast<char*>(memory) + sizeof(ESH_MARK_STR_S);
   CopyBounded(word->pcWord, kWordRoom, text);
   word->ulStart = start;
   word->ulEnd = start + text.size() - 1;
@@ -47,13 +45,7 @@ bool AppendWord(VEC_S& words, std::string_view text, std::uint64_t start) {
 
 bool IsBlankLine(std::string_view line) { return line.find_first_not_of(kWhiteSpace) == std::string_view::npos; }
 
-void FreeMarkStr(ESH_MARK_STR_S* word) {
-  if (word == nullptr) {
-    return;
-  }
-  std::free(word->pcWord);
-  delete word;
-}
+void FreeMarkStr(ESH_MARK_STR_S* word) { std::free(word); }
 
 void ESH_FreeMarkStrVec(VEC_S* words) { FreeVectorOf<ESH_MARK_STR_S>(words, FreeMarkStr); }
 

@@ -42,7 +42,7 @@ VEC_S* VEC_Alloc(std::int64_t initial) {
     return nullptr;
   }
   *vec = VEC_S{};
-  if (initial == -1) {
+  if (initial == kNoSlots) {
     return vec;
   }
   if (VEC_Enlarge(vec, static_cast<std::uint64_t>(initial)) != kSuccess) {
@@ -86,11 +86,7 @@ std::uint64_t VEC_GetCount(const VEC_S* vec) {
     return 0;
   }
   const std::uint64_t bound = std::min(vec->ulCapacity, vec->ulMaxIndex + 1);
-  std::uint64_t count = 0;
-  for (std::uint64_t i = 0; i < bound; ++i) {
-    count += IsHole(*vec, i) ? 0 : 1;
-  }
-  return count;
+  return bound - static_cast<std::uint64_t>(std::count(vec->ppvArray, vec->ppvArray + bound, nullptr));
 }
 
 void VEC_Free(VEC_S* vec) {

@@ -17,11 +17,14 @@ struct VEC_S {
 /// What a vector is usually made with.
 inline constexpr std::int64_t kUsualSlots = 8;
 
+/// For a vector that gets its slots from another one.
+inline constexpr std::int64_t kNoSlots = -1;
+
 /// As an index for VEC_Add: append at `ulFirstFree`. As its result: the element was not stored.
 inline constexpr std::uint64_t kNoIndex = ~std::uint64_t{0};
 
 /// Makes a vector.
-/// @param initial wanted number of slots (rounded up to a doubling of 8); -1 makes a vector without an array.
+/// @param initial wanted number of slots (rounded up to a doubling of 8); kNoSlots makes a vector without an array.
 /// @return the vector, to be freed with VEC_Free, or NULL when memory is short.
 [[nodiscard]] VEC_S* VEC_Alloc(std::int64_t initial);
 
