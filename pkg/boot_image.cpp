@@ -2,6 +2,7 @@
 
 #include "fs/name_rules.h"
 #include "pkg/compatibility.h"
+#include "pkg/contained_file.h"
 #include "pkg/package_format.h"
 #include "pkg/package_reader.h"
 #include "pkg/package_text.h"
@@ -12,6 +13,18 @@ namespace {
 
 constexpr std::size_t kPathRoom = kMediaPrefix.size() + kBootImageNameRoom;
 
+/// Nobody has verified the boot image's package: its description may claim, or unpack to, more than the device's
+/// memory.
+constexpr std::uint32_t kMostDescription = 1 << 20;
+
+UniqueLines OpenDescription(PKG_READER_S* package) {
+  const PackageFileEntry* entry = FindFile(*package, kDescriptionFile);
+  const UniqueFileHead head(entry == nullptr ? nullptr : FileHeadCreateByFileDesc(package, entry));
+  const bool is_modest = head != nullptr && head->stored_size <= kMostDescription &&
+                         (head->compression == kStoredAsIs || head->unpacked_size <= kMostDescription);
+  return is_modest ? OpenPackageText(package, kDescriptionFile) : nullptr;
+}
+
 }  // namespace
 
 void ReadRunningVersion(char* version) {
@@ -20,6 +33,6 @@ void ReadRunningVersion(char* version) {
   ESH_GetBootImageName(name);  // without a name there is no such package either
   path.Append("%s/%s", kMediaRoot, name);
   const UniquePackage package(PackageReadFileCreateByFile(path.Text()));
-  const UniqueLines description(package == nullptr ? nullptr : OpenPackageText(package.get(), kDescriptionFile));
+  const UniqueLines description(package == nullptr ? nullptr : OpenDescription(package.get()));
   ReadBootVersion(description.get(), version);
 }

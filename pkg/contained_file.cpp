@@ -9,12 +9,10 @@
 #include "pkg/package_seal.h"
 #include "pkg/seven_zip.h"
 #include "util/fixed_text.h"
-#include "util/unique_handle.h"
 
 namespace {
 
 using UniqueBlock = std::unique_ptr<void, MemoryFreer>;
-using UniqueFileHead = std::unique_ptr<PackageFileHead, MemoryFreer>;
 
 /// Reads a piece of the package; of a verified one, only if it is still what was verified.
 UniqueBlock ReadTrusted(PKG_READER_S& reader, std::uint64_t offset, std::uint64_t length) {
@@ -80,9 +78,14 @@ void* GetFileFromReadHeadByFileDesc(const PackageFileEntry* entry, PKG_READER_S*
   return data.release();
 }
 
+const PackageFileEntry* FindFile(const PKG_READER_S& reader, std::uint32_t file_id) {
+  const auto files = std::span(reader.head.files).first(reader.head.file_count);
+  const auto entry = std::ranges::find(files, file_id, &PackageFileEntry::file_id);
+  return entry == files.end() ? nullptr : &*entry;
+}
+
 void* GetFileFromReaderHeadByFileID(std::uint32_t file_id, PKG_READER_S* reader, std::uint32_t* out_size) {
   *out_size = 0;
-  const auto files = std::span(reader->head.files).first(reader->head.file_count);
-  const auto entry = std::ranges::find(files, file_id, &PackageFileEntry::file_id);
-  return entry == files.end() ? nullptr : GetFileFromReadHeadByFileDesc(&*entry, reader, 0, out_size, nullptr);
+  const PackageFileEntry* entry = FindFile(*reader, file_id);
+  return entry == nullptr ? nullptr : GetFileFromReadHeadByFileDesc(entry, reader, 0, out_size, nullptr);
 }

@@ -2,8 +2,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "pkg/package_reader.h"
+#include "util/unique_handle.h"
+
+/// Owns a contained file's head.
+using UniqueFileHead = std::unique_ptr<PackageFileHead, MemoryFreer>;
 
 /// Reads the head of a contained file.
 /// @return the head in host order, for free(), or none: it does not agree with its row of the table, is not covered by
@@ -18,6 +23,9 @@
 ///         unpacking that fails.
 [[nodiscard]] void* GetFileFromReadHeadByFileDesc(const PackageFileEntry* entry, PKG_READER_S* reader,
                                                   std::size_t name_size, std::uint32_t* out_size, char* out_name);
+
+/// @return the first row of the table with an ID, or none.
+[[nodiscard]] const PackageFileEntry* FindFile(const PKG_READER_S& reader, std::uint32_t file_id);
 
 /// Reads the first contained file of an ID. @return as above, also none when there is no such file.
 [[nodiscard]] void* GetFileFromReaderHeadByFileID(std::uint32_t file_id, PKG_READER_S* reader, std::uint32_t* out_size);

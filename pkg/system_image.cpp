@@ -20,8 +20,6 @@ constexpr mode_t kScratchMode = 0600;
 constexpr std::size_t kScratchRoom = sizeof(kScratchDirectory) + kImageNameRoom;
 constexpr char kRoot[] = "/";
 
-using UniqueFileHead = std::unique_ptr<PackageFileHead, MemoryFreer>;
-
 /// The first row with an image for a device. One whose head is damaged is passed over.
 const PackageFileEntry* FindImage(PKG_READER_S* package, std::uint32_t device) {
   for (std::uint32_t i = 0; i < package->head.file_count; ++i) {

@@ -16,7 +16,6 @@
 namespace mkpkg {
 namespace {
 
-using UniqueFileHead = std::unique_ptr<PackageFileHead, MemoryFreer>;
 
 std::string_view NameIn(const PackageFileHead& head) {
   return {head.name, std::find(std::begin(head.name), std::end(head.name), '\0')};

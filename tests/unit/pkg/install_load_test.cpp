@@ -2,6 +2,9 @@
 
 #include <malloc.h>
 
+#include <utility>
+
+#include "pkg/boot_image.h"
 #include "pkg/compatibility.h"
 #include "pkg/package_name.h"
 #include "pkg/process_runner.h"
@@ -88,6 +91,20 @@ TEST(ProcessRunner, SplitsAtBlanksAndTabsOnly) {
 }
 
 struct InstallLoad : PackageTest {};
+
+TEST_F(InstallLoad, BootImageDescriptionHasALimit) {
+  WriteFile("/proc/sys/61000/3", "flash:/good.bin\n");
+  mkpkg::PackageContents contents = Contents();
+  mkpkg::PackageFile& description = contents.files[1];
+  for (const auto& [size, version] : {std::pair(1U << 20, "V-R1"), {(1U << 20) + 1, ""}}) {
+    description.data = "Platform version: V\nProduct version: R1\n";
+    description.data.resize(size, '\n');
+    WriteFile(kTestPackage, Compose(contents));
+    char running[kRunningVersionRoom];
+    ReadRunningVersion(running);
+    EXPECT_STREQ(running, version) << size;
+  }
+}
 
 /// Refuses by every code, many times: what one refusal keeps, an evening of tries would use up.
 TEST_F(InstallLoad, RefusalsLeaveNothingOpen) {
