@@ -39,6 +39,12 @@ bool WouldLose(const char* source, const char* destination) {
   return from != to && !is_rename && IsSameEntry(source, destination);
 }
 
+/// Whether the tool would ask by itself before it replaces the destination, unseen and for ever, and take a "no" for a
+/// success. What cannot be written to, on a protected medium, it cannot replace either.
+bool WouldAsk(const char* destination) {
+  return Exists(destination) && !IsLink(destination) && access(destination, W_OK) != 0;
+}
+
 /// Removes what a failed move left of the destination. Where the source is gone, or is the destination, that is the
 /// file itself: the tool may have been killed when all but its own end was done.
 void RemovePart(const char* source, const char* destination) {
@@ -61,8 +67,8 @@ std::uint32_t ESH_ProcMove() {
   if (!IsConfirmed()) {
     return ESH_ERR_FAIL;
   }
-  const std::uint32_t moved =
-      WouldLose(source.full, destination.full) ? ESH_ERR_FAIL : RunMove(source.full, destination.full);
+  const bool is_hopeless = WouldLose(source.full, destination.full) || WouldAsk(destination.full);
+  const std::uint32_t moved = is_hopeless ? ESH_ERR_FAIL : RunMove(source.full, destination.full);
   if (moved == kSuccess) {
     return kSuccess;
   }

@@ -143,6 +143,7 @@ TEST_F(FileCommands, AProtectedMediumStaysAsItIs) {
       {"copy b cfa0:", "y", std::string("Copy flash:/b to cfa0:/b?[Y/N]:y\n") + kNoRoom},
       {"copy b cfa0:/a", "yy",
        std::string("Copy flash:/b to cfa0:/a?[Y/N]:y\ncfa0:/a already exists. Overwrite it?[Y/N]:y\n") + kNoRoom},
+      {"move b cfa0:/a", "y", std::string("Move flash:/b to cfa0:/a?[Y/N]:y\n") + kNoRoom},
       {"move cfa0:/a flash:/moved", "y", std::string("Move cfa0:/a to flash:/moved?[Y/N]:y\n") + kNoRoom},
       {"delete cfa0:/a", "y",
        "Delete cfa0:/a?[Y/N]:y\nDeleting the file permanently will take a long time. Please wait...\n"
