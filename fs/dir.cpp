@@ -184,10 +184,9 @@ bool FindSpelling(const char* directory, std::string_view name, TextBuilder& spe
 
 /// Lists one file under its parent's heading.
 std::uint32_t ListOneFile(const char* full) {
-  const std::string_view path(full);
-  const std::string_view name = LastComponent(path);
+  const std::string_view name = LastComponent(full);
   FixedText<kNameRoom> parent;
-  parent.AppendText(path.substr(0, path.size() - name.size() - 1));
+  parent.AppendText(ParentOf(full));
   Heading heading;
   if (!FormatHeading(parent.Text(), heading)) {
     ESH_DirFsInfo(full);

@@ -77,7 +77,7 @@ std::uint32_t ESH_ProcMkdir() {
     return Refuse(kWrongName);
   }
   FixedText<kNameRoom> parent;
-  parent.AppendText(std::string_view(file.full).substr(0, std::string_view(file.full).rfind('/')));
+  parent.AppendText(ParentOf(file.full));
   if (!IsDirectory(parent.Text())) {
     return Refuse(kDoesNotExist);
   }

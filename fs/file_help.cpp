@@ -130,9 +130,6 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
   }
 }
 
-/// The full name less its last component and the slash before it.
-std::string_view ParentOf(std::string_view full) { return full.substr(0, full.rfind('/')); }
-
 void OfferWhatIsNamed(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
   struct stat status {};
   if (stat(full, &status) != 0) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "fs/file_messages.h"
+#include "fs/name_rules.h"
 #include "fs/named_file.h"
 #include "shell/parameter.h"
 #include "shell/result.h"
@@ -33,14 +34,12 @@ bool IsLink(const char* full) {
 /// Whether the tool would destroy the file by moving it onto itself: it puts a link in the place of what it points to,
 /// and between two mounts of one folder it removes the destination first. Within a folder it renames, which is safe.
 bool WouldLose(const char* source, const char* destination) {
-  const std::string_view from(source);
-  const std::string_view to(destination);
-  const bool is_rename = from.substr(0, from.rfind('/')) == to.substr(0, to.rfind('/')) && !IsLink(source);
-  return from != to && !is_rename && IsSameEntry(source, destination);
+  const bool is_rename = ParentOf(source) == ParentOf(destination) && !IsLink(source);
+  return std::string_view(source) != destination && !is_rename && IsSameEntry(source, destination);
 }
 
-/// Whether the tool would ask by itself before it replaces the destination, unseen and for ever, and take a "no" for a
-/// success. What cannot be written to, on a protected medium, it cannot replace either.
+/// Whether the tool would ask before it replaces the destination, wait for ever for an answer that is not echoed, and
+/// take a "no" for a success. What cannot be written to, on a protected medium, it cannot replace either.
 bool WouldAsk(const char* destination) {
   return Exists(destination) && !IsLink(destination) && access(destination, W_OK) != 0;
 }

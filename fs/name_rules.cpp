@@ -181,6 +181,8 @@ void ESH_GetParentDir(char* name) {
   }
 }
 
+std::string_view ParentOf(std::string_view full) { return full.substr(0, full.rfind('/')); }
+
 std::string_view LastComponent(std::string_view name) { return name.substr(name.rfind('/') + 1); }
 
 void MyStrlcpy(const char* source, std::size_t size, char* destination) {

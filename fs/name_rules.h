@@ -51,6 +51,9 @@ inline constexpr std::string_view kMediaPrefix = "/mnt/";
 /// Cuts a name just behind its last "/"; a name without one becomes empty.
 void ESH_GetParentDir(char* name);
 
+/// A full name less its last "/" and what follows it.
+[[nodiscard]] std::string_view ParentOf(std::string_view full);
+
 /// What stands behind the last "/" of a name; all of it when there is none.
 [[nodiscard]] std::string_view LastComponent(std::string_view name);
 

@@ -17,12 +17,9 @@ namespace {
 
 bool IsOneInode(const struct stat& a, const struct stat& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
 
-/// A full name less its last "/" and what follows it.
+/// A full name's parent as a text of its own.
 struct Parent {
-  explicit Parent(const char* full) {
-    const std::string_view name(full);
-    CopyText(path, name.substr(0, name.rfind('/')));
-  }
+  explicit Parent(const char* full) { CopyText(path, ParentOf(full)); }
   char path[kNameRoom];
 };
 

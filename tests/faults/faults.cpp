@@ -6,7 +6,6 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -111,21 +110,9 @@ int rmdir(const char* path) noexcept {
 
 int chdir(const char* path) noexcept { return Fails("chdir") ? -1 : static_cast<int>(syscall(SYS_chdir, path)); }
 
-int access(const char* path, int mode) noexcept {
-  return Fails("access") ? -1 : static_cast<int>(syscall(SYS_faccessat, AT_FDCWD, path, mode));
-}
-
 pid_t fork() noexcept { return Fails("fork") ? -1 : Next<pid_t()>("fork")(); }
 
 int remove(const char* path) noexcept { return Fails("remove") ? -1 : Next<int(const char*)>("remove")(path); }
-
-int stat(const char* path, struct stat* status) noexcept {
-  return Fails("stat") ? -1 : Next<int(const char*, struct stat*)>("stat")(path, status);
-}
-
-int lstat(const char* path, struct stat* status) noexcept {
-  return Fails("lstat") ? -1 : Next<int(const char*, struct stat*)>("lstat")(path, status);
-}
 
 DIR* opendir(const char* path) { return Fails("opendir") ? nullptr : Next<DIR*(const char*)>("opendir")(path); }
 
