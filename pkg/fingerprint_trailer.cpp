@@ -16,10 +16,6 @@
 
 namespace {
 
-constexpr std::string_view kLengthLabel = "Fingerprint Length: ";
-constexpr std::string_view kKeyLabel = "Key: ";
-constexpr std::string_view kHashLabel = "Hash: ";
-constexpr std::string_view kSignatureLabel = "Signature: ";
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
 
 /// The second length line and the end marker lie within so many bytes before the end.

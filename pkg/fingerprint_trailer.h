@@ -20,6 +20,10 @@
 /// The length is that of the trailer itself. The vendor's own form has "Kelvane " before "Signed" in both markers. The
 /// backslash is part of a marker.
 
+inline constexpr std::string_view kLengthLabel = "Fingerprint Length: ";
+inline constexpr std::string_view kKeyLabel = "Key: ";
+inline constexpr std::string_view kHashLabel = "Hash: ";
+inline constexpr std::string_view kSignatureLabel = "Signature: ";
 inline constexpr std::size_t kTrailerLengthDigits = 6;
 inline constexpr std::size_t kMostSignatureText = 2048;
 inline constexpr std::string_view kTrailerHash = "sha256";

@@ -7,13 +7,11 @@
 namespace mkpkg {
 namespace {
 
-constexpr std::size_t kNumberSize = 256;
-
 /// Appends one number of a key, big-endian.
 bool AppendNumber(const UniqueKey& key, const char* name, std::string& file) {
   BIGNUM* number = nullptr;
   if (EVP_PKEY_get_bn_param(key.get(), name, &number) != 1) return false;
-  unsigned char bytes[kNumberSize];
+  unsigned char bytes[kKeyNumberSize];
   const bool fits = BN_bn2binpad(number, bytes, sizeof(bytes)) == static_cast<int>(sizeof(bytes));
   BN_free(number);
   file.append(reinterpret_cast<const char*>(bytes), sizeof(bytes));
@@ -27,7 +25,7 @@ std::string EncodeDeviceKey(const UniqueKey& key, std::size_t size, std::string&
     return "the public exponent is below " + std::to_string(kLeastExponent) + ": signatures for it can be forged";
   }
   // The number of bits, as wide as the header is.
-  file.assign(size - 2 * kNumberSize, '\0');
+  file.assign(size - 2 * kKeyNumberSize, '\0');
   file[file.size() - 2] = static_cast<char>(kKeyBits >> 8);
   file[file.size() - 1] = static_cast<char>(kKeyBits & 0xFF);
   if (AppendNumber(key, OSSL_PKEY_PARAM_RSA_N, file) && AppendNumber(key, OSSL_PKEY_PARAM_RSA_E, file)) return "";
@@ -36,8 +34,8 @@ std::string EncodeDeviceKey(const UniqueKey& key, std::size_t size, std::string&
 
 bool IsWeakDeviceKey(const std::string& file) {
   if (file.size() != kShortKeyFile && file.size() != kLongKeyFile) return false;
-  BIGNUM* exponent = BN_bin2bn(reinterpret_cast<const unsigned char*>(file.data() + file.size() - kNumberSize),
-                               static_cast<int>(kNumberSize), nullptr);
+  BIGNUM* exponent = BN_bin2bn(reinterpret_cast<const unsigned char*>(file.data() + file.size() - kKeyNumberSize),
+                               static_cast<int>(kKeyNumberSize), nullptr);
   const bool weak = exponent != nullptr && BN_num_bits(exponent) <= 32 && BN_get_word(exponent) < kLeastExponent;
   BN_free(exponent);
   return weak;

@@ -2,13 +2,14 @@
 
 #include <string>
 
+#include "pkg/public_key.h"
 #include "tools/mkpkg/rsa_key.h"
 
 namespace mkpkg {
 
 /// The two sizes of a device's key file. Both hold a header that nothing reads, the modulus and the public exponent.
-constexpr std::size_t kShortKeyFile = 514;  // opens signatures of the digest alone
-constexpr std::size_t kLongKeyFile = 516;   // opens them with or without DigestInfo
+constexpr std::size_t kShortKeyFile = kDigestKeySize;   // opens signatures of the digest alone
+constexpr std::size_t kLongKeyFile = kPrefixedKeySize;  // opens them with or without DigestInfo
 
 /// Makes the bytes of a device's key file from a public key.
 /// @param size  kShortKeyFile or kLongKeyFile.

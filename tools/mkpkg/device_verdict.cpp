@@ -1,6 +1,7 @@
 #include "tools/mkpkg/device_verdict.h"
 
 #include "pkg/compatibility.h"
+#include "pkg/fingerprint_trailer.h"
 #include "pkg/head_check.h"
 #include "pkg/line_reader.h"
 #include "pkg/package_name.h"
@@ -139,7 +140,7 @@ DeviceVerdict JudgeInstall(const std::string& path, const DeviceFacts& facts) {
 }
 
 bool NamesWeakKey(const PackageModel& package, const std::string& key_directory) {
-  const std::string name = package.IsSignedInHead() ? kHeadFormKey : TrailerField(package, "Key: ");
+  const std::string name = package.IsSignedInHead() ? kHeadFormKey : TrailerField(package, kKeyLabel);
   std::string key;
   return ReadWholeFile(key_directory + "/" + name + kKeySuffix, key).empty() && IsWeakDeviceKey(key);
 }

@@ -41,7 +41,7 @@ struct PackageModel {
 /// Reads the files of an open package; of a verified one only what its signature covers.
 void ReadFiles(PKG_READER_S* reader, PackageModel& package);
 
-/// @return the rest of a trailer's line that starts with `field`, such as "Key: "; "" when there is no such line.
+/// @return the rest of a trailer's line that starts with `field`, such as kKeyLabel; "" when there is no such line.
 [[nodiscard]] std::string TrailerField(const PackageModel& package, std::string_view field);
 
 /// Lines of a text file in a package, as a device reads them.

@@ -13,7 +13,6 @@
 namespace mkpkg {
 namespace {
 
-constexpr std::string_view kLength = "Fingerprint Length: ";
 constexpr std::size_t kMaxKeyName = 251;  // a file name with ".key"
 
 /// DigestInfo of SHA-256 up to the digest (RFC 8017, section 9.2, note 1).
@@ -40,6 +39,10 @@ std::string SixDigits(std::size_t number) {
   return digits.insert(0, kTrailerLengthDigits - std::min(kTrailerLengthDigits, digits.size()), '0');
 }
 
+std::string Line(std::string_view label, std::string_view value) {
+  return std::string(label).append(value).append("\n");
+}
+
 bool IsTrailer(std::string_view text) {
   const auto stands_between = [&](const TrailerMarkers& markers) {
     return text.starts_with(markers.begin) && text.ends_with(markers.end);
@@ -60,10 +63,10 @@ std::string ReasonAgainstKeyName(const std::string& name) {
 
 std::size_t TrailerSize(const std::string& package) {
   const std::string_view bytes = package;
-  const std::size_t at = bytes.rfind(kLength);
-  if (at == std::string_view::npos || bytes.size() - at < kLength.size() + kTrailerLengthDigits) return 0;
+  const std::size_t at = bytes.rfind(kLengthLabel);
+  if (at == std::string_view::npos || bytes.size() - at < kLengthLabel.size() + kTrailerLengthDigits) return 0;
   std::size_t length = 0;
-  for (const char digit : bytes.substr(at + kLength.size(), kTrailerLengthDigits)) {
+  for (const char digit : bytes.substr(at + kLengthLabel.size(), kTrailerLengthDigits)) {
     if (!IsDigit(digit)) return 0;
     length = length * 10 + static_cast<std::size_t>(digit - '0');
   }
@@ -103,11 +106,11 @@ std::string BlockToSign(const SignatureForm& form, const std::string& digest) {
 
 std::string Trailer(const SignatureForm& form, const std::string& signature) {
   const std::string text =
-      "Key: " + form.key_name + "\nHash: " + std::string(kTrailerHash) + "\nSignature: " + Base64(signature) + "\n";
+      Line(kKeyLabel, form.key_name) + Line(kHashLabel, kTrailerHash) + Line(kSignatureLabel, Base64(signature));
   const TrailerMarkers& markers = form.vendor_markers ? kVendorMarkers : kGenericMarkers;
-  const std::size_t length_line = kLength.size() + kTrailerLengthDigits + 1;
+  const std::size_t length_line = kLengthLabel.size() + kTrailerLengthDigits + 1;
   const std::size_t length = markers.begin.size() + length_line + text.size() + length_line + markers.end.size();
-  const std::string counted = std::string(kLength) + SixDigits(length) + "\n";
+  const std::string counted = Line(kLengthLabel, SixDigits(length));
   return std::string(markers.begin) + counted + text + counted + std::string(markers.end);
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "pkg/fingerprint_trailer.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/json_writer.h"
@@ -71,6 +72,31 @@ void AppendFile(std::string& text, const ContainedFile& file) {
   for (const std::string& line : LinesOf(file.data)) text += "  | " + Printable(line) + "\n";
 }
 
+void AppendFile(JsonWriter& json, const ContainedFile& file) {
+  json.BeginObject();
+  json.Number("id", file.id);
+  json.Text("role", RoleOf(file.id));
+  json.Text("name", file.name);
+  json.Number("deviceTag", file.device_code);
+  json.Text("packing", PackingOf(file));
+  json.Number("storedSize", file.stored_size);
+  json.Number("size", file.data.size());
+  if (!file.problem.empty()) json.Text("problem", file.problem);
+  if (const std::optional<ImageRoom> room = RoomOf(file)) {
+    json.BeginObject("room");
+    json.Number("temporary", file.data.size());
+    json.Number("bytes", room->bytes);
+    json.Number("files", room->files);
+    json.EndObject();
+  }
+  if (file.id == kDescriptionFile || file.id == kCompatibilityFile) {
+    json.BeginArray("lines");
+    for (const std::string& line : LinesOf(file.data)) json.Text("", line);
+    json.EndArray();
+  }
+  json.EndObject();
+}
+
 }  // namespace
 
 std::string Printable(std::string text) {
@@ -88,7 +114,7 @@ std::string TextReport(const PackageModel& package, const std::string& path) {
   AppendLine(text, "byte order     %s", head.byte_order == kHostOrder ? "host" : "big-endian");
   AppendLine(text, "signature      %s", FormOf(package));
   if (!package.trailer.empty()) {
-    AppendLine(text, "key            %s", Printable(TrailerField(package, "Key: ")).c_str());
+    AppendLine(text, "key            %s", Printable(TrailerField(package, kKeyLabel)).c_str());
   }
   for (const ContainedFile& file : package.files) AppendFile(text, file);
   for (const std::string& warning : AllWarnings(package, path)) text += "warning: " + Printable(warning) + "\n";
@@ -106,32 +132,9 @@ std::string JsonReport(const PackageModel& package, const std::string& path) {
   json.Number("attribute", head.attributes);
   json.Text("byteOrder", head.byte_order == kHostOrder ? "host" : "big-endian");
   json.Text("signature", FormOf(package));
-  if (!package.trailer.empty()) json.Text("key", TrailerField(package, "Key: "));
+  if (!package.trailer.empty()) json.Text("key", TrailerField(package, kKeyLabel));
   json.BeginArray("files");
-  for (const ContainedFile& file : package.files) {
-    json.BeginObject();
-    json.Number("id", file.id);
-    json.Text("role", RoleOf(file.id));
-    json.Text("name", file.name);
-    json.Number("deviceTag", file.device_code);
-    json.Text("packing", PackingOf(file));
-    json.Number("storedSize", file.stored_size);
-    json.Number("size", file.data.size());
-    if (!file.problem.empty()) json.Text("problem", file.problem);
-    if (const std::optional<ImageRoom> room = RoomOf(file)) {
-      json.BeginObject("room");
-      json.Number("temporary", file.data.size());
-      json.Number("bytes", room->bytes);
-      json.Number("files", room->files);
-      json.EndObject();
-    }
-    if (file.id == kDescriptionFile || file.id == kCompatibilityFile) {
-      json.BeginArray("lines");
-      for (const std::string& line : LinesOf(file.data)) json.Text("", line);
-      json.EndArray();
-    }
-    json.EndObject();
-  }
+  for (const ContainedFile& file : package.files) AppendFile(json, file);
   json.EndArray();
   json.BeginArray("warnings");
   for (const std::string& warning : AllWarnings(package, path)) json.Text("", warning);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "pkg/compatibility.h"
+#include "pkg/fingerprint_trailer.h"
 #include "pkg/package_name.h"
 #include "pkg/product_code.h"
 #include "pkg/system_image.h"
@@ -195,7 +196,7 @@ std::vector<std::string> SignatureWarningsFor(const PackageModel& package) {
   const bool is_signed = package.IsSignedInHead() ? package.head.signature_length != 0 : !package.trailer.empty();
   if (!is_signed) return {"the package is not signed: see \"mkpkg sign --help\""};
   if (package.IsSignedInHead()) return {};
-  const std::string reason = ReasonAgainstKeyName(TrailerField(package, "Key: "));
+  const std::string reason = ReasonAgainstKeyName(TrailerField(package, kKeyLabel));
   if (reason.empty()) return {};
   return {"no device finds the key: " + reason};
 }
