@@ -10,6 +10,7 @@
 #include "fs/name_rules.h"
 #include "fs/path.h"
 #include "net/ipv4_address.h"
+#include "net/known_hosts.h"
 #include "pkg/boot_image.h"
 #include "pkg/change_list.h"
 #include "pkg/compatibility.h"
@@ -43,7 +44,6 @@ constexpr char kNoImage[] = "\r\nOperation failed!\r";
 constexpr char kLoading[] = "\r\nLoading...\r";
 constexpr char kExitFailed[] = "Exit failed.\r";
 
-constexpr char kKnownHosts[] = "/root/.ssh/known_hosts";
 constexpr const char* kUnloadIpStack[] = {"/bin/ifconfig m-eth0 down", "/bin/ifconfig lo down", "/bin/rmmod ipstack"};
 
 /// Whether packages may lie where a typed name leads to.

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "fs/named_file.h"
+#include "net/known_hosts.h"
 #include "remote/connection.h"
 #include "remote/credentials.h"
 #include "remote/host_address.h"
@@ -10,8 +11,6 @@
 #include "shell/result.h"
 
 namespace {
-
-constexpr char kKnownHosts[] = "/root/.ssh/known_hosts";
 
 std::uint32_t Connect(const char* address) {
   const char* user = GetSSHUserName();

@@ -16,7 +16,6 @@
 namespace mkpkg {
 namespace {
 
-
 std::string_view NameIn(const PackageFileHead& head) {
   return {head.name, std::find(std::begin(head.name), std::end(head.name), '\0')};
 }
