@@ -11,7 +11,6 @@
 #include "tests/support/package_fixture.h"
 #include "tools/mkpkg/package_bytes.h"
 #include "util/unique_handle.h"
-#include "util/whole_file.h"
 
 namespace {
 
@@ -141,20 +140,6 @@ TEST_F(ReaderTest, ReadsFromMemoryLikeFromAFile) {
   EXPECT_EQ(CheckPackageHead(reader.get()), ESH_ERR_FAIL) << "it has no path whose file could be genuine";
   EXPECT_EQ(ReadBlockFromFile(&reader->source, good.size(), 1), nullptr);
   EXPECT_EQ(ReadBlockFromFile(&reader->source, 1, UINT64_MAX), nullptr);
-}
-
-TEST_F(ReaderTest, WholeFileIsTerminated) {
-  WriteFile("/etc/text", "abc");
-  WriteFile("/etc/empty", "");
-  std::size_t size = 0;
-  const UniqueText text(FileReadWhole("/etc/text", &size));
-  ASSERT_NE(text, nullptr);
-  EXPECT_STREQ(text.get(), "abc");
-  EXPECT_EQ(size, 3U);
-  for (const char* none : {"/etc/empty", "/etc/none", "/etc"}) {
-    EXPECT_EQ(FileReadWhole(none, &size), nullptr) << none;
-    EXPECT_EQ(size, 0U);
-  }
 }
 
 }  // namespace
