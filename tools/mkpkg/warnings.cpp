@@ -117,9 +117,10 @@ void CheckImageName(const ContainedFile& image, Lines& warnings) {
     warnings.push_back("an image's name is empty or holds a slash: a device does not unpack it");
     return;
   }
-  if (name.size() > kMaxImageName)
+  if (name.size() > kMaxImageName) {
     warnings.push_back("image " + name + ": a device cuts a name of more than " + std::to_string(kMaxImageName) +
                        " bytes");
+  }
   if (name.find_first_not_of(kPlainCharacters) != std::string::npos || name[0] == '-') {
     warnings.push_back("image " + name +
                        ": the name goes through the device's command interpreter; use letters, digits,"
@@ -167,8 +168,9 @@ void CheckData(const PackageModel& package, Lines& warnings) {
 }
 
 void CheckFileName(const std::string& name, Lines& warnings) {
-  if (ESH_FilterFile(name.c_str(), kPackageSuffix, name.size()) == 0)
+  if (ESH_FilterFile(name.c_str(), kPackageSuffix, name.size()) == 0) {
     warnings.push_back("the file name does not end in \".bin\": a device refuses it");
+  }
   if (HoldsAliasMark(name.c_str())) warnings.push_back("the file name holds \"~\": a device refuses it");
   if (name.size() > kMaxTypedName) {
     warnings.push_back("the file name is longer than 63 characters: it cannot be typed on a device");

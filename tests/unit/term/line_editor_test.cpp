@@ -11,6 +11,7 @@
 #include "term/line_state.h"
 #include "tests/support/console.h"
 #include "tests/unit/term/scripted_editor.h"
+#include "util/fixed_text.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ TEST(DeleteText, TakesBothEndsInEitherOrder) {
   };
   constexpr DeletionCase kDeletions[] = {{0, 0, "bcdef"}, {5, 5, "abcde"}, {1, 3, "aef"}, {3, 1, "aef"}, {0, 5, ""}};
   for (const DeletionCase& c : kDeletions) {
-    std::strcpy(g_stESh_Line.pcBuf, "abcdef");
+    CopyBounded(g_stESh_Line.pcBuf, kLineRoom, "abcdef");
     g_stESh_Line.ulLen = 6;
     EXPECT_EQ(LINE_DeleteText(c.a, c.b), 1);
     EXPECT_STREQ(g_stESh_Line.pcBuf, c.left);
