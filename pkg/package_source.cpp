@@ -17,10 +17,9 @@ constexpr std::uintptr_t kPageSize = 4096;
 /// long as reading it.
 void* NewBlock(std::size_t length) {
   void* block = std::malloc(length);
-  const std::uintptr_t start = (reinterpret_cast<std::uintptr_t>(block) + kPageSize - 1) & ~(kPageSize - 1);
-  const std::uintptr_t end = reinterpret_cast<std::uintptr_t>(block) + length;
-  if (block != nullptr && end > start) {
-    (void)madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);  // only ever slower without
+  const std::size_t to_next_page = -reinterpret_cast<std::uintptr_t>(block) & (kPageSize - 1);
+  if (block != nullptr && length > to_next_page) {
+    (void)madvise(static_cast<char*>(block) + to_next_page, length - to_next_page, MADV_HUGEPAGE);  // or slower
   }
   return block;
 }

@@ -24,7 +24,8 @@ constexpr std::size_t kRecordsInBlock = (kBlockSize - offsetof(Block, records)) 
 Block* g_filling = nullptr;
 
 Block* BlockOf(ESH_HELP_INFO_S* record) {
-  return reinterpret_cast<Block*>(reinterpret_cast<std::uintptr_t>(record) & ~(kBlockSize - 1));
+  const std::size_t offset = reinterpret_cast<std::uintptr_t>(record) & (kBlockSize - 1);
+  return reinterpret_cast<Block*>(reinterpret_cast<char*>(record) - offset);
 }
 
 /// @return a block with room for a record, or NULL.
