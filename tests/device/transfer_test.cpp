@@ -66,7 +66,7 @@ TEST_F(NativeTransfers, OfMoreBlocksThanTftpHasNumbersFor) {
     Type(std::string(line) + "\r");
     Expect("\n");
     // A loaded machine may need longer than anything else is waited for.
-    for (int i = 0; i < 90 && Run("sleep 1; pidof tftp || true") != ""; ++i) Listen(std::chrono::milliseconds(0));
+    for (int i = 0; i < 90 && !Run("sleep 1; pidof tftp || true").empty(); ++i) Listen(std::chrono::milliseconds(0));
     EXPECT_EQ(Expect("<boot>"), "<boot>");
   }
   EXPECT_TRUE(Received("back") == bytes);
