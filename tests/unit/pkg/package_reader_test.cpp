@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-#include <cstring>
+#include <algorithm>
 
 #include "pkg/contained_file.h"
 #include "pkg/head_check.h"
@@ -133,7 +133,7 @@ TEST_F(ReaderTest, ReadsFromMemoryLikeFromAFile) {
   const UniquePackage reader = Open(good);
   std::fclose(reader->source.stream);
   auto* memory = static_cast<std::uint8_t*>(std::malloc(good.size()));
-  std::memcpy(memory, good.data(), good.size());
+  std::copy(good.begin(), good.end(), memory);
   reader->source = {0, nullptr, memory, memory + good.size(), memory};
   EXPECT_EQ(FileOf(reader.get(), 3), "the image");
   EXPECT_EQ(MainHeadCheck(0, reader.get()), kSuccess);
