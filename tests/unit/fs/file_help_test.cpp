@@ -1,11 +1,11 @@
 #include "fs/file_help.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "term/help_list.h"
 #include "tests/support/private_root.h"
@@ -15,27 +15,29 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr auto kAny = FS_HELP_FILE_OR_DIRECTORY;
+
 /// Two media and one that was taken out. The working directory is flash:, which holds a bit of everything.
 struct FileHelp : PrivateRootTest {
   void SetUp() override {
     PrivateRootTest::SetUp();
     AddMedium("flash:");
-    fs::create_directory("/mnt/cfa0:");
-    fs::create_symlink("/mnt/cfa0:", "/mnt/SLOT0#cfa0:");  // however it is spelled
-    fs::create_symlink("/mnt/usba0:", "/mnt/slot0#usba0:");
-    fs::create_symlink("/mnt/cfa0:", "/mnt/.slot");
-    fs::create_directory("/mnt/slot0#dir:");
-    WriteFile("/mnt/plain", "");
-    WriteFile("/mnt/flash:/logs/diag.log", "");
-    WriteFile("/mnt/flash:/logs/old/a", "");
-    WriteFile("/mnt/flash:/logs/.old", "");
-    WriteFile("/mnt/flash:/Log.txt", "");
-    WriteFile("/mnt/flash:/.logrc", "");
-    fs::create_symlink("logs", "/mnt/flash:/lnkdir");
-    fs::create_symlink("Log.txt", "/mnt/flash:/lnkfile");
-    fs::create_symlink("gone", "/mnt/flash:/lnkgone");
+    for (const char* directory : {"cfa0:", "slot0#dir:", "flash:/logs/old"}) {
+      fs::create_directories(std::string("/mnt/") + directory);
+    }
+    for (const char* file : {"plain", "flash:/logs/diag.log", "flash:/logs/.old", "flash:/Log.txt", "flash:/.logrc"}) {
+      WriteFile(std::string("/mnt/") + file, "");
+    }
+    const std::pair<const char*, const char*> links[] = {
+        {"SLOT0#cfa0:", "/mnt/cfa0:"},  // however it is spelled
+        {"slot0#usba0:", "/mnt/usba0:"}, {".slot", "/mnt/cfa0:"},    {"flash:/lnkdir", "logs"},
+        {"flash:/lnkfile", "Log.txt"},   {"flash:/lnkgone", "gone"},
+    };
+    for (const auto& [link, target] : links) {
+      fs::create_symlink(target, std::string("/mnt/") + link);
+    }
     ASSERT_EQ(mkfifo("/mnt/flash:/lpipe", 0600), 0);
-    ASSERT_EQ(chdir("/mnt/flash:"), 0);
+    fs::current_path("/mnt/flash:");
   }
 
   using Lines = std::multiset<std::string>;
@@ -53,22 +55,17 @@ struct FileHelp : PrivateRootTest {
   }
 };
 
-constexpr auto kAny = FS_HELP_FILE_OR_DIRECTORY;
-
 TEST_F(FileHelp, OffersMediaAndWhatContinuesTheWord) {
-  struct OfferCase {
-    const char* word;
-    Lines lines;
-  };
   const Lines media = {"flash:|Device name", "cfa0:|Device name"};
+  const Lines flash = {"flash:/|Device name"};
   const Lines at_l = {"logs/", "Log.txt", "lnkdir/", "lnkfile"};
   const Lines at_flash_l = {"flash:/logs/", "flash:/Log.txt", "flash:/lnkdir/", "flash:/lnkfile"};
-  const OfferCase cases[] = {
+  const std::pair<std::string, Lines> cases[] = {
       {"?", media},
       {"?fl", media},
-      {"fl", {"flash:/|Device name"}},
-      {"FLASH", {"flash:/|Device name"}},
-      {"flash:", {"flash:/|Device name"}},
+      {"fl", flash},
+      {"FLASH", flash},
+      {"flash:", flash},
       {"c", {"cfa0:/|Device name"}},
       {"l", at_l},
       {"L", at_l},
@@ -76,61 +73,47 @@ TEST_F(FileHelp, OffersMediaAndWhatContinuesTheWord) {
       {"flash:/L", at_flash_l},
       {"flash:/", at_flash_l},
       {"logs", {"logs/"}},
-      {"flash:/logs", {"flash:/logs/"}},
       {"Log.txt", {"Log.txt"}},
       {"logs/", {"logs/diag.log", "logs/old/"}},
       {"lnkdir/d", {"lnkdir/diag.log"}},
       {"logs/../logs/d", {"logs/../logs/diag.log"}},
       {".logrc", {".logrc"}},  // typed in full it is no secret
+      {std::string(4097, 'l'), {}},
   };
-  for (const OfferCase& c : cases) {
-    EXPECT_EQ(Offers(c.word, kAny), c.lines) << c.word;
+  for (const auto& [word, lines] : cases) {
+    EXPECT_EQ(Offers(word, kAny), lines) << word;
   }
   for (const char* word : {"us", "logs/x", "gone/l", ".l", "lnkgone", "lpipe", "/mnt/flash:/", "/", "flash:/../",
                            "flash:/l*", "cfa0:/", "usba0:/"}) {
     EXPECT_EQ(Offers(word, kAny), Lines{}) << word;
   }
+  EXPECT_NE(FS_HelpBaseEx(nullptr, kAny, nullptr, nullptr), 0U);
+  EXPECT_NE(FS_HelpBaseEx("l", FS_HELP_LAST + 1, nullptr, nullptr), 0U);
 }
 
 TEST_F(FileHelp, KindDecidesOnFilesAndTheGenericLine) {
   const Lines both = {"logs/", "Log.txt"};
   const Lines directory = {"logs/"};
-  const auto with = [](Lines lines, const char* line) {
-    lines.insert(line);
-    return lines;
+  const std::pair<std::uint32_t, Lines> cases[] = {
+      {FS_HELP_EXISTING_FILE, both},
+      {FS_HELP_DESTINATION, {"logs/", "Log.txt", "STRING"}},
+      {FS_HELP_EXISTING_DIRECTORY, directory},
+      {FS_HELP_NEW_DIRECTORY, {"logs/", "STRING|[drive][path]"}},
+      {FS_HELP_FILE_OR_DIRECTORY, both},
+      {FS_HELP_NEW_FILE, {"logs/", "Log.txt", "STRING|[drive][path][file name]"}},
+      {FS_HELP_MEDIUM, directory},
+      {FS_HELP_PACKAGE, both},
+      {FS_HELP_LAST, both},
   };
-  const Lines expected[] = {
-      both,                                           // 0
-      with(both, "STRING"),                           // 1
-      directory,                                      // 2
-      with(directory, "STRING|[drive][path]"),        // 3
-      both,                                           // 4
-      with(both, "STRING|[drive][path][file name]"),  // 5
-      directory,                                      // 6
-      both,                                           // 7
-      both,                                           // 8
-  };
-  for (std::uint32_t kind = 0; kind <= FS_HELP_LAST; ++kind) {
-    EXPECT_EQ(Offers("lo", kind), expected[kind]) << kind;
+  for (const auto& [kind, lines] : cases) {
+    EXPECT_EQ(Offers("lo", kind), lines) << kind;
   }
   for (const char* word : {"flash:/..", "/x", "flash:/l*"}) {
     EXPECT_EQ(Offers(word, FS_HELP_DESTINATION), Lines{}) << word << " can become no name";
   }
   EXPECT_EQ(Offers("new", FS_HELP_DESTINATION), Lines{"STRING"});
-}
-
-TEST_F(FileHelp, RefusesWhatIsNoWordOrKind) {
-  const UniqueHelpList list(VEC_Alloc(8));
-  EXPECT_NE(FS_HelpBaseEx(nullptr, 0, nullptr, list.get()), 0U);
-  EXPECT_NE(FS_HelpBaseEx("l", FS_HELP_LAST + 1, nullptr, list.get()), 0U);
-  EXPECT_EQ(FS_HelpBaseEx(std::string(4097, 'l').c_str(), 0, nullptr, list.get()), 0U);
-  EXPECT_EQ(VEC_GetCount(list.get()), 0U);
-}
-
-TEST_F(FileHelp, LooksForPackagesInAMediumsRootOnly) {
   EXPECT_EQ(Offers("flash:/log", FS_HELP_PACKAGE), (Lines{"flash:/logs/", "flash:/Log.txt"}));
-  EXPECT_EQ(Offers("flash:/logs/", FS_HELP_PACKAGE), Lines{});
-  EXPECT_EQ(Offers("flash:/logs/", FS_HELP_EXISTING_FILE), (Lines{"flash:/logs/diag.log", "flash:/logs/old/"}));
+  EXPECT_EQ(Offers("flash:/logs/", FS_HELP_PACKAGE), Lines{}) << "packages lie in a medium's root";
 }
 
 TEST_F(FileHelp, LeavesOutWhatTheFilterRefuses) {

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "fs/working_directory.h"
@@ -24,31 +25,26 @@ TEST_F(MediumTest, IsPresentWhileItsSlotLinkIsALink) {
   for (const char* present : {"flash:", "flash:/a/b", "usba0:"}) {
     EXPECT_EQ(ESH_CheckDevice(present), 1) << present;
   }
-  const std::string too_long = std::string(255, 'x') + ":";
-  for (const char* absent : {"cfa0:", "a:", "b:", "flash", "", ":", "gone:", "FLASH:", too_long.c_str()}) {
+  for (const char* absent : {"cfa0:", "a:", "b:", "flash", "", ":", "gone:", "FLASH:"}) {
     EXPECT_EQ(ESH_CheckDevice(absent), 0) << absent;
   }
 }
 
 TEST_F(MediumTest, OnlyTheFirstUnitOfAKindHoldsPackages) {
-  for (const char* device : {"flash:", "cfa0:", "usba0:", "usba1:", "usba9:", "usba10:", "usba00:", "usba100:", "0:"}) {
+  for (const char* device : {"flash:", "usba0:", "usba1:", "usba9:", "usba10:", "usba00:", "usba100:", "0:", "10:"}) {
     AddMedium(device);
   }
-  for (const char* first : {"flash:", "flash:/a1.bin", "cfa0:", "usba0:", "/mnt/usba0:/x.bin", "0:"}) {
+  for (const char* first : {"flash:", "flash:/a1.bin", "/mnt/usba0:/x.bin", "0:"}) {
     EXPECT_EQ(ESH_IsDeviceForPkgm(first), 1) << first;
   }
-  for (const char* other : {"usba1:", "usba9:/x", "usba10:", "usba00:", "usba100:", "/mnt/usba1:", "cfb0:", "a.bin"}) {
+  for (const char* other :
+       {"usba1:", "usba9:/x", "usba10:", "usba00:", "usba100:", "/mnt/usba1:", "10:", "cfb0:", "a.bin"}) {
     EXPECT_EQ(ESH_IsDeviceForPkgm(other), 0) << other;
   }
 }
 
 TEST_F(MediumTest, FirstOfItsKindBecomesTheWorkingDirectory) {
-  struct StartCase {
-    const char* why;
-    std::vector<const char*> directories;
-    const char* chosen;
-  };
-  const StartCase cases[] = {
+  const std::tuple<const char*, std::vector<std::string>, const char*> cases[] = {
       {"none", {"sd:", "other"}, "/tmp"},
       {"flash before the others", {"usba0:", "cfa0:", "flash:"}, "/mnt/flash:"},
       {"a card before a disk", {"usba0:", "cfa0:"}, "/mnt/cfa0:"},
@@ -58,16 +54,16 @@ TEST_F(MediumTest, FirstOfItsKindBecomesTheWorkingDirectory) {
       {"a slot mark", {"flash0#:", "flash1:", "cfa0:"}, "/mnt/cfa0:"},
       {"case counts", {"FLASH:", "cfa0:"}, "/mnt/cfa0:"},
   };
-  for (const StartCase& c : cases) {
+  for (const auto& [why, directories, chosen] : cases) {
     ASSERT_EQ(EnterPrivateRoot(), "");
-    for (const std::string directory : c.directories) {
+    for (const std::string& directory : directories) {
       fs::create_directory("/mnt/" + directory);
     }
     ASSERT_EQ(chdir("/tmp"), 0);
     (void)ESH_SetPwd();
-    EXPECT_EQ(fs::current_path(), c.chosen) << c.why;
+    EXPECT_EQ(fs::current_path(), chosen) << why;
   }
-  ASSERT_EQ(EnterPrivateRoot(), "");
+  fs::remove("/mnt/cfa0:");
   WriteFile("/mnt/flash:", "");
   fs::create_symlink("/tmp", "/mnt/cfa0:");
   fs::create_directory("/mnt/usba0:");

@@ -3,8 +3,11 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <tuple>
 
 #include "fs/name_rules.h"
 #include "fs/user_file.h"
@@ -14,10 +17,28 @@
 
 namespace {
 
-struct NameCase {
-  const char* name;
-  const char* result;
+constexpr char kRefused[] = "refused";
+
+/// How far a typed name gets.
+enum Reach {
+  kNowhere,  ///< out of its medium, or it is no name
+  kAbsent,   ///< to a medium that is not there
+  kRoot,     ///< to a medium itself, which is no file to work with
+  kEntry,
 };
+
+Reach ReachOf(const char* name) {
+  const bool is_legal = ESH_FS_IsValidEshInputFileName(name) == kSuccess;
+  const bool is_present = ESH_FS_CheckInvalidFileDir(name) == 1;
+  const bool is_entry = ESH_FS_CheckUserManipulatedFile(name) == 1;
+  EXPECT_TRUE(is_entry <= is_present && is_present <= is_legal) << name;
+  EXPECT_EQ(ESH_FS_IsValidUserFileName(name) == kSuccess, is_legal && std::strchr(name, ':') != nullptr) << name;
+  char full[kNameRoom];
+  EXPECT_EQ(ESH_InputName2FullValidName(name, 1, sizeof(full), full) == kSuccess,
+            is_legal && !std::string_view(name).ends_with('/'))
+      << name << " as a file's";
+  return is_entry ? kEntry : is_present ? kRoot : is_legal ? kAbsent : kNowhere;
+}
 
 /// The working directory is flash:/logs.
 struct PathTest : PrivateRootTest {
@@ -33,183 +54,127 @@ struct PathTest : PrivateRootTest {
     ASSERT_EQ(chdir(directory.c_str()), 0);
   }
 
-  /// The full name, or "refused".
   static std::string Full(const std::string& name, std::size_t room = kNameRoom) {
     std::string full(room, '\0');
-    const bool done = ESH_FS_GetFullFileName(name.c_str(), room, full.data()) == kSuccess;
-    return done ? full.c_str() : "refused";
+    return ESH_FS_GetFullFileName(name.c_str(), room, full.data()) == kSuccess ? full.c_str() : kRefused;
   }
 };
 
-TEST_F(PathTest, FullNameOfATypedOne) {
-  constexpr NameCase kCases[] = {
-      {"flash:/./a/.", "/mnt/flash:/a"},
-      {"flash:/a/../b/", "/mnt/flash:/b"},
-      {"slot0#flash:/a", "/mnt/slot0#flash:/a"},
-      {"0#flash:/a", "/mnt/0#flash:/a"},
-      {"/mnt/flash:/a", "/mnt/flash:/a"},
-      {"/mnt/:", "/mnt/:"},         // the shortest device name
-      {"GONE:/a", "/mnt/GONE:/a"},  // whether the medium is there is not asked here
-      {"a/b c/", "/mnt/flash:/logs/a/b c"},
-      {"./a", "/mnt/flash:/logs/a"},
-      {"../a", "/mnt/flash:/a"},
-      {".", "/mnt/flash:/logs"},
-      {"/tmp/x", "/tmp/x"},
+TEST_F(PathTest, TypedNamesStayInsideTheirMedium) {
+  constexpr std::tuple<const char*, const char*, Reach> kCases[] = {
+      {"flash:/./a/.", "/mnt/flash:/a", kEntry},
+      {"flash:/a/../b/", "/mnt/flash:/b", kEntry},
+      {"a/b/", "/mnt/flash:/logs/a/b", kEntry},
+      {"../.a", "/mnt/flash:/.a", kEntry},
+      {".", "/mnt/flash:/logs", kEntry},
+      {"flash:", "/mnt/flash:", kRoot},
+      {"flash:/", "/mnt/flash:", kRoot},
+      {"flash:/a/..", "/mnt/flash:", kRoot},
+      {"..", "/mnt/flash:", kRoot},
+      {"slot0#flash:/a", "/mnt/slot0#flash:/a", kAbsent},
+      {"0#flash:/a", "/mnt/0#flash:/a", kAbsent},
+      {"FLASH:/a", "/mnt/FLASH:/a", kAbsent},
+      {"/mnt/flash:/a", "/mnt/flash:/a", kNowhere},  // where media are mounted is no user's business
+      {"/mnt/:", "/mnt/:", kNowhere},                // the shortest device name
+      {"/tmp/x", "/tmp/x", kNowhere},
+      {"/", "/", kNowhere},
+      {"flash:/..", "/mnt", kNowhere},
+      {"flash:/../flash/x", "/mnt/flash/x", kNowhere},
+      {"flash:/../cfa0/..", "/mnt", kNowhere},
+      {"../../flash", "/mnt/flash", kNowhere},
+      {"../../..", "/", kNowhere},
+      {"flash:/../../..", kRefused, kNowhere},
+      {"../../../..", kRefused, kNowhere},
   };
-  for (const NameCase& c : kCases) {
-    EXPECT_EQ(Full(c.name), c.result) << c.name;
+  for (const auto& [name, full, reach] : kCases) {
+    EXPECT_EQ(Full(name), full) << name;
+    EXPECT_EQ(ReachOf(name), reach) << name;
+    EXPECT_EQ(ESH_FS_IsValidFullFileName(name) == kSuccess, name[0] == '/') << name;
   }
-  for (const char* medium : {"flash:", "flash:/", "..", "flash:/a/.."}) {
-    EXPECT_EQ(Full(medium), "/mnt/flash:") << medium;
+  for (const char* name : {"", "flash:a", "flash://a", "flash:/a*", "a:/b:/c", "#flash:/a", "0##flash:/a", "a#flash:/a",
+                           "fl.ash:/a", "logs/flash:/a", "/flash:/a", "/mnt/x/flash:"}) {
+    EXPECT_EQ(Full(name), kRefused) << name;
+    EXPECT_EQ(ReachOf(name), kNowhere) << name;
   }
-  for (const char* mount_point : {"flash:/..", "/mnt/flash:/..", "../..", "/mnt"}) {
-    EXPECT_EQ(Full(mount_point), "/mnt") << mount_point;
-  }
-  for (const char* root : {"flash:/../..", "../../..", "/"}) {
-    EXPECT_EQ(Full(root), "/") << root;
-  }
-  for (const char* refused :
-       {"", "flash:a", "flash://a", "flash:/../../..", "../../../..", "a:/b:/c", "#flash:/a", "0##flash:/a",
-        "a#flash:/a", "fl.ash:/a", "logs/flash:/a", "/flash:/a", "/mnt/x/flash:"}) {
-    EXPECT_EQ(Full(refused), "refused") << refused;
-  }
-  EXPECT_NE(ESH_FS_GetFullFileName(nullptr, 0, nullptr), kSuccess);
-}
-
-TEST_F(PathTest, DeviceOfTheWorkingDirectoryIsCheckedToo) {
+  MoveTo("/mnt/flash:");
+  EXPECT_EQ(ReachOf(".."), kNowhere);
   MoveTo("/mnt/a#b:/x");
-  EXPECT_EQ(Full("a"), "refused");
-  EXPECT_EQ(Full("../../c"), "/mnt/c") << "it has left the device";
+  EXPECT_EQ(Full("a"), kRefused) << "the device of the working directory is checked too";
+  EXPECT_EQ(Full("../../c"), "/mnt/c");
   MoveTo("/tmp");
   EXPECT_EQ(Full("a"), "/tmp/a");
+  EXPECT_EQ(ReachOf("a"), kAbsent);
 }
 
-TEST_F(PathTest, DeviceNamesHaveAtMost255Characters) {
-  const std::string device = std::string(254, 'd') + ":";
-  EXPECT_EQ(Full(device + "/a"), "/mnt/" + device + "/a");
-  EXPECT_EQ(Full("d" + device + "/a"), "refused");
+TEST_F(PathTest, BlanksAreForQuotedArguments) {
+  EXPECT_EQ(Full("a/b c/"), "/mnt/flash:/logs/a/b c");
+  for (const char* quoted : {"\"a b\"", "\"flash:/a b\""}) {
+    EXPECT_EQ(ESH_FS_CheckUserManipulatedFile(quoted), 1) << quoted;
+  }
+  for (const char* refused : {"a b", "\"ab\""}) {
+    EXPECT_EQ(ESH_FS_CheckInvalidFileDir(refused), 0) << refused;
+  }
 }
 
 TEST_F(PathTest, FullNameMustFitAFileNameAndTheBuffer) {
   std::string name = "flash:";
-  while (name.size() < 4090) {
+  while (name.size() < kMaxName - 5) {
     name += "/a";
   }
-  ASSERT_EQ(name.size(), 4090U);
-  EXPECT_EQ(Full(name), "/mnt/" + name);
-  EXPECT_EQ(Full(name + "a"), "refused");
-  EXPECT_EQ(Full(name + "/../b"), "/mnt/" + name.substr(0, 4089) + "b") << "only the result counts";
-
-  EXPECT_EQ(Full("flash:/abc", 16), "/mnt/flash:/abc");
-  EXPECT_EQ(Full("flash:/abc", 15), "refused");
-}
-
-TEST_F(PathTest, TypedNamesStayInsideTheirMedium) {
-  for (const char* name : {"flash:", "flash:/", "flash:/a/..", "slot0#flash:/a"}) {
-    EXPECT_EQ(ESH_FS_IsValidEshInputFileName(name), kSuccess) << name;
-    EXPECT_EQ(ESH_FS_IsValidUserFileName(name), kSuccess) << name;
+  const std::string device = std::string(kMaxComponent - 1, 'd') + ":";
+  const std::tuple<std::string, std::size_t, std::string> cases[] = {
+      {name, kNameRoom, "/mnt/" + name},
+      {name + "a", kNameRoom, kRefused},
+      {name + "/../b", kNameRoom, "/mnt/" + name.substr(0, name.size() - 1) + "b"},  // only the result counts
+      {device + "/a", kNameRoom, "/mnt/" + device + "/a"},
+      {"d" + device + "/a", kNameRoom, kRefused},
+      {"flash:/abc", 16, "/mnt/flash:/abc"},
+      {"flash:/abc", 15, kRefused},
+  };
+  for (const auto& [typed, room, full] : cases) {
+    EXPECT_EQ(Full(typed, room), full) << typed;
   }
-  for (const char* without_device : {"a", ".", ".."}) {
-    EXPECT_EQ(ESH_FS_IsValidEshInputFileName(without_device), kSuccess) << without_device;
-    EXPECT_NE(ESH_FS_IsValidUserFileName(without_device), kSuccess) << without_device;
-  }
-  for (const char* name : {"flash:/..", "flash:/a/../..", "flash:/../flash/x", "flash:/../cfa0/..", "../..",
-                           "../../flash", "/mnt/flash:/a", "/a", "", "flash:/a*"}) {
-    EXPECT_NE(ESH_FS_IsValidEshInputFileName(name), kSuccess) << name;
-    EXPECT_NE(ESH_FS_IsValidUserFileName(name), kSuccess) << name;
-  }
-  MoveTo("/mnt/flash:");
-  EXPECT_NE(ESH_FS_IsValidEshInputFileName(".."), kSuccess);
-  EXPECT_EQ(ESH_FS_IsValidFullFileName("/mnt/flash:/a"), kSuccess);
-  EXPECT_NE(ESH_FS_IsValidFullFileName("flash:/a"), kSuccess);
-}
-
-TEST_F(PathTest, AFileIsNotNamedWithASlashBehind) {
-  char full[kNameRoom];
-  EXPECT_EQ(ESH_InputName2FullValidName("flash:/a/", 0, sizeof(full), full), kSuccess);
-  EXPECT_STREQ(full, "/mnt/flash:/a");
-  EXPECT_NE(ESH_InputName2FullValidName("flash:/a/", 1, sizeof(full), full), kSuccess);
-  EXPECT_EQ(ESH_InputName2FullValidName("flash:/a", 1, sizeof(full), full), kSuccess);
-  EXPECT_NE(ESH_InputName2FullValidName("/mnt/flash:/a", 0, sizeof(full), full), kSuccess);
-  EXPECT_EQ(ESH_IsExpectFile(""), 1);
-  EXPECT_EQ(ESH_IsExpectFile("/"), 0);
 }
 
 TEST_F(PathTest, DisplayNameIsTheFullOneWithoutTheMountPoint) {
-  constexpr NameCase kCases[] = {
-      {"/mnt/flash:/a", "flash:/a"}, {"flash:/a/../b", "flash:/b"}, {"a", "flash:/logs/a"}, {"/mnt/flash:", "flash:"}};
-  for (const NameCase& c : kCases) {
-    char display[64];
-    EXPECT_EQ(ESH_FS_GetUserFileName(c.name, sizeof(display), display), kSuccess) << c.name;
-    EXPECT_STREQ(display, c.result);
+  constexpr std::tuple<const char*, std::uint32_t, const char*> kCases[] = {
+      {"/mnt/flash:", kSuccess, "flash:"},   {"flash:/a/../b", kSuccess, "flash:/b"},
+      {"a", kSuccess, "flash:/logs/a"},      {"ab", kErrNameDoesNotFit, "flash:/logs/a"},
+      {"/tmp/x", ESH_ERR_FAIL, "untouched"}, {"/mnt", ESH_ERR_FAIL, "untouched"},
+  };
+  for (const auto& [name, result, display] : kCases) {
+    char output[sizeof("flash:/logs/a")] = "untouched";
+    EXPECT_EQ(ESH_FS_GetUserFileName(name, sizeof(output), output), result) << name;
+    EXPECT_STREQ(output, display);
   }
-  for (const char* refused : {"/tmp/x", "/mnt", ""}) {
-    char display[64];
-    EXPECT_EQ(ESH_FS_GetUserFileName(refused, sizeof(display), display), ESH_ERR_FAIL) << refused;
-  }
-  char name[9];
-  EXPECT_EQ(ESH_FS_GetUserFileName("flash:/a", 9, name), kSuccess);
-  EXPECT_EQ(ESH_FS_GetUserFileName("flash:/a", 8, name), kErrNameDoesNotFit);
-  EXPECT_EQ(ESH_FS_GetUserFileNameByFullName("/mnt/flash:/a", 9, name), kSuccess);
-  EXPECT_EQ(ESH_FS_GetUserFileNameByFullName("flash:/a", 9, name), ESH_ERR_FAIL);
-  EXPECT_EQ(ESH_FS_GetUserFileNameByFullName(nullptr, 9, name), ESH_ERR_FAIL);
 }
 
 TEST_F(PathTest, SplitsIntoDirectoryAndFileInsideTheMedium) {
-  struct SplitCase {
-    std::string name;
-    const char* directory;
-    std::string file;
+  const std::string longest(kMaxComponent, 'f');
+  const std::tuple<std::string, const char*, std::string> cases[] = {
+      {"flash:/", "", ""},         {"flash:/" + longest, "", longest},
+      {"flash:/a/", "a", ""},      {"flash:/a/b/c", "a/b", "c"},
+      {"flash:/a/..", "", ""},     {"a", "logs", "a"},
+      {"/tmp/a/b", "/tmp/a", "b"}, {"/tmp", "/", "tmp"},
   };
-  const std::string longest(255, 'f');
-  const SplitCase cases[] = {
-      {"flash:", "", ""},          {"flash:/", "", ""},          {"flash:/a", "", "a"},
-      {"flash:/a/", "a", ""},      {"flash:/a/b/c", "a/b", "c"}, {"flash:/a/b/c/", "a/b/c", ""},
-      {"flash:/a/..", "", ""},     {"a", "logs", "a"},           {"..", "", ""},
-      {"/tmp/a/b", "/tmp/a", "b"}, {"/tmp", "/", "tmp"},         {"flash:/" + longest, "", longest},
-  };
-  for (const SplitCase& c : cases) {
-    char directory[kNameRoom];
-    char file[kComponentRoom];
-    EXPECT_EQ(ESH_FS_AnalyseFileName(c.name.c_str(), directory, file), kSuccess) << c.name;
-    EXPECT_STREQ(directory, c.directory) << c.name;
-    EXPECT_EQ(file, c.file) << c.name;
+  for (const auto& [name, directory, file] : cases) {
+    char found_directory[kNameRoom];
+    char found_file[kComponentRoom];
+    EXPECT_EQ(ESH_FS_AnalyseFileName(name.c_str(), found_directory, found_file), kSuccess) << name;
+    EXPECT_STREQ(found_directory, directory) << name;
+    EXPECT_EQ(found_file, file) << name;
   }
-}
-
-TEST_F(PathTest, CommandsTakeNamesOnPresentMediaOnly) {
-  for (const char* name : {"flash:/x", "flash:/x/", "x", ".", ".hidden", "\"a b\"", "\"flash:/a b\""}) {
-    EXPECT_EQ(ESH_FS_CheckInvalidFileDir(name), 1) << name;
-    EXPECT_EQ(ESH_FS_CheckUserManipulatedFile(name), 1) << name;
-  }
-  for (const char* root : {"flash:", "flash:/", "flash:/a/..", ".."}) {
-    EXPECT_EQ(ESH_FS_CheckInvalidFileDir(root), 1) << root;
-    EXPECT_EQ(ESH_FS_CheckUserManipulatedFile(root), 0) << root;
-  }
-  for (const char* name :
-       {"\"ab\"", "a b", "gone:/x", "/mnt/flash:/x", "flash:/..", "../..", "slot0#flash:/x", "FLASH:/x", ""}) {
-    EXPECT_EQ(ESH_FS_CheckInvalidFileDir(name), 0) << name;
-    EXPECT_EQ(ESH_FS_CheckUserManipulatedFile(name), 0) << name;
-  }
-  EXPECT_EQ(ESH_FS_CheckInvalidFileDir(std::string(511, 'x').c_str()), 0) << "a component of 511 characters";
-  MoveTo("/tmp");
-  EXPECT_EQ(ESH_FS_CheckInvalidFileDir("x"), 0) << "no medium at all";
 }
 
 TEST_F(PathTest, ARemovedWorkingDirectoryFailsRelativeNamesUnlessSyspathStandsIn) {
   std::filesystem::remove("/mnt/flash:/logs");
-  char directory[kNameRoom];
-  EXPECT_NE(ESH_GetCwd(sizeof(directory), directory), kSuccess);
-  EXPECT_EQ(Full("a"), "refused");
-  EXPECT_NE(ESH_FS_IsValidEshInputFileName("a"), kSuccess);
+  EXPECT_EQ(ReachOf("a"), kNowhere);
+  EXPECT_EQ(Full("a"), kRefused);
   EXPECT_EQ(Full("flash:/a"), "/mnt/flash:/a");
-  EXPECT_EQ(ESH_FS_IsValidEshInputFileName("flash:/a"), kSuccess);
-
   setenv("SYSPATH", "/mnt/flash:/stand", 1);
-  EXPECT_EQ(ESH_GetCwd(sizeof(directory), directory), kSuccess);
-  EXPECT_STREQ(directory, "/mnt/flash:/stand");
   EXPECT_EQ(Full("a"), "/mnt/flash:/stand/a");
-  EXPECT_EQ(ESH_GetCwd(6, directory), kSuccess);
+  char directory[6];
+  EXPECT_EQ(ESH_GetCwd(sizeof(directory), directory), kSuccess);
   EXPECT_STREQ(directory, "/mnt/") << "cut to the buffer";
   unsetenv("SYSPATH");
 }
