@@ -3,29 +3,25 @@
 #include <filesystem>
 #include <iterator>
 
+#include "pkg/contained_file.h"
 #include "pkg/head_check.h"
 #include "pkg/product_code.h"
 #include "pkg/signature.h"
 #include "tools/mkpkg/device_key.h"
-
-namespace {
-
-std::string DeviceKey(std::size_t size) {
-  std::string file;
-  EXPECT_EQ(mkpkg::EncodeDeviceKey(PackageTest::MakerKey(), size, file), "");
-  return file;
-}
-
-}  // namespace
+#include "tools/mkpkg/package_bytes.h"
+#include "util/unique_handle.h"
 
 void PackageTest::SetUp() {
   PrivateRootTest::SetUp();
   AddMedium("flash:");
   WriteFile(kVersionFile, "ProductTag : 0x01020304\nDeviceTag : 0x0A0B0C0D\n");
-  const std::string keys = std::string(kSignKeyDirectory) + "/";
-  WriteFile(keys + "maker.key", DeviceKey(mkpkg::kShortKeyFile));
-  WriteFile(keys + "prefixed.key", DeviceKey(mkpkg::kLongKeyFile));
-  WriteFile(keys + "digital_sign_old_public.key", DeviceKey(mkpkg::kShortKeyFile));
+  const std::pair<const char*, std::size_t> keys[] = {
+      {"maker", mkpkg::kShortKeyFile}, {"prefixed", mkpkg::kLongKeyFile}, {kHeadFormKey, mkpkg::kShortKeyFile}};
+  for (const auto& [name, size] : keys) {
+    std::string file;
+    EXPECT_EQ(mkpkg::EncodeDeviceKey(MakerKey(), size, file), "");
+    WriteFile(std::string(kSignKeyDirectory) + "/" + name + kKeySuffix, file);
+  }
 }
 
 const mkpkg::UniqueKey& PackageTest::MakerKey() {
@@ -60,7 +56,15 @@ std::string PackageTest::Sign(std::string package, const mkpkg::SignatureForm& f
   return package;
 }
 
-std::string PackageTest::GoodPackage() { return Sign(Compose(Contents()), {.key_name = "maker"}); }
+std::string PackageTest::GoodPackage(bool in_head) {
+  return Sign(Compose(Contents()), {.in_head = in_head, .key_name = "maker"});
+}
+
+std::string PackageTest::WithHeadWord(std::string package, std::size_t offset, std::uint32_t value) {
+  mkpkg::PutWord(package, offset, value);
+  mkpkg::RenewHeadCrc(package);
+  return package;
+}
 
 UniquePackage PackageTest::Open(const std::string& package) {
   WriteFile(kTestPackage, package);
@@ -73,6 +77,14 @@ PackageVerdict PackageTest::Judge(const std::string& package) {
   const PackageVerdict opened = OpenPackage(kTestPackage, reader);
   const UniquePackage owned(reader);
   return reader == nullptr ? opened : JudgePackage(reader, kTestProductTag, kSignKeyDirectory);
+}
+
+std::string PackageTest::FileOf(const UniquePackage& reader, std::size_t row) {
+  std::uint32_t size = 0;
+  const UniqueText data(
+      static_cast<char*>(GetFileFromReadHeadByFileDesc(&reader->head.files[row], reader.get(), 0, &size, nullptr)));
+  EXPECT_EQ(data == nullptr, size == 0);
+  return data == nullptr ? "" : std::string(data.get(), size);
 }
 
 std::size_t OpenDescriptors() {

@@ -23,13 +23,17 @@ struct PackageTest : PrivateRootTest {
   /// An unsigned package.
   static std::string Compose(const mkpkg::PackageContents& contents);
   static std::string Sign(std::string package, const mkpkg::SignatureForm& form);
-  /// Contents(), signed with a trailer that names "maker".
-  static std::string GoodPackage();
+  /// Contents(), signed with a trailer that names "maker", or in the head.
+  static std::string GoodPackage(bool in_head = false);
+  /// A package with another word in its main head, whose CRC then fits again.
+  static std::string WithHeadWord(std::string package, std::size_t offset, std::uint32_t value);
 
   /// Stores a package and opens it. @return none when it does not open.
   static UniquePackage Open(const std::string& package);
   /// Stores a package and passes the device's judgement on it.
   static PackageVerdict Judge(const std::string& package);
+  /// What an open package hands out of the file in a row of its table; empty for nothing.
+  static std::string FileOf(const UniquePackage& reader, std::size_t row);
 };
 
 /// Descriptors that this process has open.

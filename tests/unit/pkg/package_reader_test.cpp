@@ -3,6 +3,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <tuple>
+#include <utility>
 
 #include "pkg/contained_file.h"
 #include "pkg/head_check.h"
@@ -14,20 +16,11 @@
 
 namespace {
 
+using enum PackageVerdict;
+
 using ReaderTest = PackageTest;
 
-/// The n-th contained file's data; empty for none.
-std::string FileOf(PKG_READER_S* reader, std::size_t n, std::string* name = nullptr) {
-  std::uint32_t size = 77;
-  char found[8];
-  const UniqueText data(
-      static_cast<char*>(GetFileFromReadHeadByFileDesc(&reader->head.files[n], reader, sizeof(found), &size, found)));
-  EXPECT_EQ(data == nullptr, size == 0);
-  if (name != nullptr && data != nullptr) {
-    *name = found;
-  }
-  return data == nullptr ? "" : std::string(data.get(), size);
-}
+constexpr std::size_t kImageRow = 3;  // of PackageTest::Contents()
 
 TEST_F(ReaderTest, FindsFilesInTableOrderInBothByteOrders) {
   for (const bool host_order : {false, true}) {
@@ -35,51 +28,50 @@ TEST_F(ReaderTest, FindsFilesInTableOrderInBothByteOrders) {
     contents.host_order = host_order;
     const UniquePackage reader = Open(Compose(contents));
     ASSERT_NE(reader, nullptr);
+    EXPECT_EQ(FindFile(*reader, kSystemImageFile), &reader->head.files[2]) << "the first of two";
     std::uint32_t size = 0;
-    const UniqueText first(static_cast<char*>(GetFileFromReaderHeadByFileID(kSystemImageFile, reader.get(), &size)));
-    ASSERT_NE(first, nullptr);
-    EXPECT_EQ(std::string(first.get(), size), contents.files[2].data);
-    std::string name;
-    EXPECT_EQ(FileOf(reader.get(), 3, &name), contents.files[3].data);
-    EXPECT_EQ(name, "system.");  // cut to its room
     EXPECT_EQ(GetFileFromReaderHeadByFileID(0x04000001, reader.get(), &size), nullptr);
+    for (std::size_t row = 0; row <= kImageRow; ++row) {
+      EXPECT_EQ(FileOf(reader, row), contents.files[row].data);
+    }
+    char name[sizeof("system.")];
+    const UniqueText image(static_cast<char*>(
+        GetFileFromReadHeadByFileDesc(&reader->head.files[kImageRow], reader.get(), sizeof(name), &size, name)));
+    EXPECT_STREQ(name, "system.") << "cut to its room";
     EXPECT_EQ(MainHeadCheck(0, reader.get()), kSuccess);
   }
 }
 
 TEST_F(ReaderTest, RefusesWhatIsNoPackage) {
+  constexpr std::size_t kOrderWord = offsetof(PackageMainHead, byte_order);
+  constexpr std::size_t kCountWord = offsetof(PackageMainHead, file_count);
+  constexpr std::size_t kAttributeWord = offsetof(PackageMainHead, attributes);
+  constexpr std::size_t kCrcWord = offsetof(PackageMainHead, crc);
   const std::string good = Compose(Contents());
-  const auto with_word = [&](std::size_t offset, std::uint32_t value) {
-    std::string package = good;
-    mkpkg::PutWord(package, offset, value);
-    return package;
-  };
-  const struct {
-    std::string package;
-    PackageVerdict verdict;
-  } cases[] = {
-      {"", PackageVerdict::kNoMainHead},
-      {good.substr(0, kMainHeadSize - 1), PackageVerdict::kNoMainHead},
-      {with_word(offsetof(PackageMainHead, byte_order), 1), PackageVerdict::kByteOrder},
-      {with_word(offsetof(PackageMainHead, file_count), 129), PackageVerdict::kTooManyFiles},
-      {with_word(offsetof(PackageMainHead, file_count), 0xFFFFFFFF), PackageVerdict::kTooManyFiles},
-      {with_word(offsetof(PackageMainHead, byte_order), 0xFFFFFFFF), PackageVerdict::kTooManyFiles},
-      {with_word(offsetof(PackageMainHead, file_count), 128), PackageVerdict::kHeadCrc},
-      {with_word(offsetof(PackageMainHead, attributes), 1), PackageVerdict::kHeadCrc},
-      {with_word(offsetof(PackageMainHead, attributes), 3), PackageVerdict::kKind},
-      {with_word(offsetof(PackageMainHead, product_tag), 1), PackageVerdict::kProductTag},
-      {with_word(offsetof(PackageMainHead, crc), mkpkg::GetWord(good, offsetof(PackageMainHead, crc)) | 0x10000),
-       PackageVerdict::kHeadCrc},
-      {good, PackageVerdict::kNoTrailer},
+  const std::tuple<std::size_t, std::uint32_t, PackageVerdict> cases[] = {
+      {kOrderWord, 1, kByteOrder},
+      {kOrderWord, kHostOrder, kTooManyFiles},
+      {kCountWord, 129, kTooManyFiles},
+      {kCountWord, 0xFFFFFFFF, kTooManyFiles},
+      {kCountWord, 128, kHeadCrc},
+      {kAttributeWord, 1, kHeadCrc},
+      {kAttributeWord, 3, kKind},
+      {offsetof(PackageMainHead, product_tag), 1, kProductTag},
+      {kCrcWord, mkpkg::GetWord(good, kCrcWord) | 0x10000, kHeadCrc},
+      {kCrcWord, mkpkg::GetWord(good, kCrcWord), kNoTrailer},  // unchanged, and not signed
   };
   const std::size_t descriptors = OpenDescriptors();
-  for (const auto& c : cases) {
-    EXPECT_EQ(Judge(c.package), c.verdict);
+  for (const auto& [offset, value, verdict] : cases) {
+    std::string package = good;
+    mkpkg::PutWord(package, offset, value);
+    EXPECT_EQ(Judge(package), verdict) << offset << " " << value;
   }
-  EXPECT_EQ(OpenDescriptors(), descriptors);
+  EXPECT_EQ(Judge(""), kNoMainHead);
+  EXPECT_EQ(Judge(good.substr(0, kMainHeadSize - 1)), kNoMainHead);
   ASSERT_EQ(mkfifo("/mnt/flash:/fifo.bin", 0600), 0);
   EXPECT_EQ(PackageReadFileCreateByFile("/mnt/flash:/fifo.bin"), nullptr) << "nobody waits for its writer";
   EXPECT_EQ(PackageReadFileCreateByFile("/mnt/flash:"), nullptr);
+  EXPECT_EQ(OpenDescriptors(), descriptors);
 }
 
 TEST_F(ReaderTest, DeviceThatDoesNotKnowItsProductFitsNoPackage) {
@@ -91,40 +83,41 @@ TEST_F(ReaderTest, DeviceThatDoesNotKnowItsProductFitsNoPackage) {
   WriteFile(kVersionFile, "ProductTag : 0x01020304\n");
   reader->head.product_tag = kTestProductTag;
   EXPECT_EQ(MainHeadCheck(1, reader.get()), kErrPackageKind);
-  EXPECT_EQ(MainHeadCheck(0, reader.get()), kSuccess);
+  EXPECT_EQ(CheckPackageHead(reader.get()), ESH_ERR_FAIL) << "not signed";
   reader->head.crc ^= 1;
   EXPECT_EQ(CheckPackageHead(reader.get()), kErrPackageCrc);
-  reader->head.crc ^= 1;
-  EXPECT_EQ(CheckPackageHead(reader.get()), ESH_ERR_FAIL);
 }
 
 TEST_F(ReaderTest, ForgedNumbersYieldNoData) {
   const std::string good = Compose(Contents());
-  const std::size_t row = offsetof(PackageMainHead, files) + 3 * sizeof(PackageFileEntry);
+  const std::size_t row = offsetof(PackageMainHead, files) + kImageRow * sizeof(PackageFileEntry);
   const std::size_t head = mkpkg::GetWord(good, row + offsetof(PackageFileEntry, head_offset));
+  const std::size_t stored_size = head + offsetof(PackageFileHead, stored_size);
+  const std::size_t compression = head + offsetof(PackageFileHead, compression);
   const auto size = static_cast<std::uint32_t>(good.size());
-  const std::uint32_t values[] = {0, 1, 339, size - 1, size, size + 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFEAC, 0xFFFFFFFF};
   for (const std::size_t field :
        {row + offsetof(PackageFileEntry, head_offset), row + offsetof(PackageFileEntry, total_length),
-        row + offsetof(PackageFileEntry, check_a), row + offsetof(PackageFileEntry, check_b),
-        head + offsetof(PackageFileHead, stored_size), head + offsetof(PackageFileHead, data_length),
-        head + offsetof(PackageFileHead, compression), head + offsetof(PackageFileHead, check_a)}) {
-    for (const std::uint32_t value : values) {
+        row + offsetof(PackageFileEntry, check_a), row + offsetof(PackageFileEntry, check_b), stored_size,
+        head + offsetof(PackageFileHead, data_length), compression, head + offsetof(PackageFileHead, check_a)}) {
+    for (const std::uint32_t value :
+         {0U, 1U, 339U, size - 1, size, size + 1, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFEACU, 0xFFFFFFFFU}) {
       std::string package = good;
       mkpkg::PutWord(package, field, value);
       const UniquePackage reader = Open(package);
-      const bool stored_less = field == head + offsetof(PackageFileHead, stored_size) && value == 1;
-      const bool as_is = field == head + offsetof(PackageFileHead, compression) && value == kStoredAsIs;
-      EXPECT_EQ(FileOf(reader.get(), 3), as_is ? "the image" : stored_less ? "t" : "") << field << " " << value;
-      EXPECT_EQ(FileOf(reader.get(), 2), "for another device") << "the others stay readable";
+      const bool is_unchanged = field == compression && value == kStoredAsIs;
+      const bool stores_less = field == stored_size && value == 1;
+      EXPECT_EQ(FileOf(reader, kImageRow), is_unchanged  ? "the image"
+                                           : stores_less ? "t"
+                                                         : "")
+          << field << " " << value;
+      EXPECT_EQ(FileOf(reader, 2), "for another device") << "the others stay readable";
     }
   }
-  // Packed with 7z, on a device without the library.
-  std::string package = good;
-  mkpkg::PutWord(package, head + offsetof(PackageFileHead, compression), kPacked7z);
-  for (const std::uint32_t unpacked : {0U, 1U, 4096U}) {
-    mkpkg::PutWord(package, head + offsetof(PackageFileHead, unpacked_size), unpacked);
-    EXPECT_EQ(FileOf(Open(package).get(), 3), "");
+  for (const std::uint32_t unpacked_size : {0U, 1U, 4096U}) {
+    std::string package = good;
+    mkpkg::PutWord(package, compression, kPacked7z);
+    mkpkg::PutWord(package, head + offsetof(PackageFileHead, unpacked_size), unpacked_size);
+    EXPECT_EQ(FileOf(Open(package), kImageRow), "") << "there is no library for it";
   }
 }
 
@@ -135,7 +128,7 @@ TEST_F(ReaderTest, ReadsFromMemoryLikeFromAFile) {
   auto* memory = static_cast<std::uint8_t*>(std::malloc(good.size()));
   std::copy(good.begin(), good.end(), memory);
   reader->source = {0, nullptr, memory, memory + good.size(), memory};
-  EXPECT_EQ(FileOf(reader.get(), 3), "the image");
+  EXPECT_EQ(FileOf(reader, kImageRow), "the image");
   EXPECT_EQ(MainHeadCheck(0, reader.get()), kSuccess);
   EXPECT_EQ(CheckPackageHead(reader.get()), ESH_ERR_FAIL) << "it has no path whose file could be genuine";
   EXPECT_EQ(ReadBlockFromFile(&reader->source, good.size(), 1), nullptr);

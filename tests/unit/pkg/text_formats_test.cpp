@@ -1,5 +1,6 @@
-#include <cstring>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "pkg/base64.h"
@@ -16,10 +17,7 @@ namespace {
 using namespace std::literals;
 
 TEST(LineReader, EndsLinesAtLfCrAndBothTogether) {
-  const struct {
-    std::string text;
-    std::vector<std::string> lines;
-  } cases[] = {
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"", {}},
       {"a", {"a"}},
       {"a\n", {"a"}},
@@ -28,17 +26,15 @@ TEST(LineReader, EndsLinesAtLfCrAndBothTogether) {
       {" a \r", {" a "}},
       {"a\0b\nc"s, {"a", "c"}},  // a line is a C string
   };
-  for (const auto& c : cases) {
+  for (const auto& [text, lines] : cases) {
     // Exactly as long as the text, so that reading past its end is seen.
-    const std::vector<char> exact(c.text.begin(), c.text.end());
+    const std::vector<char> exact(text.begin(), text.end());
     const UniqueLines reader(ReadBuffCreateByMem(exact.empty() ? "" : exact.data(), exact.size()));
-    ASSERT_NE(reader, nullptr);
-    std::vector<std::string> lines;
+    std::vector<std::string> found;
     while (const char* line = ReadBuffGets(reader.get())) {
-      lines.emplace_back(line);
+      found.emplace_back(line);
     }
-    EXPECT_EQ(lines, c.lines) << c.text;
-    EXPECT_EQ(ReadBuffGets(reader.get()), nullptr);
+    EXPECT_EQ(found, lines) << text;
   }
   EXPECT_EQ(ReadBuffCreateByMem(nullptr, 0), nullptr);
 }
@@ -52,56 +48,32 @@ TEST(Crc16, IsXmodem) {
 }
 
 TEST(Base64, HasOneFormOnly) {
-  const struct {
-    const char* text;
-    int length;  // -1: refused
-  } cases[] = {
-      {"", 0},
-      {"TWFu", 3},
-      {"TWE=", 2},
-      {"TQ==", 1},
-      {"TWFuTWFu", 6},
-      {"+/+/", 3},
-      {"T===", -1},
-      {"====", -1},
-      {"TQ==TWFu", -1},
-      {"TW=u", -1},
-      {"TWF", -1},
-      {"TWFuT", -1},
-      {"TW u", -1},
-      {" TWF", -1},
-      {"TWF\n", -1},
-      {"TWF-", -1},
-      {"TWF_", -1},
-      {"TW\tF", -1},
-      {"TWFuTWFuTWFuTWFu", -1 /* no room */},
-  };
-  for (const auto& c : cases) {
-    std::uint8_t out[9];
-    const auto length = DecodeBase64(c.text, out);
-    EXPECT_EQ(length ? static_cast<int>(*length) : -1, c.length) << c.text;
-    EXPECT_TRUE(c.length != 3 || c.text[0] == '+' || std::memcmp(out, "Man", 3) == 0);
+  constexpr std::pair<const char*, const char*> kGood[] = {
+      {"", ""}, {"TWFu", "Man"}, {"TWE=", "Ma"}, {"TQ==", "M"}, {"TWFuTWFu", "ManMan"}, {"+/+/", "\xFB\xFF\xBF"}};
+  std::uint8_t out[9];
+  for (const auto& [text, bytes] : kGood) {
+    EXPECT_EQ(std::string(out, out + DecodeBase64(text, out).value_or(0)), bytes) << text;
+  }
+  for (const char* bad : {"T===", "====", "TQ==TWFu", "TW=u", "TWF", "TWFuT", "TW u", " TWF", "TWF\n", "TWF-", "TWF_",
+                          "TW\tF", "TWFuTWFuTWFuTWFu" /* no room */}) {
+    EXPECT_FALSE(DecodeBase64(bad, out)) << bad;
   }
 }
 
 TEST(Trailer, SignatureHasARoomThatIsKeptTo) {
-  const auto length_of = [](std::size_t digits) {
+  for (const auto& [digits, length] : {std::pair(kMostSignatureText, 1536U), {kMostSignatureText + 4, 0U}}) {
     const std::string trailer = mkpkg::Trailer({.key_name = "k"}, std::string(digits / 4 * 3, '\0'));
     std::uint8_t signature[kHeadSignatureRoom];
-    std::uint32_t length = 0;
-    return PKG_GetCSS_Signture(trailer.c_str(), signature, &length) == 0 ? length : 0;
-  };
-  EXPECT_EQ(length_of(kMostSignatureText), 1536U);
-  EXPECT_EQ(length_of(kMostSignatureText + 4), 0U);
+    std::uint32_t found = 0;
+    EXPECT_EQ(PKG_GetCSS_Signture(trailer.c_str(), signature, &found) == 0, length != 0) << digits;
+    EXPECT_EQ(found, length) << digits;
+  }
 }
 
 struct VersionFileTest : PrivateRootTest {};
 
 TEST_F(VersionFileTest, TellsATagOnItsFirstLineOnly) {
-  const struct {
-    const char* text;
-    std::uint32_t tag;
-  } cases[] = {
+  constexpr std::pair<const char*, std::uint32_t> kCases[] = {
       {"ProductTag : 0x12ab\n", 0x12AB},
       {"Name : x\nProductTag:0xFFFFFFFE", 0xFFFFFFFE},
       {"ProductTag  :\t0x1\nProductTag : 0x2\n", 1},
@@ -114,16 +86,15 @@ TEST_F(VersionFileTest, TellsATagOnItsFirstLineOnly) {
       {"DeviceTag : 0x3\n", kUnknownTag},
       {"", kUnknownTag},
   };
-  for (const auto& c : cases) {
-    WriteFile("/etc/version", c.text);
-    EXPECT_EQ(ReadVersionTag("/etc/version", kProductTagName), c.tag) << c.text;
+  for (const auto& [text, tag] : kCases) {
+    WriteFile("/etc/version", text);
+    EXPECT_EQ(ReadVersionTag("/etc/version", kProductTagName), tag) << text;
   }
-  // A tag that is not known yet is looked for again.
   EXPECT_EQ(DeviceCode(), kUnknownTag);
-  WriteFile(kVersionFile, "DeviceTag : 0x3\n");
-  EXPECT_EQ(DeviceCode(), 3U);
-  WriteFile(kVersionFile, "DeviceTag : 0x4\n");
-  EXPECT_EQ(DeviceCode(), 3U);
+  for (const char* text : {"DeviceTag : 0x3\n", "DeviceTag : 0x4\n"}) {
+    WriteFile(kVersionFile, text);
+    EXPECT_EQ(DeviceCode(), 3U) << "what is not known yet is looked for again, what is known is not";
+  }
 }
 
 }  // namespace
