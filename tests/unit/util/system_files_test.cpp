@@ -1,0 +1,53 @@
+#include <unistd.h>
+
+#include <utility>
+
+#include "shell/result.h"
+#include "tests/support/private_root.h"
+#include "util/kernel_setting.h"
+#include "util/unique_handle.h"
+#include "util/whole_file.h"
+
+namespace {
+
+constexpr int kSwitch[] = {7, 8, 1};
+constexpr char kSwitchFile[] = "/proc/sys/7/8/1";
+
+struct SystemFiles : PrivateRootTest {};
+
+TEST_F(SystemFiles, AKernelSettingIsWrittenAsTextButNotMade) {
+  EXPECT_EQ(WriteKernelSetting(kSwitch, 1), ESH_ERR_FAIL);
+  WriteFile("/proc/sys/7/8/2", "");
+  EXPECT_EQ(WriteKernelSetting(kSwitch, 1), ESH_ERR_FAIL);
+  EXPECT_NE(access(kSwitchFile, F_OK), 0);
+  WriteFile(kSwitchFile, "");
+  EXPECT_EQ(WriteKernelSetting(kSwitch, 1), kSuccess);
+  EXPECT_EQ(ReadFile(kSwitchFile), "1\n");
+}
+
+TEST_F(SystemFiles, AKernelTextLosesItsLineEnd) {
+  constexpr std::pair<const char*, const char*> kCases[] = {
+      {"a\n", "a"}, {"a\n\n", "a\n"}, {"ab", "ab"}, {"", ""}, {"abcd", "abc"}};
+  for (const auto& [file, text] : kCases) {
+    WriteFile(kSwitchFile, file);
+    char found[4];
+    EXPECT_EQ(ReadKernelText(kSwitch, sizeof(found), found), kSuccess);
+    EXPECT_STREQ(found, text);
+  }
+}
+
+TEST_F(SystemFiles, AWholeFileIsTerminated) {
+  WriteFile("/etc/text", "abc");
+  WriteFile("/etc/empty", "");
+  std::size_t size = 0;
+  const UniqueText text(FileReadWhole("/etc/text", &size));
+  ASSERT_NE(text, nullptr);
+  EXPECT_STREQ(text.get(), "abc");
+  EXPECT_EQ(size, 3U);
+  for (const char* none : {"/etc/empty", "/etc/none", "/etc"}) {
+    EXPECT_EQ(FileReadWhole(none, &size), nullptr) << none;
+    EXPECT_EQ(size, 0U);
+  }
+}
+
+}  // namespace
