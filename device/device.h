@@ -14,6 +14,7 @@ struct Medium {
   std::string name;         // device name with its colon, such as "flash:"
   std::uint64_t bytes = 0;  // size of the file system on it
   std::string contents;     // directory of the host that is copied onto it when it is made; "": none
+  bool operator==(const Medium&) const = default;
 };
 
 /// A text that stands on the device in place of what the root file system holds. One that starts with "#!" is
@@ -21,12 +22,14 @@ struct Medium {
 struct FileText {
   std::string path;                 // absolute, on the device; missing directories are made
   std::optional<std::string> text;  // nullopt: the file is removed
+  bool operator==(const FileText&) const = default;
 };
 
 /// A file of the host that is copied onto the device. A program brings the shared libraries it needs.
 struct HostFile {
   std::string host_path;
   std::string path;  // absolute, on the device
+  bool operator==(const HostFile&) const = default;
 };
 
 /// What a device is made of and how its shell is started.
@@ -46,6 +49,7 @@ struct BootOptions {
   std::vector<Medium> media;  // see DefaultMedia
   std::vector<FileText> files;
   std::vector<HostFile> host_files;
+  bool operator==(const BootOptions&) const = default;
 };
 
 /// An empty flash: of 32 MB and an empty cfa0: of 16 MB.

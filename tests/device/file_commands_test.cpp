@@ -1,10 +1,12 @@
-#include <algorithm>
+#include <array>
 
 #include "tests/device/operator_console.h"
 
 namespace {
 
 constexpr char kNoSuchFile[] = "The file or directory doesn't exist.\n";
+constexpr char kSameFile[] = "The destination file can't be the same as the source file.\n";
+constexpr char kWait[] = "Deleting the file permanently will take a long time. Please wait...\n";
 constexpr char kNoRoom[] =
     "Failed to finish the operation because of insufficient storage space or quota limitation.\n";
 
@@ -13,31 +15,21 @@ class FileCommands : public OperatorConsole {
  protected:
   void SetUp() override {
     OperatorConsole::SetUp();
-    options.media = {{"flash:", 8 << 20, ""}, {"cfa0:", 1 << 20, ""}};
+    options.media = {{"flash:", 8 << 20, ""}, {"cfa0:", 1 << 20, ""}, {"usba0:", 1 << 20, ""}};
   }
 
-  void BootWithFiles() {
-    BootToPrompt();
-    Run("cd /mnt/flash: && mkdir dir && echo text > a && echo older > b");
+  void UseFiles() {
+    UseDevice();
+    OnFlash("mkdir dir && echo text > a && echo older > b");
   }
 
-  /// Types a line and answers its questions. @return all that was printed behind the line.
+  /// Types a line and a "y" or "n" for each of its questions. @return what was printed, without what mv itself says.
   std::string Ask(const std::string& line, const std::string& answers) {
-    Type(line + "\r");
-    Expect("\n");
-    std::string printed;
-    for (const char answer : answers) {
-      printed += Expect("[Y/N]:");
-      Type({&answer, 1});
-      printed += Expect({&answer, 1});  // shown before the next key
-      Type("\r");
-    }
-    printed += Expect("<boot>");
-    printed.resize(printed.size() - std::min(printed.size(), std::string("<boot>").size()));
-    return WithoutToolsWords(printed);
+    std::string keys;
+    for (const char answer : answers) keys += {answer, '\r'};
+    return WithoutToolsWords(Command(line, keys));
   }
 
-  /// Leaves out what mv itself says.
   static std::string WithoutToolsWords(std::string printed) {
     for (std::size_t start = 0; (start = printed.find("mv: ", start)) != std::string::npos;) {
       printed.erase(start, printed.find('\n', start) + 1 - start);
@@ -45,89 +37,79 @@ class FileCommands : public OperatorConsole {
     return printed;
   }
 
+  void ExpectAnswers(const std::vector<Exchange>& exchanges) {
+    for (const Exchange& exchange : exchanges) {
+      EXPECT_EQ(Ask(exchange.line, exchange.keys), exchange.printed) << exchange.line;
+    }
+  }
+
   std::string OnFlash(const std::string& command) { return Run("cd /mnt/flash: && " + command); }
 };
 
-/// With links, fifos and modes, which FAT does not have.
+/// With links, fifos and modes, which FAT does not have, and with a tool that fails.
 class NativeFileCommands : public FileCommands {
  protected:
-  void BootWithLinks() {
-    BootWithFiles();
+  void UseLinks() {
+    UseFiles();
     OnFlash("chmod 640 a && ln -s a link && ln a hard && ln -s gone dangling && ln -s dir to-dir && mkfifo fifo");
   }
 };
 
-struct Exchange {
-  const char* line;
-  const char* answers;
-  std::string printed;
-};
-
-TEST_F(FileCommands, CopyAsksAndTells) {
-  const Exchange kExchanges[] = {
+TEST_F(FileCommands, CopyAndMoveAskAndTell) {
+  UseFiles();
+  ExpectAnswers({
       {"copy a c", "n", "Copy flash:/a to flash:/c?[Y/N]:n\n"},
       {"copy a c", "y", "Copy flash:/a to flash:/c?[Y/N]:y\nStart to copy flash:/a to flash:/c... Done.\n"},
       {"copy a b", "yn", "Copy flash:/a to flash:/b?[Y/N]:y\nflash:/b already exists. Overwrite it?[Y/N]:n\n"},
-      {"copy a ./a", "", "The destination file can't be the same as the source file.\n"},
+      {"copy a ./a", "", kSameFile},
       {"copy a nodir/", "", kNoSuchFile},
       {"copy a nodir/x", "", kNoSuchFile},
-      {"copy a b/", "", kNoSuchFile},
       {"copy a b/x", "", kNoSuchFile},
       {"copy dir x", "", kNoSuchFile},
-      {"copy nothing x", "", kNoSuchFile},
       {"copy a/ x", "", kNoSuchFile},
       {"copy a dir", "y", "Copy flash:/a to flash:/dir/a?[Y/N]:y\nStart to copy flash:/a to flash:/dir/a... Done.\n"},
       {"copy a cfa0:", "y", "Copy flash:/a to cfa0:/a?[Y/N]:y\nStart to copy flash:/a to cfa0:/a... Done.\n"},
-  };
-  BootWithFiles();
-  for (const Exchange& exchange : kExchanges) {
-    EXPECT_EQ(Ask(exchange.line, exchange.answers), exchange.printed) << exchange.line;
-  }
+  });
   EXPECT_EQ(OnFlash("cat c dir/a b /mnt/cfa0:/a"), "text\ntext\nolder\ntext\n");
+  EXPECT_TRUE(Ask("copy b c", "yy").ends_with("Done.\n"));
+  EXPECT_EQ(OnFlash("cat b c"), "older\nolder\n");
+
+  ExpectAnswers({
+      {"move a d", "n", "Move flash:/a to flash:/d?[Y/N]:n\n"},
+      {"move a d", "y", "Move flash:/a to flash:/d?[Y/N]:y\n"},
+      {"move d b", "y", "Move flash:/d to flash:/b?[Y/N]:y\n"},
+      {"move b dir", "y", "Move flash:/b to flash:/dir/b?[Y/N]:y\n"},
+      {"move dir x", "", kNoSuchFile},
+  });
+  Ask("move dir/b dir/b", "y");
+  EXPECT_EQ(OnFlash("ls; cat dir/b"), "c\ndir\ntext\n") << "a move onto itself must not lose the file";
 }
 
-TEST_F(FileCommands, OverwritingTakesTheOlderFilesPlace) {
-  BootWithFiles();
-  EXPECT_NE(Ask("copy a b", "yy").find("Done."), std::string::npos);
-  EXPECT_EQ(OnFlash("cat a b"), "text\ntext\n");
-}
-
-TEST_F(NativeFileCommands, LinksAndFoldersAreNotMistaken) {
-  const Exchange kExchanges[] = {
-      {"copy link a", "", "The destination file can't be the same as the source file.\n"},
-      {"copy a full", "yy",
-       std::string("Copy flash:/a to flash:/full/a?[Y/N]:y\nflash:/full/a already exists. Overwrite it?[Y/N]:y\n") +
-           kNoRoom},
-      {"copy a c", "y", "Copy flash:/a to flash:/c?[Y/N]:y\nStart to copy flash:/a to flash:/c... Done.\n"},
-      {"mkdir dangling", "", "Execution failure.\n"},
-      {"rmdir to-dir", "y", "Remove directory flash:/to-dir?[Y/N]:y\nFailed to remove directory.\n"},
-      {"more fifo", "", kNoSuchFile},
-      {"delete link", "y",
-       "Delete flash:/link?[Y/N]:y\nDeleting the file permanently will take a long time. Please wait...\n"
-       "Start to delete flash:/link...Done.\n"},
-  };
-  BootWithLinks();
-  OnFlash("mkdir -p full/a && echo kept > full/a/kept");
-  for (const Exchange& exchange : kExchanges) {
-    EXPECT_EQ(Ask(exchange.line, exchange.answers), exchange.printed) << exchange.line;
-  }
-  EXPECT_EQ(OnFlash("cat a full/a/kept; stat -c %a c"), "text\nkept\n640\n");
-}
-
-TEST_F(NativeFileCommands, OverwritingReplacesTheEntryAndNothingElse) {
-  BootWithLinks();
-  OnFlash("ln -s b to-b");
-  for (const char* destination : {"hard", "to-b", "dangling", "fifo"}) {
-    EXPECT_NE(Ask(std::string("copy b ") + destination, "yy").find("Done."), std::string::npos) << destination;
-  }
-  EXPECT_EQ(OnFlash("cat a b hard to-b dangling fifo; ls gone 2>&1 | wc -l; find . -type l -name 'to-b' -o -type l "
-                    "-name dangling"),
-            "text\nolder\nolder\nolder\nolder\nolder\n1\n")
-      << "a hard link keeps its text; links and fifos are neither followed nor waited on";
+TEST_F(FileCommands, DeleteMkdirAndRmdirAskAndTell) {
+  UseFiles();
+  OnFlash("mkdir full && touch full/.hidden");
+  ExpectAnswers({
+      {"mkdir new", "", "Directory flash:/new created.\n"},
+      {"mkdir new/", "", "The directory already exists.\n"},
+      {"mkdir a", "", "The file with the same name already exists.\n"},
+      {"mkdir no/new", "", kNoSuchFile},
+      {"rmdir new", "n", "Remove directory flash:/new?[Y/N]:n\n"},
+      {"rmdir new", "y", "Remove directory flash:/new?[Y/N]:y\nDirectory flash:/new removed.\n"},
+      {"rmdir a", "", "The directory doesn't exist.\n"},
+      {"rmdir full", "y",
+       "Remove directory flash:/full?[Y/N]:y\nFailed to remove the directory because it is not empty.\n"},
+      {"delete a", "n", "Delete flash:/a?[Y/N]:n\n"},
+      {"delete a", "y", std::string("Delete flash:/a?[Y/N]:y\n") + kWait + "Start to delete flash:/a...Done.\n"},
+      {"delete a", "", kNoSuchFile},
+      {"delete b/", "", kNoSuchFile},
+      {"delete dir", "", "Please use 'rmdir' to remove a directory.\n"},
+      {"delete flash:", "", "             ^\n % Wrong parameter found at '^' position.\n"},
+  });
+  EXPECT_EQ(OnFlash("ls"), "b\ndir\nfull\n");
 }
 
 TEST_F(FileCommands, AFullMediumLosesNothing) {
-  BootWithFiles();
+  UseFiles();
   OnFlash("dd if=/dev/zero of=big bs=1k count=2000 2>/dev/null");
   EXPECT_TRUE(Ask("copy big cfa0:", "y").ends_with(kNoRoom));
   EXPECT_TRUE(Ask("move big cfa0:", "y").ends_with(kNoRoom));
@@ -139,158 +121,62 @@ TEST_F(FileCommands, AFullMediumLosesNothing) {
 }
 
 TEST_F(FileCommands, AProtectedMediumStaysAsItIs) {
-  const Exchange kExchanges[] = {
+  UseFiles();
+  Run("mkdir /mnt/cfa0:/dir && echo kept > /mnt/cfa0:/a");
+  ASSERT_TRUE(Board().ProtectMedium("cfa0:"));
+  ExpectAnswers({
       {"copy b cfa0:", "y", std::string("Copy flash:/b to cfa0:/b?[Y/N]:y\n") + kNoRoom},
       {"copy b cfa0:/a", "yy",
        std::string("Copy flash:/b to cfa0:/a?[Y/N]:y\ncfa0:/a already exists. Overwrite it?[Y/N]:y\n") + kNoRoom},
       {"move b cfa0:/a", "y", std::string("Move flash:/b to cfa0:/a?[Y/N]:y\n") + kNoRoom},
       {"move cfa0:/a flash:/moved", "y", std::string("Move cfa0:/a to flash:/moved?[Y/N]:y\n") + kNoRoom},
-      {"delete cfa0:/a", "y",
-       "Delete cfa0:/a?[Y/N]:y\nDeleting the file permanently will take a long time. Please wait...\n"
-       "Execution failure.\n"},
+      {"delete cfa0:/a", "y", std::string("Delete cfa0:/a?[Y/N]:y\n") + kWait + "Execution failure.\n"},
       {"mkdir cfa0:/new", "", "Execution failure.\n"},
       {"rmdir cfa0:/dir", "y", "Remove directory cfa0:/dir?[Y/N]:y\nFailed to remove directory.\n"},
       {"more cfa0:/a", "", "kept\n"},
       {"copy cfa0:/a c", "y", "Copy cfa0:/a to flash:/c?[Y/N]:y\nStart to copy cfa0:/a to flash:/c... Done.\n"},
-  };
-  BootWithFiles();
-  Run("mkdir /mnt/cfa0:/dir && echo kept > /mnt/cfa0:/a");
-  ASSERT_TRUE(Board().ProtectMedium("cfa0:"));
-  for (const Exchange& exchange : kExchanges) {
-    EXPECT_EQ(Ask(exchange.line, exchange.answers), exchange.printed) << exchange.line;
-  }
+  });
   EXPECT_EQ(OnFlash("cat b c /mnt/cfa0:/a; ls; ls /mnt/cfa0:"), "older\nkept\nkept\na\nb\nc\ndir\na\ndir\n");
+  Run("mount -o remount,rw /mnt/cfa0:");
 }
 
 TEST_F(FileCommands, WhatVanishesBetweenQuestionAndAnswerIsTold) {
-  struct Vanishing {
-    const char* line;
-    std::string printed;
-  };
-  const Vanishing kVanishing[] = {
+  const std::pair<const char*, std::string> kVanishing[] = {
       {"copy a cfa0:/x", kNoRoom},
       {"move a cfa0:/x", kNoRoom},
-      {"delete a", "Deleting the file permanently will take a long time. Please wait...\nExecution failure.\n"},
+      {"delete a", std::string(kWait) + "Execution failure.\n"},
       {"rmdir dir", "The directory doesn't exist.\n"},
   };
-  BootWithFiles();
-  for (const Vanishing& vanishing : kVanishing) {
+  UseFiles();
+  for (const auto& [line, printed] : kVanishing) {
     OnFlash("mkdir -p dir && echo text > a");
-    Type(std::string(vanishing.line) + "\r");
+    Type(std::string(line) + "\r");
     Expect("[Y/N]:");
     OnFlash("rm a && rmdir dir");
     Type("y\r");
-    EXPECT_EQ(WithoutToolsWords(Expect("<boot>")), "y\n" + vanishing.printed + "<boot>") << vanishing.line;
+    EXPECT_EQ(WithoutToolsWords(Expect("<boot>")), "y\n" + printed + "<boot>") << line;
   }
   EXPECT_EQ(OnFlash("ls; ls /mnt/cfa0:"), "b\n");
 }
 
-TEST_F(FileCommands, AMediumMayBePulledWhileAQuestionWaits) {
-  BootWithFiles();
-  for (const char* line : {"copy a cfa0:/x", "copy cfa0:/there c"}) {
-    BootToPrompt();
-    Run("echo there > /mnt/cfa0:/there; sync");
-    Type(std::string(line) + "\r");
-    Expect("[Y/N]:");
-    ASSERT_TRUE(Board().PullMedium("cfa0:"));
-    Type("y\r");
-    EXPECT_TRUE(Expect("<boot>").starts_with("y\n")) << line;
-    EXPECT_EQ(OnFlash("cat a"), "text\n");
-    EXPECT_EQ(Command("pwd"), "flash:\n");
-  }
-}
-
-TEST_F(FileCommands, AShellThatIsKilledInACopyLosesNoSource) {
-  BootWithFiles();
-  OnFlash("dd if=/dev/urandom of=big bs=1k count=4000 2>/dev/null; md5sum big > /tmp/sum");
-  Type("copy big c\r");
-  Expect("[Y/N]:");
-  Run("(until [ -s /mnt/flash:/c ]; do :; done; kill -9 " + ShellPid() + ") > /dev/null 2>&1 &");
-  Type("y\r");
-  Expect("Press Enter to start the emergency shell again");
-  EXPECT_EQ(OnFlash("md5sum big | cmp - /tmp/sum"), "");
-}
-
 TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {
-  BootWithFiles();
+  UseFiles();
   // A FAT file in capitals is the same; elsewhere a second mount of the folder shows it twice.
   const std::string other = IsArm64() ? "dir/A" : "twin/a";
   OnFlash("echo both > dir/a");
   if (!IsArm64()) OnFlash("mkdir twin && mount -o bind dir twin && ln -s a link");
-  EXPECT_EQ(Ask("copy dir/a " + other, ""), "The destination file can't be the same as the source file.\n");
+  EXPECT_EQ(Ask("copy dir/a " + other, ""), kSameFile);
   Ask("move dir/a " + other, "y");
   EXPECT_EQ(OnFlash("cat dir/[aA]"), "both\n");
   if (!IsArm64()) {
     EXPECT_TRUE(Ask("move link a", "y").ends_with(kNoRoom)) << "the link would take the file's place";
+    OnFlash("umount twin");
   }
   EXPECT_EQ(OnFlash("cat a"), "text\n");
 }
 
-TEST_F(FileCommands, MoveAsksAndTells) {
-  const Exchange kExchanges[] = {
-      {"move a c", "n", "Move flash:/a to flash:/c?[Y/N]:n\n"},
-      {"move a c", "y", "Move flash:/a to flash:/c?[Y/N]:y\n"},
-      {"move c b", "y", "Move flash:/c to flash:/b?[Y/N]:y\n"},
-      {"move b dir", "y", "Move flash:/b to flash:/dir/b?[Y/N]:y\n"},
-      {"move dir x", "", kNoSuchFile},
-  };
-  BootWithFiles();
-  for (const Exchange& exchange : kExchanges) {
-    EXPECT_EQ(Ask(exchange.line, exchange.answers), exchange.printed) << exchange.line;
-  }
-  Ask("move dir/b dir/b", "y");
-  EXPECT_EQ(OnFlash("ls; cat dir/b"), "dir\ntext\n") << "a move onto itself must not lose the file";
-}
-
-TEST_F(FileCommands, AToolThatIsKilledLosesNothing) {
-  Replace("/bin/mv", "#!/bin/sh\ncp $1 $2; [ -e /tmp/last ] && rm $1; kill -9 $$\n");
-  BootWithFiles();
-  EXPECT_TRUE(Ask("move a x", "y").ends_with(kNoRoom));
-  EXPECT_EQ(OnFlash("cat a; ls x 2>/dev/null; true"), "text\n") << "the part goes, the source stays";
-  Run("touch /tmp/last");
-  EXPECT_TRUE(Ask("move a x", "y").ends_with(kNoRoom));
-  EXPECT_EQ(OnFlash("cat x"), "text\n") << "the only copy is kept";
-}
-
-TEST_F(FileCommands, DeleteAsksAndTells) {
-  constexpr char kWait[] = "Deleting the file permanently will take a long time. Please wait...\n";
-  const Exchange kExchanges[] = {
-      {"delete a", "n", "Delete flash:/a?[Y/N]:n\n"},
-      {"delete a", "y", std::string("Delete flash:/a?[Y/N]:y\n") + kWait + "Start to delete flash:/a...Done.\n"},
-      {"delete a", "", kNoSuchFile},
-      {"delete b/", "", kNoSuchFile},
-      {"delete dir", "", "Please use 'rmdir' to remove a directory.\n"},
-      {"delete flash:", "", "             ^\n % Wrong parameter found at '^' position.\n"},
-  };
-  BootWithFiles();
-  for (const Exchange& exchange : kExchanges) {
-    EXPECT_EQ(Ask(exchange.line, exchange.answers), exchange.printed) << exchange.line;
-  }
-  EXPECT_EQ(OnFlash("ls"), "b\ndir\n");
-}
-
-TEST_F(FileCommands, DirectoriesAreMadeAndRemoved) {
-  const Exchange kExchanges[] = {
-      {"mkdir new", "", "Directory flash:/new created.\n"},
-      {"mkdir new/", "", "The directory already exists.\n"},
-      {"mkdir a", "", "The file with the same name already exists.\n"},
-      {"mkdir no/new", "", kNoSuchFile},
-      {"rmdir new", "n", "Remove directory flash:/new?[Y/N]:n\n"},
-      {"rmdir new", "y", "Remove directory flash:/new?[Y/N]:y\nDirectory flash:/new removed.\n"},
-      {"rmdir new", "", "The directory doesn't exist.\n"},
-      {"rmdir a", "", "The directory doesn't exist.\n"},
-      {"rmdir full", "y",
-       "Remove directory flash:/full?[Y/N]:y\nFailed to remove the directory because it is not empty.\n"},
-  };
-  BootWithFiles();
-  OnFlash("mkdir full && touch full/.hidden");
-  for (const Exchange& exchange : kExchanges) {
-    EXPECT_EQ(Ask(exchange.line, exchange.answers), exchange.printed) << exchange.line;
-  }
-}
-
 TEST_F(FileCommands, MoreShowsTextOnly) {
-  BootWithFiles();
+  UseFiles();
   OnFlash("seq 40 > lines && printf 'gr\\303\\274n\\n' > utf8 && printf 'a\\0b\\nc\\n' > nul && : > empty");
   EXPECT_EQ(Command("more utf8"), "Not a text file.\n");
   EXPECT_EQ(Command("more empty"), kNoSuchFile);
@@ -304,15 +190,72 @@ TEST_F(FileCommands, MoreShowsTextOnly) {
 }
 
 TEST_F(FileCommands, FormatEmptiesAMediumAndChoosesTheDirectoryAgain) {
-  BootWithFiles();
+  UseFiles();
   EXPECT_EQ(Ask("format flash:", "n"), "All data on flash: will be lost, proceed with format? [Y/N]:n\n");
   EXPECT_EQ(OnFlash("cat a"), "text\n");
   Ask("format flash:/", "y");
   EXPECT_EQ(OnFlash("ls"), "");
   EXPECT_EQ(Command("pwd"), "flash:\n");
   EXPECT_NE(Command("format .").find("Wrong parameter"), std::string::npos);
-  Run("umount -l /mnt/cfa0:; rmdir /mnt/cfa0:");
-  EXPECT_EQ(Command("format cfa0:"), "cfa0: doesn't exist.\n");
+  Run("ln -s /mnt/gone /mnt/slot0#usbb0:");
+  EXPECT_EQ(Command("format usbb0:"), "usbb0: doesn't exist.\n");
+  Run("rm /mnt/slot0#usbb0:");
+}
+
+TEST_F(FileCommands, AMediumMayBePulledWhileAQuestionWaits) {
+  UseFiles();
+  Run("echo there > /mnt/usba0:/there; sync");
+  const std::pair<const char*, const char*> kPulls[] = {{"copy a cfa0:/x", "cfa0:"}, {"copy usba0:/there c", "usba0:"}};
+  for (const auto& [line, medium] : kPulls) {
+    Type(std::string(line) + "\r");
+    Expect("[Y/N]:");
+    ASSERT_TRUE(Board().PullMedium(medium));
+    Type("y\r");
+    EXPECT_TRUE(Expect("<boot>").starts_with("y\n")) << line;
+    EXPECT_EQ(OnFlash("cat a"), "text\n");
+    EXPECT_EQ(Command("pwd"), "flash:\n");
+  }
+  NewDevice();
+}
+
+TEST_F(NativeFileCommands, LinksAndFoldersAreNotMistaken) {
+  UseLinks();
+  OnFlash("mkdir -p full/a && echo kept > full/a/kept");
+  ExpectAnswers({
+      {"copy link a", "", kSameFile},
+      {"copy a full", "yy",
+       std::string("Copy flash:/a to flash:/full/a?[Y/N]:y\nflash:/full/a already exists. Overwrite it?[Y/N]:y\n") +
+           kNoRoom},
+      {"copy a c", "y", "Copy flash:/a to flash:/c?[Y/N]:y\nStart to copy flash:/a to flash:/c... Done.\n"},
+      {"mkdir dangling", "", "Execution failure.\n"},
+      {"rmdir to-dir", "y", "Remove directory flash:/to-dir?[Y/N]:y\nFailed to remove directory.\n"},
+      {"more fifo", "", kNoSuchFile},
+      {"delete link", "y",
+       std::string("Delete flash:/link?[Y/N]:y\n") + kWait + "Start to delete flash:/link...Done.\n"},
+  });
+  EXPECT_EQ(OnFlash("cat a full/a/kept; stat -c %a c"), "text\nkept\n640\n");
+}
+
+TEST_F(NativeFileCommands, OverwritingReplacesTheEntryAndNothingElse) {
+  UseLinks();
+  OnFlash("ln -s b to-b");
+  for (const char* destination : {"hard", "to-b", "dangling", "fifo"}) {
+    EXPECT_NE(Ask(std::string("copy b ") + destination, "yy").find("Done."), std::string::npos) << destination;
+  }
+  EXPECT_EQ(OnFlash("cat a b hard to-b dangling fifo; ls gone 2>&1 | wc -l; find . -type l -name 'to-b' -o -type l "
+                    "-name dangling"),
+            "text\nolder\nolder\nolder\nolder\nolder\n1\n")
+      << "a hard link keeps its text; links and fifos are neither followed nor waited on";
+}
+
+TEST_F(NativeFileCommands, AToolThatIsKilledLosesNothing) {
+  Replace("/bin/mv", "#!/bin/sh\ncp $1 $2; [ -e /tmp/last ] && rm $1; kill -9 $$\n");
+  UseFiles();
+  EXPECT_TRUE(Ask("move a x", "y").ends_with(kNoRoom));
+  EXPECT_EQ(OnFlash("cat a; ls x 2>/dev/null; true"), "text\n") << "the part goes, the source stays";
+  Run("touch /tmp/last");
+  EXPECT_TRUE(Ask("move a x", "y").ends_with(kNoRoom));
+  EXPECT_EQ(OnFlash("cat x"), "text\n") << "the only copy is kept";
 }
 
 }  // namespace

@@ -4,6 +4,7 @@ namespace {
 
 /// What the process that was started does when the shell has ended.
 class HandOver : public OperatorConsole {};
+class NativeHandOver : public HandOver {};
 
 TEST_F(HandOver, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
   options.media.push_back({"usba0:", 1 << 20, ""});
@@ -19,7 +20,7 @@ TEST_F(HandOver, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
   }
 }
 
-TEST_F(HandOver, CallsTheCommandProgramByItsName) {
+TEST_F(NativeHandOver, CallsTheCommandProgramByItsName) {
   // The shell itself stands in for it, since it does not mind by which name it is called.
   options.files.push_back({"/sbin/scmd", std::nullopt});
   Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nln /sbin/esh /sbin/scmd\n");
@@ -33,7 +34,7 @@ TEST_F(HandOver, CallsTheCommandProgramByItsName) {
   EXPECT_EQ(Board().ReadFile("/proc/" + parent + "/cmdline"), std::string("scmd\0", 5));
 }
 
-TEST_F(HandOver, EndsQuietlyWithoutACommandProgram) {
+TEST_F(NativeHandOver, EndsQuietlyWithoutACommandProgram) {
   options.files.push_back({"/sbin/scmd", std::nullopt});
   BootToPrompt();
   Run("kill -9 " + ShellPid());

@@ -18,19 +18,33 @@ constexpr char kBegin[] = "Check package flash:/system.bin ...\n";
 constexpr char kVerified[] = "Verifying the file flash:/system.bin ...Done.\n";
 constexpr char kDescription[] = "Platform version: 7.1.075\nProduct version: Release 0612\n";
 
-/// A device with a maker's key, its boot image on flash:, and packages made for it.
-class Install : public OperatorConsole {
+/// A device with a maker's key, its boot image on flash:, and packages made for it, good ones and others; what the
+/// shell makes of them, and of tools that fail, is the same on every kernel.
+class NativeInstall : public OperatorConsole {
  protected:
   void SetUp() override {
     OperatorConsole::SetUp();
-    ASSERT_EQ(mkpkg::GenerateKey(mkpkg::kLeastExponent, key_), "");
+    if (key_ == nullptr) {
+      ASSERT_EQ(mkpkg::GenerateKey(mkpkg::kLeastExponent, key_), "");
+    }
     std::string key_file;
     ASSERT_EQ(mkpkg::EncodeDeviceKey(key_, mkpkg::kShortKeyFile, key_file), "");
     Replace("/etc/sign_pub_key/maker.key", key_file);
+    options.media.push_back({"usba1:", 1 << 20, ""});
   }
 
+  void UseBootImage() {
+    UseDevice();
+    PutBootImage();
+  }
+
+  /// On a device of the test's own.
   void BootWithBootImage() {
     BootToPrompt();
+    PutBootImage();
+  }
+
+  void PutBootImage() {
     mkpkg::PackageContents boot;
     boot.product_tag = kProductTag;
     boot.files = {{.id = kDescriptionFile, .name = "d", .data = kDescription}};
@@ -77,53 +91,13 @@ class Install : public OperatorConsole {
   void ExpectNoScratchFiles() { EXPECT_EQ(Run("ls -A /tmp; ls -d /etc/pkg/TempFile 2> /dev/null; true"), ""); }
 
  private:
-  mkpkg::UniqueKey key_;
+  static mkpkg::UniqueKey key_;  // one for all, for the device that they share knows it
 };
 
-TEST_F(Install, LoadsTheImageAndLeavesTheConsoleToIt) {
-  BootWithBootImage();
-  Run("touch /root/.ssh/known_hosts");
-  Put("/mnt/flash:/system.BIN", Signed(Contents()));
-  Type("install load system.BIN\r");
-  EXPECT_TRUE(Expect("Loading...\r\r\n")
-                  .ends_with("Check package system.BIN ...\n"
-                             "Verifying the file system.BIN ...Done.\n"
-                             "Extracting package ...\n"
-                             "\nLoading...\n"));
-  Expect("Loaded: flash:/system.BIN");
-  EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
-  const std::string record = "flash:/system.BIN";
-  EXPECT_EQ(Board().ReadFile("/var/pkg/change.list"), record + std::string(64 - record.size(), '\0'));
-  if (!IsArm64()) {  // there it is a kernel's, which lets nobody read it
-    EXPECT_EQ(Run("cat /proc/sys/vm/drop_caches"), "3\n");
-  }
-  EXPECT_EQ(Run("ls /root/.ssh; grep -c ipstack /proc/modules; ls /sys/class/net | grep m-eth0; true"), "0\n");
-  ExpectNoScratchFiles();
-}
+mkpkg::UniqueKey NativeInstall::key_;
 
-TEST_F(Install, UnpacksEveryKindOfImage) {
-  options.has_ip_stack = false;
-  for (const mkpkg::Compression how : {mkpkg::Compression::kXz, mkpkg::Compression::kLzma, mkpkg::Compression::k7z}) {
-    NewDevice();
-    BootWithBootImage();
-    mkpkg::PackageContents contents = Contents();
-    mkpkg::PackageFile& image = contents.files.back();
-    if (how == mkpkg::Compression::k7z) {  // the package packs what is an archive that has its own suffix
-      image.packing = kPacked7z;
-      image.unpacked_size = static_cast<std::uint32_t>(image.data.size());
-      image.data = Compressed(how, image.data);
-    } else {
-      image.name = std::string("system") + mkpkg::SuffixOf(how);
-      image.data = Compressed(how, Archive());
-    }
-    Put(kPackage, Signed(contents));
-    Type(std::string(kInstall) + "\r");
-    Expect("Loaded: flash:/system.bin");
-  }
-}
-
-TEST_F(Install, RefusesWhatIsNotForThisDevice) {
-  BootWithBootImage();
+TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
+  UseBootImage();
   using mkpkg::PackageContents;
   const std::string corrupted = "flash:/system.bin is corrupted.\n";
   const std::string not_system = "Package flash:/system.bin is not a system package.\n";
@@ -162,9 +136,8 @@ TEST_F(Install, RefusesWhatIsNotForThisDevice) {
   ExpectNoScratchFiles();
 }
 
-TEST_F(Install, RefusesNamesThatAreNoPackages) {
-  options.media.push_back({"usba1:", 1 << 20, ""});
-  BootWithBootImage();
+TEST_F(NativeInstall, RefusesNamesThatAreNoPackages) {
+  UseBootImage();
   Run("touch /mnt/flash:/text.txt /mnt/usba1:/a.bin");
   const struct {
     const char* name;
@@ -187,8 +160,24 @@ TEST_F(Install, RefusesNamesThatAreNoPackages) {
   EXPECT_EQ(offered.find("a~1.bin"), std::string::npos) << offered;
 }
 
+TEST_F(NativeInstall, ShowsWhatAPackageIs) {
+  UseBootImage();
+  mkpkg::PackageContents contents = Contents();
+  contents.files[1].data =
+      "[Package]\r\nVendor: Kelvane Inc\r\nProduct: T5100\r\n Vendor: indented\r\nSecret: x\r\nversion TYPE: "
+      "release\r\n"
+      "VERSION type: RELEASE candidate\r\nSupported boards: all\r\nProduct version: Release 1\r\n";
+  Put(kPackage, Signed(contents));
+  EXPECT_EQ(Command(kDisplay), std::string(kVerified) +
+                                   "  flash:/system.bin\n  [Package]\n  Vendor: Vantrel\n  Product: T5100\n"
+                                   "  Supported boards: all\n  Product version: Release 1\n\n");
+  contents.files.erase(contents.files.begin() + 1);
+  Put(kPackage, Signed(contents));
+  EXPECT_EQ(Command(kDisplay), std::string(kVerified) + "  flash:/system.bin\n\nOperation failed! \n");
+}
+
 /// Faults on the way: what is broken before the load, and what the load then makes of it.
-TEST_F(Install, ClaimsNoSuccessThatItDoesNotHave) {
+TEST_F(NativeInstall, ClaimsNoSuccessThatItDoesNotHave) {
   options.has_ip_stack = false;
   const std::string extracting = std::string(kBegin) + kVerified + "Extracting package ...\n";
   const struct {
@@ -229,16 +218,20 @@ TEST_F(Install, ClaimsNoSuccessThatItDoesNotHave) {
   }
 }
 
-TEST_F(Install, StaysWhenTheNetworkDoesNotGo) {
+TEST_F(NativeInstall, StaysWhenTheNetworkDoesNotGo) {
   Replace("/bin/rmmod", "#!/bin/sh\nexit 1\n");
   BootWithBootImage();
-  Put(kPackage, Signed(Contents()));
+  mkpkg::PackageContents contents = Contents();
+  contents.files.back().name = "system.lzma";
+  contents.files.back().data = Compressed(mkpkg::Compression::kLzma, Archive());
+  Put(kPackage, Signed(contents));
   EXPECT_TRUE(Command(kInstall).ends_with("\nLoading...\nExit failed.\n"));
-  EXPECT_EQ(Run("ls /var/pkg"), "change.list\n") << "the image is loaded all the same";
+  EXPECT_EQ(Run("ls /var/pkg /sbin/tessaro"), "/sbin/tessaro\n\n/var/pkg:\nchange.list\n")
+      << "the image is loaded all the same";
   ExpectNoScratchFiles();
 }
 
-TEST_F(Install, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
+TEST_F(NativeInstall, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
   Replace("/bin/gunzip", "#!/bin/sh\nsleep 1\nexec /bin/busybox gunzip \"$@\"\n");
   BootWithBootImage();
   Put(kPackage, Signed(Contents()));
@@ -252,23 +245,22 @@ TEST_F(Install, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
   Expect("Loaded: flash:/system.bin");
 }
 
-TEST_F(Install, ShowsWhatAPackageIs) {
-  BootWithBootImage();
-  mkpkg::PackageContents contents = Contents();
-  contents.files[1].data =
-      "[Package]\r\nVendor: Kelvane Inc\r\nProduct: T5100\r\n Vendor: indented\r\nSecret: x\r\nversion TYPE: "
-      "release\r\n"
-      "VERSION type: RELEASE candidate\r\nSupported boards: all\r\nProduct version: Release 1\r\n";
-  Put(kPackage, Signed(contents));
-  EXPECT_EQ(Command(kDisplay), std::string(kVerified) +
-                                   "  flash:/system.bin\n  [Package]\n  Vendor: Vantrel\n  Product: T5100\n"
-                                   "  Supported boards: all\n  Product version: Release 1\n\n");
-  contents.files.erase(contents.files.begin() + 1);
-  Put(kPackage, Signed(contents));
-  EXPECT_EQ(Command(kDisplay), std::string(kVerified) + "  flash:/system.bin\n\nOperation failed! \n");
-}
+/// A device with the sample packages, which the package tool made.
+class SamplePackages : public OperatorConsole {
+ protected:
+  void Load(const std::string& package) {
+    Type("install load " + package + "\r");
+    EXPECT_EQ(Expect("Loading...\r\r\n"), "install load " + package + "\nCheck package " + package +
+                                              " ...\nVerifying the file " + package +
+                                              " ...Done.\nExtracting package ...\n\nLoading...\n");
+    Expect("has taken over from the emergency shell");
+    Expect("Loaded package: flash:/" + package);
+    Run("rm /sbin/tessaro /etc/tessaro-version");  // the next package brings its own
+  }
+};
 
-TEST_F(Install, ShowsVersionAndCopyright) {
+TEST_F(SamplePackages, LoadUnlessTheyAreBad) {
+  device::FillWithSamples(options.media);
   BootToPrompt();
   const std::string version = Command("display version");
   EXPECT_TRUE(
@@ -283,6 +275,29 @@ TEST_F(Install, ShowsVersionAndCopyright) {
   EXPECT_TRUE(Command("display copyright").starts_with("Copyright (c) 2004-2026 Ostrel"));
   Run(": > /etc/pkg/license/copyright");
   EXPECT_EQ(Command("display copyright"), "");
+  EXPECT_NE(Command("display install package system.bin").find("  Product version: Release 0612"), std::string::npos);
+
+  for (const char* bad : {"forged", "truncated", "foreign"}) {
+    const std::string name = "flash:/bad/" + std::string(bad) + ".bin";
+    EXPECT_TRUE(Command("install load " + name).ends_with(name + " is corrupted.\n"));
+  }
+  EXPECT_TRUE(Command("install load flash:/bad/incompatible.bin").ends_with("not compliant with the boot image.\n"));
+  EXPECT_EQ(Run("ls -A /tmp; ls /sbin/tessaro /var/pkg 2> /dev/null || true"), "");
+
+  Run("touch /root/.ssh/known_hosts");
+  for (const std::string package : {"system.bin", "system-xz.bin", "system-7z.bin"}) {
+    Load(package);
+    EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
+    const std::string record = "flash:/" + package;
+    EXPECT_EQ(Board().ReadFile("/var/pkg/change.list"), record + std::string(64 - record.size(), '\0'));
+    EXPECT_EQ(Run("ls -A /tmp /root/.ssh; grep -c ipstack /proc/modules; ls /sys/class/net | grep m-eth0; true"),
+              "/root/.ssh:\n\n/tmp:\n0\n");
+    if (!IsArm64()) {  // there it is a kernel's, which lets nobody read it
+      EXPECT_EQ(Run("cat /proc/sys/vm/drop_caches"), "3\n");
+    }
+    Type("boot\r");
+    Expect("<boot>");
+  }
 }
 
 }  // namespace

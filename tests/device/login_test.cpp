@@ -6,6 +6,7 @@ constexpr char kPassword[] = "harbour";
 /// Behind its prompt the far shell asks where the cursor is.
 constexpr char kFarPrompt[] = "\x1b[6n";
 
+/// Logs in on the lab's hosts; with the lab's own files, for its account owns them.
 class Logins : public LabConsole {
  protected:
   /// Types an answer once it is asked for: what is typed before a password is asked for is thrown away.
@@ -33,8 +34,7 @@ class Logins : public LabConsole {
 };
 
 TEST_F(Logins, ReachAShellAndComeBack) {
-  options.lab_directory.clear();  // the account owns the lab's own files
-  BootIntoLab();
+  UseLab();
   for (const bool secure : {false, true}) {
     for (const char* address : {"10.0.0.1", "ipv6 fd00:1::1"}) {
       SCOPED_TRACE(std::string(secure ? "ssh2 " : "telnet ") + address);
@@ -52,21 +52,15 @@ TEST_F(Logins, ReachAShellAndComeBack) {
     }
   }
   EXPECT_EQ(Run("wc -l < /root/.ssh/known_hosts"), "2\n");
+  Run("touch /root/.ssh/config");
   EXPECT_EQ(Command("reset ssh public-key"), "");
+  EXPECT_EQ(Run("ls /root/.ssh"), "config\n");
+  EXPECT_EQ(Command("reset ssh public-key"), "") << "there is none";
   EXPECT_EQ(Printed().find(kPassword), std::string::npos);
 }
 
 TEST_F(Logins, ThatBreakLeaveThePrompt) {
-  BootIntoLab();
-  Type("telnet 10.0.0.1\r");
-  Answer("lab login: ", "operator");
-  Answer("Password: ", "wrong");
-  Expect("Login incorrect");
-  Type("\x1d");
-  Expect("exit telnet");
-  Type("e");
-  ExpectPrompt();
-
+  UseLab();
   LogInByTelnet("10.0.0.1");
   SignalSessions("login", "KILL");
   Expect("Connection closed by foreign host");
@@ -84,11 +78,25 @@ TEST_F(Logins, ThatBreakLeaveThePrompt) {
   Type("e");
   ExpectPrompt();
   EXPECT_NE(Command("display interface m-eth0").find("state: DOWN"), std::string::npos);
-  EXPECT_NE(Ask("ping -c 1 10.0.0.1", "").find("100% packet loss"), std::string::npos);
   EXPECT_TRUE(Board().PlugCable(true));
   for (const char* line :
-       {"ping -c 2 10.0.0.1", "ping -c 2 10.1.0.1", "ping ipv6 -c 2 fd00::1", "ping ipv6 -c 2 fd00:1::1"})
-    EXPECT_NE(Ask(line, "").find(" 0% packet loss"), std::string::npos) << line;
+       {"ping -c 1 10.0.0.1", "ping -c 1 10.1.0.1", "ping ipv6 -c 1 fd00::1", "ping ipv6 -c 1 fd00:1::1"})
+    EXPECT_NE(Command(line).find(" 0% packet loss"), std::string::npos) << line;
+}
+
+TEST_F(Logins, ArePassedOverByPingAndFtp) {
+  UseLab();
+  Type("ping -c 1000 10.0.0.1\r");
+  Expect("seq=1");
+  Type(kCtrlC);
+  Expect("packets transmitted");
+  ExpectPrompt();
+  EXPECT_NE(Command("ftp 10.0.0.2 get b flash:", "me\rseekrit\r").find("Connection refused"), std::string::npos);
+  Type(kUp);
+  EXPECT_EQ(Expect("flash:"), "ftp 10.0.0.2 get b flash:");
+  EXPECT_EQ(Printed().find("seekrit"), std::string::npos);
+  Type(kCtrlZ);
+  Expect("<boot>");
 }
 
 }  // namespace

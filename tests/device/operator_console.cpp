@@ -42,6 +42,9 @@ std::string WithoutReturns(std::string_view text) {
 
 }  // namespace
 
+std::unique_ptr<device::Device> OperatorConsole::board_;
+device::BootOptions OperatorConsole::board_options_;
+
 bool OperatorConsole::IsArm64() { return DeviceName() == "arm64"; }
 
 void OperatorConsole::SetUp() {
@@ -55,22 +58,53 @@ void OperatorConsole::TearDown() {
                       ("on the " + DeviceName() + " device, whose console says:\n" + printed_).c_str(),
                       testing::TestPartResult::kNonFatalFailure);
   }
+  if (HasFailure() || !others_may_use_) board_.reset();
+}
+
+bool OperatorConsole::UseDevice() {
+  others_may_use_ = true;
+  if (board_ == nullptr || board_options_ != options) {
+    BootToPrompt();
+    return true;
+  }
+  is_booted_ = true;
+  ClearScreen();
+  Type(std::string(kCtrlZ) + "next\r");  // what the test before has not waited for comes before that
+  Expect("next");
+  Expect("Unrecognized");
+  Expect("<boot>");
+  Run("rm -rf /mnt/*/* /mnt/*/.[!.]* /tmp/*");
+  return false;
 }
 
 void OperatorConsole::Boot() {
+  if (!is_booted_) NewDevice();
+  is_booted_ = true;
   if (board_ == nullptr) {
     board_ = IsArm64() ? device::MakeArm64Device(options) : device::MakeNativeDevice(options);
+    board_options_ = options;
   }
-  screen_ = std::make_unique<VirtualScreen>(options.rows == 0 ? 24 : options.rows,
-                                            options.columns == 0 ? 80 : options.columns);
-  printed_.clear();
-  waited_for_ = 0;
+  ClearScreen();
   ASSERT_EQ(board_->Boot(), "");
 }
 
 void OperatorConsole::BootToPrompt() {
   Boot();
   Expect("<boot>");
+}
+
+void OperatorConsole::NewShell() {
+  Run("kill -9 " + ShellPid());
+  Expect("Press Enter to start the emergency shell again");
+  Type("\r");
+  Expect("<boot>");
+}
+
+void OperatorConsole::ClearScreen() {
+  screen_ = std::make_unique<VirtualScreen>(options.rows == 0 ? 24 : options.rows,
+                                            options.columns == 0 ? 80 : options.columns);
+  printed_.clear();
+  waited_for_ = 0;
 }
 
 void OperatorConsole::Type(std::string_view keys) {
@@ -101,11 +135,15 @@ std::string OperatorConsole::Expect(std::string_view text) {
   return WithoutReturns(std::string_view(printed_).substr(start, waited_for_ - start));
 }
 
-std::string OperatorConsole::Command(const std::string& line) {
+std::string OperatorConsole::Command(const std::string& line, const std::string& keys) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   TakeIn(milliseconds(0));
   const std::size_t start = printed_.size();
   Type(line + "\r");
+  while (!keys.empty() && printed_.find('\n', start) == std::string::npos && TakeIn(kPatience)) {
+    // What answers a question is typed when the line has been read.
+  }
+  Type(keys);
   while (!EndsInPrompt(std::string_view(printed_).substr(start)) || TakeIn(milliseconds(20))) {
     if (std::chrono::steady_clock::now() > deadline) {
       ADD_FAILURE() << "no prompt after: " << line;
@@ -117,6 +155,12 @@ std::string OperatorConsole::Command(const std::string& line) {
   const std::string all = WithoutReturns(std::string_view(printed_).substr(start));
   const std::size_t echo_end = all.find('\n') + 1;
   return all.substr(echo_end, all.rfind('\n') + 1 - echo_end);
+}
+
+void OperatorConsole::ExpectAll(const std::vector<Exchange>& exchanges) {
+  for (const Exchange& exchange : exchanges) {
+    EXPECT_EQ(Command(exchange.line, exchange.keys), exchange.printed) << exchange.line;
+  }
 }
 
 device::Outcome OperatorConsole::Outcome() {

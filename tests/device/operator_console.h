@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "device/device.h"
 #include "tests/support/virtual_screen.h"
@@ -14,30 +15,53 @@
 /// Waits until a condition holds. @return whether it does.
 [[nodiscard]] bool Eventually(const std::function<bool()>& condition);
 
+/// A line, the keys typed behind it (the answers), and all that is printed from there to the next prompt.
+struct Exchange {
+  const char* line;
+  std::string keys;
+  std::string printed;
+};
+
 /// An operator at the console of a device: boots it, types, and looks at what is printed. The environment variable
 /// ESH_TEST_DEVICE names the device, "native" or "arm64", so that every test runs on both. A suite whose name begins
-/// with "Native" is about what only the native device has or can be made to do, and runs there alone.
+/// with "Native" is about what only the native device has or can be made to do, or would show nothing else on a real
+/// kernel, and runs there alone.
+///
+/// The tests of a suite run in one process and share a device as far as they can: UseDevice takes over what the test
+/// before has left. A test whose device is of no use to others boots one of its own.
 class OperatorConsole : public testing::Test {
+ public:
+  static void TearDownTestSuite() { board_.reset(); }
+
  protected:
-  /// What the device is made of; changed before the first Boot.
+  /// What the device is made of; changed before it is booted.
   device::BootOptions options = device::DefaultBootOptions();
 
   void SetUp() override;
   void TearDown() override;
 
+  /// Stands at the prompt of the user view, with empty media and an empty /tmp, on a device that others may have used:
+  /// the suite's, when it was made of the same options and no test failed on it, or else a new one.
+  /// @return whether it is a new one.
+  bool UseDevice();
   /// Puts the device away; the next Boot makes another from the options.
-  void NewDevice() { board_.reset(); }
-  /// Starts the device; nothing is waited for.
+  static void NewDevice() { board_.reset(); }
+  /// Starts a device of the test's own, or starts it again; nothing is waited for.
   void Boot();
-  /// Starts the device and waits for the prompt of the user view.
+  /// The same, and waits for the prompt of the user view.
   void BootToPrompt();
+  /// Kills the shell and has another started on the device, whose network is as after a boot.
+  void NewShell();
 
   /// Presses keys.
   void Type(std::string_view keys);
   /// Waits until this is printed behind what was already waited for. @return what was printed up to there.
   std::string Expect(std::string_view text);
-  /// Types a line and Enter, and waits for the next prompt. @return what was printed in between, lines ended by "\n".
-  std::string Command(const std::string& line);
+  /// Types a line and Enter, then the keys, and waits for the next prompt.
+  /// @return what was printed in between, lines ended by "\n".
+  std::string Command(const std::string& line, const std::string& keys = "");
+  /// Types the lines one after another.
+  void ExpectAll(const std::vector<Exchange>& exchanges);
   /// Waits until the device's outcome is not that the shell runs.
   device::Outcome Outcome();
   /// Takes in what is printed for a while; for what must not be printed.
@@ -50,10 +74,12 @@ class OperatorConsole : public testing::Test {
 
   /// Runs a command on the device beside the shell, which must succeed. @return its output.
   std::string Run(const std::string& command);
-  /// Replaces a tool or text of the device; before the first Boot.
+  /// Replaces a tool or text of the device; before it is booted.
   void Replace(const std::string& path, const std::string& text) { options.files.push_back({path, text}); }
   /// The process that reads the keys.
   std::string ShellPid();
+  /// The console's modes; the same whenever the prompt is there.
+  std::string Modes() { return Run("stty -a < " + ConsolePath()); }
 
   /// All that was printed since the boot.
   [[nodiscard]] const std::string& Printed() const { return printed_; }
@@ -63,8 +89,12 @@ class OperatorConsole : public testing::Test {
 
  private:
   bool TakeIn(std::chrono::milliseconds time);
+  void ClearScreen();
 
-  std::unique_ptr<device::Device> board_;
+  static std::unique_ptr<device::Device> board_;
+  static device::BootOptions board_options_;  // what the device is made of
+  bool is_booted_ = false;                    // by this test, or taken over by it
+  bool others_may_use_ = false;
   std::unique_ptr<VirtualScreen> screen_;
   std::string printed_;
   std::size_t waited_for_ = 0;

@@ -1,26 +1,21 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <pty.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
-#include <utmp.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <string>
-#include <string_view>
 
 #include "tests/device/operator_console.h"
-#include "util/unique_handle.h"
+#include "tests/support/console.h"
 
 namespace {
-
-constexpr int kPatienceMs = 60000;
 
 /// The program behind ./run, on a terminal of the test's own.
 class NativeRelay : public testing::Test {
@@ -31,93 +26,66 @@ class NativeRelay : public testing::Test {
   }
 
   void Start() {
-    const winsize window{24, 80, 0, 0};
-    int terminal = -1;
-    int keyboard = -1;
-    ASSERT_EQ(openpty(&keyboard, &terminal, nullptr, nullptr, &window), 0);
-    keyboard_.Reset(keyboard);
-    terminal_.Reset(terminal);
-    fcntl(keyboard, F_SETFD, FD_CLOEXEC);  // with a copy in the program its window could not be closed
-    ASSERT_EQ(tcgetattr(terminal, &before_), 0);
-    before_.c_cc[VINTR] = 'X' - '@';  // modes that nobody would take for the usual ones
-    before_.c_lflag &= ~static_cast<tcflag_t>(ECHOE);
-    ASSERT_EQ(tcsetattr(terminal, TCSANOW, &before_), 0);
-    program_ = fork();
-    if (program_ == 0) {
-      login_tty(terminal);
+    terminal_ = std::make_unique<Console>(Console::Kind{}, [](const Console::Report& report) {
+      termios modes{};
+      tcgetattr(STDIN_FILENO, &modes);
+      modes.c_cc[VINTR] = 'X' - '@';  // modes that nobody would take for the usual ones
+      modes.c_lflag &= ~static_cast<tcflag_t>(ECHOE);
+      tcsetattr(STDIN_FILENO, TCSANOW, &modes);
+      report("set");
       execl(ESH_DEVICE_PROGRAM, "esh-device", nullptr);
-      _exit(127);
-    }
+    });
+    ASSERT_EQ(terminal_->NextReport(), "set");
+    before_ = terminal_->Settings();
     Expect("<boot>");
   }
 
-  void TearDown() override {
-    if (program_ > 0) {
-      kill(program_, SIGKILL);
-      waitpid(program_, nullptr, 0);
-    }
-  }
-
-  void Type(std::string_view keys) {
-    ASSERT_EQ(write(keyboard_.Get(), keys.data(), keys.size()), ssize_t(keys.size()));
-  }
-
-  void Expect(std::string_view text) {
-    std::string printed;
-    while (printed.find(text) == std::string::npos) {
-      pollfd ready{keyboard_.Get(), POLLIN, 0};
-      char bytes[4096];
-      const ssize_t length = poll(&ready, 1, kPatienceMs) > 0 ? read(keyboard_.Get(), bytes, sizeof(bytes)) : -1;
-      ASSERT_GT(length, 0) << "never printed: " << text << ", but: " << printed;
-      printed.append(bytes, static_cast<std::size_t>(length));
-    }
+  void Expect(std::string_view text) const {
+    const std::string printed = terminal_->ReadUntil(text);
+    ASSERT_TRUE(printed.ends_with(text)) << "never printed: " << text << ", but: " << printed;
   }
 
   /// The program's child, through which the device ends when it ends.
   [[nodiscard]] pid_t Keeper() const {
-    const std::string id = std::to_string(program_);
+    const std::string id = std::to_string(terminal_->Child());
     pid_t child = -1;
     std::ifstream("/proc/" + id + "/task/" + id + "/children") >> child;
     return child;
   }
 
   /// Waits for the program and for all that it started. @return its wait status.
-  int WaitForEnd() {
+  [[nodiscard]] int WaitForEnd() const {
     int status = -1;
-    EXPECT_TRUE(Eventually([&] { return waitpid(program_, &status, WNOHANG) == program_; })) << "it does not end";
-    program_ = -1;
+    EXPECT_TRUE(Eventually([&] { return terminal_->HasEnded(status); })) << "it does not end";
     EXPECT_TRUE(Eventually([] { return waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD; })) << "something is left";
     return status;
   }
 
-  void ExpectTerminalAsBefore() {
-    termios after{};
-    ASSERT_EQ(tcgetattr(terminal_.Get(), &after), 0);
+  void ExpectTerminalAsBefore() const {
+    const termios after = terminal_->Settings();
     EXPECT_EQ(after.c_lflag, before_.c_lflag);
     EXPECT_EQ(after.c_iflag, before_.c_iflag);
     EXPECT_EQ(after.c_oflag, before_.c_oflag);
     EXPECT_EQ(std::memcmp(after.c_cc, before_.c_cc, sizeof(after.c_cc)), 0);
   }
 
-  UniqueFd keyboard_;
-  UniqueFd terminal_;
+  std::unique_ptr<Console> terminal_;
   termios before_{};
-  pid_t program_ = -1;
 };
 
 TEST_F(NativeRelay, LeavesByItsKeyAndGivesTheTerminalBack) {
   Start();
-  Type("pwd\r");
+  terminal_->Type("pwd\r");
   Expect("flash:");
-  Type("\x1c");
+  terminal_->Type("\x1c");
   EXPECT_EQ(WaitForEnd(), 0);
   ExpectTerminalAsBefore();
 }
 
 TEST_F(NativeRelay, GivesTheTerminalBackWhenASignalEndsIt) {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     Start();
-    kill(program_, signal);
+    kill(terminal_->Child(), signal);
     EXPECT_EQ(WEXITSTATUS(WaitForEnd()), 128 + signal);
     ExpectTerminalAsBefore();
   }
@@ -133,13 +101,13 @@ TEST_F(NativeRelay, GivesTheTerminalBackWhenTheDeviceDies) {
 
 TEST_F(NativeRelay, EndsWithItsWindow) {
   Start();
-  keyboard_.Reset();
+  terminal_->Close();
   EXPECT_NE(WEXITSTATUS(WaitForEnd()), 0);
 }
 
 TEST_F(NativeRelay, LeavesNothingRunningWhenItIsKilled) {
   Start();
-  kill(program_, SIGKILL);
+  kill(terminal_->Child(), SIGKILL);
   EXPECT_TRUE(WIFSIGNALED(WaitForEnd()));
 }
 

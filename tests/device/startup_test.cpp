@@ -29,10 +29,11 @@ class StartUp : public OperatorConsole {
   std::string Calls() { return Run("cat /tmp/calls"); }
 };
 
-/// With kernel settings and a list of modules that stand there without a module.
+/// With kernel settings and a list of modules that stand there without a module; and the steps that are the same on
+/// every kernel.
 class NativeStartUp : public StartUp {};
 
-TEST_F(StartUp, RunsItsToolsInOrder) {
+TEST_F(StartUp, RunsItsToolsInOrderAndGivesTheConsoleToRootAlone) {
   BootToPrompt();
   EXPECT_EQ(Calls(),
             "mount.sh\n"
@@ -40,6 +41,21 @@ TEST_F(StartUp, RunsItsToolsInOrder) {
             "insmod /lib/modules/ipstack.ko\n"
             "ifconfig lo up\n"
             "ifconfig m-eth0 up\n");
+  EXPECT_EQ(Run("grep Umask /proc/" + ShellPid() + "/status"), "Umask:\t0000\n");
+  Run("chown 1:1 " + ConsolePath() + "; chmod 666 " + ConsolePath());
+  NewShell();
+  EXPECT_EQ(Run("stat -c '%u %g %a' " + ConsolePath()), "0 0 600\n");
+  EXPECT_EQ(Run("ls /proc/" + ShellPid() + "/fd"), "0\n1\n2\n");
+
+  const device::CommandResult stranger = Board().Run("unshare -U /sbin/esh scmd");
+  EXPECT_EQ(stranger.output, "login from a non-root user\n");
+  EXPECT_EQ(stranger.status, 255);
+}
+
+TEST_F(StartUp, ReallyRebootsWithoutAConsole) {
+  options.files = {{"/etc/pkg/esh/ttyname.conf", std::nullopt}};
+  Boot();
+  EXPECT_EQ(Outcome(), device::Outcome::kRebooted);
 }
 
 TEST_F(NativeStartUp, LeavesALoadedAddonAlone) {
@@ -48,7 +64,7 @@ TEST_F(NativeStartUp, LeavesALoadedAddonAlone) {
   EXPECT_EQ(Calls().find("addon.ko"), std::string::npos);
 }
 
-TEST_F(StartUp, WithoutIpStackHasNoInterfaceView) {
+TEST_F(NativeStartUp, WithoutIpStackHasNoInterfaceView) {
   options.has_ip_stack = false;
   BootToPrompt();
   EXPECT_EQ(Calls(), "mount.sh\ninsmod /lib/modules/addon.ko\n");
@@ -88,18 +104,6 @@ TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
   }
 }
 
-TEST_F(StartUp, ReallyRebootsWithAndWithoutAConsole) {
-  const device::FileText kFailures[] = {{"/etc/pkg/esh/ttyname.conf", std::nullopt},
-                                        {"/bin/insmod", "#!/bin/sh\nexit 1\n"}};
-  for (const device::FileText& failure : kFailures) {
-    SCOPED_TRACE(failure.path);
-    options.files = {failure};
-    NewDevice();
-    Boot();
-    EXPECT_EQ(Outcome(), device::Outcome::kRebooted);
-  }
-}
-
 TEST_F(NativeStartUp, GoesOnAfterAStepThatDoesNotCount) {
   Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nexit 1\n");
   Replace("/bin/insmod", "#!/bin/sh\n[ $1 = /lib/modules/ipstack.ko ]\n");
@@ -113,42 +117,18 @@ TEST_F(NativeStartUp, ReadsTheFirstFifteenCharactersOfTheConsolesName) {
   EXPECT_EQ(Command("pwd"), "Working directory doesn't exist.\n") << "nothing was mounted";
 }
 
-TEST_F(StartUp, GivesTheConsoleToRootAlone) {
-  BootToPrompt();
-  EXPECT_EQ(Run("grep Umask /proc/" + ShellPid() + "/status"), "Umask:\t0000\n");
-  Run("chown 1:1 " + ConsolePath() + "; chmod 666 " + ConsolePath());
-  Run("kill -9 " + ShellPid());
-  Expect("Press Enter to start the emergency shell again");
-  Type("\r");
-  Expect("<boot>");
-  EXPECT_EQ(Run("stat -c '%u %g %a' " + ConsolePath()), "0 0 600\n");
-  EXPECT_EQ(Run("ls /proc/" + ShellPid() + "/fd"), "0\n1\n2\n");
-}
-
-struct Arguments {
-  std::vector<std::string> arguments;
-  const char* links;
-};
-
-TEST_F(StartUp, LinksTheDirectoriesBelowMntWhenTheCommandDaemonStartsIt) {
+TEST_F(NativeStartUp, LinksTheDirectoriesBelowMntWhenTheCommandDaemonStartsIt) {
   Replace("/etc/pkg/esh/mount.sh",
           "#!/bin/sh\nmkdir /mnt/cfa0: /mnt/plain\necho x > /mnt/file\nln -s cfa0: /mnt/link\n");
-  const Arguments kCases[] = {
+  const std::pair<std::vector<std::string>, const char*> kCases[] = {
       {{"scmd"}, "slot0#cfa0: /mnt/cfa0:\nslot0#plain /mnt/plain\n"}, {{}, ""}, {{"scmd", "x"}, ""}, {{"Scmd"}, ""}};
-  for (const Arguments& c : kCases) {
-    options.arguments = c.arguments;
+  for (const auto& [arguments, links] : kCases) {
+    options.arguments = arguments;
     options.media.clear();
     NewDevice();
     BootToPrompt();
-    EXPECT_EQ(Run("cd /mnt; for link in slot0*; do [ -L $link ] && echo $link $(readlink $link); done; true"), c.links);
+    EXPECT_EQ(Run("cd /mnt; for link in slot0*; do [ -L $link ] && echo $link $(readlink $link); done; true"), links);
   }
-}
-
-TEST_F(StartUp, RefusesAnybodyButRoot) {
-  BootToPrompt();
-  const device::CommandResult result = Board().Run("unshare -U /sbin/esh scmd");
-  EXPECT_EQ(result.output, "login from a non-root user\n");
-  EXPECT_EQ(result.status, 255);
 }
 
 }  // namespace

@@ -4,28 +4,29 @@
 
 namespace {
 
-/// A tool that the shell starts: the reboot tool, which each test replaces.
+/// A tool that the shell starts: in place of the reboot tool, what a test puts there.
 class Tools : public OperatorConsole {
  protected:
-  void BootWithTool(const std::string& script) {
-    Replace("/bin/reboot", "#!/bin/sh\n" + script);
-    BootToPrompt();
+  void SetUp() override {
+    OperatorConsole::SetUp();
+    Replace("/bin/reboot", "#!/bin/sh\n. /tmp/tool\n");
+    UseDevice();
     prompt_modes_ = Modes();
   }
-  void StartTool() {
+
+  void StartTool(const std::string& script) {
+    ASSERT_TRUE(Board().WriteFile("/tmp/tool", script));
     Type("reboot\r");
     Expect("[Y/N]:");
     Type("y\r");
     Expect("y\r\r\n");  // the line's end before anything that the tool says
   }
-  std::string Modes() { return Run("stty -a < " + ConsolePath()); }
 
   std::string prompt_modes_;
 };
 
 TEST_F(Tools, OwnTheTerminalWithTheModesOfTheStart) {
-  BootWithTool("stty -a; echo pgrp $(cut -d' ' -f5,8 /proc/$$/stat); sleep 0.1\n");
-  StartTool();
+  StartTool("stty -a; echo pgrp $(cut -d' ' -f5,8 /proc/$$/stat); sleep 0.1\n");
   std::string said = Expect("<boot>");
   std::replace(said.begin(), said.end(), '\n', ' ');
   for (const char* mode : {" icanon", " isig", " opost", " -echo ", "intr = ^C", "quit = <undef>", "susp = <undef>",
@@ -38,24 +39,16 @@ TEST_F(Tools, OwnTheTerminalWithTheModesOfTheStart) {
       << "the tool's group is the one in the foreground";
 }
 
-struct Leaver {
-  const char* why;
-  const char* script;
-};
-
 TEST_F(Tools, LeaveTheTerminalToTheShellHoweverTheyEnd) {
-  const Leaver kLeavers[] = {
+  const std::pair<const char*, const char*> kLeavers[] = {
       {"ends in modes of its own", "stty raw -echo -opost min 9 time 9\n"},
       {"is killed in modes of its own", "stty raw -opost -icrnl min 9; kill -9 $$\n"},
       {"stops itself and is killed", "stty -onlcr; (sleep 0.2; kill -9 $$) & kill -STOP $$\n"},
       {"leaves a child in the terminal", "trap '' HUP; stty -opost; sleep 1 & exit 3\n"},
   };
-  for (const Leaver& leaver : kLeavers) {
-    SCOPED_TRACE(leaver.why);
-    options.files.clear();
-    NewDevice();
-    BootWithTool(leaver.script);
-    StartTool();
+  for (const auto& [why, script] : kLeavers) {
+    SCOPED_TRACE(why);
+    StartTool(script);
     Expect("<boot>");
     EXPECT_EQ(Modes(), prompt_modes_);
     EXPECT_EQ(Command("pwd"), "flash:\n");
@@ -63,8 +56,7 @@ TEST_F(Tools, LeaveTheTerminalToTheShellHoweverTheyEnd) {
 }
 
 TEST_F(Tools, ReadWhatIsTypedWhileTheyRunAndLeaveTheRest) {
-  BootWithTool("echo ready; sleep 0.3; read -r first; echo tool got $first\n");
-  StartTool();
+  StartTool("echo ready; sleep 0.3; read -r first; echo tool got $first\n");
   Expect("ready");
   Type("for the tool\rpwd\rdir cf");
   Expect("tool got for the tool");
@@ -74,8 +66,7 @@ TEST_F(Tools, ReadWhatIsTypedWhileTheyRunAndLeaveTheRest) {
 }
 
 TEST_F(Tools, ThatIgnoreCtrlCAreNotBrokenOff) {
-  BootWithTool("echo ready; read -r line; echo got $line; read -r line; echo got $line\n");
-  StartTool();
+  StartTool("echo ready; read -r line; echo got $line; read -r line; echo got $line\n");
   Expect("ready");
   Type("one\r");
   Expect("got one");
@@ -86,40 +77,26 @@ TEST_F(Tools, ThatIgnoreCtrlCAreNotBrokenOff) {
 }
 
 TEST_F(Tools, ThatStopAreWaitedFor) {
-  BootWithTool("echo $$ > /tmp/tool; kill -STOP $$; echo went on\n");
-  StartTool();
+  StartTool("echo $$ > /tmp/pid; kill -STOP $$; echo went on\n");
   ASSERT_TRUE(
-      Eventually([&] { return Board().Run("grep 'State:.*stopped' /proc/$(cat /tmp/tool)/status").status == 0; }));
+      Eventually([&] { return Board().Run("grep 'State:.*stopped' /proc/$(cat /tmp/pid)/status").status == 0; }));
   Type(kCtrlZ);
   Type("pwd\r");
-  Run("kill -CONT $(cat /tmp/tool)");
+  Run("kill -CONT $(cat /tmp/pid)");
   EXPECT_EQ(Expect("went on\r\n").find("<boot>"), std::string::npos) << "the shell did not wait";
   Expect("<boot>");
 }
 
 TEST_F(Tools, SignalsToTheShellDoNotEndIt) {
-  BootWithTool("trap 'echo interrupted' INT; echo ready; read -r line; echo got $line\n");
   const std::string pid = ShellPid();
   Run("kill -INT " + pid + "; kill -HUP " + pid + "; kill -PIPE " + pid + "; kill -TTOU " + pid);
   EXPECT_EQ(Command("pwd"), "flash:\n");
-  StartTool();
+  StartTool("trap 'echo interrupted' INT; echo ready; read -r line; echo got $line\n");
   Expect("ready");
   Run("kill -INT " + pid);
   Type("still here\r");
   Expect("got still here");
   Expect("<boot>");
-}
-
-TEST_F(Tools, SayTheirWordAfterWhatTheShellSaid) {
-  Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\necho mounting\n");
-  Replace("/bin/insmod", "#!/bin/sh\necho loading $1\n");
-  Replace("/bin/ifconfig", "#!/bin/sh\necho raising $1\n");
-  BootToPrompt();
-  std::string printed = Printed();
-  std::erase(printed, '\r');
-  EXPECT_EQ(printed,
-            "mounting\nloading /lib/modules/addon.ko\nloading /lib/modules/ipstack.ko\n"
-            "raising lo\nraising m-eth0\n<boot>");
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -16,104 +18,68 @@ std::string Content(std::size_t size) {
   return bytes;
 }
 
+/// With servers that give out and receive a directory of the suite's own.
 class Transfers : public LabConsole {
- protected:
-  void Serve(const std::string& name, const std::string& bytes) const {
-    std::ofstream(Served(name), std::ios::binary) << bytes;
+ public:
+  static void SetUpTestSuite() {
+    std::string name = "/tmp/lab-XXXXXX";
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    directory_ = name;
   }
-  [[nodiscard]] std::string Received(const std::string& name) const {
-    std::ifstream file(Served(name), std::ios::binary);
+  static void TearDownTestSuite() {
+    LabConsole::TearDownTestSuite();
+    std::error_code error;
+    std::filesystem::remove_all(directory_, error);
+  }
+
+ protected:
+  void SetUp() override {
+    LabConsole::SetUp();
+    options.lab_directory = directory_;
+  }
+
+  static void Serve(const std::string& name, const std::string& bytes) {
+    std::ofstream(directory_ / name, std::ios::binary) << bytes;
+  }
+  [[nodiscard]] static std::string Received(const std::string& name) {
+    std::ifstream file(directory_ / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
   /// @return bytes of a file on the device; -1: there is none.
   long SizeOf(const std::string& path) { return std::stol(Run("stat -c %s '" + path + "' 2> /dev/null || echo -1")); }
+
+  static std::filesystem::path directory_;
 };
+
+std::filesystem::path Transfers::directory_;
 
 /// The same on the native device alone: on the emulated one it takes minutes.
 class NativeTransfers : public Transfers {};
 
 TEST_F(Transfers, BringWhatWasSent) {
-  BootIntoLab();
+  UseLab();
   struct Way {
     const char* command;
     const char* answers;
     const char* printed;
+    std::vector<std::size_t> sizes;
   };
-  constexpr Way kWays[] = {{"tftp 10.0.0.1", "", ""},
-                           {"tftp ipv6 fd00::1", "", ""},
-                           {"ftp 10.1.0.1", kLogin, kLoginShown},
-                           {"ftp ipv6 fd00:1::1", kLogin, kLoginShown}};
+  const Way kWays[] = {{"tftp 10.0.0.1", "", "", {0, 1024, 20001}},  // 1024: no short block
+                       {"tftp ipv6 fd00::1", "", "", {20001}},
+                       {"ftp 10.1.0.1", kLogin, kLoginShown, {0, 70001}},
+                       {"ftp ipv6 fd00:1::1", kLogin, kLoginShown, {70001}}};
   for (const Way& way : kWays) {
     const std::string command = way.command;
-    for (const std::size_t size : {std::size_t{0}, std::size_t{1024}, std::size_t{70001}}) {  // 1024: no short block
+    for (const std::size_t size : way.sizes) {
       SCOPED_TRACE(command + " " + std::to_string(size));
       Serve("there", Content(size));
-      EXPECT_EQ(Ask(command + " get there flash:/here", way.answers), way.printed);
-      EXPECT_EQ(Ask(command + " put here back", way.answers), way.printed);
+      EXPECT_EQ(Command(command + " get there flash:/here", way.answers), way.printed);
+      EXPECT_EQ(Command(command + " put here back", way.answers), way.printed);
       EXPECT_EQ(Received("back"), Content(size));
       Run("rm /mnt/flash:/here");
-      std::filesystem::remove(Served("back"));
+      std::filesystem::remove(directory_ / "back");
     }
   }
-}
-
-TEST_F(NativeTransfers, OfMoreBlocksThanTftpHasNumbersFor) {
-  options.media[0].bytes = 64 << 20;
-  BootIntoLab();
-  const std::string bytes = Content(35 << 20);
-  Serve("there", bytes);
-  for (const char* line : {"tftp 10.0.0.1 get there flash:/here", "tftp ipv6 fd00::1 put here back"}) {
-    Type(std::string(line) + "\r");
-    Expect("\n");
-    // A loaded machine may need longer than anything else is waited for.
-    for (int i = 0; i < 90 && !Run("sleep 1; pidof tftp || true").empty(); ++i) Listen(std::chrono::milliseconds(0));
-    EXPECT_EQ(Expect("<boot>"), "<boot>");
-  }
-  EXPECT_TRUE(Received("back") == bytes);
-}
-
-TEST_F(Transfers, ThatAreRefusedLeaveTheOldFileAlone) {
-  BootIntoLab();
-  Serve("big", Content(1 << 20));
-  // Room for less than that; TFTP to the emulated device is slow.
-  Run("cd /mnt/cfa0: && dd if=/dev/zero of=fill bs=1024 count=$(($(df -k . | awk 'END { print $4 }') - 300))");
-  Run("echo old > /mnt/flash:/old");
-  struct Refusal {
-    std::string line;
-    std::string answers;
-    std::string printed;
-    std::string path;
-    long size;  // of that file afterwards
-  };
-  const std::string login = kLoginShown;
-  const std::string overwrite = "flash:/old already exists. Overwrite it?[Y/N]:y\n";
-  const std::string refused = "can't connect to remote host (10.0.0.1): Connection refused\n";
-  const std::string old = "/mnt/flash:/old";
-  const std::string card = "/mnt/cfa0:/new";
-  const Refusal kRefusals[] = {
-      {"tftp 10.0.0.1 get none flash:/old", "y\r", overwrite + "tftp: server error: (1) File not found\n", old, 4},
-      {"tftp ipv6 fd00::1 get none cfa0:/new", "", "tftp: server error: (1) File not found\n", card, -1},
-      {"ftp 10.0.0.1 get none flash:/old", std::string(kLogin) + "y\r",
-       login + overwrite + "ftpget: unexpected server response to RETR: 550 Failed to open file.\n", old, 4},
-      {"ftp ipv6 fd00::1 get big cfa0:/new", "operator\rharbor\r",
-       "user:operator\npassword:******\nftpget: unexpected server response to PASS: 530 Login incorrect.\n", card, -1},
-      {"ftp 10.0.0.1 put old no/old", kLogin,
-       login + "ftpput: unexpected server response to STOR: 553 Could not create file.\n", old, 4},
-      // The medium is full: one tool removes the part, the other leaves it.
-      {"tftp 10.0.0.1 get big cfa0:/new", "", "tftp: write error\n", card, -1},
-      {"ftp 10.0.0.1 get big cfa0:/part", kLogin, login + "ftpget: write error: No space left on device\n", card, -1},
-  };
-  for (const Refusal& refusal : kRefusals) {
-    EXPECT_EQ(Ask(refusal.line, refusal.answers), refusal.printed) << refusal.line;
-    EXPECT_EQ(SizeOf(refusal.path), refusal.size) << refusal.line;
-  }
-  EXPECT_GT(SizeOf("/mnt/cfa0:/part"), 200000);
-  SignalServer("vsftpd", "KILL");
-  EXPECT_EQ(Ask("ftp 10.0.0.1 get big flash:/old", std::string(kLogin) + "y\r"),
-            login + overwrite + "ftpget: " + refused);
-  EXPECT_EQ(Ask("ftp 10.0.0.1 put old new", kLogin), login + "ftpput: " + refused);
-  EXPECT_EQ(SizeOf(old), 4);
-  EXPECT_EQ(Modes(), PromptModes());
 }
 
 TEST_F(Transfers, ThatBreakLeaveWhatTheToolLeaves) {
@@ -154,7 +120,7 @@ TEST_F(Transfers, ThatBreakLeaveWhatTheToolLeaves) {
       {"the link is gone", "tftp 10.0.0.1 get big flash:/new", "", pull_cable, "tftp: timeout\n", Left::kNothing},
   };
   constexpr long kSize = 8 << 20;
-  BootIntoLab();
+  UseLab();
   Serve("big", Content(kSize));
   for (const Break& event : kBreaks) {
     SCOPED_TRACE(event.line + ": " + event.why);
@@ -169,6 +135,67 @@ TEST_F(Transfers, ThatBreakLeaveWhatTheToolLeaves) {
     EXPECT_EQ(size < 0 ? Left::kNothing : size < kSize ? Left::kPart : Left::kWhole, event.left) << size;
     Run("rm -f /mnt/flash:/new");
   }
+  EXPECT_TRUE(Board().PlugCable(true));
+}
+
+TEST_F(Transfers, ThatAreRefusedLeaveTheOldFileAlone) {
+  UseLab();
+  Serve("big", Content(1 << 20));
+  // Room for less than that; TFTP to the emulated device is slow.
+  Run("cd /mnt/cfa0: && dd if=/dev/zero of=fill bs=1024 count=$(($(df -k . | awk 'END { print $4 }') - 300))");
+  Run("echo old > /mnt/flash:/old");
+  struct Refusal {
+    std::string line;
+    std::string answers;
+    std::string printed;
+    std::string path;
+    long size;  // of that file afterwards
+  };
+  const std::string login = kLoginShown;
+  const std::string overwrite = "flash:/old already exists. Overwrite it?[Y/N]:y\n";
+  const std::string refused = "can't connect to remote host (10.0.0.1): Connection refused\n";
+  const std::string old = "/mnt/flash:/old";
+  const std::string card = "/mnt/cfa0:/new";
+  const Refusal kRefusals[] = {
+      {"tftp 10.0.0.1 get none flash:/old", "y\r", overwrite + "tftp: server error: (1) File not found\n", old, 4},
+      {"tftp ipv6 fd00::1 get none cfa0:/new", "", "tftp: server error: (1) File not found\n", card, -1},
+      {"ftp 10.0.0.1 get none flash:/old", std::string(kLogin) + "y\r",
+       login + overwrite + "ftpget: unexpected server response to RETR: 550 Failed to open file.\n", old, 4},
+      {"ftp ipv6 fd00::1 get big cfa0:/new", "operator\rharbor\r",
+       "user:operator\npassword:******\nftpget: unexpected server response to PASS: 530 Login incorrect.\n", card, -1},
+      {"ftp 10.0.0.1 put old no/old", kLogin,
+       login + "ftpput: unexpected server response to STOR: 553 Could not create file.\n", old, 4},
+      // The medium is full: one tool removes the part, the other leaves it.
+      {"tftp 10.0.0.1 get big cfa0:/new", "", "tftp: write error\n", card, -1},
+      {"ftp 10.0.0.1 get big cfa0:/part", kLogin, login + "ftpget: write error: No space left on device\n", card, -1},
+  };
+  for (const Refusal& refusal : kRefusals) {
+    EXPECT_EQ(Command(refusal.line, refusal.answers), refusal.printed) << refusal.line;
+    EXPECT_EQ(SizeOf(refusal.path), refusal.size) << refusal.line;
+  }
+  EXPECT_GT(SizeOf("/mnt/cfa0:/part"), 200000);
+  SignalServer("vsftpd", "KILL");
+  EXPECT_EQ(Command("ftp 10.0.0.1 get big flash:/old", std::string(kLogin) + "y\r"),
+            login + overwrite + "ftpget: " + refused);
+  EXPECT_EQ(Command("ftp 10.0.0.1 put old new", kLogin), login + "ftpput: " + refused);
+  EXPECT_EQ(SizeOf(old), 4);
+  EXPECT_EQ(Modes(), PromptModes());
+  NewDevice();
+}
+
+TEST_F(NativeTransfers, OfMoreBlocksThanTftpHasNumbersFor) {
+  options.media[0].bytes = 64 << 20;
+  UseLab();
+  const std::string bytes = Content(35 << 20);
+  Serve("there", bytes);
+  for (const char* line : {"tftp 10.0.0.1 get there flash:/here", "tftp ipv6 fd00::1 put here back"}) {
+    Type(std::string(line) + "\r");
+    Expect("\n");
+    // A loaded machine may need longer than anything else is waited for.
+    for (int i = 0; i < 90 && !Run("sleep 1; pidof tftp || true").empty(); ++i) Listen(std::chrono::milliseconds(0));
+    EXPECT_EQ(Expect("<boot>"), "<boot>");
+  }
+  EXPECT_TRUE(Received("back") == bytes);
 }
 
 }  // namespace

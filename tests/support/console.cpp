@@ -64,6 +64,12 @@ Console::~Console() {
   }
 }
 
+bool Console::HasEnded(int& status) {
+  if (waitpid(child_, &status, WNOHANG) != child_) return false;
+  child_ = -1;
+  return true;
+}
+
 void Console::Type(std::string_view keys) const {
   EXPECT_EQ(write(keyboard_.Get(), keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
 }

@@ -30,6 +30,10 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
+  /// Closes the terminal's window.
+  void Close() { keyboard_.Reset(); }
+  /// @return whether the child has ended; it is looked for once. @param status then its wait status.
+  [[nodiscard]] bool HasEnded(int& status);
   /// Types keys; all of them are there at once.
   void Type(std::string_view keys) const;
   /// Waits for so many bytes of output. Fewer come back only when the child ended or nothing came for a long time.
