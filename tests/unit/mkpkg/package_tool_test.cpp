@@ -1,10 +1,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
+#include <utility>
 
+#include "pkg/product_code.h"
+#include "pkg/signature.h"
 #include "tests/support/package_fixture.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/description.h"
@@ -18,11 +19,7 @@
 namespace {
 
 TEST(PackageDescription, WrongLineIsNamed) {
-  struct Case {
-    const char* text;
-    const char* problem;  // begins so
-  };
-  constexpr Case kCases[] = {
+  constexpr std::pair<const char*, const char*> kCases[] = {
       {"", "d:0: there is no product-tag"},
       {"product-tag: 1\nproduct-tag: 2\n", "d:2: product-tag is given twice"},
       {"product-tag: 0x100000000\n", "d:1: \"0x100000000\" is no value"},
@@ -35,67 +32,63 @@ TEST(PackageDescription, WrongLineIsNamed) {
       {"product-tag: 1\n[image]\ncompression: zip\nfile: a\n", "d:3: \"zip\" is no value"},
       {"product-tag: 1\n[image]\n[description]\ntext: a\n", "d:2: a file's data come from either"},
       {"product-tag: 1\n[image]\nfile: a\ndirectory: b\n", "d:2: a file's data come from either"},
-      {"product-tag: 0x10\n[file 0x1234]\nname: n\ntext: a: b\ntext:\ncompression: gz, 7z", ""},
   };
-  for (const Case& c : kCases) {
-    mkpkg::PackageDescription description;
-    const std::string problem = mkpkg::ParseDescription(c.text, "d", description);
-    EXPECT_TRUE(problem.starts_with(c.problem) && problem.empty() == (*c.problem == '\0')) << c.text << problem;
-    if (!problem.empty()) continue;
-    ASSERT_EQ(description.files.size(), 1U);
-    EXPECT_EQ(description.files[0].text, "a: b\n\n");
-    EXPECT_EQ(description.files[0].id, 0x1234U);
-    EXPECT_EQ(description.product_tag, 0x10U);
+  mkpkg::PackageDescription description;
+  for (const auto& [text, problem] : kCases) {
+    EXPECT_TRUE(mkpkg::ParseDescription(text, "d", description).starts_with(problem)) << text;
   }
+  constexpr char kGood[] = "product-tag: 0x10\n[file 0x1234]\nname: n\ntext: a: b\ntext:\ncompression: gz, 7z";
+  ASSERT_EQ(mkpkg::ParseDescription(kGood, "d", description), "");
+  EXPECT_EQ(description.product_tag, 0x10U);
+  EXPECT_EQ(description.files.at(0).id, 0x1234U);
+  EXPECT_EQ(description.files.at(0).text, "a: b\n\n");
 }
 
+using C = mkpkg::PackageContents;
+
+/// What is to come of a package that was changed.
+struct Case {
+  const char* outcome;
+  void (*change)(C& contents);
+  const char* name = "good.bin";
+};
+
 struct PackageTool : PackageTest {
-  /// A package that nothing speaks against, for a boot image of version V1-R1.
-  static mkpkg::PackageContents Contents() {
-    mkpkg::PackageContents contents = PackageTest::Contents();
-    contents.files.front().data = "[boot]\nV1\n";
-    for (mkpkg::PackageFile& file : contents.files) {
-      if (file.id == kSystemImageFile) file.data = "\x1F\x8B and more";
-    }
-    return contents;
+  /// A package that nothing speaks against, for a boot image of version V1-R1, but for one change.
+  static std::string Changed(void (*change)(C& contents)) {
+    C contents = Contents();
+    contents.files[0].data = "[boot]\nV1\n";
+    contents.files[2].data = contents.files[3].data = "\x1F\x8B and more";
+    change(contents);
+    return Compose(contents);
   }
-  static mkpkg::PackageModel Stored(const std::string& package) {
+  static std::string WarningsFor(const std::string& package, const std::string& name) {
     WriteFile(kTestPackage, package);
     mkpkg::PackageModel model;
     EXPECT_EQ(mkpkg::ReadPackage(kTestPackage, model), "");
-    return model;
+    std::string all;
+    for (const std::string& warning : mkpkg::WarningsFor(model, name)) all += warning + "\n";
+    return all;
   }
 };
 
 TEST_F(PackageTool, WarnsOfWhatADeviceDropsSilently) {
-  struct Case {
-    const char* warning;  // a part of it
-    void (*change)(mkpkg::PackageContents& contents);
-    const char* file_name = "good.bin";
-  };
-  using C = mkpkg::PackageContents;
   constexpr Case kCases[] = {
-      {"only \".gz\", \".lzma\" and \".xz\" are unpacked", [](C& c) { c.files.back().name = "a.tar"; }},
-      {"not what the suffix says", [](C& c) { c.files.back().name = "a.xz"; }},
-      {"holds a slash", [](C& c) { c.files.back().name = "../a.gz"; }},
-      {"command interpreter", [](C& c) { c.files.back().name = "a;b.gz"; }},
-      {"no line \"[boot]\"", [](C& c) { c.files.front().data = "7.1\n"; }},
+      {"only \".gz\", \".lzma\" and \".xz\" are unpacked", [](C& c) { c.files[3].name = "a.tar"; }},
+      {"not what the suffix says", [](C& c) { c.files[3].name = "a.xz"; }},
+      {"holds a slash", [](C& c) { c.files[3].name = "../a.gz"; }},
+      {"command interpreter", [](C& c) { c.files[3].name = "a;b.gz"; }},
+      {"no line \"[boot]\"", [](C& c) { c.files[0].data = "7.1\n"; }},
       {"attribute 0 only", [](C& c) { c.attribute = 1; }},
-      {"gives a device no data", [](C& c) { c.files.back().packing = 1; }},
-      {"same device tag", [](C& c) { c.files.push_back(c.files.back()); }},
+      {"gives a device no data", [](C& c) { c.files[3].packing = 1; }},
+      {"same device tag", [](C& c) { c.files.push_back(c.files[3]); }},
       {"longer than 64 bytes", [](C&) {}, "a-name-that-fills-more-than-what-the-record-has-room-for-12345.bin"},
       {"does not end in \".bin\"", [](C&) {}, "good.bin.old"},
   };
-  const auto has = [](const std::vector<std::string>& warnings, const char* part) {
-    return std::any_of(warnings.begin(), warnings.end(),
-                       [&](const std::string& warning) { return warning.find(part) != std::string::npos; });
-  };
-  const mkpkg::PackageModel plain = Stored(Compose(Contents()));
+  const std::string of_good = WarningsFor(Changed([](C&) {}), "good.bin");
   for (const Case& c : kCases) {
-    mkpkg::PackageContents contents = Contents();
-    c.change(contents);
-    EXPECT_FALSE(has(mkpkg::WarningsFor(plain, "good.bin"), c.warning)) << c.warning;
-    EXPECT_TRUE(has(mkpkg::WarningsFor(Stored(Compose(contents)), c.file_name), c.warning)) << c.warning;
+    EXPECT_EQ(of_good.find(c.outcome), std::string::npos) << c.outcome;
+    EXPECT_NE(WarningsFor(Changed(c.change), c.name).find(c.outcome), std::string::npos) << c.outcome;
   }
 }
 
@@ -113,22 +106,21 @@ TEST_F(PackageTool, SevenZipUnpacksToWhatWasPacked) {
 }
 
 TEST_F(PackageTool, ArchiveDependsOnNamesAndContentsOnly) {
-  for (const char* tree : {"/tmp/one", "/tmp/other"}) {
-    const bool backwards = std::string_view(tree) == "/tmp/other";
-    for (const char* name : {backwards ? "/z" : "/a/b", backwards ? "/a/b" : "/z"})
-      WriteFile(std::string(tree) + name, "text");
-    std::filesystem::create_symlink("z", std::string(tree) + "/link");
+  const std::pair<std::string, std::vector<const char*>> trees[] = {{"/tmp/one", {"/a/b", "/z"}},
+                                                                    {"/tmp/other", {"/z", "/a/b"}}};
+  std::string archives[2];
+  for (std::size_t i = 0; i < 2; ++i) {
+    const auto& [tree, names] = trees[i];
+    for (const char* name : names) WriteFile(tree + name, "text");
+    std::filesystem::create_symlink("z", tree + "/link");
+    ASSERT_EQ(mkpkg::ArchiveDirectory(tree, 5, archives[i]), "");
   }
-  std::string one;
-  std::string other;
-  ASSERT_EQ(mkpkg::ArchiveDirectory("/tmp/one", 5, one), "");
-  ASSERT_EQ(mkpkg::ArchiveDirectory("/tmp/other", 5, other), "");
-  EXPECT_EQ(one, other);
-  EXPECT_EQ(mkpkg::MeasureImage(one)->bytes, 8U);
-  EXPECT_EQ(mkpkg::MeasureImage(one)->files, 4U);
-  EXPECT_FALSE(mkpkg::MeasureImage(one.substr(0, one.size() / 2)));
+  EXPECT_EQ(archives[0], archives[1]);
+  EXPECT_EQ(mkpkg::MeasureImage(archives[0])->bytes, 8U);
+  EXPECT_EQ(mkpkg::MeasureImage(archives[0])->files, 4U);
+  EXPECT_FALSE(mkpkg::MeasureImage(archives[0].substr(0, archives[0].size() / 2)));
   ASSERT_EQ(mkfifo("/tmp/one/pipe", 0600), 0);
-  EXPECT_NE(mkpkg::ArchiveDirectory("/tmp/one", 5, one), "") << "what an archive cannot hold must not vanish";
+  EXPECT_NE(mkpkg::ArchiveDirectory("/tmp/one", 5, archives[0]), "") << "what it cannot hold must not vanish";
 }
 
 TEST_F(PackageTool, FailedWriteLeavesWhatWasThere) {
@@ -142,9 +134,9 @@ TEST_F(PackageTool, FailedWriteLeavesWhatWasThere) {
 }
 
 TEST_F(PackageTool, ResigningReplacesTheSignature) {
-  const std::string once = GoodPackage();
-  EXPECT_EQ(Sign(once, {.key_name = "maker"}), once);
-  EXPECT_EQ(Sign(Sign(once, {.in_head = true, .key_name = ""}), {.key_name = "maker"}), once);
+  const mkpkg::SignatureForm form = {.key_name = "maker"};
+  EXPECT_EQ(Sign(GoodPackage(), form), GoodPackage());
+  EXPECT_EQ(Sign(GoodPackage(true), form), GoodPackage());
 }
 
 TEST_F(PackageTool, NoKeyWithASmallExponent) {
@@ -157,35 +149,24 @@ TEST_F(PackageTool, NoKeyWithASmallExponent) {
 }
 
 TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
-  struct Case {
-    const char* step;
-    void (*change)(mkpkg::PackageContents& contents);
-    const char* typed = "flash:/good.bin";
-  };
-  using C = mkpkg::PackageContents;
   constexpr Case kCases[] = {
-      {"name", [](C&) {}, "flash:/good~.bin"},
+      {"name", [](C&) {}, "good~.bin"},
       {"system-package", [](C& c) { c.type = 1; }},
       {"product-tag", [](C& c) { ++c.product_tag; }},
-      {"compatibility-list", [](C& c) { c.files.front().packing = 1; }},
-      {"compatible", [](C& c) { c.files.front().data = "[boot]\n9.9\n"; }},
-      {"image", [](C& c) { c.files.back().device_code = 1; }},
-      {"image", [](C& c) { c.files.back().packing = 1; }},
-      {"image-name", [](C& c) { c.files.back().name = "a/b.gz"; }},
+      {"compatibility-list", [](C& c) { c.files[0].packing = 1; }},
+      {"compatible", [](C& c) { c.files[0].data = "[boot]\n9.9\n"; }},
+      {"image", [](C& c) { c.files[3].device_code = 1; }},
+      {"image", [](C& c) { c.files[3].packing = 1; }},
+      {"image-name", [](C& c) { c.files[3].name = "a/b.gz"; }},
       {"", [](C&) {}},
   };
-  WriteFile("/tmp/version", "ProductTag : 0x01020304\nDeviceTag : 0x0A0B0C0D\n");
-  mkpkg::PackageContents boot = Contents();
-  boot.files[1].data = "Platform version: V1\nProduct version: R1\n";
-  WriteFile("/tmp/boot.bin", Compose(boot));
+  WriteFile("/tmp/boot.bin", Changed([](C& c) { c.files[1].data = "Platform version: V1\nProduct version: R1\n"; }));
   for (const Case& c : kCases) {
-    mkpkg::PackageContents contents = Contents();
-    c.change(contents);
-    WriteFile(kTestPackage, Sign(Compose(contents), {.key_name = "maker"}));
-    const mkpkg::DeviceFacts facts = {"/tmp/version", "/etc/sign_pub_key", "/tmp/boot.bin", c.typed};
-    const mkpkg::DeviceVerdict verdict = mkpkg::JudgeInstall(kTestPackage, facts);
-    EXPECT_EQ(verdict.step, c.step) << verdict.reason;
-    EXPECT_EQ(verdict.accepted, *c.step == '\0');
+    WriteFile(kTestPackage, Sign(Changed(c.change), {.key_name = "maker"}));
+    const mkpkg::DeviceVerdict verdict =
+        mkpkg::JudgeInstall(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", c.name});
+    EXPECT_EQ(verdict.step, c.outcome) << verdict.reason;
+    EXPECT_EQ(verdict.accepted, *c.outcome == '\0');
   }
 }
 
