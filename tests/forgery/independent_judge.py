@@ -13,21 +13,15 @@ HOST_ORDER = 0xFFFFFFFF
 STORED = 0xFFFFFFFF
 HEAD_KEY = b"digital_sign_old_public"
 
-TRAILER = [
-    re.compile(
-        (
-            rb"--=</Begin %sSigned File Fingerprint\\>=--\n"
-            rb"Fingerprint Length: ([0-9]{6})\n"
-            rb"Key: ([^\x00\t\n\v\f\r ]+)\n"
-            rb"Hash: sha256\n"
-            rb"Signature: ([^\x00\t\n\v\f\r ]+)\n"
-            rb"Fingerprint Length: ([0-9]{6})\n"
-            rb"--=</End %sSigned File Fingerprint\\>=--\n"
-        )
-        % (word, word)
-    )
-    for word in (b"", b"Kelvane ")
-]
+TRAILER = re.compile(
+    rb"--=</Begin (?P<word>(?:Kelvane )?)Signed File Fingerprint\\>=--\n"
+    rb"Fingerprint Length: (?P<length>[0-9]{6})\n"
+    rb"Key: (?P<key>[^\x00\s]+)\n"
+    rb"Hash: sha256\n"
+    rb"Signature: (?P<signature>[^\x00\s]+)\n"
+    rb"Fingerprint Length: (?P=length)\n"
+    rb"--=</End (?P=word)Signed File Fingerprint\\>=--\n"
+)
 BASE64 = re.compile(rb"(?:[A-Za-z0-9+/]{4})*(?:[A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=)?")
 
 
@@ -80,21 +74,16 @@ def claim(package, word):
     length = int(digits)
     if length == 0 or length > len(package) - HEAD:
         return None
-    trailer = package[len(package) - length :]
-    for form in TRAILER:
-        match = form.fullmatch(trailer)
-        if match:
-            break
-    else:
+    match = TRAILER.fullmatch(package[len(package) - length :])
+    if not match or int(match["length"]) != length:
         return None
-    first, key, signature, second = match.groups()
-    if first != second or len(signature) > 2048 or not BASE64.fullmatch(signature):
+    if len(match["signature"]) > 2048 or not BASE64.fullmatch(match["signature"]):
         return None
-    return 0, len(package) - length, base64.b64decode(signature), key
+    return 0, len(package) - length, base64.b64decode(match["signature"]), match["key"]
 
 
 def contained(package, words, signed):
-    """What the device hands out of the file of a table's row: digests of its name and data; "-" for nothing."""
+    """What the device hands out of the file of a table's row: a digest of its name and data; "-" for nothing."""
     _, offset, total, check_b, check_a, _ = words
     begin, end = signed
     if offset < begin or offset + FILE_HEAD > end:
@@ -110,7 +99,7 @@ def contained(package, words, signed):
     if compression != STORED or stored == 0 or data + stored > end:
         return "-"
     name = head[104:328].split(b"\0")[0]
-    return hashlib.sha256(name).hexdigest() + hashlib.sha256(package[data : data + stored]).hexdigest()
+    return hashlib.sha256(name + b"\0" + package[data : data + stored]).hexdigest()
 
 
 def judge(package, keys, product_tag):

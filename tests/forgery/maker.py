@@ -59,18 +59,15 @@ class KeyPair:
         self.size = (self.modulus.bit_length() + 7) // 8
         self.signed = {}  # what was signed already
 
-    def raw(self, block):
-        """The private operation on a whole block, by the Chinese remainder theorem."""
+    def sign(self, block):
+        """Pads a block and does the private operation on it, by the Chinese remainder theorem."""
         if block not in self.signed:
             p, q = self.numbers["prime1"], self.numbers["prime2"]
-            number = int.from_bytes(block, "big")
+            number = int.from_bytes(b"\x00\x01" + (b"\x00" + block).rjust(self.size - 2, b"\xff"), "big")
             p_part, q_part = pow(number, self.numbers["exponent1"], p), pow(number, self.numbers["exponent2"], q)
             number = q_part + (p_part - q_part) * self.numbers["coefficient"] % p * q
             self.signed[block] = number.to_bytes(self.size, "big")
         return self.signed[block]
-
-    def sign(self, block):
-        return self.raw(b"\x00\x01" + b"\xff" * (self.size - 3 - len(block)) + b"\x00" + block)
 
     def device_key(self, size=514):
         return device_key(self.modulus, self.exponent, size)
@@ -82,20 +79,16 @@ def device_key(modulus, exponent, size=514):
 
 def trailer(signature, key=b"maker", word=b"", edit=list, lengths=None):
     """A trailer whose lines `edit` may change; its two lengths are right unless they are given."""
-    body = b"\n".join(
-        edit(
-            [
-                rb"--=</Begin %sSigned File Fingerprint\>=--" % word,
-                b"Fingerprint Length: " + SIX_DIGITS,
-                b"Key: " + key,
-                b"Hash: sha256",
-                b"Signature: " + base64.b64encode(signature),
-                b"Fingerprint Length: " + SIX_DIGITS,
-                rb"--=</End %sSigned File Fingerprint\>=--" % word,
-            ]
-        )
-        + [b""]
-    )
+    lines = [
+        rb"--=</Begin %sSigned File Fingerprint\>=--" % word,
+        b"Fingerprint Length: " + SIX_DIGITS,
+        b"Key: " + key,
+        b"Hash: sha256",
+        b"Signature: " + base64.b64encode(signature),
+        b"Fingerprint Length: " + SIX_DIGITS,
+        rb"--=</End %sSigned File Fingerprint\>=--" % word,
+    ]
+    body = b"\n".join([*edit(lines), b""])
     first, last = lengths or [b"%06d" % len(body)] * 2
     return body.replace(SIX_DIGITS, first, 1).replace(SIX_DIGITS, last)
 

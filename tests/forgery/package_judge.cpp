@@ -11,7 +11,8 @@
 #include "util/unique_handle.h"
 
 /// Answers for the device: for each package whose path is a line of standard input one line with the verdict, followed
-/// for a good package by what the device hands out of each file in the table: its name's and its data's digest, or "-".
+/// for a good package by what the device hands out of each file in the table: the digest of its name, a NUL and its
+/// data, or "-".
 ///   forgery_judge PRODUCT-TAG KEY-DIRECTORY
 
 namespace {
@@ -19,26 +20,24 @@ namespace {
 constexpr std::size_t kNameRoom = 256;
 constexpr std::size_t kLineRoom = 4096;
 
-void PrintDigest(const void* bytes, std::size_t length) {
+/// @return false for a file that gives no data.
+bool PrintDigest(PKG_READER_S* reader, const PackageFileEntry& file) {
+  std::uint32_t size = 0;
+  char name[kNameRoom] = "";
+  const UniqueText data(static_cast<char*>(GetFileFromReadHeadByFileDesc(&file, reader, sizeof(name), &size, name)));
+  if (data == nullptr) return false;
+  const std::string named = std::string(name) + '\0' + std::string(data.get(), size);
   unsigned char digest[EVP_MAX_MD_SIZE];
-  unsigned size = 0;
-  if (EVP_Digest(bytes, length, digest, &size, EVP_sha256(), nullptr) != 1) std::abort();
-  for (unsigned i = 0; i < size; ++i) std::printf("%02x", digest[i]);
+  unsigned length = 0;
+  if (EVP_Digest(named.data(), named.size(), digest, &length, EVP_sha256(), nullptr) != 1) std::abort();
+  std::printf(" ");
+  for (unsigned i = 0; i < length; ++i) std::printf("%02x", digest[i]);
+  return true;
 }
 
 void PrintFiles(PKG_READER_S* reader) {
   for (std::uint32_t i = 0; i < reader->head.file_count; ++i) {
-    std::uint32_t size = 0;
-    char name[kNameRoom] = "";
-    const UniqueText data(
-        static_cast<char*>(GetFileFromReadHeadByFileDesc(&reader->head.files[i], reader, sizeof(name), &size, name)));
-    std::printf(" ");
-    if (data == nullptr) {
-      std::printf("-");
-      continue;
-    }
-    PrintDigest(name, std::strlen(name));
-    PrintDigest(data.get(), size);
+    if (!PrintDigest(reader, reader->head.files[i])) std::printf(" -");
   }
 }
 

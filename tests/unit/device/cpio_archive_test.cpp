@@ -26,9 +26,7 @@ struct CpioArchiveTest : testing::Test {
     const mode_t before = umask(mask);
     fs::create_directories(root + "/bin");
     fs::create_directory(root + "/tmp");
-    for (const char* file : files) {
-      std::ofstream(root + file) << "text of " << file;
-    }
+    for (const char* file : files) std::ofstream(root + file) << "text of " << file;
     umask(before);
     fs::permissions(root + "/bin/tool", fs::perms::owner_all);
     fs::permissions(root + "/tmp", fs::perms::all | fs::perms::sticky_bit);

@@ -81,9 +81,8 @@ TEST_F(DirTest, ListsWhatIsNamedThenTheSpace) {
   const std::string all = plain +
                           "     1      drwh           -  Jan 02 2024 00:04:05     ..b\r\n"
                           "     2      -rwh           5  Jan 02 2024 00:04:05     .a\r\n";
-  for (const char* name : {"logs", "logs/", "flash:/logs", "./logs/.", "logs/z", "flash:/logs/z"}) {
+  for (const char* name : {"logs", "logs/", "flash:/logs", "./logs/.", "logs/z", "flash:/logs/z"})
     EXPECT_EQ(Dir(name), plain) << name;
-  }
   EXPECT_EQ(Dir("logs", true), all);
   EXPECT_EQ(Dir("logs/.a"), heading + "     0      -rwh           5  Jan 02 2024 00:04:05     .a\r\n");
   EXPECT_EQ(Dir("flash:/empty"), kIsEmpty);
@@ -104,12 +103,9 @@ TEST_F(DirTest, APlaceWithoutADisplayNameShowsNothing) {
 TEST_F(DirTest, PrefersTheEntryThatIsSpelledAsTyped) {
   for (const auto& [first, second] : {std::pair("FILE", "file"), {"file", "FILE"}}) {
     Make("d/");
-    for (const std::string name : {first, second}) {
-      Make("d/" + name);
-    }
-    for (const std::string name : {first, second}) {
+    for (const std::string name : {first, second}) Make("d/" + name);
+    for (const std::string name : {first, second})
       EXPECT_TRUE(Dir("d/" + name).ends_with(" " + name + "\r\n")) << first << " was made first";
-    }
     fs::remove_all("d");
   }
 }

@@ -35,13 +35,9 @@ TEST(DotElimination, StopsAtTheFloor) {
       {"/mnt/d:/a/../../d:/b", kMediumFloor, kRefused},
       {"/mnt/..", kMediumFloor, kRefused},
   };
-  for (const auto& [name, floor, result] : kCases) {
-    EXPECT_EQ(Eliminated(name, floor), result) << name;
-  }
+  for (const auto& [name, floor, result] : kCases) EXPECT_EQ(Eliminated(name, floor), result) << name;
   std::string longest;
-  while (longest.size() < 8190) {
-    longest += "/a";
-  }
+  while (longest.size() < 8190) longest += "/a";
   EXPECT_EQ(Eliminated(longest, kRootFloor), longest);
   EXPECT_EQ(Eliminated(longest + "/a", kRootFloor), kRefused);
 }

@@ -22,20 +22,16 @@ struct FileHelp : PrivateRootTest {
   void SetUp() override {
     PrivateRootTest::SetUp();
     AddMedium("flash:");
-    for (const char* directory : {"cfa0:", "slot0#dir:", "flash:/logs/old"}) {
+    for (const char* directory : {"cfa0:", "slot0#dir:", "flash:/logs/old"})
       fs::create_directories(std::string("/mnt/") + directory);
-    }
-    for (const char* file : {"plain", "flash:/logs/diag.log", "flash:/logs/.old", "flash:/Log.txt", "flash:/.logrc"}) {
+    for (const char* file : {"plain", "flash:/logs/diag.log", "flash:/logs/.old", "flash:/Log.txt", "flash:/.logrc"})
       WriteFile(std::string("/mnt/") + file, "");
-    }
     const std::pair<const char*, const char*> links[] = {
         {"SLOT0#cfa0:", "/mnt/cfa0:"},  // however it is spelled
         {"slot0#usba0:", "/mnt/usba0:"}, {".slot", "/mnt/cfa0:"},    {"flash:/lnkdir", "logs"},
         {"flash:/lnkfile", "Log.txt"},   {"flash:/lnkgone", "gone"},
     };
-    for (const auto& [link, target] : links) {
-      fs::create_symlink(target, std::string("/mnt/") + link);
-    }
+    for (const auto& [link, target] : links) fs::create_symlink(target, std::string("/mnt/") + link);
     ASSERT_EQ(mkfifo("/mnt/flash:/lpipe", 0600), 0);
     fs::current_path("/mnt/flash:");
   }
@@ -80,9 +76,7 @@ TEST_F(FileHelp, OffersMediaAndWhatContinuesTheWord) {
       {".logrc", {".logrc"}},  // typed in full it is no secret
       {std::string(4097, 'l'), {}},
   };
-  for (const auto& [word, lines] : cases) {
-    EXPECT_EQ(Offers(word, kAny), lines) << word;
-  }
+  for (const auto& [word, lines] : cases) EXPECT_EQ(Offers(word, kAny), lines) << word;
   for (const char* word : {"us", "logs/x", "gone/l", ".l", "lnkgone", "lpipe", "/mnt/flash:/", "/", "flash:/../",
                            "flash:/l*", "cfa0:/", "usba0:/"}) {
     EXPECT_EQ(Offers(word, kAny), Lines{}) << word;
@@ -105,12 +99,9 @@ TEST_F(FileHelp, KindDecidesOnFilesAndTheGenericLine) {
       {FS_HELP_PACKAGE, both},
       {FS_HELP_LAST, both},
   };
-  for (const auto& [kind, lines] : cases) {
-    EXPECT_EQ(Offers("lo", kind), lines) << kind;
-  }
-  for (const char* word : {"flash:/..", "/x", "flash:/l*"}) {
+  for (const auto& [kind, lines] : cases) EXPECT_EQ(Offers("lo", kind), lines) << kind;
+  for (const char* word : {"flash:/..", "/x", "flash:/l*"})
     EXPECT_EQ(Offers(word, FS_HELP_DESTINATION), Lines{}) << word << " can become no name";
-  }
   EXPECT_EQ(Offers("new", FS_HELP_DESTINATION), Lines{"STRING"});
   EXPECT_EQ(Offers("flash:/log", FS_HELP_PACKAGE), (Lines{"flash:/logs/", "flash:/Log.txt"}));
   EXPECT_EQ(Offers("flash:/logs/", FS_HELP_PACKAGE), Lines{}) << "packages lie in a medium's root";

@@ -22,21 +22,16 @@ TEST_F(MediumTest, IsPresentWhileItsSlotLinkIsALink) {
   fs::create_symlink("/mnt/usba0:", "/mnt/slot0#usba0:");  // taken out
   fs::create_directory("/mnt/slot0#a:");
   WriteFile("/mnt/slot0#b:", "");
-  for (const char* present : {"flash:", "flash:/a/b", "usba0:"}) {
-    EXPECT_EQ(ESH_CheckDevice(present), 1) << present;
-  }
-  for (const char* absent : {"cfa0:", "a:", "b:", "flash", "", ":", "gone:", "FLASH:"}) {
+  for (const char* present : {"flash:", "flash:/a/b", "usba0:"}) EXPECT_EQ(ESH_CheckDevice(present), 1) << present;
+  for (const char* absent : {"cfa0:", "a:", "b:", "flash", "", ":", "gone:", "FLASH:"})
     EXPECT_EQ(ESH_CheckDevice(absent), 0) << absent;
-  }
 }
 
 TEST_F(MediumTest, OnlyTheFirstUnitOfAKindHoldsPackages) {
-  for (const char* device : {"flash:", "usba0:", "usba1:", "usba9:", "usba10:", "usba00:", "usba100:", "0:", "10:"}) {
+  for (const char* device : {"flash:", "usba0:", "usba1:", "usba9:", "usba10:", "usba00:", "usba100:", "0:", "10:"})
     AddMedium(device);
-  }
-  for (const char* first : {"flash:", "flash:/a1.bin", "/mnt/usba0:/x.bin", "0:"}) {
+  for (const char* first : {"flash:", "flash:/a1.bin", "/mnt/usba0:/x.bin", "0:"})
     EXPECT_EQ(ESH_IsDeviceForPkgm(first), 1) << first;
-  }
   for (const char* other :
        {"usba1:", "usba9:/x", "usba10:", "usba00:", "usba100:", "/mnt/usba1:", "10:", "cfb0:", "a.bin"}) {
     EXPECT_EQ(ESH_IsDeviceForPkgm(other), 0) << other;
@@ -56,9 +51,7 @@ TEST_F(MediumTest, FirstOfItsKindBecomesTheWorkingDirectory) {
   };
   for (const auto& [why, directories, chosen] : cases) {
     ASSERT_EQ(EnterPrivateRoot(), "");
-    for (const std::string& directory : directories) {
-      fs::create_directory("/mnt/" + directory);
-    }
+    for (const std::string& directory : directories) fs::create_directory("/mnt/" + directory);
     ASSERT_EQ(chdir("/tmp"), 0);
     (void)ESH_SetPwd();
     EXPECT_EQ(fs::current_path(), chosen) << why;

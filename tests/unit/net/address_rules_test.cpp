@@ -40,12 +40,10 @@ TEST(AddressOfThePort, IsAHostOfItsOwnSubnet) {
 }
 
 TEST(AddressOfAPeer, MayBeLoopback) {
-  for (const char* peer : {"1.0.0.0", "127.0.0.1", "192.168.0.255", "223.255.255.255"}) {
+  for (const char* peer : {"1.0.0.0", "127.0.0.1", "192.168.0.255", "223.255.255.255"})
     EXPECT_EQ(ESH_IsValidUCAddr(peer), 1) << peer;
-  }
-  for (const char* other : {"", "0.1.2.3", "224.0.0.1", "255.255.255.255", "10.1.1", "::1"}) {
+  for (const char* other : {"", "0.1.2.3", "224.0.0.1", "255.255.255.255", "10.1.1", "::1"})
     EXPECT_EQ(ESH_IsValidUCAddr(other), 0) << other;
-  }
 }
 
 TEST(Gateway, LiesInTheSubnetOrOnTheLink) {
@@ -53,12 +51,8 @@ TEST(Gateway, LiesInTheSubnetOrOnTheLink) {
   EXPECT_FALSE(IsSameSubnet("10.1.1.1", "255.255.255.0", "10.1.2.9"));
   EXPECT_FALSE(IsSameSubnet("", "255.255.255.0", "0.0.0.9"));
   EXPECT_FALSE(IsSameSubnet("0.0.0.1", "", "0.0.0.9"));
-  for (const char* on_link : {"fe80::1", "febf:ffff::1"}) {
-    EXPECT_TRUE(IsLinkLocalText(on_link)) << on_link;
-  }
-  for (const char* beyond : {"fec0::1", "fe7f::1", "", "fe80::1/64"}) {
-    EXPECT_FALSE(IsLinkLocalText(beyond)) << beyond;
-  }
+  for (const char* on_link : {"fe80::1", "febf:ffff::1"}) EXPECT_TRUE(IsLinkLocalText(on_link)) << on_link;
+  for (const char* beyond : {"fec0::1", "fe7f::1", "", "fe80::1/64"}) EXPECT_FALSE(IsLinkLocalText(beyond)) << beyond;
 }
 
 TEST(IPv6AddressOfThePort, IsAGlobalHost) {

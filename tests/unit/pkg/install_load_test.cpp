@@ -29,9 +29,8 @@ TEST(Compatibility, WantsTheBootImagesVersionBehindTheBootLine) {
       {"[boot]", "", "[boot]", true},         {"[boot]\n\nV1\n", "", "", false},
       {"[boot]\n\nV1\n", "R1", "-R1", true},
   };
-  for (const auto& [list, product, running, complies] : kCases) {
+  for (const auto& [list, product, running, complies] : kCases)
     EXPECT_EQ(IsCompliant(Lines(list).get(), product, running), complies) << list << running;
-  }
 }
 
 TEST(Compatibility, VersionsComeFromTheDescription) {
@@ -56,9 +55,7 @@ TEST(PackageName, NeedsItsSuffixAndMore) {
   constexpr std::tuple<const char*, std::size_t, std::uint16_t> kCases[] = {
       {"a.bin", 5, 1},  {"a.bin", 4, 0}, {"A.BiN", 9, 1}, {".bin", 9, 0},      {"", 9, 0},
       {"a.bin.", 9, 0}, {"a.bi", 9, 0},  {"abin", 9, 0},  {"a.bin.bin", 9, 1}, {"flash:/.bin", 99, 1}};
-  for (const auto& [name, longest, fits] : kCases) {
-    EXPECT_EQ(ESH_FilterFile(name, ".bin", longest), fits) << name;
-  }
+  for (const auto& [name, longest, fits] : kCases) EXPECT_EQ(ESH_FilterFile(name, ".bin", longest), fits) << name;
 }
 
 TEST(ProcessRunner, SplitsAtBlanksAndTabsOnly) {
@@ -67,9 +64,8 @@ TEST(ProcessRunner, SplitsAtBlanksAndTabsOnly) {
   EXPECT_STREQ(static_cast<char*>(words->ppvArray[1]), "\"a");
   EXPECT_STREQ(static_cast<char*>(words->ppvArray[3]), "c\\");
   EXPECT_EQ(PKG_System("/bin/true"), kSuccess);
-  for (const char* line : {"/bin/false", "true", "", " \t", "/bin/no-such-tool"}) {
+  for (const char* line : {"/bin/false", "true", "", " \t", "/bin/no-such-tool"})
     EXPECT_EQ(PKG_System(line), ESH_ERR_FAIL) << line;
-  }
 }
 
 struct InstallLoad : PackageTest {};

@@ -26,14 +26,15 @@ TEST_F(ReaderTest, FindsFilesInTableOrderInBothByteOrders) {
   for (const bool host_order : {false, true}) {
     mkpkg::PackageContents contents = Contents();
     contents.host_order = host_order;
-    const UniquePackage reader = Open(Compose(contents));
+    const std::string package = Compose(contents);
+    const UniquePackage reader = Open(package);
     ASSERT_NE(reader, nullptr);
+    const std::size_t device_code = reader->head.files[kImageRow].head_offset + offsetof(PackageFileHead, device_code);
+    EXPECT_EQ(mkpkg::GetWord(package, device_code, host_order), kTestDeviceTag);
     EXPECT_EQ(FindFile(*reader, kSystemImageFile), &reader->head.files[2]) << "the first of two";
     std::uint32_t size = 0;
     EXPECT_EQ(GetFileFromReaderHeadByFileID(0x04000001, reader.get(), &size), nullptr);
-    for (std::size_t row = 0; row <= kImageRow; ++row) {
-      EXPECT_EQ(FileOf(reader, row), contents.files[row].data);
-    }
+    for (std::size_t row = 0; row <= kImageRow; ++row) EXPECT_EQ(FileOf(reader, row), contents.files[row].data);
     char name[sizeof("system.")];
     const UniqueText image(static_cast<char*>(
         GetFileFromReadHeadByFileDesc(&reader->head.files[kImageRow], reader.get(), sizeof(name), &size, name)));

@@ -6,7 +6,6 @@
 #include <tuple>
 #include <utility>
 
-#include "pkg/corporation_tables.h"
 #include "pkg/product_code.h"
 #include "pkg/version_display.h"
 #include "pkg/version_file.h"
@@ -125,9 +124,8 @@ TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
       {"none", "none"},
       {std::string(512, 'x') + "[COPYRIGHT]", std::string(512, 'x')},
   };
-  for (const auto& [written, expanded] : cases) {
+  for (const auto& [written, expanded] : cases)
     EXPECT_EQ(Record("[default]\nsysDescr: " + written).sysDescr, expanded) << written;
-  }
   EXPECT_STREQ(Record("[default]\noem: Vantrel\nsysDescr: [COPYRIGHT]", "1.2", "copyright: (c) %s%n%s\n").sysDescr,
                "(c) 2026%n%s")
       << "a text of a file is no format";
@@ -150,16 +148,6 @@ TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
   (void)Record("[default]\noem: Talvo");
   WriteFile(kVersionFile, "PkgTime: Mar 14 2014 10:20:30\n");
   EXPECT_EQ(TextOf(ESH_GetCopyright), "Copyright (c) 2014 Talvo Technologies. All rights reserved.");
-}
-
-TEST_F(ProductIdentity, TablesHaveTheirSlots) {
-  std::size_t names = 0;
-  for (std::size_t id = 0; id < kCorporations; ++id) {
-    names += g_apcCorpName[id] != nullptr ? 1 : 0;
-    EXPECT_EQ(g_apcSoftwareName[id] != nullptr, id <= 8 || id == 17) << id;
-    EXPECT_EQ(g_apcCopyRight[id] != nullptr, id <= 8 || id == 17) << id;
-  }
-  EXPECT_EQ(names, 24U);
 }
 
 TEST_F(ProductIdentity, UptimeCountsInWholeUnits) {
