@@ -3,90 +3,81 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <string>
 #include <string_view>
 
+#include "term/line_state.h"
+
 /// The line editor as its rules put it, written for clarity: keys go in, and out come the bytes that must arrive at
-/// the console and the text and cursor that must be on its screen.
+/// the console, its line ends expanded.
 class EditorModel {
  public:
-  enum class End { kNone = 0, kEnter = 1, kCtrlC = 2, kTab = 3, kHelp = 4, kCtrlZ = 5 };
-
   struct Setup {
     std::string term;
     std::uint64_t width = 80;  ///< in columns; 0: the terminal tells none, so that no line ever wraps
-    std::string prompt;
-    std::uint32_t mode = 0;
-    std::size_t max = 511;
+    std::string prompt = "<boot>";
+    std::uint32_t mode = ESH_LINE_MODE_COMMAND;
+    std::size_t max = kMaxCommandLine;
   };
 
-  /// What a key must bring about.
-  struct Expected {
-    std::string bytes;      ///< as they arrive, line ends expanded by the console
-    std::string screen;     ///< the same for a terminal that takes a move by 0 columns as none
-    bool new_line = false;  ///< `screen` begins on a new line
-  };
+  explicit EditorModel(const Setup& setup) : setup_(setup) {}
 
-  /// Looks the terminal's capabilities up, through terminfo but not through the shell.
-  explicit EditorModel(Setup setup);
-  ~EditorModel();
-  EditorModel(const EditorModel&) = delete;
-  EditorModel& operator=(const EditorModel&) = delete;
-
-  /// The next read begins: the prompt.
-  void Start();
+  /// The next read begins: the prompt, and the text that it goes on with.
+  void Start(const std::string& text = {});
   /// One key, or the whole of an escape sequence.
   void Press(std::string_view key);
-  /// What the caller does with a line that ended: line break, then the next read, which goes on with the line after
-  /// TAB and "?".
-  void GoOn();
-  /// What is to be seen since the last call.
-  [[nodiscard]] Expected TakeExpected();
+  /// What is to arrive since the last call.
+  [[nodiscard]] std::string TakeOutput();
 
-  [[nodiscard]] End EndKey() const { return end_; }
+  [[nodiscard]] std::uint32_t EndKey() const { return end_; }
   /// The line as the caller gets it.
   [[nodiscard]] const std::string& Line() const { return line_; }
   [[nodiscard]] const std::string& Text() const { return text_; }
-
-  /// What the screen shows of the line, row by row.
-  [[nodiscard]] std::string ScreenRow(std::uint64_t row) const;
-  [[nodiscard]] std::uint64_t CursorRow() const;
-  [[nodiscard]] std::uint64_t CursorColumn() const;
+  /// All that is to be seen of it: the prompt and the text or its asterisks.
+  [[nodiscard]] std::string Shown() const;
+  /// Where the cursor stands in what is shown.
+  [[nodiscard]] std::uint64_t CursorOffset() const { return setup_.prompt.size() + cursor_; }
 
  private:
+  /// The keys' actions. @return false to ring the bell.
   [[nodiscard]] bool Act(std::string_view key);
-  [[nodiscard]] bool Insert(char byte);
+  [[nodiscard]] bool Home() { return Go(0); }
+  [[nodiscard]] bool End() { return Go(text_.size()); }
+  [[nodiscard]] bool Left() { return cursor_ > 0 && Go(cursor_ - 1); }
+  [[nodiscard]] bool Right() { return cursor_ < text_.size() && Go(cursor_ + 1); }
+  [[nodiscard]] bool Backspace() { return Left() && Delete(); }
   [[nodiscard]] bool Delete();
-  [[nodiscard]] bool Left();
-  [[nodiscard]] bool Right();
+  [[nodiscard]] bool Insert(char byte);
+  [[nodiscard]] bool Enter();
+  [[nodiscard]] bool Tab();
+  [[nodiscard]] bool Help();
+  [[nodiscard]] bool CtrlC() { return InCommandMode() || EndWith(ESH_LINE_END_CTRL_C, "\003"); }
+  [[nodiscard]] bool CtrlZ() { return !InCommandMode() || EndWith(ESH_LINE_END_CTRL_Z, "\032"); }
   [[nodiscard]] bool Older();
   [[nodiscard]] bool Newer();
-  void Recall(std::string text);
+
+  [[nodiscard]] bool InCommandMode() const { return setup_.mode == ESH_LINE_MODE_COMMAND; }
+  bool Go(std::size_t cursor);
+  bool Recall(const std::string& text);
+  bool EndWith(std::uint32_t end, const std::string& line);
   void Remember();
-  void EndWith(End end, std::string line);
-  void MoveToEnd();
 
   void Redisplay();
+  void LeaveFromTheEnd();
   void Move(std::uint64_t from, std::uint64_t to);
+  void Step(std::uint64_t count, char direction);
   void WriteText(std::string_view text, std::uint64_t position);
-  void ClearAndRestart(std::string text);
-  void Send(std::string_view bytes);
-  void SendCapability(const char* name, std::uint64_t count);
-  [[nodiscard]] std::uint64_t RowOf(std::uint64_t position) const;
-  [[nodiscard]] std::uint64_t ColumnOf(std::uint64_t position) const;
+  /// Nothing on a terminal that can do nothing.
+  void Control(std::string_view bytes);
 
   Setup setup_;
   std::string text_;
   std::size_t cursor_ = 0;
   std::string shown_;
   std::size_t shown_cursor_ = 0;
-  End end_ = End::kNone;
+  std::string output_;
+  std::uint32_t end_ = ESH_LINE_END_NONE;
   std::string line_;
   std::deque<std::string> history_;  // oldest first
-  std::size_t walk_ = kNotWalking;   // index of the line last recalled
-  Expected expected_;
-  bool wrap_pending_ = false;  // a prompt that fills its row leaves the cursor in the last column
-
-  static constexpr std::size_t kNotWalking = SIZE_MAX;
+  std::size_t walk_ = 0;             // index of the line last recalled; as many as there are: not walking
 };
