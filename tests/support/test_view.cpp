@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxCommands = 16;
+constexpr std::size_t kMaxCommands = 32;
 
 std::deque<std::string> g_texts;  // the elements keep pointers into them
 std::vector<std::string> g_commands;
@@ -54,11 +54,14 @@ void FreeCommand(ESH_CMD_THREAD_S* thread) {
 
 }  // namespace
 
-TestView::TestView(const char* prompt) : before_(g_pstEshCurrentView) {
+TestView::TestView(const char* prompt, std::initializer_list<const char*> commands) : before_(g_pstEshCurrentView) {
   g_texts.clear();
   g_commands.clear();
   g_ran.clear();
   g_pstEshCurrentView = ViewInfoAlloc(prompt);
+  for (const char* command : commands) {
+    Add(command);
+  }
 }
 
 TestView::~TestView() {
@@ -66,29 +69,24 @@ TestView::~TestView() {
   delete std::exchange(g_pstEshCurrentView, before_);
 }
 
-void TestView::Add(const std::string& words, std::initializer_list<ESH_CMD_RECORD_F> records) {
+void TestView::Add(const std::string& words, const TestCallbacks& callbacks) {
   ESH_CMD_THREAD_S* thread = ESH_CmdThread_Init(kHandlers.at(g_commands.size()));
   g_commands.push_back(words);
-  const auto* record = records.begin();
+  const auto* record = callbacks.records.begin();
   std::istringstream stream(words);
   for (std::string word; stream >> word;) {
     const std::uint32_t type = TypeOfWord(word);
+    const char* text = g_texts.emplace_back(word).c_str();
     if (type == ESH_ELEM_CR) {
       ESH_CmdThread_AddCr(thread);
-      continue;
+    } else if (type == ESH_ELEM_KEYWORD) {
+      ESH_CmdThread_AddCmdElement(thread, text, "What it is", nullptr, nullptr, nullptr, type);
+    } else {
+      ESH_CmdThread_AddCmdElement(thread, text, "What it is", callbacks.help, callbacks.check,
+                                  record == callbacks.records.end() ? nullptr : *record++, type);
     }
-    const bool recorded = type != ESH_ELEM_KEYWORD && record != records.end();
-    g_texts.push_back(word);
-    ESH_CmdThread_AddCmdElement(thread, g_texts.back().c_str(), "What it is", nullptr, nullptr,
-                                recorded ? *record++ : nullptr, type);
   }
   ESH_CmdThread_Reg2View(g_pstEshCurrentView, thread);
-}
-
-void TestView::AddAll(std::initializer_list<const char*> commands) {
-  for (const char* command : commands) {
-    Add(command);
-  }
 }
 
 std::string TestView::TakeRan() { return std::exchange(g_ran, ""); }

@@ -4,11 +4,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 
@@ -18,67 +17,60 @@
 
 namespace {
 
-/// A shell script that the tests run as a tool: "/bin/sh <path>".
-class Script {
- public:
-  explicit Script(const std::string& text) : path_(testing::TempDir() + "tool." + std::to_string(getpid())) {
-    std::ofstream(path_) << text << "\n";
-  }
-  ~Script() { std::filesystem::remove(path_); }
-  Script(const Script&) = delete;
-  Script& operator=(const Script&) = delete;
-  [[nodiscard]] std::string Line() const { return "/bin/sh " + path_; }
+/// What appears on the console of a shell that does this. The terminal is the editor's, and signals are as in the
+/// command loop.
+std::string OutputOf(const std::function<void()>& body) {
+  const Console console({}, [&body](const Console::Report&) {
+    ASSERT_EQ(ESH_LINE_Init(), kSuccess);
+    for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) {
+      std::signal(signal, SIG_IGN);
+    }
+    body();
+  });
+  return console.ReadToEnd();
+}
 
- private:
-  std::string path_;
-};
-
-constexpr std::uint16_t kFlags[] = {0, 1, 2};  // no, yes, and what is neither
-
-std::uint32_t RunTool(const std::string& line, std::uint16_t ignoreInt = 0, std::uint16_t echo = 1) {
-  return ESH_ForkProcess(line.c_str(), ignoreInt, echo);
+/// The line of a tool that runs a script. Its blanks become tabs, which do not part the words of a line.
+std::string ScriptLine(std::string script) {
+  std::replace(script.begin(), script.end(), ' ', '\t');
+  return "/bin/sh -c " + script;
 }
 
 /// What the shell says of a tool that has ended.
-void Say(std::uint32_t result) { std::printf("%s\n", result == kSuccess ? "done" : "failed"); }
+void Say(std::uint32_t result) { std::puts(result == kSuccess ? "done" : "failed"); }
 
-/// A shell on a console: the terminal is the editor's, and signals are as in the command loop.
-class Shell : public Console {
- public:
-  explicit Shell(const std::function<void()>& body)
-      : Console({}, [&body](const Report&) {
-          ASSERT_EQ(ESH_LINE_Init(), kSuccess);
-          for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) {
-            std::signal(signal, SIG_IGN);
-          }
-          body();
-        }) {}
+struct ToolCase {
+  const char* why;
+  std::string line;
+  const char* output;
 };
 
-std::string OutputOf(const std::function<void()>& body) { return Shell(body).ReadToEnd(); }
-
-TEST(Tool, SucceedsOnlyWhenItExitsWithStatusZero) {
-  for (const char* line : {"/bin/true", " /bin/true  ", "", "   ", static_cast<const char*>(nullptr)}) {
-    EXPECT_EQ(OutputOf([&] { Say(ESH_ForkProcess(line, 1, 0)); }), "done\r\n") << (line == nullptr ? "NULL" : line);
+TEST(Tool, GetsItsWordsAndTellsByItsStatusHowItWent) {
+  const ToolCase kTools[] = {
+      {"success", " /bin/true  ", "done\r\n"},
+      {"nothing to do", "   ", "done\r\n"},
+      {"failure", "/bin/false", "failed\r\n"},
+      {"no such tool", "/no/such/tool", "failed\r\n"},
+      {"no search for a tool", "true", "failed\r\n"},
+      {"killed", ScriptLine("kill -KILL $$"), "failed\r\n"},
+      {"no quoting, no empty words", "/usr/bin/printf %s:   -f  'a b'\t*   ", "-f:'a:b'\t*:done\r\n"},
+      {"eight words in all", "/usr/bin/printf %s 3 4 5 6 7 8", "345678done\r\n"},
+      {"and nine", "/usr/bin/printf %s 3 4 5 6 7 8 9", "3456789done\r\n"},
+  };
+  for (const ToolCase& c : kTools) {
+    EXPECT_EQ(OutputOf([&] {
+                std::fputs("tool:", stdout);
+                Say(ESH_ForkProcess(c.line.c_str(), 1, 0));
+              }),
+              std::string("tool:") + c.output)
+        << c.why;
   }
-  for (const char* line : {"/bin/false", "/no/such/tool", "/bin", "true", "/bin/true/", "'/bin/true'"}) {
-    EXPECT_EQ(OutputOf([&] { Say(ESH_ForkProcess(line, 1, 0)); }), "failed\r\n") << line;
-  }
-  const Script killed("kill -KILL $$");
-  EXPECT_EQ(OutputOf([&] { Say(RunTool(killed.Line())); }), "failed\r\n");
-}
-
-TEST(Tool, GetsItsWordsWithoutQuotingAndWithoutEmptyOnes) {
-  const Script script(R"(printf '%s:' "$#" "$@")");
-  EXPECT_EQ(OutputOf([&] { RunTool(script.Line() + "   -f  'a b'\t*   "); }), "3:-f:'a:b'\t*:");
-  EXPECT_EQ(OutputOf([&] { RunTool(" " + script.Line()); }), "0:");
-  EXPECT_EQ(OutputOf([&] { RunTool(script.Line() + " 3 4 5 6 7 8"); }), "6:3:4:5:6:7:8:") << "eight words in all";
-  EXPECT_EQ(OutputOf([&] { RunTool(script.Line() + " 3 4 5 6 7 8 9"); }), "7:3:4:5:6:7:8:9:");
+  EXPECT_EQ(OutputOf([] { Say(ESH_ForkProcess(nullptr, 1, 0)); }), "done\r\n");
 }
 
 TEST(Tool, FindsItsSignalsAsIfNoShellHadChangedThem) {
-  for (const std::uint16_t ignore_int : kFlags) {
-    const std::string output = OutputOf([&] { RunTool("/bin/grep SigIgn /proc/self/status", ignore_int); });
+  for (const std::uint16_t ignore_int : {std::uint16_t{0}, std::uint16_t{1}, std::uint16_t{2}}) {
+    const std::string output = OutputOf([&] { ESH_ForkProcess("/bin/grep SigIgn /proc/self/status", ignore_int, 1); });
     const auto ignored = std::strtoull(output.substr(output.find(':') + 1).c_str(), nullptr, 16);
     const auto is_ignored = [&](int signal) { return (ignored >> (signal - 1) & 1) != 0; };
     EXPECT_EQ(is_ignored(SIGINT), ignore_int == 1) << ignore_int;
@@ -89,11 +81,11 @@ TEST(Tool, FindsItsSignalsAsIfNoShellHadChangedThem) {
 }
 
 TEST(Tool, GetsSignalsThatTheShellPassesOn) {
-  // Again and again: the shell may note the process later than the tool starts.
-  const Script script("for i in $(seq 300); do kill -USR1 $PPID; sleep 0.1; done");
   const std::string output = OutputOf([&] {
     std::signal(SIGUSR1, [](int) { ESH_Sig2SubProcess(SIGTERM); });
-    Say(RunTool(script.Line()));
+    // Again and again: the shell may note the process later than the tool starts.
+    const std::string line = ScriptLine("for i in $(seq 300); do kill -USR1 $PPID; sleep 0.1; done");
+    Say(ESH_ForkProcess(line.c_str(), 0, 1));
     ESH_Sig2SubProcess(SIGTERM);  // no tool runs, so nobody is hit
     std::printf("%d\n", ESH_IsForkSubProcess());
   });
@@ -102,16 +94,13 @@ TEST(Tool, GetsSignalsThatTheShellPassesOn) {
 
 TEST(Tool, IsEndedWithItsGroupWhenTheShellEnds) {
   const std::string output = OutputOf([] {
+    g_iShellGid = getpgrp();
     g_EShSubPid = fork();
-    if (g_EShSubPid == 0) {
-      setpgid(0, 0);
-      for (;;) {
-        pause();
-      }
-    }
     const pid_t tool = g_EShSubPid;
     setpgid(tool, tool);
-    g_iShellGid = getpgrp();
+    while (tool == 0) {
+      pause();
+    }
     SetPgtp(tool);
     ESH_CloseSubProcess();
     int status = 0;

@@ -7,7 +7,6 @@
 #include "shell/parameter.h"
 #include "shell/words.h"
 #include "tests/support/test_view.h"
-#include "util/vector.h"
 
 namespace {
 
@@ -16,103 +15,123 @@ constexpr char kTooMany[] = "^\r\n % Too many parameters found at '^' position.\
 constexpr char kWrong[] = "^\r\n % Wrong parameter found at '^' position.\r\n";
 constexpr char kIncomplete[] = "^\r\n % Incomplete command found at '^' position.\r\n";
 constexpr char kAmbiguous[] = "^\r\n % Ambiguous command found at '^' position.\r\n";
+constexpr char kPrompt[] = "<boot>";
 
+/// @return what is printed, without the blanks below the prompt, and the command that ran.
 std::string Execute(const std::string& line) {
   testing::internal::CaptureStdout();
   ESH_CmdExecute(SplitLine(line).get());
-  return testing::internal::GetCapturedStdout();
+  std::string output = testing::internal::GetCapturedStdout();
+  if (output.starts_with(std::string(sizeof(kPrompt) - 1, ' '))) {
+    output.erase(0, sizeof(kPrompt) - 1);
+  }
+  return output + TestView::TakeRan();
 }
 
-struct ErrorCase {
+std::string Ran(const char* command) { return std::string(command) + "\n"; }
+
+/// @param column the caret's in the line.
+std::string At(std::size_t column, const char* message) { return std::string(column, ' ') + message; }
+
+/// Rules "no" out, takes "ok", and cannot tell of anything else.
+std::uint16_t Check(const char* word) {
+  const std::string text(word);
+  return text == "no" ? 0 : text == "ok" ? 1 : 2;
+}
+
+struct LineCase {
+  const char* why;
   const char* line;
-  std::size_t column;  // of the caret in the line
-  const char* message;
+  std::string result;
 };
 
-void ExpectErrors(std::initializer_list<ErrorCase> cases) {
-  for (const ErrorCase& c : cases) {
-    const std::size_t prompt_length = 6;
-    EXPECT_EQ(Execute(c.line), std::string(prompt_length + c.column, ' ') + c.message) << c.line;
-    EXPECT_EQ(TestView::TakeRan(), "") << c.line;
+TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
+  const LineCase kLines[] = {
+      {"beginnings of words", "int m", Ran("interface m-eth0 <cr>")},
+      {"case does not count", "INTERFACE", Ran("interface <cr>")},
+      {"no such command", "zeta", At(0, kUnrecognized)},
+      {"longer than the keyword", "alphas", At(0, kUnrecognized)},
+      {"no such second word", "  alpha   zeta one", At(10, kUnrecognized)},
+      {"a word behind the end", "alpha one two three", At(10, kTooMany)},
+      {"a word is missing", "  al  ", At(5, kIncomplete)},
+      {"a parameter is missing", "ping", At(5, kIncomplete)},
+      {"a whole keyword that begins another one", "beta", Ran("beta <cr>")},
+      {"the beginning of both", "bet", At(0, kAmbiguous)},
+      {"a later word settles what was meant", "a one", Ran("alpha one <cr>")},
+      {"no later word does", "a three", At(0, kAmbiguous)},
+      {"nothing follows that could", " a", At(1, kAmbiguous)},
+      {"too many words for all", "a one x", At(0, kAmbiguous)},
+      {"the first ambiguous word is told", "ga on x", At(0, kAmbiguous)},
+      {"even when all words match", "ga on", At(0, kAmbiguous)},
+      {"a later ambiguous word", "gauge o", At(6, kAmbiguous)},
+      {"the end of the line settles what was meant", "de", Ran("delve <cr>")},
+      {"two ends", "twice", At(6, kAmbiguous)},
+      {"a value", "ping 1.2.3.4", Ran("ping X.X.X.X <cr>")},
+      {"a wrong value", "ping 1.2.3", At(5, kWrong)},
+      {"a wrong value that is no keyword either", "ping ax", At(5, kWrong)},
+      {"a word behind a value", "ping 1.2.3.4 x", At(13, kTooMany)},
+      {"one of two values", "set 9", Ran("set STRING<1-3> <cr>")},
+      {"both values", "set 5", At(4, kAmbiguous)},
+      {"neither value", "set 6789", At(4, kWrong)},
+      {"the keyword before a value", "set si", Ran("set six <cr>")},
+      {"the whole keyword before a value", "set six", Ran("set six <cr>")},
+      {"with prefix length", "show 1::/64", Ran("show X:X::X:X/M <cr>")},
+      {"without prefix length", "show 1::", Ran("show X:X::X:X <cr>")},
+      {"a value that is ruled out", "note no", At(5, kWrong)},
+      {"a value that is taken", "note ok", Ran("note STRING<1-3> <cr>")},
+      {"a value of which cannot be told", "note it", At(5, kWrong)},
+      {"and which another command takes", "note 7", At(5, kAmbiguous)},
+      {"a wrong value rather than too many words", "move 6", At(5, kWrong)},
+      {"a command without an end", "load abcd to", At(13, kIncomplete)},
+      {"and words behind it", "load abcd to x", At(13, kUnrecognized)},
+  };
+  TestView view(kPrompt, {"alpha one <cr>",
+                          "apple two <cr>",
+                          "beta <cr>",
+                          "betas <cr>",
+                          "interface <cr>",
+                          "interface m-eth0 <cr>",
+                          "gamma one <cr>",
+                          "gauge onyx <cr>",
+                          "gauge ox <cr>",
+                          "delta one <cr>",
+                          "delve <cr>",
+                          "twice <cr>",
+                          "twice <cr>",
+                          "ping X.X.X.X <cr>",
+                          "ping all <cr>",
+                          "set INTEGER<1-5> <cr>",
+                          "set STRING<1-3> <cr>",
+                          "set six <cr>",
+                          "show X:X::X:X <cr>",
+                          "show X:X::X:X/M <cr>",
+                          "move INTEGER<1-5> <cr>",
+                          "move <cr>",
+                          "load STRING<1-4> to",
+                          "load STRING<1-4> to go <cr>"});
+  view.Add("note STRING<1-3> <cr>", {.check = Check});
+  view.Add("note INTEGER<7-7> <cr>");
+  for (const LineCase& c : kLines) {
+    EXPECT_EQ(Execute(c.line), c.result) << c.why;
   }
-}
-
-struct RunCase {
-  const char* line;
-  const char* command;
-};
-
-void ExpectRuns(std::initializer_list<RunCase> cases) {
-  for (const RunCase& c : cases) {
-    EXPECT_EQ(Execute(c.line), "") << c.line;
-    EXPECT_EQ(TestView::TakeRan(), std::string(c.command) + "\n") << c.line;
-  }
-}
-
-TEST(Execute, PutsTheCaretUnderWhatIsWrong) {
-  TestView view("<boot>");
-  view.AddAll(
-      {"alpha one <cr>", "interface <cr>", "interface m-eth0 <cr>", "ping X.X.X.X <cr>", "load STRING<1-4> to"});
-  ExpectErrors({
-      {"zeta", 0, kUnrecognized},
-      {"  alpha   zeta one", 10, kUnrecognized},
-      {"alpha one two three", 10, kTooMany},
-      {"ping 1.2.3", 5, kWrong},
-      {"ping 1.2.3.4 x", 13, kTooMany},
-      {"alpha", 6, kIncomplete},
-      {"  al  ", 5, kIncomplete},
-      {"ping", 5, kIncomplete},
-      {"load abcd to", 13, kIncomplete},  // a command without an end
-      {"load abcd to x", 13, kUnrecognized},
-      {"load abcde", 5, kWrong},
-  });
-  ExpectRuns({{"int", "interface <cr>"}, {"INTERFACE M", "interface m-eth0 <cr>"}, {"a o", "alpha one <cr>"}});
-}
-
-TEST(Execute, ALaterWordMaySettleWhatWasMeant) {
-  TestView view("<boot>");
-  view.AddAll({"alpha one <cr>", "apple two <cr>"});
-  ExpectRuns({{"a one", "alpha one <cr>"}, {"a t", "apple two <cr>"}});
-  ExpectErrors({
-      {" a", 1, kAmbiguous},
-      {"a three", 0, kAmbiguous},
-      {"a one x", 0, kAmbiguous},
-      {"alpha two", 6, kUnrecognized},
-  });
-  view.Add("apple <cr>");
-  ExpectRuns({{"a", "apple <cr>"}});
-}
-
-TEST(Execute, TheFirstAmbiguousWordIsReported) {
-  TestView view("<boot>");
-  view.AddAll({"alpha one <cr>", "apple onyx <cr>"});
-  ExpectErrors({{"a on", 0, kAmbiguous}, {"a on x", 0, kAmbiguous}});
-  view.AddAll({"alpha ox <cr>"});
-  ExpectErrors({{"alpha o", 6, kAmbiguous}});
 }
 
 TEST(Execute, RecordsEachParametersOwnWordBeforeTheHandlerRuns) {
-  TestView view("<boot>");
+  static std::string ran_before;
+  TestView view(kPrompt);
   view.Add("move STRING<1-511> to STRING<1-511> at X.X.X.X <cr>",
-           {ESH_RecordSourceFile, ESH_RecordDestFile, ESH_RecordIPv4});
-  ExpectRuns({{"m a.txt t b.txt at 1.2.3.4", "move STRING<1-511> to STRING<1-511> at X.X.X.X <cr>"}});
-  EXPECT_STREQ(g_szSourceFile, "a.txt");
+           {.records = {ESH_RecordSourceFile, ESH_RecordDestFile, ESH_RecordIPv4}});
+  view.Add("set STRING<1-9> <cr>", {.records = {[](const char*) -> std::uint32_t {
+                                      ran_before = TestView::TakeRan();
+                                      return 1;
+                                    }}});
+  (void)Execute("m a.txt t b.txt at 1.2.3.4");
+  (void)Execute("move c.txt to d.txt at 1.2.3");
+  EXPECT_STREQ(g_szSourceFile, "a.txt") << "a line that does not match changes nothing";
   EXPECT_STREQ(g_szDestFile, "b.txt");
   EXPECT_STREQ(g_szIPv4Address, "1.2.3.4");
-  ExpectErrors({{"move c.txt to d.txt at 1.2.3", 23, kWrong}});
-  EXPECT_STREQ(g_szSourceFile, "a.txt") << "a line that does not match changes nothing";
-}
-
-std::uint32_t g_records = 0;
-
-TEST(Execute, RunsACommandWhoseRecordFails) {
-  TestView view("<boot>");
-  view.Add("set STRING<1-9> <cr>", {[](const char*) -> std::uint32_t {
-             ++g_records;
-             return 1;
-           }});
-  ExpectRuns({{"set x", "set STRING<1-9> <cr>"}});
-  EXPECT_EQ(g_records, 1U);
+  EXPECT_EQ(Execute("set x"), "set STRING<1-9> <cr>\n") << "also when its word cannot be recorded";
+  EXPECT_EQ(ran_before, "");
 }
 
 }  // namespace

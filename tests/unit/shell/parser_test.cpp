@@ -2,37 +2,41 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "shell/view.h"
 #include "term/completion.h"
-#include "term/line_editor.h"
 #include "term/line_state.h"
 #include "tests/support/test_view.h"
+#include "tests/unit/term/scripted_editor.h"
 #include "util/fixed_text.h"
 
 namespace {
 
-struct Parser : testing::Test {
-  TestView view{"<boot>"};
+/// Offers the word that it was asked to continue.
+std::uint32_t ListTheWord(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* /*element*/) {
+  return ESH_NewHelpInfo((std::string(word) + "...").c_str(), "A name", list);
+}
 
+struct Parser : testing::Test {
   Parser() {
-    setenv("TERM", "vt100", 1);
-    EXPECT_EQ(ESH_LINE_Init(), 0U);
     g_pstEshUserView = g_pstEshCurrentView;
     ESH_SetCmdMode(g_pstEshUserView);
-    view.AddAll({"one <cr>", "two STRING<1-511> <cr>", "twin <cr>"});
+    view.Add("two STRING<1-511> <cr>", {.help = ListTheWord});
   }
-  ~Parser() override { ESH_LINE_Exit(); }
+  ~Parser() override { g_pstEshUserView = g_pstEshSysView = nullptr; }
 
   /// @return what appears on the console.
-  static std::string Parse(const std::string& line) {
+  std::string Parse(const std::string& line) {
     CopyBounded(g_stESh_Line.pcBuf, kLineRoom, line);
-    testing::internal::CaptureStdout();
     ESH_CmdParser(g_stESh_Line.pcBuf);
-    return testing::internal::GetCapturedStdout();
+    return editor.TakeOutput();
   }
+
+  TestView view{"<boot>",
+                {"one <cr>", "twin <cr>", "set INTEGER<10-31> <cr>", "set X.X.X.X <cr>", "show X:X::X:X <cr>",
+                 "show X:X::X:X/M <cr>", "show STRING<1-3> <cr>"}};
+  ScriptedEditor editor;
 };
 
 struct ParseCase {
@@ -42,24 +46,37 @@ struct ParseCase {
   const char* left;  // in the edit buffer
 };
 
+constexpr char kAll[] =
+    "\r\nUser view commands:\r\n"
+    "  one   What it is\r\n  set   What it is\r\n  show  What it is\r\n  twin  What it is\r\n  two   What it is\r\n"
+    "\r\n<boot>";
+
+constexpr ParseCase kLines[] = {
+    {"one\n", "\r\n", "one <cr>\n", ""},
+    {" o \r", "\r\n", "one <cr>\n", ""},
+    {"x\n", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n", "", ""},
+    {"  o\t", "\r\n<boot>", "", "one "},
+    {"two x\t", "\r\n<boot>", "", "two x... "},
+    {"?one\n", kAll, "", ""},
+    {"tw?", "\r\n  twin\r\n  two\r\n\r\n<boot>", "", "tw"},
+    {"TWO ?", "\r\n  ?...  A name\r\n\r\n<boot>", "", "TWO "},
+    {"two fl?", "\r\n  fl...\r\n\r\n<boot>", "", "two fl"},
+    {"one ?x ?\n", "\r\n  <cr>  \r\n\r\n<boot>", "", "one "},
+    {"set 31?", "\r\n  INTEGER<10-31>\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 31"},
+    {"set 1?", "\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 1"},
+    {"set 1.2.?", "\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 1.2."},
+    {"set 31 ?", "\r\n  <cr>  \r\n\r\n<boot>", "", "set 31 "},
+    {"show fe80::1.2?", "\r\n  STRING<1-3>\r\n  X:X::X:X\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe80::1.2"},
+    {"show fe80::/6?", "\r\n  STRING<1-3>\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe80::/6"},
+    {"show \x7f?", "\r\n           ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "show \x7f"},
+    {"x?", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "x"},
+    {"one x?", "\r\n          ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "one x"},
+    {"one x ?", "\r\n          ^\r\n % Too many parameters found at '^' position.\r\n<boot>", "", "one x "},
+    {"s ?", "\r\n      ^\r\n % Ambiguous command found at '^' position.\r\n<boot>", "", "s "},
+};
+
 TEST_F(Parser, ActsOnTheKeyThatEndedTheLine) {
-  constexpr char kList[] = "  one   What it is\r\n  twin  What it is\r\n  two   What it is\r\n\r\n";
-  const std::string all = std::string("\r\nUser view commands:\r\n") + kList + "<boot>";
-  const ParseCase cases[] = {
-      {"one\n", "\r\n", "one <cr>\n", ""},
-      {" o \r", "\r\n", "one <cr>\n", ""},
-      {"o\t", "\r\n<boot>", "", "one "},
-      {"  o\t", "\r\n<boot>", "", "one "},
-      {"two x\t", "\r\n<boot>", "", "two x"},
-      {"?", all.c_str(), "", ""},
-      {"?one\n", all.c_str(), "", ""},
-      {"tw?", "\r\n  twin\r\n  two\r\n\r\n<boot>", "", "tw"},
-      {"one ?", "\r\n  <cr>  \r\n\r\n<boot>", "", "one "},
-      {"one ?x ?\n", "\r\n  <cr>  \r\n\r\n<boot>", "", "one "},
-      {"x?", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "x"},
-      {"x\n", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n", "", ""},
-  };
-  for (const ParseCase& c : cases) {
+  for (const ParseCase& c : kLines) {
     EXPECT_EQ(Parse(c.line), c.output) << c.line;
     EXPECT_EQ(TestView::TakeRan(), c.ran) << c.line;
     EXPECT_STREQ(g_stESh_Line.pcBuf, c.left) << c.line;
@@ -67,7 +84,7 @@ TEST_F(Parser, ActsOnTheKeyThatEndedTheLine) {
 }
 
 TEST_F(Parser, AnswersABlankLineWithALineBreakOnly) {
-  for (const char* line : {"\n", "   \n", "\t", "  \t", "\t\v\f \r\n"}) {
+  for (const char* line : {"\n", "   \n", "  \t", "\t\v\f \r\n"}) {
     EXPECT_EQ(Parse(line), "\r\n") << line;
     EXPECT_EQ(g_stESh_Line.usKeepBuf, 0) << "no line is handed back";
   }

@@ -1,26 +1,29 @@
 #include "term/help_list.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
-#include "shell/command_tree.h"
-#include "tests/support/test_view.h"
+#include "term/help_records.h"
 
 namespace {
 
-std::string Keywords(const VEC_S& list) {
-  std::string text;
-  ForEachSlot<ESH_HELP_INFO_S>(
-      list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) { text += std::string(line.szKeyWord) + " "; });
-  return text;
+UniqueHelpList NewList() { return UniqueHelpList(VEC_Alloc(kUsualSlots)); }
+
+/// Adds a keyword to a list. @return whether it was not there yet.
+bool Add(const UniqueHelpList& list, const std::string& keyword, const char* help = "") {
+  const std::uint64_t free_slot = list->ulFirstFree;
+  ESH_NewHelpInfo(keyword.c_str(), help, list.get());
+  return list->ulFirstFree != free_slot;
+}
+
+const ESH_HELP_INFO_S& At(const UniqueHelpList& list, std::uint64_t index) {
+  return *static_cast<const ESH_HELP_INFO_S*>(list->ppvArray[index]);
 }
 
 struct OrderCase {
@@ -30,9 +33,9 @@ struct OrderCase {
 
 /// Each pair is in order.
 constexpr OrderCase kOrder[] = {
-    {"copy", "display"}, {"display", "<cr>"}, {"zzz", "<cr>"}, {"10", "<cr>"}, {"9", "10"},
-    {"10", "abc"},       {"10", "!x"},        {"10", "09a"},   {"10", "10a"},  {"10abc", "2abc"},
-    {"Zebra", "apple"},  {"a", "\xFF"},       {"a", "aa"},     {"0", "0x"},    {"5 blind", "five"},
+    {"copy", "display"}, {"zzz", "<cr>"},     {"10", "<cr>"},    {"9", "10"},        {"10", "!x"},  {"10", "09a"},
+    {"10", "10a"},       {"9", "9a"},         {"10abc", "2abc"}, {"Zebra", "apple"}, {"a", "\xFF"}, {"a", "aa"},
+    {"0", "0x"},         {"5 blind", "five"}, {"010", "9a"},     {"9", "010"},
 };
 
 TEST(HelpOrder, IsNumbersThenTextsThenTheEnd) {
@@ -47,11 +50,9 @@ TEST(HelpOrder, IsNumbersThenTextsThenTheEnd) {
 
 constexpr int kMany = 100'000;
 
-using Keyword = std::array<char, 8>;
-
 /// How the keywords lie before they are sorted.
 struct ShapeCase {
-  const char* name;
+  const char* why;
   int (*value)(int index);
 };
 
@@ -64,91 +65,62 @@ constexpr ShapeCase kShapes[] = {
     {"shuffled", [](int i) { return static_cast<int>(i * 7919LL % kMany); }},
 };
 
-/// Sorts on a stack that a recursion into the larger part would leave soon.
-void SortOnASmallStack(VEC_S* list) {
-  constexpr std::size_t kStack = std::size_t{256} * 1024;
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStack), 0);
-  pthread_t thread{};
-  ASSERT_EQ(pthread_create(
-                &thread, &attributes,
-                [](void* argument) -> void* {
-                  QuickSortStrVec(static_cast<VEC_S*>(argument), 0, kMany - 1);
-                  return nullptr;
-                },
-                list),
-            0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-}
-
-TEST(Sort, EndsSortedAndStaysShallowHoweverTheKeywordsLie) {
+TEST(HelpOrder, ComesSoonHoweverTheKeywordsLie) {
   for (const ShapeCase& shape : kShapes) {
-    std::vector<Keyword> keywords(kMany);
+    // A record begins with its keyword, and the sort sees no more of it.
+    std::vector<std::array<char, 8>> keywords(kMany);
     const UniqueVector list(VEC_Alloc(kMany));
-    for (int i = 0; i < kMany; ++i) {
-      Keyword& keyword = keywords[static_cast<std::size_t>(i)];
-      std::snprintf(keyword.data(), keyword.size(), "%d", shape.value(i));
-      // A record begins with its keyword, and the sort sees no more of it.
+    for (int i = 0; auto& keyword : keywords) {
+      std::snprintf(keyword.data(), keyword.size(), "%d", shape.value(i++));
       VEC_Add(list.get(), kNoIndex, keyword.data());
     }
-    SortOnASmallStack(list.get());
+    QuickSortStrVec(list.get(), 0, kMany - 1);
     EXPECT_TRUE(std::is_sorted(list->ppvArray, list->ppvArray + kMany, [](const void* a, const void* b) {
-      return std::strtol(static_cast<const char*>(a), nullptr, 10) <
-             std::strtol(static_cast<const char*>(b), nullptr, 10);
-    })) << shape.name;
+      return std::atoi(static_cast<const char*>(a)) < std::atoi(static_cast<const char*>(b));
+    })) << shape.why;
   }
 }
 
-TEST(Sort, LeavesTheRestAlone) {
-  const UniqueHelpList list(VEC_Alloc(8));
-  for (const char* keyword : {"e", "d", "c", "b", "a"}) {
-    ESH_NewHelpInfo(keyword, "", list.get());
+TEST(HelpList, KeepsTheFirstOfEqualKeywordsAndCutsLongTexts) {
+  const UniqueHelpList list = NewList();
+  EXPECT_TRUE(Add(list, "X.X.X.X", "first"));
+  EXPECT_TRUE(Add(list, "x.x.x.x", "another, by its bytes"));
+  EXPECT_FALSE(Add(list, "X.X.X.X", "second"));
+  EXPECT_STREQ(At(list, 0).szHelp, "first");
+  EXPECT_TRUE(Add(list, std::string(600, 'k'), std::string(600, 'h').c_str()));
+  EXPECT_EQ(At(list, 2).szKeyWord, std::string(512, 'k'));
+  EXPECT_EQ(At(list, 2).szHelp, std::string(512, 'h'));
+}
+
+TEST(HelpList, RefusesEveryDuplicateInALargeDirectory) {
+  const UniqueHelpList list = NewList();
+  for (const bool is_new : {true, false}) {
+    for (int i = 0; i < kMany; ++i) {
+      ASSERT_EQ(Add(list, "file" + std::to_string(i)), is_new) << i;
+    }
   }
-  QuickSortStrVec(list.get(), 1, 3);
-  EXPECT_EQ(Keywords(*list), "e b c d a ");
-  QuickSortStrVec(list.get(), 0, -1);
-  QuickSortStrVec(list.get(), 2, 2);
-  EXPECT_EQ(Keywords(*list), "e b c d a ");
 }
 
-TEST(HelpList, KeepsTheFirstOfEqualKeywords) {
-  const UniqueHelpList list(VEC_Alloc(8));
-  ESH_NewHelpInfo("X.X.X.X", "first", list.get());
-  ESH_NewHelpInfo("x.x.x.x", "another, by its bytes", list.get());
-  ESH_NewHelpInfo("X.X.X.X", "second", list.get());
-  EXPECT_EQ(Keywords(*list), "X.X.X.X x.x.x.x ");
-  EXPECT_STREQ(static_cast<ESH_HELP_INFO_S*>(list->ppvArray[0])->szHelp, "first");
+TEST(HelpList, IsKeptApartFromOthersWhereverTheyLie) {
+  const UniqueHelpList list = NewList();
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_TRUE(Add(NewList(), "same"));
+    EXPECT_EQ(Add(list, "same"), i == 0);
+  }
 }
 
-TEST(HelpList, CutsLongTexts) {
-  const UniqueHelpList list(VEC_Alloc(8));
-  ESH_NewHelpInfo(std::string(600, 'k').c_str(), std::string(600, 'h').c_str(), list.get());
-  const auto* line = static_cast<ESH_HELP_INFO_S*>(list->ppvArray[0]);
-  EXPECT_EQ(line->szKeyWord, std::string(512, 'k'));
-  EXPECT_EQ(line->szHelp, std::string(512, 'h'));
-}
-
-std::uint32_t ListNames(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* element) {
-  ESH_NewHelpInfo((std::string(word) + "|" + element->pcKeyWord).c_str(), "", list);
-  ESH_NewHelpInfo("display", "not the first", list);
-  return 0;
-}
-
-TEST(HelpList, AsksTheCandidatesInTheirOrder) {
-  TestView view("<boot>");
-  view.AddAll({"reboot <cr>", "display version <cr>", "STRING<1-8> <cr>", "display interface <cr>", "<cr>"});
-  const UniqueVector candidates(VEC_Alloc(8));
-  ForEachSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec, [&](std::uint64_t, ESH_CMD_THREAD_S& command) {
-    VEC_Add(candidates.get(), kNoIndex, FirstElement(command));
-  });
-  static_cast<ESH_CMD_ELEMENT_S*>(candidates->ppvArray[2])->pfnHelp = ListNames;
-  const UniqueHelpList list(ESH_MakeHelpInfoVec("fla", candidates.get()));
-  EXPECT_EQ(Keywords(*list), "reboot display fla|STRING<1-8> <cr> ");
-  const UniqueVector none(VEC_Alloc(8));
-  const UniqueHelpList empty(ESH_MakeHelpInfoVec("?", none.get()));
-  EXPECT_EQ(VEC_GetCount(empty.get()), 0U);
+TEST(HelpList, SeesWhatOthersTookOut) {
+  const UniqueHelpList list = NewList();
+  for (const char* keyword : {"a", "b", "c", "d"}) {
+    Add(list, keyword);
+  }
+  for (const std::uint64_t index : {3U, 1U, 0U}) {
+    const std::string keyword = At(list, index).szKeyWord;
+    FreeHelpRecord(static_cast<ESH_HELP_INFO_S*>(VEC_Del(list.get(), index)));
+    EXPECT_TRUE(Add(list, keyword)) << keyword;
+    EXPECT_FALSE(Add(list, keyword)) << keyword;
+    EXPECT_FALSE(Add(list, "c")) << keyword;
+  }
 }
 
 }  // namespace

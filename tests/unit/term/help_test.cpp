@@ -2,119 +2,83 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "shell/command_tree.h"
-#include "shell/words.h"
 #include "term/help_list.h"
 #include "tests/support/scripted_stdio.h"
-#include "tests/support/test_view.h"
 
 namespace {
 
-using HelpLine = std::pair<std::string, std::string>;
+using Lines = std::vector<std::pair<std::string, std::string>>;
 
-UniqueHelpList MakeList(const std::vector<HelpLine>& lines) {
-  UniqueHelpList list(VEC_Alloc(8));
+UniqueHelpList MakeList(const Lines& lines) {
+  UniqueHelpList list(VEC_Alloc(kUsualSlots));
   for (const auto& [keyword, help] : lines) {
     ESH_NewHelpInfo(keyword.c_str(), help.c_str(), list.get());
   }
   return list;
 }
 
-std::string Print(const std::vector<HelpLine>& lines, std::uint16_t whole) {
+std::string Print(const Lines& lines, std::uint16_t whole) {
   const UniqueHelpList list = MakeList(lines);
   ScriptedStdio stdio;
   PrintHelpVec(list.get(), whole);
   return stdio.TakeOutput();
 }
 
-void SkipBlanks(std::string& text) { text.erase(0, std::min(text.find_first_not_of(' '), text.size())); }
+std::string Many(std::size_t count, char character) { return std::string(count, character); }
 
-/// The two columns as their rules put them, letter by letter. The lines are sorted.
-std::string Layout(const std::vector<HelpLine>& lines) {
-  std::size_t widest = 0;
-  for (const auto& [keyword, help] : lines) {
-    const std::size_t m = (keyword.size() + 2) % 80;
-    widest = std::max(widest, m == 78 || m == 0 ? 2 : m == 79 ? 1 : m);
-  }
-  const std::size_t column = widest + 2;
-  const std::size_t room = 80 - column;
-  std::string text;
-  for (const auto& [keyword, help] : lines) {
-    const std::size_t m = (keyword.size() + 2) % 80;
-    text += "  " + keyword + std::string(m >= 78 ? widest + 4 - (m + 2) % 80 : column - m, ' ');
-    std::string rest = help;
-    SkipBlanks(rest);
-    while (rest.size() > room) {
-      std::size_t cut = room;
-      while (rest[room] != ' ' && cut > 0 && rest[cut - 1] != ' ') {
-        --cut;
-      }
-      cut = cut == 0 ? room : cut;
-      text += rest.substr(0, cut) + "\r\n" + std::string(column, ' ');
-      rest.erase(0, cut);
-      SkipBlanks(rest);
-    }
-    text += rest + "\r\n";
-  }
-  return text;
-}
-
-/// Descriptions of words of all lengths, with blanks where one would not expect them.
-std::string RandomHelp(std::mt19937& random) {
-  std::string help;
-  for (auto words = random() % 30; words > 0 && help.size() < 380; --words) {
-    help += std::string(random() % (random() % 8 == 0 ? 90 : 12), 'w') + std::string(random() % 10 == 0 ? 3 : 1, ' ');
-  }
-  help.resize(help.size() - (help.empty() ? 0 : random() % 2));
-  return help;
-}
+struct LayoutCase {
+  const char* why;
+  Lines lines;
+  std::string output;
+};
 
 TEST(WholeHelp, IsLaidOutInTwoColumns) {
-  for (unsigned seed = 1; seed <= 300; ++seed) {
-    std::mt19937 random(seed);
-    std::vector<HelpLine> lines;
-    const std::size_t longest = seed % 10 == 0 ? 100 : 1 + seed % 74;
-    for (unsigned i = 0; i <= seed % 40; ++i) {
-      // The first letters make the order plain.
-      const std::string keyword{static_cast<char>('A' + i / 8), static_cast<char>('a' + i % 8)};
-      lines.emplace_back(keyword + std::string(random() % longest, 'k'), RandomHelp(random));
-    }
-    const std::string expected = Layout(lines) + "\r\n";
-    std::shuffle(lines.begin(), lines.end(), random);
-    ASSERT_EQ(Print(lines, 1), expected) << "seed " << seed;
+  const LayoutCase kLayouts[] = {
+      {"sorted, below each other",
+       {{"<cr>", " "}, {"display", "Show"}, {"copy", "  Copy a file "}},
+       "  copy     Copy a file \r\n  display  Show\r\n  <cr>     \r\n"},
+      {"cut behind a blank",
+       {{"k", Many(70, 'a') + "  " + Many(9, 'b')}},
+       "  k  " + Many(70, 'a') + "  \r\n     " + Many(9, 'b') + "\r\n"},
+      {"as wide as its room", {{"k", "aa " + Many(72, 'b')}}, "  k  aa " + Many(72, 'b') + "\r\n"},
+      {"a blank behind its room",
+       {{"k", "aa " + Many(72, 'b') + "  c"}},
+       "  k  aa " + Many(72, 'b') + "\r\n     c\r\n"},
+      {"one letter more than its room", {{"k", "aa " + Many(73, 'b')}}, "  k  aa \r\n     " + Many(73, 'b') + "\r\n"},
+      {"a word wider than its room",
+       {{"k", Many(100, 'a') + " b"}},
+       "  k  " + Many(75, 'a') + "\r\n     " + Many(25, 'a') + " b\r\n"},
+      {"nothing", {}, ""},
+      // At the screen's edge the arithmetic wraps round.
+      {"up to two columns before the edge",
+       {{Many(75, 'k'), "abcd"}},
+       "  " + Many(75, 'k') + "  a\r\n" + Many(79, ' ') + "b\r\n" + Many(79, ' ') + "c\r\n" + Many(79, ' ') + "d\r\n"},
+      {"up to the edge but two",
+       {{"ab", "c"}, {Many(76, 'k'), "d"}},
+       "  ab  c\r\n  " + Many(76, 'k') + Many(8, ' ') + "d\r\n"},
+      {"up to the edge but one", {{Many(77, 'k'), "d"}}, "  " + Many(77, 'k') + "    d\r\n"},
+      {"up to the edge", {{Many(78, 'k'), "d"}}, "  " + Many(78, 'k') + "    d\r\n"},
+      {"over the edge", {{Many(79, 'k'), "d"}}, "  " + Many(79, 'k') + "  d\r\n"},
+  };
+  for (const LayoutCase& c : kLayouts) {
+    EXPECT_EQ(Print(c.lines, 1), c.output + (c.lines.empty() ? "" : "\r\n")) << c.why;
   }
-}
-
-TEST(WholeHelp, LooksLikeThis) {
-  const std::string description(60, 'd');
-  EXPECT_EQ(Print({{"<cr>", " "}, {"display", "Show " + description + " state"}, {"copy", "Copy a file"}}, 1),
-            "  copy     Copy a file\r\n"
-            "  display  Show " +
-                description +
-                " \r\n"
-                "           state\r\n"
-                "  <cr>     \r\n"
-                "\r\n");
 }
 
 TEST(WholeHelp, FillsItsBufferToTheLastByte) {
-  for (const int over : {0, 1}) {
-    // 51 lines of 79 bytes, and one that makes it 4087 or one more.
-    std::vector<HelpLine> lines(51);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-      lines[i] = {"k" + std::to_string(100 + i), std::string(69, 'x')};
+  for (const std::size_t over : {0U, 1U}) {
+    Lines lines;
+    std::string expected;
+    for (int i = 100; i < 152; ++i) {
+      // 51 lines of 79 bytes, and one that makes it 4087 or one more.
+      lines.emplace_back("k" + std::to_string(i), i == 151 ? Many(48 + over, 'z') : Many(69, 'x'));
+      expected += "  " + lines.back().first + "  " + lines.back().second + "\r\n";
     }
-    const std::size_t full = Layout(lines).size();
-    lines.emplace_back("k999", std::string(4087 - full - 10 + static_cast<std::size_t>(over), 'z'));
-    const std::string expected = Layout(lines);
-    ASSERT_EQ(expected.size(), 4087U + static_cast<std::size_t>(over));
+    ASSERT_EQ(expected.size(), kHelpOutputRoom - 1 + over);
     const UniqueHelpList list = MakeList(lines);
     char buffer[kHelpOutputRoom];
     ScriptedStdio stdio;
@@ -126,81 +90,13 @@ TEST(WholeHelp, FillsItsBufferToTheLastByte) {
 }
 
 TEST(NamesOnly, AreSortedAndComplete) {
-  std::vector<HelpLine> lines;
+  Lines lines = {{"<cr>", ""}, {Many(512, 'z'), "as long as it gets"}};
   std::string expected;
-  for (int i = 1; i <= 1000; ++i) {
-    lines.emplace_back(std::to_string(i) + std::string(static_cast<std::size_t>(i) % 90, 'n'), "not shown");
+  for (int i = 1000; i > 0; --i) {
+    lines.emplace_back(std::to_string(i), "not shown");
+    expected.insert(0, "  " + lines.back().first + "\r\n");
   }
-  lines.emplace_back(std::string(512, 'z'), "as long as it gets");
-  lines.emplace_back("<cr>", " ");
-  std::vector<HelpLine> sorted = lines;
-  std::sort(sorted.begin(), sorted.end(),
-            [](const HelpLine& a, const HelpLine& b) { return CmpHelpString(a.first.c_str(), b.first.c_str()) < 0; });
-  for (const auto& [keyword, help] : sorted) {
-    expected += "  " + keyword + "\r\n";
-  }
-  EXPECT_EQ(Print(lines, 0), expected + "\r\n");
-  EXPECT_EQ(Print({{"copy", "Copy a file"}, {"<cr>", " "}, {"9", ""}}, 2), "  9\r\n  copy\r\n  <cr>\r\n\r\n");
-}
-
-TEST(AnEmptyList, PrintsNothing) {
-  EXPECT_EQ(Print({}, 0), "");
-  EXPECT_EQ(Print({}, 1), "");
-}
-
-std::string g_asked_for;
-
-std::uint32_t NoteTheWord(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* /*element*/) {
-  g_asked_for = word;
-  ESH_NewHelpInfo("flash:", "A device", list);
-  return 0;
-}
-
-class HelpTest : public testing::Test {
- protected:
-  HelpTest() {
-    view_.AddAll({"display version <cr>", "copy STRING<1-511> <cr>", "display interface <cr>", "delete <cr>"});
-    auto* copy = static_cast<ESH_CMD_THREAD_S*>(g_pstEshCurrentView->pstCmdVec->ppvArray[1]);
-    static_cast<ESH_CMD_ELEMENT_S*>(FirstElement(*copy)->pstNext)->pfnHelp = NoteTheWord;
-  }
-  ~HelpTest() override { g_pstEshUserView = g_pstEshSysView = nullptr; }
-
-  /// @param line the line without its "?".
-  static std::string Ask(const char* line) {
-    const UniqueWords words = SplitLine(line);
-    ScriptedStdio stdio;
-    const std::size_t length = std::strlen(line);
-    ESH_Help(words.get(), length == 0 || line[length - 1] == ' ' ? 1 : 0);
-    return stdio.TakeOutput();
-  }
-
-  TestView view_{"<boot>"};
-};
-
-struct HelpCase {
-  const char* line;
-  const char* output;
-  const char* asked_for;
-};
-
-constexpr HelpCase kHelp[] = {
-    {"display ", "  interface  What it is\r\n  version    What it is\r\n\r\n", ""},
-    {"d", "  delete\r\n  display\r\n\r\n", ""},
-    {"DIS", "  display\r\n\r\n", ""},
-    {"delete ", "  <cr>  \r\n\r\n", ""},
-    {"copy ", "  flash:  A device\r\n\r\n", "?"},
-    {"copy fl", "  flash:\r\n\r\n", "fl"},
-    {"x", "      ^\r\n % Unrecognized command found at '^' position.\r\n", ""},
-    {"display x ", "              ^\r\n % Unrecognized command found at '^' position.\r\n", ""},
-    {"delete now ", "             ^\r\n % Too many parameters found at '^' position.\r\n", ""},
-};
-
-TEST_F(HelpTest, ListsWhatMayFollowOrWhatContinuesTheWord) {
-  for (const HelpCase& c : kHelp) {
-    g_asked_for.clear();
-    EXPECT_EQ(Ask(c.line), c.output) << c.line;
-    EXPECT_EQ(g_asked_for, c.asked_for) << c.line;
-  }
+  EXPECT_EQ(Print(lines, 0), expected + "  " + Many(512, 'z') + "\r\n  <cr>\r\n\r\n");
 }
 
 }  // namespace

@@ -2,77 +2,53 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <string>
-#include <vector>
+
+#include "tests/unit/term/scripted_editor.h"
 
 namespace {
 
-class HistoryTest : public testing::Test {
- protected:
-  HistoryTest() { ESH_HIS_Init(); }
-  ~HistoryTest() override { Forget(); }
+constexpr std::size_t kRoom = 10;
 
-  static void Forget() {
-    for (ESH_HIS_LINK_S* link = g_stEShHisRec.pstNext; link != &g_stEShHisRec;) {
-      auto* node = static_cast<ESH_HIS_NODE_S*>(link);
-      link = link->pstNext;
-      std::free(node->pcCmd);
-      delete node;
-    }
-    ESH_HIS_Init();
-  }
-  /// All lines, newest first.
-  static std::vector<std::string> UpToTheBell() {
-    std::vector<std::string> lines;
-    for (char buffer[2048]; ESH_HIS_ArrowUp(sizeof(buffer), buffer) == 1;) {
-      lines.emplace_back(buffer);
-    }
-    return lines;
-  }
-  static void Enter(const std::vector<std::string>& lines) {
-    for (const std::string& line : lines) {
-      ESH_HIS_Add(line.c_str());
-    }
-  }
-};
-
-using Lines = std::vector<std::string>;
-
-struct HistoryCase {
-  Lines entered;
-  Lines recalled;
+struct LineCase {
   const char* why;
+  const char* line;
+  const char* newest;
 };
 
-TEST_F(HistoryTest, KeepsWhatIsWorthKeeping) {
-  const HistoryCase kCases[] = {
-      {{}, {}, "empty"},
-      {{"", " ", "    "}, {}, "blank lines"},
-      {{"# note", "  !x", "!", "   #"}, {}, "remarks"},
-      {{"a#", "b !"}, {"b !", "a#"}, "a mark inside is part of a command"},
-      {{"\t"}, {"\t"}, "a tab is no blank"},
-      {{"a", "b", "b", "  a"}, {"  a", "b", "a"}, "the newest once only, leading blanks count"},
-      {{"a", "b", "a"}, {"a", "b", "a"}, "an older one again"},
-      {{"a", "A", "a "}, {"a ", "A", "a"}, "compared byte for byte"},
-      {{"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"},
-       {"11", "10", "9", "8", "7", "6", "5", "4", "3", "2"},
-       "the last ten"},
-  };
-  for (const HistoryCase& c : kCases) {
-    Enter(c.entered);
-    EXPECT_EQ(UpToTheBell(), c.recalled) << c.why;
-    EXPECT_EQ(g_stEShHisRec.ulCurNum, c.recalled.size()) << c.why;
-    Forget();
+constexpr LineCase kLines[] = {
+    {"nothing", "", ""},
+    {"blanks", "    ", ""},
+    {"a remark", "   # note", ""},
+    {"another kind", "  !x", ""},
+    {"a mark inside is part of a command", "a!#", "a!#"},
+    {"a tab is no blank", "\t", "\t"},
+    {"a command", "a", "a"},
+    {"leading blanks count", "  a", "  a"},
+    {"a line cut to the buffer", "0123456789", "012345678"},
+};
+
+TEST(History, KeepsWhatIsWorthKeeping) {
+  const ScriptedEditor editor;
+  char buffer[kRoom] = "";
+  for (const LineCase& c : kLines) {
+    ESH_HIS_Add(c.line);
+    (void)ESH_HIS_ArrowUp(sizeof(buffer), buffer);
+    EXPECT_STREQ(buffer, c.newest) << c.why;
   }
 }
 
-TEST_F(HistoryTest, RecallIsCutToTheBuffer) {
-  Enter({std::string(511, 'x')});
-  char buffer[10];
-  ASSERT_EQ(ESH_HIS_ArrowUp(sizeof(buffer), buffer), 1);
-  EXPECT_STREQ(buffer, "xxxxxxxxx");
+TEST(History, KeepsTheLastTenAndNoneTwiceInARow) {
+  const ScriptedEditor editor;
+  for (const char* line : {"0", "1", "2", "2", "3", "2", "A", "a", "4", "5", "6", "7"}) {
+    ESH_HIS_Add(line);
+  }
+  std::string recalled;
+  for (char buffer[kRoom]; ESH_HIS_ArrowUp(sizeof(buffer), buffer) == 1;) {
+    recalled += buffer;
+  }
+  EXPECT_EQ(recalled, "7654aA2321");
+  EXPECT_EQ(g_stEShHisRec.ulCurNum, 10U);
 }
 
 }  // namespace

@@ -2,22 +2,23 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "shell/result.h"
+#include "term/line_editor.h"
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
-#include "util/fixed_text.h"
 #include "util/unique_handle.h"
 
 namespace {
 
-#define MORE            \
-  "---- More ----     " \
-  "\033[19D\033[K"
+constexpr char kMore[] = "---- More ----     \033[19D\033[K";
+
+void StartCommand(std::uint32_t page_length) { g_stESh_Display = {page_length, page_length, 0}; }
 
 /// A text that the pager may change, with nothing behind its end.
 UniqueText Copy(const std::string& text) { return UniqueText(strdup(text.c_str())); }
@@ -40,92 +41,74 @@ std::string Pages(const char* pages) {
     text += Lines(count, line);
     line += count;
     if (*next == 'M') {
-      text += MORE;
+      text += kMore;
       ++next;
     }
   }
   return text;
 }
 
-class PagerTest : public testing::Test {
- protected:
-  static void StartCommand(std::uint32_t page) { g_stESh_Display = {page, page, 0}; }
-};
-
 struct PageCase {
-  const char* keys;
-  const char* pages;
   const char* why;
+  const char* keys;
+  std::uint32_t page_length;
+  std::uint16_t paging;
   int lines;
+  const char* pages;
   std::uint16_t all_shown;
 };
 
 constexpr PageCase kPages[] = {
-    {"  ", "24M23M13", "Space shows a page, the prompt's row counted", 60, 1},
-    {"\r\n  ", "24M1M1M23M11", "Enter shows one line", 60, 1},
-    {"q", "24M", "any other key stops", 60, 0},
-    {" \003", "24M23M", "any other key stops, on any page", 60, 0},
-    {"\033[A", "24M", "a key that sends a sequence is one key", 60, 0},
-    {"", "23", "less than a page", 23, 1},
-    {" ", "24M", "exactly a page", 24, 1},
-    {"x", "24M", "exactly a page, declined", 24, 0},
-    {"\n ", "24M1M", "one line more, and it fills its page", 25, 1},
-    {"  ", "24M23M", "exactly two pages", 47, 1},
+    {"Space shows a page, the prompt's row counted", "  left", 24, 1, 60, "24M23M13", 1},
+    {"Enter shows one line", "\r\n  left", 24, 1, 60, "24M1M1M23M11", 1},
+    {"any other key stops, on any page", " \003left", 24, 1, 60, "24M23M", 0},
+    {"a key that sends a sequence is one key", "\033[A", 24, 1, 60, "24M", 0},
+    {"less than a page", "left", 24, 1, 23, "23", 1},
+    {"exactly a page", " left", 24, 1, 24, "24M", 1},
+    {"exactly a page, declined", "xleft", 24, 1, 24, "24M", 0},
+    {"exactly two pages", "  left", 24, 1, 47, "24M23M", 1},
+    {"paging not wanted", "left", 24, 0, 60, "60", 1},
+    {"paging switched off", "left", 0, 1, 60, "60", 1},
 };
 
-TEST_F(PagerTest, StopsAtEveryFullPage) {
+/// Shows so many lines in texts of seven. @return the last answer.
+std::uint16_t Show(int lines, std::uint16_t paging) {
+  std::uint16_t answer = 1;
+  for (int line = 1; line <= lines && answer == 1; line += 7) {
+    answer = ESH_LINE_DisplayString(Copy(Lines(std::min(7, lines - line + 1), line)).get(), paging);
+  }
+  return answer;
+}
+
+TEST(Pager, StopsAtEveryFullPageOfTheWholeCommand) {
   for (const PageCase& c : kPages) {
-    ScriptedEditor editor(std::string(c.keys) + (c.keys[0] == '\033' ? "" : "left"));
-    StartCommand(24);
-    EXPECT_EQ(ESH_LINE_DisplayString(Copy(Lines(c.lines)).get(), 1), c.all_shown) << c.why;
+    ScriptedEditor editor(c.keys);
+    StartCommand(c.page_length);
+    EXPECT_EQ(Show(c.lines, c.paging), c.all_shown) << c.why;
     EXPECT_EQ(editor.TakeOutput(), Pages(c.pages)) << c.why;
     EXPECT_EQ(editor.TakeKeysLeft(), c.keys[0] == '\033' ? "" : "left") << c.why;
   }
 }
 
-TEST_F(PagerTest, CountsOverAllTheTextsOfACommand) {
-  ScriptedEditor editor(" q");
-  StartCommand(24);
-  EXPECT_EQ(ESH_OutString(Copy(Lines(20)).get()), kSuccess);
-  EXPECT_EQ(editor.TakeOutput(), Pages("20"));
-  EXPECT_EQ(ESH_OutString(Copy(Lines(20, 21)).get()), kSuccess);
-  EXPECT_EQ(ESH_OutString(Copy(Lines(20, 41)).get()), ESH_ERR_FAIL);
-  EXPECT_EQ(Pages("20") + editor.TakeOutput(), Pages("24M23M"));
-}
-
-TEST_F(PagerTest, DoesNotStopUnlessAsked) {
-  ScriptedEditor editor;
-  StartCommand(24);
-  EXPECT_EQ(ESH_LINE_DisplayString(Copy(Lines(60)).get(), 0), 1);
-  EXPECT_EQ(editor.TakeOutput(), Pages("60")) << "paging not wanted";
-  EXPECT_EQ(g_stESh_Display.ulCurLines, 0U) << "paging not wanted";
-  StartCommand(0);
-  EXPECT_EQ(ESH_LINE_DisplayString(Copy(Lines(60)).get(), 1), 1);
-  EXPECT_EQ(editor.TakeOutput(), Pages("60")) << "paging switched off";
-}
-
 struct LineEndCase {
+  const char* why;
   const char* text;
   const char* output;
-  const char* why;
 };
 
 constexpr LineEndCase kLineEnds[] = {
-    {"a\r\nb\r\n", "a\r\nb\r\n", "both"},
-    {"a\nb\n", "a\r\nb\r\n", "line feeds"},
-    {"a\n\rb\n\r", "a\r\nb\r\n", "the other way round"},
-    {"a\n\nb", "a\r\n\r\nb", "a line feed does not swallow another"},
-    {"a\rbc", "a\r\nc", "a carriage return swallows any byte"},
-    {"a\r\r\nb", "a\r\n\r\nb", "also another carriage return"},
-    {"a\r", "a\r\n", "a carriage return at the very end"},
-    {"a\r\n\r", "a\r\n\r\n", "a carriage return at the very end of an empty line"},
-    {"abc", "abc", "no line end is made up"},
-    {"\n", "\r\n", "an empty line"},
-    {"", "", "nothing"},
-    {"%s%n\n", "%s%n\r\n", "text is no format"},
+    {"both", "a\r\nb\r\n", "a\r\nb\r\n"},
+    {"the other way round", "a\n\rb\n\r", "a\r\nb\r\n"},
+    {"a line feed does not swallow another", "a\n\nb", "a\r\n\r\nb"},
+    {"a carriage return swallows any byte", "a\rbc", "a\r\nc"},
+    {"also another carriage return", "a\r\r\nb", "a\r\n\r\nb"},
+    {"a carriage return at the very end", "a\r", "a\r\n"},
+    {"no line end is made up", "abc", "abc"},
+    {"nothing", "", ""},
+    {"text is no format", "%s%n\n", "%s%n\r\n"},
 };
 
-TEST_F(PagerTest, EndsEveryLineTheSameWay) {
+TEST(Pager, EndsEveryLineTheSameWay) {
   ScriptedEditor editor;
   StartCommand(24);
   for (const LineEndCase& c : kLineEnds) {
@@ -134,17 +117,13 @@ TEST_F(PagerTest, EndsEveryLineTheSameWay) {
   }
 }
 
-TEST_F(PagerTest, BeginsBelowTheWholeInputLine) {
-  ScriptedEditor editor;
-  StartCommand(24);
-  CopyBounded(g_stESh_Line.pcBuf, kLineRoom, "display");
-  g_stESh_Line.ulLen = 7;
-  g_stESh_Line.ulCursor = 3;
+TEST(Pager, BeginsBelowTheWholeInputLine) {
+  ScriptedEditor editor("display\002\002\t");
+  (void)ESH_LINE_GetLine(ESH_LINE_MODE_COMMAND, 80);
+  (void)editor.TakeOutput();
   ESH_OutString(Copy("a").get());
-  EXPECT_EQ(editor.TakeOutput(), "\033[4Ca");
-  EXPECT_EQ(g_stESh_Line.ulCursor, 7U);
-  EXPECT_EQ(g_stESh_Line.ulLastCursor, 7U);
-  EXPECT_EQ(g_stESh_Line.ulLastLen, 7U);
+  ESH_OutString(Copy("b").get());
+  EXPECT_EQ(editor.TakeOutput(), "\033[2Cab");
 }
 
 }  // namespace

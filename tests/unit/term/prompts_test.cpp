@@ -11,30 +11,30 @@ namespace {
 #define TAKEN_BACK "\033[1D\033[K"
 
 struct AnswerCase {
+  const char* why;
   const char* keys;
   std::uint16_t yes;
   const char* output;
-  const char* why;
 };
 
 constexpr AnswerCase kAnswers[] = {
-    {"y\n", 1, "y", "yes"},
-    {"Y\r", 1, "Y", "echoed as typed"},
-    {"n\n", 0, "n", "no"},
-    {"N\n", 0, "N", "no"},
-    {"Yy\n", 1, "Y", "the second is not echoed"},
-    {"yn\n", 1, "y", "nor does it change the choice"},
-    {"ny\n", 0, "n", "nor this way round"},
-    {"y\bn\n", 0, "y" TAKEN_BACK "n", "taken back"},
-    {"n\177y\n", 1, "n" TAKEN_BACK "y", "taken back with the other key"},
-    {"\b\177\by\b\by\n", 1, "y" TAKEN_BACK "y", "without a choice nothing is taken back"},
-    {"\n\ry\n", 1, REMINDER REMINDER "y", "Enter needs a choice"},
-    {"y\b\nn\n", 0, "y" TAKEN_BACK REMINDER "n", "one that stands"},
-    {"y\003", 0, "y", "Ctrl+C after a yes"},
-    {"\003", 0, "", "Ctrl+C"},
-    {" q?\t\032\033[A\001y\n", 1, "y", "other keys, without a bell"},
-    {"", 0, "", "no key in time"},
-    {"y", 0, "y", "no Enter in time"},
+    {"yes", "y\n", 1, "y"},
+    {"echoed as typed", "Y\r", 1, "Y"},
+    {"no", "n\n", 0, "n"},
+    {"no", "N\n", 0, "N"},
+    {"the second is not echoed", "Yy\n", 1, "Y"},
+    {"nor does it change the choice", "yn\n", 1, "y"},
+    {"nor this way round", "ny\n", 0, "n"},
+    {"taken back", "y\bn\n", 0, "y" TAKEN_BACK "n"},
+    {"taken back with the other key", "n\177y\n", 1, "n" TAKEN_BACK "y"},
+    {"without a choice nothing is taken back", "\b\177\by\b\by\n", 1, "y" TAKEN_BACK "y"},
+    {"Enter needs a choice", "\n\ry\n", 1, REMINDER REMINDER "y"},
+    {"one that stands", "y\b\nn\n", 0, "y" TAKEN_BACK REMINDER "n"},
+    {"Ctrl+C after a yes", "y\003\n", 0, "y"},
+    {"Ctrl+C, whatever follows", "\003y\n", 0, ""},
+    {"other keys, without a bell", " q?\t\032\033[A\001y\n", 1, "y"},
+    {"no key in time", "", 0, ""},
+    {"no Enter in time", "y", 0, "y"},
 };
 
 TEST(Confirm, TakesYesOnlyForAYesThatStandsAtEnter) {

@@ -7,15 +7,35 @@
 
 #include <cstdlib>
 
+#include "term/history.h"
 #include "term/line_editor.h"
 
-ScriptedEditor::ScriptedEditor(std::string_view keys) : stdio_(keys) {
-  setenv("TERM", "xterm", 1);
+namespace {
+
+void ForgetHistory() {
+  for (ESH_HIS_LINK_S* link = g_stEShHisRec.pstNext; link != &g_stEShHisRec;) {
+    auto* node = static_cast<ESH_HIS_NODE_S*>(link);
+    link = link->pstNext;
+    std::free(node->pcCmd);
+    delete node;
+  }
+  ESH_HIS_Init();
+}
+
+}  // namespace
+
+ScriptedEditor::ScriptedEditor(std::string_view keys, const char* term, unsigned width) : stdio_(keys) {
+  setenv("TERMINFO", ESH_TEST_TERMINFO, 1);
+  setenv("TERM", term, 1);
+  setenv("COLUMNS", std::to_string(width).c_str(), 1);
+  use_env(width == 0 ? FALSE : TRUE);  // or the library makes up a width where the terminal gives none
+  ESH_HIS_Init();
   EXPECT_EQ(ESH_LINE_Init(), 0U);
 }
 
 ScriptedEditor::~ScriptedEditor() {
   ESH_LINE_Exit();
+  ForgetHistory();
   ForgetTerminal();
 }
 

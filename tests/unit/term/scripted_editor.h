@@ -5,10 +5,11 @@
 
 #include "tests/support/scripted_stdio.h"
 
-/// The line editor on an xterm of 80 columns, in this process, with keys that are all typed already.
+/// The line editor on a terminal, in this process, with an empty history and with keys that are all typed already.
 class ScriptedEditor {
  public:
-  explicit ScriptedEditor(std::string_view keys = {});
+  /// @param width of the terminal in columns; 0: as the terminal's description has it.
+  explicit ScriptedEditor(std::string_view keys = {}, const char* term = "xterm", unsigned width = 80);
   ~ScriptedEditor();
   ScriptedEditor(const ScriptedEditor&) = delete;
   ScriptedEditor& operator=(const ScriptedEditor&) = delete;
