@@ -1,5 +1,3 @@
-#include <array>
-
 #include "tests/device/operator_console.h"
 
 namespace {
@@ -62,11 +60,9 @@ TEST_F(FileCommands, CopyAndMoveAskAndTell) {
       {"copy a c", "y", "Copy flash:/a to flash:/c?[Y/N]:y\nStart to copy flash:/a to flash:/c... Done.\n"},
       {"copy a b", "yn", "Copy flash:/a to flash:/b?[Y/N]:y\nflash:/b already exists. Overwrite it?[Y/N]:n\n"},
       {"copy a ./a", "", kSameFile},
-      {"copy a nodir/", "", kNoSuchFile},
       {"copy a nodir/x", "", kNoSuchFile},
       {"copy a b/x", "", kNoSuchFile},
       {"copy dir x", "", kNoSuchFile},
-      {"copy a/ x", "", kNoSuchFile},
       {"copy a dir", "y", "Copy flash:/a to flash:/dir/a?[Y/N]:y\nStart to copy flash:/a to flash:/dir/a... Done.\n"},
       {"copy a cfa0:", "y", "Copy flash:/a to cfa0:/a?[Y/N]:y\nStart to copy flash:/a to cfa0:/a... Done.\n"},
   });

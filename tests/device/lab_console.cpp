@@ -10,17 +10,11 @@ void LabConsole::UseLab() {
   modes_ = Modes();
 }
 
-void LabConsole::RunInLab(const std::string& command) {
-  const device::CommandResult result = Board().RunInLab(command);
-  EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
-}
-
 void LabConsole::SignalSessions(const std::string& server, const std::string& signal) {
   // The server itself is a child of the lab's first process.
-  RunInLab("for process in $(busybox pidof " + server +
-           "); do grep -q 'PPid:[[:space:]]1$' /proc/$process/status || kill -" + signal + " $process; done");
-}
-
-void LabConsole::SignalServer(const std::string& server, const std::string& signal) {
-  RunInLab("kill -" + signal + " $(busybox pidof " + server + ")");
+  const std::string command = "for process in $(busybox pidof " + server +
+                              "); do grep -q 'PPid:[[:space:]]1$' /proc/$process/status || kill -" + signal +
+                              " $process; done";
+  const device::CommandResult result = Board().RunInLab(command);
+  EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
 }

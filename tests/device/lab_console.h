@@ -12,14 +12,10 @@ class LabConsole : public OperatorConsole {
 
   /// Sends a signal to the processes of a server that serve somebody.
   void SignalSessions(const std::string& server, const std::string& signal);
-  /// Sends a signal to a server and all that it started.
-  void SignalServer(const std::string& server, const std::string& signal);
 
   /// The modes at the first prompt.
   [[nodiscard]] const std::string& PromptModes() const { return modes_; }
 
  private:
-  void RunInLab(const std::string& command);
-
   std::string modes_;
 };

@@ -23,23 +23,19 @@ class NativeMedia : public Media {};
 TEST_F(NativeMedia, DirTellsTheTruthAboutEveryEntry) {
   UseDevice();
   const std::string long_name(255, 'n');
-  Run("cd /mnt/flash:; truncate -s 123456789012 large; chmod 400 large; mkdir d; ln -s gone dangling;"
-      "touch -d @1 old; chmod 0 old; touch -d '2100-03-01 00:00:00' new; chmod 200 new;"
-      "echo hidden > .h; echo > 'with blank'; echo > gr\xc3\xbc\xc3\x9f; touch -d @0 large d .h gr* with*");
-  Run("touch -d @0 /mnt/flash:/" + long_name);
-  EXPECT_EQ(Command("dir /all"), ("Directory of flash:\n"
-                                  "     0      drw-           -  Jan 01 1970 00:00:00     d\n"
-                                  "     2      -rw-           1  Jan 01 1970 00:00:00     gr\xc3\xbc\xc3\x9f\n"
-                                  "     3      -r--123456789012  Jan 01 1970 00:00:00     large\n"
-                                  "     4      --w-           0  Mar 01 2100 00:00:00     new\n"
-                                  "     5      -rw-           0  Jan 01 1970 00:00:00     " +
-                                  long_name +
-                                  "\n"
-                                  "     6      ----           0  Jan 01 1970 00:00:01     old\n"
-                                  "     7      -rw-           1  Jan 01 1970 00:00:00     with blank\n"
-                                  "     8      -rwh           7  Jan 01 1970 00:00:00     .h\n"
-                                  "\n32768 KB total (" +
-                                  FreeKilobytes("flash:") + " KB free)\n"));
+  Run("cd /mnt/flash:; truncate -s 123456789012 large; chmod 400 large; ln -s gone dangling; echo > gr\xc3\xbc\xc3\x9f;"
+      "touch -d @0 large gr*; touch -d @1 old; chmod 0 old; touch -d @0 " +
+      long_name);
+  EXPECT_EQ(Command("dir"),
+            "Directory of flash:\n"
+            "     1      -rw-           1  Jan 01 1970 00:00:00     gr\xc3\xbc\xc3\x9f\n"
+            "     2      -r--123456789012  Jan 01 1970 00:00:00     large\n"
+            "     3      -rw-           0  Jan 01 1970 00:00:00     " +
+                long_name +
+                "\n"
+                "     4      ----           0  Jan 01 1970 00:00:01     old\n"
+                "\n32768 KB total (" +
+                FreeKilobytes("flash:") + " KB free)\n");
   Type("dir g\t");
   Expect("dir gr\xc3\xbc\xc3\x9f ");
 }

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "device/device.h"
-#include "tests/support/virtual_screen.h"
 
 /// Waits until a condition holds. @return whether it does.
 [[nodiscard]] bool Eventually(const std::function<bool()>& condition);
@@ -83,19 +82,15 @@ class OperatorConsole : public testing::Test {
 
   /// All that was printed since the boot.
   [[nodiscard]] const std::string& Printed() const { return printed_; }
-  /// What the operator sees.
-  [[nodiscard]] const VirtualScreen& Screen() const { return *screen_; }
   [[nodiscard]] device::Device& Board() { return *board_; }
 
  private:
   bool TakeIn(std::chrono::milliseconds time);
-  void ClearScreen();
 
   static std::unique_ptr<device::Device> board_;
   static device::BootOptions board_options_;  // what the device is made of
   bool is_booted_ = false;                    // by this test, or taken over by it
   bool others_may_use_ = false;
-  std::unique_ptr<VirtualScreen> screen_;
   std::string printed_;
   std::size_t waited_for_ = 0;
 };

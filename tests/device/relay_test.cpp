@@ -63,10 +63,7 @@ class NativeRelay : public testing::Test {
 
   void ExpectTerminalAsBefore() const {
     const termios after = terminal_->Settings();
-    EXPECT_EQ(after.c_lflag, before_.c_lflag);
-    EXPECT_EQ(after.c_iflag, before_.c_iflag);
-    EXPECT_EQ(after.c_oflag, before_.c_oflag);
-    EXPECT_EQ(std::memcmp(after.c_cc, before_.c_cc, sizeof(after.c_cc)), 0);
+    EXPECT_EQ(std::memcmp(&after, &before_, sizeof(after)), 0);
   }
 
   std::unique_ptr<Console> terminal_;

@@ -94,12 +94,6 @@ TEST_F(Transfers, ThatBreakLeaveWhatTheToolLeaves) {
   };
   const std::string login = kLoginShown;
   const auto press_ctrl_c = [this] { Type(kCtrlC); };
-  const auto freeze = [this] {
-    SignalSessions("vsftpd", "STOP");
-    Listen(std::chrono::milliseconds(500));
-    Type(kCtrlC);
-    SignalSessions("vsftpd", "KILL");
-  };
   const auto end_session = [this] {
     SignalSessions("vsftpd", "STOP");  // one must not tell of the other's end
     SignalSessions("vsftpd", "KILL");
@@ -112,8 +106,7 @@ TEST_F(Transfers, ThatBreakLeaveWhatTheToolLeaves) {
   };
   const Break kBreaks[] = {
       {"Ctrl+C", "tftp 10.0.0.1 get big flash:/new", "", press_ctrl_c, "", Left::kPart},
-      {"Ctrl+C", "ftp 10.0.0.1 get big flash:/new", kLogin, press_ctrl_c, login, Left::kPart},
-      {"the server stops answering", "ftp ipv6 fd00::1 get big flash:/new", kLogin, freeze, login, Left::kPart},
+      {"Ctrl+C", "ftp ipv6 fd00::1 get big flash:/new", kLogin, press_ctrl_c, login, Left::kPart},
       {"the server ends the connection in mid file", "ftp 10.0.0.1 get big flash:/new", kLogin, end_session,
        login + "ftpget: unexpected server response: EOF\n", Left::kPart},
       {"the link is gone for a moment", "ftp 10.0.0.1 get big flash:/new", kLogin, pull_and_plug, login, Left::kWhole},
@@ -153,7 +146,6 @@ TEST_F(Transfers, ThatAreRefusedLeaveTheOldFileAlone) {
   };
   const std::string login = kLoginShown;
   const std::string overwrite = "flash:/old already exists. Overwrite it?[Y/N]:y\n";
-  const std::string refused = "can't connect to remote host (10.0.0.1): Connection refused\n";
   const std::string old = "/mnt/flash:/old";
   const std::string card = "/mnt/cfa0:/new";
   const Refusal kRefusals[] = {
@@ -174,13 +166,7 @@ TEST_F(Transfers, ThatAreRefusedLeaveTheOldFileAlone) {
     EXPECT_EQ(SizeOf(refusal.path), refusal.size) << refusal.line;
   }
   EXPECT_GT(SizeOf("/mnt/cfa0:/part"), 200000);
-  SignalServer("vsftpd", "KILL");
-  EXPECT_EQ(Command("ftp 10.0.0.1 get big flash:/old", std::string(kLogin) + "y\r"),
-            login + overwrite + "ftpget: " + refused);
-  EXPECT_EQ(Command("ftp 10.0.0.1 put old new", kLogin), login + "ftpput: " + refused);
-  EXPECT_EQ(SizeOf(old), 4);
   EXPECT_EQ(Modes(), PromptModes());
-  NewDevice();
 }
 
 TEST_F(NativeTransfers, OfMoreBlocksThanTftpHasNumbersFor) {
