@@ -90,11 +90,3 @@ void TestView::Add(const std::string& words, const TestCallbacks& callbacks) {
 }
 
 std::string TestView::TakeRan() { return std::exchange(g_ran, ""); }
-
-std::string TextsOf(const VEC_S& elements) {
-  std::string texts;
-  ForEachSlot<ESH_CMD_ELEMENT_S>(elements, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
-    texts += (texts.empty() ? "" : " ") + std::string(element.pcKeyWord);
-  });
-  return texts;
-}

@@ -30,6 +30,3 @@ class TestView {
  private:
   ESH_VIEW_S* before_;
 };
-
-/// The keywords of a vector of elements in slot order, separated by blanks.
-[[nodiscard]] std::string TextsOf(const VEC_S& elements);

@@ -15,17 +15,12 @@ constexpr char kTooMany[] = "^\r\n % Too many parameters found at '^' position.\
 constexpr char kWrong[] = "^\r\n % Wrong parameter found at '^' position.\r\n";
 constexpr char kIncomplete[] = "^\r\n % Incomplete command found at '^' position.\r\n";
 constexpr char kAmbiguous[] = "^\r\n % Ambiguous command found at '^' position.\r\n";
-constexpr char kPrompt[] = "<boot>";
 
-/// @return what is printed, without the blanks below the prompt, and the command that ran.
+/// @return what is printed, and the command that ran.
 std::string Execute(const std::string& line) {
   testing::internal::CaptureStdout();
   ESH_CmdExecute(SplitLine(line).get());
-  std::string output = testing::internal::GetCapturedStdout();
-  if (output.starts_with(std::string(sizeof(kPrompt) - 1, ' '))) {
-    output.erase(0, sizeof(kPrompt) - 1);
-  }
-  return output + TestView::TakeRan();
+  return testing::internal::GetCapturedStdout() + TestView::TakeRan();
 }
 
 std::string Ran(const char* command) { return std::string(command) + "\n"; }
@@ -85,30 +80,30 @@ TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
       {"a command without an end", "load abcd to", At(13, kIncomplete)},
       {"and words behind it", "load abcd to x", At(13, kUnrecognized)},
   };
-  TestView view(kPrompt, {"alpha one <cr>",
-                          "apple two <cr>",
-                          "beta <cr>",
-                          "betas <cr>",
-                          "interface <cr>",
-                          "interface m-eth0 <cr>",
-                          "gamma one <cr>",
-                          "gauge onyx <cr>",
-                          "gauge ox <cr>",
-                          "delta one <cr>",
-                          "delve <cr>",
-                          "twice <cr>",
-                          "twice <cr>",
-                          "ping X.X.X.X <cr>",
-                          "ping all <cr>",
-                          "set INTEGER<1-5> <cr>",
-                          "set STRING<1-3> <cr>",
-                          "set six <cr>",
-                          "show X:X::X:X <cr>",
-                          "show X:X::X:X/M <cr>",
-                          "move INTEGER<1-5> <cr>",
-                          "move <cr>",
-                          "load STRING<1-4> to",
-                          "load STRING<1-4> to go <cr>"});
+  TestView view("", {"alpha one <cr>",
+                     "apple two <cr>",
+                     "beta <cr>",
+                     "betas <cr>",
+                     "interface <cr>",
+                     "interface m-eth0 <cr>",
+                     "gamma one <cr>",
+                     "gauge onyx <cr>",
+                     "gauge ox <cr>",
+                     "delta one <cr>",
+                     "delve <cr>",
+                     "twice <cr>",
+                     "twice <cr>",
+                     "ping X.X.X.X <cr>",
+                     "ping all <cr>",
+                     "set INTEGER<1-5> <cr>",
+                     "set STRING<1-3> <cr>",
+                     "set six <cr>",
+                     "show X:X::X:X <cr>",
+                     "show X:X::X:X/M <cr>",
+                     "move INTEGER<1-5> <cr>",
+                     "move <cr>",
+                     "load STRING<1-4> to",
+                     "load STRING<1-4> to go <cr>"});
   view.Add("note STRING<1-3> <cr>", {.check = Check});
   view.Add("note INTEGER<7-7> <cr>");
   for (const LineCase& c : kLines) {
@@ -118,7 +113,7 @@ TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
 
 TEST(Execute, RecordsEachParametersOwnWordBeforeTheHandlerRuns) {
   static std::string ran_before;
-  TestView view(kPrompt);
+  TestView view("");
   view.Add("move STRING<1-511> to STRING<1-511> at X.X.X.X <cr>",
            {.records = {ESH_RecordSourceFile, ESH_RecordDestFile, ESH_RecordIPv4}});
   view.Add("set STRING<1-9> <cr>", {.records = {[](const char*) -> std::uint32_t {

@@ -11,10 +11,12 @@
 
 namespace {
 
-void Change(void (*change)(termios& settings)) {
+using Edit = void (*)(termios& settings);
+
+void Change(Edit edit) {
   termios settings{};
   tcgetattr(STDOUT_FILENO, &settings);
-  change(settings);
+  edit(settings);
   tcsetattr(STDOUT_FILENO, TCSANOW, &settings);
 }
 
@@ -31,7 +33,6 @@ void MakeUnusual(termios& settings) {
 void LeaveAMess() {
   Change([](termios& settings) {
     cfmakeraw(&settings);
-    settings.c_cc[VMIN] = 1;
     settings.c_cc[VTIME] = 9;
     settings.c_cc[VSTOP] = 'x';
   });
@@ -50,48 +51,43 @@ termios After(void (*steps)()) {
   return console.Settings();
 }
 
-termios Same(termios saved) { return saved; }
+void AsSaved(termios& /*settings*/) {}
 
-termios Silent(termios saved) {
-  saved.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
-  return saved;
-}
+void WithoutEcho(termios& settings) { settings.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL); }
 
-termios WithoutSpecialKeys(termios saved) {
+void WithoutSpecialKeys(termios& settings) {
   for (const int key : {VQUIT, VSTART, VSTOP, VSUSP}) {
-    saved.c_cc[key] = 0;
+    settings.c_cc[key] = 0;
   }
-  return saved;
 }
 
-termios Raw(termios saved) {
-  saved.c_lflag = 0;
-  saved.c_cc[VMIN] = 0;
-  saved.c_cc[VTIME] = 1;
-  return WithoutSpecialKeys(saved);
+void Raw(termios& settings) {
+  WithoutSpecialKeys(settings);
+  settings.c_lflag = 0;
+  settings.c_cc[VMIN] = 0;
+  settings.c_cc[VTIME] = 1;
 }
 
 struct ModeCase {
   const char* why;
   void (*steps)();
-  termios (*expected)(termios saved);
+  Edit expected;
 };
 
 constexpr ModeCase kModes[] = {
     {"raw", [] { ESH_LINE_SetTermiosMode(); }, Raw},
     {"raw after a tool", [] { LeaveAMess(), ESH_LINE_SetTermiosMode(); }, Raw},
-    {"restored", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(1); }, Same},
-    {"restored after a tool", [] { LeaveAMess(), ESH_LINE_RestoreTermiosMode(1); }, Same},
-    {"without echo", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(0); }, Silent},
-    {"without echo by any other value", [] { LeaveAMess(), ESH_LINE_RestoreTermiosMode(2); }, Silent},
+    {"restored", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(1); }, AsSaved},
+    {"restored after a tool", [] { LeaveAMess(), ESH_LINE_RestoreTermiosMode(1); }, AsSaved},
+    {"without echo", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(0); }, WithoutEcho},
+    {"without echo by any other value", [] { LeaveAMess(), ESH_LINE_RestoreTermiosMode(2); }, WithoutEcho},
     {"no special keys for tools", ESH_LINE_MaskSpecKey, WithoutSpecialKeys},
-    {"special keys back", [] { ESH_LINE_MaskSpecKey(), ESH_LINE_RestoreTermiosMode(1); }, Same},
 };
 
 TEST(ConsoleMode, IsAsItsNextUserNeedsIt) {
-  const termios saved = After([] {});
   for (const ModeCase& c : kModes) {
-    const termios expected = c.expected(saved);
+    termios expected = After([] {});
+    c.expected(expected);
     const termios actual = After(c.steps);
     EXPECT_EQ(actual.c_iflag, expected.c_iflag) << c.why;
     EXPECT_EQ(actual.c_oflag, expected.c_oflag) << c.why;

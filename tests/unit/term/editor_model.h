@@ -12,7 +12,7 @@
 #include "term/line_state.h"
 
 /// The line editor as its rules put it, written for clarity: keys go in, and out come the bytes that it must
-/// write.
+/// write to a terminal like xterm.
 class EditorModel {
  public:
   struct Setup {
@@ -39,7 +39,7 @@ class EditorModel {
   /// One key, or the whole of an escape sequence.
   void Press(std::string_view key) {
     if (!Act(key)) {
-      Control("\a");
+      output_ += "\a";
     }
     if (end_ == ESH_LINE_END_NONE) {
       Redisplay();
@@ -93,7 +93,7 @@ class EditorModel {
 
   bool Insert(char byte) {
     if (text_.size() == setup_.max) {
-      Control("\a");  // and a second one for the refusal
+      output_ += "\a";  // and a second one for the refusal
       return false;
     }
     text_.insert(cursor_, 1, byte);
@@ -171,7 +171,7 @@ class EditorModel {
       const std::size_t kept = longer ? shown_.size() : shorter ? text_.size() : 0;
       Move(shown_cursor_, kept);
       if (!longer) {
-        Control("\033[J");
+        output_ += "\033[J";
       }
       WriteTextFrom(kept);
       shown_cursor_ = text_.size();
@@ -199,14 +199,8 @@ class EditorModel {
   }
 
   void Step(std::int64_t count, char forth, char back) {
-    const std::int64_t steps = std::abs(count);
-    const char direction = count > 0 ? forth : back;
-    if (setup_.term != "esh-steps") {
-      Control(steps == 0 ? "" : "\033[" + std::to_string(steps) + direction);
-      return;
-    }
-    for (std::int64_t i = 0; i < steps; ++i) {
-      output_ += direction == 'D' ? "\b" : std::string("\033[") + direction;
+    if (count != 0) {
+      output_ += "\033[" + std::to_string(std::abs(count)) + (count > 0 ? forth : back);
     }
   }
 
@@ -219,9 +213,6 @@ class EditorModel {
       }
     }
   }
-
-  /// Nothing on a terminal that can do nothing.
-  void Control(std::string_view bytes) { output_ += setup_.term == "esh-still" ? "" : bytes; }
 
   Setup setup_;
   std::string text_;
