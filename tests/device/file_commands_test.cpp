@@ -25,10 +25,7 @@ class FileCommands : public OperatorConsole {
   std::string Ask(const std::string& line, const std::string& answers) {
     std::string keys;
     for (const char answer : answers) keys += {answer, '\r'};
-    return WithoutToolsWords(Command(line, keys));
-  }
-
-  static std::string WithoutToolsWords(std::string printed) {
+    std::string printed = Command(line, keys);
     for (std::size_t start = 0; (start = printed.find("mv: ", start)) != std::string::npos;) {
       printed.erase(start, printed.find('\n', start) + 1 - start);
     }
@@ -134,25 +131,6 @@ TEST_F(FileCommands, AProtectedMediumStaysAsItIs) {
   });
   EXPECT_EQ(OnFlash("cat b c /mnt/cfa0:/a; ls; ls /mnt/cfa0:"), "older\nkept\nkept\na\nb\nc\ndir\na\ndir\n");
   Run("mount -o remount,rw /mnt/cfa0:");
-}
-
-TEST_F(FileCommands, WhatVanishesBetweenQuestionAndAnswerIsTold) {
-  const std::pair<const char*, std::string> kVanishing[] = {
-      {"copy a cfa0:/x", kNoRoom},
-      {"move a cfa0:/x", kNoRoom},
-      {"delete a", std::string(kWait) + "Execution failure.\n"},
-      {"rmdir dir", "The directory doesn't exist.\n"},
-  };
-  UseFiles();
-  for (const auto& [line, printed] : kVanishing) {
-    OnFlash("mkdir -p dir && echo text > a");
-    Type(std::string(line) + "\r");
-    Expect("[Y/N]:");
-    OnFlash("rm a && rmdir dir");
-    Type("y\r");
-    EXPECT_EQ(WithoutToolsWords(Expect("<boot>")), "y\n" + printed + "<boot>") << line;
-  }
-  EXPECT_EQ(OnFlash("ls; ls /mnt/cfa0:"), "b\n");
 }
 
 TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {

@@ -65,17 +65,6 @@ TEST_F(Tools, ReadWhatIsTypedWhileTheyRunAndLeaveTheRest) {
   Expect("The directory is empty.");
 }
 
-TEST_F(Tools, ThatIgnoreCtrlCAreNotBrokenOff) {
-  StartTool("echo ready; read -r line; echo got $line; read -r line; echo got $line\n");
-  Expect("ready");
-  Type("one\r");
-  Expect("got one");
-  Type(kCtrlC);
-  Type("\x1a\x1c\x13two\r");  // nor stopped: the keys are characters now
-  Expect("two");
-  Expect("<boot>");
-}
-
 TEST_F(Tools, ThatStopAreWaitedFor) {
   StartTool("echo $$ > /tmp/pid; kill -STOP $$; echo went on\n");
   ASSERT_TRUE(
