@@ -76,15 +76,16 @@ TEST_F(DirTest, ListsWhatIsNamedThenTheSpace) {
   Make("logs/.a");
   Make("logs/..b/");
   Make("empty/");
+  fs::permissions("logs/.a", fs::perms::owner_read);
   const std::string heading = "Directory of flash:/logs\r\n";
   const std::string plain = heading + "     0      -rw-           5  Jan 02 2024 00:04:05     z\r\n";
   const std::string all = plain +
                           "     1      drwh           -  Jan 02 2024 00:04:05     ..b\r\n"
-                          "     2      -rwh           5  Jan 02 2024 00:04:05     .a\r\n";
+                          "     2      -r-h           5  Jan 02 2024 00:04:05     .a\r\n";
   for (const char* name : {"logs", "logs/", "flash:/logs", "./logs/.", "logs/z", "flash:/logs/z"})
     EXPECT_EQ(Dir(name), plain) << name;
   EXPECT_EQ(Dir("logs", true), all);
-  EXPECT_EQ(Dir("logs/.a"), heading + "     0      -rwh           5  Jan 02 2024 00:04:05     .a\r\n");
+  EXPECT_EQ(Dir("logs/.a"), heading + "     0      -r-h           5  Jan 02 2024 00:04:05     .a\r\n");
   EXPECT_EQ(Dir("flash:/empty"), kIsEmpty);
   EXPECT_EQ(Dir("flash:/empty", true), kIsEmpty);
   fs::current_path("logs");
@@ -97,6 +98,7 @@ TEST_F(DirTest, ListsWhatIsNamedThenTheSpace) {
 
 TEST_F(DirTest, APlaceWithoutADisplayNameShowsNothing) {
   WriteFile("/tmp/a", "");
+  WriteFile("/tmp/.a", "");
   EXPECT_EQ(ListingOf("/tmp", true), kIsEmpty);
 }
 

@@ -24,7 +24,8 @@ struct FileHelp : PrivateRootTest {
     AddMedium("flash:");
     for (const char* directory : {"cfa0:", "slot0#dir:", "flash:/logs/old"})
       fs::create_directories(std::string("/mnt/") + directory);
-    for (const char* file : {"plain", "flash:/logs/diag.log", "flash:/logs/.old", "flash:/Log.txt", "flash:/.logrc"})
+    for (const char* file : {"plain", "flash:/logs/diag.log", "flash:/logs/.old", "flash:/Log.txt", "flash:/.logrc",
+                             "flash:/lo:x", "flash:/l*"})
       WriteFile(std::string("/mnt/") + file, "");
     const std::pair<const char*, const char*> links[] = {
         {"SLOT0#cfa0:", "/mnt/cfa0:"},  // however it is spelled

@@ -81,7 +81,7 @@ TEST_F(PackageTool, WarnsOfWhatADeviceDropsSilently) {
       {"attribute 0 only", [](C& c) { c.attribute = 1; }},
       {"gives a device no data", [](C& c) { c.files[3].packing = 1; }},
       {"same device tag", [](C& c) { c.files.push_back(c.files[3]); }},
-      {"longer than 64 bytes", [](C&) {}, "a-name-that-fills-more-than-what-the-record-has-room-for-12345.bin"},
+      {"longer than 64 bytes", [](C&) {}, "a-name-that-is-more-than-what-the-record-has-room-for-123.bin"},
       {"does not end in \".bin\"", [](C&) {}, "good.bin.old"},
   };
   const std::string of_good = WarningsFor(Changed([](C&) {}), "good.bin");
