@@ -36,7 +36,7 @@ TEST(Base64, HasOneFormOnly) {
   for (const auto& [text, bytes] : kGood)
     EXPECT_EQ(std::string(out, out + DecodeBase64(text, out).value_or(0)), bytes) << text;
   for (const char* bad : {"T===", "====", "TQ==TWFu", "TW=u", "TWF", "TWFuT", "TW u", " TWF", "TWF\n", "TWF-", "TWF_",
-                          "TW\tF", "TWFuTWFuTWFuTWFu" /* no room */})
+                          "    TWFu", "TWFu    ", "TW\tF", "TWFuTWFuTWFuTWFu" /* no room */})
     EXPECT_FALSE(DecodeBase64(bad, out)) << bad;
 }
 
