@@ -34,7 +34,7 @@ struct Parser : testing::Test {
   }
 
   TestView view{"<boot>",
-                {"one <cr>", "twin <cr>", "set INTEGER<10-31> <cr>", "set X.X.X.X <cr>", "show X:X::X:X <cr>",
+                {"one <cr>", "twin <cr>", "half", "set INTEGER<10-31> <cr>", "set X.X.X.X <cr>", "show X:X::X:X <cr>",
                  "show X:X::X:X/M <cr>", "show STRING<1-3> <cr>"}};
   ScriptedEditor editor;
 };
@@ -48,7 +48,8 @@ struct ParseCase {
 
 constexpr char kAll[] =
     "\r\nUser view commands:\r\n"
-    "  one   What it is\r\n  set   What it is\r\n  show  What it is\r\n  twin  What it is\r\n  two   What it is\r\n"
+    "  half  What it is\r\n  one   What it is\r\n  set   What it is\r\n  show  What it is\r\n  twin  What it is\r\n  "
+    "two   What it is\r\n"
     "\r\n<boot>";
 
 constexpr ParseCase kLines[] = {
@@ -62,6 +63,7 @@ constexpr ParseCase kLines[] = {
     {"TWO ?", "\r\n  ?...  A name\r\n\r\n<boot>", "", "TWO "},
     {"two fl?", "\r\n  fl...\r\n\r\n<boot>", "", "two fl"},
     {"one ?x ?\n", "\r\n  <cr>  \r\n\r\n<boot>", "", "one "},
+    {"half ?", "\r\n<boot>", "", "half "},  // a command without an end
     {"set 31?", "\r\n  INTEGER<10-31>\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 31"},
     {"set 1?", "\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 1"},
     {"set 1.2.?", "\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 1.2."},
