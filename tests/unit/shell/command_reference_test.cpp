@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <map>
 #include <set>
 #include <string>

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "term/history.h"
 #include "term/key_handlers.h"
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
@@ -14,7 +13,6 @@ namespace {
 TEST(CommandLine, CountsThePagesOfEveryCommandAnew) {
   const ScriptedEditor editor("\n");
   g_stESh_Display = {24, 1, 17};
-  ESH_HIS_Init();
   (void)ESH_LINE_GetCmdLine();
   EXPECT_EQ(g_stESh_Display.ulMoreLines, 24U);
   EXPECT_EQ(g_stESh_Display.ulCurLines, 0U);
