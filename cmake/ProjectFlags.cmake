@@ -8,7 +8,7 @@ target_include_directories(esh_flags INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(esh_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 if(ESH_SANITIZE)
   target_compile_options(esh_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
-                                             -fno-omit-frame-pointer -O1)
+                                             -fno-omit-frame-pointer -g1)
   target_link_options(esh_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
@@ -16,12 +16,20 @@ add_library(esh_product_flags INTERFACE)
 target_link_libraries(esh_product_flags INTERFACE esh_flags)
 target_compile_options(esh_product_flags INTERFACE -fno-exceptions -fno-rtti -fstack-protector-strong
                                                    -fstack-clash-protection -ffunction-sections -fdata-sections)
-if(NOT ESH_SANITIZE)
+if(ESH_SANITIZE)
+  target_compile_options(esh_product_flags INTERFACE -O1)
+else()
   target_compile_definitions(esh_product_flags INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
 endif()
 # The boot image holds libc, terminfo and libcrypto only, so the C++ run-time goes into the binary.
 target_link_options(esh_product_flags INTERFACE -static-libstdc++ -static-libgcc -Wl,-z,relro,-z,now -Wl,--gc-sections
                                                 -Wl,--as-needed)
+
+# What test code is built with. It is never optimised, unlike what it checks: the time to compile it is what one waits
+# for.
+add_library(esh_test_flags INTERFACE)
+target_link_libraries(esh_test_flags INTERFACE esh_flags)
+target_compile_options(esh_test_flags INTERFACE -O0 -fPIE)
 
 # One layer of the shell. It uses only layers below it, which its unit test proves by linking nothing else.
 function(esh_layer name)

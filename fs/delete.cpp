@@ -18,7 +18,7 @@
 namespace {
 
 constexpr char kIsDirectory[] = "Please use 'rmdir' to remove a directory.\r";
-constexpr char kQuestion[] = "Delete %s?[Y/N]:";
+constexpr char kDeleteQuestion[] = "Delete %s?[Y/N]:";
 constexpr char kPleaseWait[] = "Deleting the file permanently will take a long time. Please wait...\r";
 constexpr char kDeleted[] = "Start to delete %s...Done.\r\n";  // no blank before "Done"
 
@@ -37,7 +37,7 @@ std::uint32_t ESH_ProcDelete() {
   if (ESH_FS_GetUserFileNameByFullName(file.full, sizeof(file.display), file.display) != kSuccess) {
     return Refuse(kDoesNotExist);
   }
-  std::printf(kQuestion, file.display);
+  std::printf(kDeleteQuestion, file.display);
   if (!IsConfirmed()) {
     return ESH_ERR_FAIL;
   }

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr char kNoDevice[] = "%s doesn't exist.\r\n";
-constexpr char kQuestion[] = "All data on %s will be lost, proceed with format? [Y/N]:";
+constexpr char kFormatQuestion[] = "All data on %s will be lost, proceed with format? [Y/N]:";
 constexpr char kScript[] = "/etc/pkg/esh/format.sh";
 constexpr char kScratchFolder[] = "/tmp/";
 constexpr std::size_t kMediumPathRoom = 21;
@@ -31,7 +31,7 @@ std::uint32_t ESH_ProcFormat() {
     std::printf(kNoDevice, device.Text());
     return ESH_ERR_FAIL;
   }
-  std::printf(kQuestion, device.Text());
+  std::printf(kFormatQuestion, device.Text());
   if (!IsConfirmed()) {
     return ESH_ERR_FAIL;
   }

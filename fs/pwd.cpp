@@ -10,7 +10,7 @@
 namespace {
 
 constexpr char kCannotBeRead[] = "CheckInvalidFileDir";  // this text, and no line end
-constexpr char kDoesNotExist[] = "Working directory doesn't exist.\r";
+constexpr char kWorkingDirectoryIsGone[] = "Working directory doesn't exist.\r";
 
 }  // namespace
 
@@ -22,7 +22,7 @@ std::uint32_t ESH_ProcPwd() {
   }
   char name[kNameRoom];
   if (ESH_FS_GetUserFileName(directory, sizeof(name), name) != kSuccess) {
-    std::puts(kDoesNotExist);
+    std::puts(kWorkingDirectoryIsGone);
     return ESH_ERR_FAIL;
   }
   std::printf("%s\r\n", name);

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr char kInvalid[] = "The gateway is invalid.\r";
+constexpr char kInvalidGateway[] = "The gateway is invalid.\r";
 constexpr char kUnreachable[] = "The gateway is unreachable.\r";
 constexpr char kNotLinkLocal[] = "The gateway address must be link-local address.\r";
 
@@ -24,7 +24,7 @@ std::uint32_t ESH_ProcIPGateway() {
     return kSuccess;
   }
   if (IsValidIPAddr(g_szMth0IPv4Mask) == 0) {  // without a saved address there is no mask either
-    std::puts(kInvalid);
+    std::puts(kInvalidGateway);
     return kSuccess;
   }
   if (!IsSameSubnet(g_szMth0IPv4Add, g_szMth0IPv4Mask, gateway)) {

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr char kInvalid[] = "Invalid IP address.\r";
+constexpr char kInvalidIpv4[] = "Invalid IP address.\r";
 constexpr unsigned kAddressBits = 32;
 using DottedText = FixedText<16>;
 
@@ -33,7 +33,7 @@ std::uint32_t SetIPv4Address(const char* mask) {
     return kSuccess;
   }
   if (IsValidIPAddr(mask) == 0) {
-    std::puts(kInvalid);
+    std::puts(kInvalidIpv4);
     return kSuccess;
   }
   if (!IsPortShut()) {

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr char kInvalid[] = "Invalid IPv6 address.\r";
+constexpr char kInvalidIpv6[] = "Invalid IPv6 address.\r";
 
 }  // namespace
 
@@ -29,7 +29,7 @@ std::uint32_t ESH_ProcIPv6AddrPreLen() {
   }
   std::uint64_t prefix_length = 0;
   if (!ReadDecimal(g_szIPv6PreLen, prefix_length) || !IsUsableIPv6Address(address, prefix_length)) {
-    std::puts(kInvalid);
+    std::puts(kInvalidIpv6);
     return kSuccess;
   }
   if (!IsPortShut()) {

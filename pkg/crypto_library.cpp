@@ -5,11 +5,11 @@
 namespace {
 
 static_assert(OPENSSL_VERSION_MAJOR == 3);
-constexpr char kLibrary[] = "libcrypto.so.3";
+constexpr char kCryptoLibrary[] = "libcrypto.so.3";
 
 /// Stays loaded: what it was asked for lives on in package readers. @return false when something is missing.
 bool Load(CryptoLibrary& crypto) {
-  void* library = dlopen(kLibrary, RTLD_NOW);
+  void* library = dlopen(kCryptoLibrary, RTLD_NOW);
   if (library == nullptr) {
     return false;
   }

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr char kLibrary[] = "/lib/libun7z.so";
+constexpr char kSevenZipLibrary[] = "/lib/libun7z.so";
 constexpr char kEntry[] = "deCompress7z";
 
 using DecompressFn = std::uint32_t (*)(void* unpacked, const void* packed);
@@ -18,7 +18,7 @@ struct LibraryCloser {
 }  // namespace
 
 std::uint32_t ESH_deCompress7z(void* unpacked, const void* packed) {
-  const std::unique_ptr<void, LibraryCloser> library(dlopen(kLibrary, RTLD_NOW));
+  const std::unique_ptr<void, LibraryCloser> library(dlopen(kSevenZipLibrary, RTLD_NOW));
   if (library == nullptr) {
     return 0;
   }

@@ -14,7 +14,7 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "numbers go over the line as they are in memory");
 
-struct Head {
+struct FrameHead {
   FrameKind kind;
   std::uint32_t id;
   std::int32_t value;
@@ -30,7 +30,7 @@ FrameStream::FrameStream(UniqueFd line) : line_(std::move(line)) {
 }
 
 void FrameStream::Send(FrameKind kind, std::uint32_t id, std::int32_t value, std::string_view bytes) {
-  const Head head{kind, id, value, static_cast<std::uint32_t>(bytes.size())};
+  const FrameHead head{kind, id, value, static_cast<std::uint32_t>(bytes.size())};
   unsent_.append(reinterpret_cast<const char*>(&head), sizeof(head));
   unsent_.append(bytes);
   Flush();
@@ -55,7 +55,7 @@ void FrameStream::Receive() {
 }
 
 std::optional<Frame> FrameStream::Next() {
-  Head head{};
+  FrameHead head{};
   if (received_.size() < sizeof(head)) return std::nullopt;
   std::memcpy(&head, received_.data(), sizeof(head));
   if (received_.size() - sizeof(head) < head.length) return std::nullopt;

@@ -244,11 +244,6 @@ class Machine {
   bool is_up_ = false;
 };
 
-[[noreturn]] void GiveUp(Channel& channel, const std::string& problem) {
-  channel.Send(MessageKind::kProblem, 0, 0, problem);
-  _exit(1);
-}
-
 }  // namespace
 
 void RunMachine(const BootOptions& options, const RootPlan& plan, const std::string& kernel, PowerSupply supply) {

@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,7 @@
 namespace device {
 namespace {
 
-struct Head {
+struct MessageHead {
   MessageKind kind;
   std::uint32_t id;
   std::int32_t value;
@@ -49,7 +50,7 @@ bool Channel::MakePair(UniqueFd& one, UniqueFd& other) {
 bool Channel::Send(MessageKind kind, std::uint32_t id, std::int32_t value, const std::string& text,
                    std::span<const int> descriptors) {
   if (text.size() > kMaxText || descriptors.size() > kMaxDescriptors) return false;
-  Head head{kind, id, value};
+  MessageHead head{kind, id, value};
   std::array<iovec, 2> parts{{{&head, sizeof(head)}, {const_cast<char*>(text.data()), text.size()}}};
   ControlRoom control{};
   msghdr packet{};
@@ -76,7 +77,7 @@ std::optional<Message> Channel::Receive(int milliseconds) {
   const int ready = poll(&waiting, 1, milliseconds);
   if (ready <= 0) return std::nullopt;
 
-  Head head{};
+  MessageHead head{};
   Message message;
   message.text.resize(kMaxText);
   std::array<iovec, 2> parts{{{&head, sizeof(head)}, {message.text.data(), message.text.size()}}};
@@ -101,6 +102,11 @@ std::optional<Message> Channel::Receive(int milliseconds) {
 
 void Channel::Shutdown() {
   if (socket_) shutdown(socket_.Get(), SHUT_RDWR);
+}
+
+void GiveUp(Channel& channel, const std::string& problem) {
+  channel.Send(MessageKind::kProblem, 0, 0, problem);
+  _exit(1);
 }
 
 }  // namespace device

@@ -66,4 +66,7 @@ class Channel {
   bool closed_ = false;
 };
 
+/// Ends the calling process, which was to bring a device up, with the word why not.
+[[noreturn]] void GiveUp(Channel& channel, const std::string& problem);
+
 }  // namespace device

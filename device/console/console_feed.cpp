@@ -21,7 +21,7 @@ constexpr std::string_view kPrompts[] = {"<boot>",    "[boot]", "[boot-m-eth0]",
 constexpr std::size_t kTailLength = 64;
 constexpr milliseconds kQuietAtPrompt{60};     // what looks like a prompt may still be the middle of an output
 constexpr milliseconds kQuietElsewhere{3000};  // longer than ping's pause between two lines
-constexpr milliseconds kGlance{20};
+constexpr milliseconds kFeedGlance{20};
 
 /// Knows from a console's output whether it waits for input.
 class PromptWatch {
@@ -99,7 +99,7 @@ int FeedInput(Device& device, SessionSignals& signals) {
   InputLines lines;
   bool wants_more = false;
   while (!session.Ended()) {
-    const bool readable = session.Step(wants_more ? STDIN_FILENO : -1, kGlance);
+    const bool readable = session.Step(wants_more ? STDIN_FILENO : -1, kFeedGlance);
     prompt.Saw(session.Printed());
     if (session.IsStarting()) prompt.Silent();
     if (readable) lines.ReadMore();

@@ -12,7 +12,7 @@ namespace device {
 namespace {
 
 constexpr char kLeaveKey = 0x1c;                   // Ctrl+\; Ctrl+] belongs to telnet on the device
-constexpr std::chrono::milliseconds kGlance{200};  // how often the device is looked at when nothing happens
+constexpr std::chrono::milliseconds kRelayGlance{200};  // how often the device is looked at when nothing happens
 
 void PassKeys(ConsoleSession& session) {
   std::array<char, 4096> block{};
@@ -39,7 +39,7 @@ int RelayTerminal(Device& device, SessionSignals& signals) {
   session.Say("Ctrl+\\ leaves the device.");
   while (!session.Ended()) {
     const int input = session.IsTyping() ? -1 : STDIN_FILENO;  // no more keys than the console takes
-    if (session.Step(input, kGlance) && !session.Ended()) PassKeys(session);
+    if (session.Step(input, kRelayGlance) && !session.Ended()) PassKeys(session);
   }
   return *session.Ended();
 }

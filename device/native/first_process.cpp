@@ -168,11 +168,6 @@ void CollectProcesses(pid_t shell, CommandServer& commands, Channel& channel) {
   }
 }
 
-[[noreturn]] void GiveUp(Channel& channel, const std::string& problem) {
-  channel.Send(MessageKind::kProblem, 0, 0, problem);
-  _exit(1);
-}
-
 }  // namespace
 
 void RunNativeFirstProcess(const BootOptions& options, const RootPlan& plan, PowerSupply supply) {

@@ -8,8 +8,8 @@
 namespace mkpkg {
 namespace {
 
-constexpr std::size_t kPiece = 1 << 18;  // between two looks at the progress
-constexpr char kEntryName[] = "data";    // of the only file in a 7z archive; nobody reads it
+constexpr std::size_t kWriteSize = 1 << 18;  // between two looks at the progress
+constexpr char kEntryName[] = "data";        // of the only file in a 7z archive; nobody reads it
 
 int SetUpGz(archive* output) {
   const int result = archive_write_add_filter_gzip(output);
@@ -38,7 +38,7 @@ const Method& MethodOf(Compression compression) {
 
 bool WriteData(archive* output, std::string_view data, Progress& progress) {
   for (std::string_view rest = data; !rest.empty();) {
-    const la_ssize_t written = archive_write_data(output, rest.data(), std::min(rest.size(), kPiece));
+    const la_ssize_t written = archive_write_data(output, rest.data(), std::min(rest.size(), kWriteSize));
     if (written <= 0) return false;
     rest.remove_prefix(static_cast<std::size_t>(written));
     progress.Advance(static_cast<std::size_t>(written));

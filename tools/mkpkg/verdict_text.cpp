@@ -10,7 +10,7 @@ struct VerdictText {
   const char* name;
   const char* reason;
 };
-constexpr VerdictText kTexts[] = {
+constexpr VerdictText kVerdictTexts[] = {
     {PackageVerdict::kGood, "good", "nothing speaks against it"},
     {PackageVerdict::kCannotOpen, "cannot-open", "there is no such file, or it is no regular, readable one"},
     {PackageVerdict::kNoMainHead, "no-main-head", "it is shorter than the main head of a package"},
@@ -37,10 +37,10 @@ constexpr VerdictText kTexts[] = {
 };
 
 const VerdictText& TextOf(PackageVerdict verdict) {
-  for (const VerdictText& text : kTexts) {
+  for (const VerdictText& text : kVerdictTexts) {
     if (text.verdict == verdict) return text;
   }
-  return kTexts[0];
+  return kVerdictTexts[0];
 }
 
 }  // namespace
