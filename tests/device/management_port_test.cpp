@@ -74,7 +74,7 @@ class ManagementPort : public OperatorConsole {
   std::string ExpectRightDisplay() { return ExpectShown("display interface m-eth0", kPortAsSeenOtherwise); }
 };
 
-/// What the tools do does not depend on the kernel: whether it is done does, and when.
+/// Step by step what is saved and what is applied again, which is the same on every kernel.
 class NativeManagementPort : public ManagementPort {
  protected:
   struct Step {
@@ -99,7 +99,6 @@ constexpr char kDown[] = "ifconfig m-eth0 0.0.0.0\nifconfig m-eth0 down\n";
 constexpr char kPortUp[] = "ifconfig m-eth0 up\n";
 constexpr char kNoGateway[] = "route del default\n";
 constexpr char kNoGateway6[] = "route -A inet6 del ::/0\n";
-constexpr char kInvalid[] = "Invalid IP address.\n";
 
 std::string Address(const std::string& address) { return "ifconfig m-eth0 " + address + " netmask 255.255.255.0\n"; }
 std::string Address6(const std::string& address) { return "ifconfig m-eth0 " + address + "/64\n"; }
@@ -112,12 +111,10 @@ TEST_F(NativeManagementPort, SavesAnAddressWhenItsToolWorked) {
   ExpectSteps({
       {"undo ip address", ""},
       {"undo ipv6 address", ""},
-      {"ip address 10.9.1.255 24", "", "", kInvalid},
-      {"ip address 127.0.0.1 8", "", "", kInvalid},
+      {"ip address 10.9.1.255 24", "", "", "Invalid IP address.\n"},
       {"ip address 10.9.1.1 24", Address("10.9.1.1"), Address("10.9.1.1")},
       {"ip address 10.9.1.1 24", Address("10.9.1.1")},
       {"ip address 10.9.1.1 255.255.255.0", ""},
-      {"ip address 10.9.1.1 31", "", "", kInvalid},
       {"ipv6 address fd09:0::1 064", Address6("fd09::1")},
       {"ipv6 address fd09::1 64", ""},
       {"ipv6 address fd09:: 64", "", "", "Invalid IPv6 address.\n"},

@@ -53,7 +53,7 @@ void OperatorConsole::SetUp() {
 }
 
 void OperatorConsole::TearDown() {
-  if (HasFailure() && board_ != nullptr) {
+  if (HasFailure() && !printed_.empty()) {
     GTEST_MESSAGE_AT_(__FILE__, __LINE__,
                       ("on the " + DeviceName() + " device, whose console says:\n" + printed_).c_str(),
                       testing::TestPartResult::kNonFatalFailure);
