@@ -2,13 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "shell/view.h"
 #include "term/completion.h"
+#include "term/line_editor.h"
 #include "term/line_state.h"
 #include "tests/support/test_view.h"
-#include "tests/unit/term/scripted_editor.h"
 #include "util/fixed_text.h"
 
 namespace {
@@ -20,23 +21,28 @@ std::uint32_t ListTheWord(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S
 
 struct Parser : testing::Test {
   Parser() {
+    setenv("TERM", "vt100", 1);
+    EXPECT_EQ(ESH_LINE_Init(), 0U);
     g_pstEshUserView = g_pstEshCurrentView;
     ESH_SetCmdMode(g_pstEshUserView);
     view.Add("two STRING<1-511> <cr>", {.help = ListTheWord});
   }
-  ~Parser() override { g_pstEshUserView = g_pstEshSysView = nullptr; }
+  ~Parser() override {
+    ESH_LINE_Exit();
+    g_pstEshUserView = nullptr;
+  }
 
   /// @return what appears on the console.
-  std::string Parse(const std::string& line) {
+  static std::string Parse(const std::string& line) {
     CopyBounded(g_stESh_Line.pcBuf, kLineRoom, line);
+    testing::internal::CaptureStdout();
     ESH_CmdParser(g_stESh_Line.pcBuf);
-    return editor.TakeOutput();
+    return testing::internal::GetCapturedStdout();
   }
 
   TestView view{"<boot>",
                 {"one <cr>", "twin <cr>", "half", "set INTEGER<10-31> <cr>", "set X.X.X.X <cr>", "show X:X::X:X <cr>",
                  "show X:X::X:X/M <cr>", "show STRING<1-3> <cr>"}};
-  ScriptedEditor editor;
 };
 
 struct ParseCase {
