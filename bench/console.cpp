@@ -104,11 +104,11 @@ void MeasureKeys(const std::string& shell) {
   Require(console.ReadUntil(kPrompt).ends_with(kPrompt), "the shell shows no prompt under strace");
   EditorModel model({.term = "xterm", .width = 80, .prompt = kPrompt, .mode = 0, .max = 511});
   model.Start();
-  (void)model.TakeExpected();
+  (void)model.TakeOutput();
   const auto press = [&](char key) {
     const std::string typed(1, key);
     model.Press(typed);
-    const std::string expected = model.TakeExpected().bytes;
+    const std::string expected = model.TakeOutput();
     console.Type(typed);
     const std::string output = console.Read(expected.size());
     Require(output == expected, "a key is not answered as the rule of redisplay says");

@@ -1,9 +1,10 @@
 #!/bin/bash
-# Runs clang-tidy over the sources that the release build compiles. The one argument is the number of processes.
+# Runs clang-tidy over the sources, as the release build compiles them. The one argument is the number of processes.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
-build=build/release
+cmake --preset lint > /dev/null || exit 1
+build=build/lint
 sources=$(find shell term fs net pkg remote util device tools tests -name '*.cpp' ! -path 'device/arm64/guest/*' | sort)
 # shellcheck disable=SC2086 # one word per source
 printf '%s\n' $sources | xargs -P "${1:-1}" -n 2 clang-tidy -p $build --quiet 2> $build/lint.log

@@ -38,7 +38,7 @@ bool CycleGoesOn(const char* word) {
 }
 
 void DropPlaceholders(VEC_S& list) {
-  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
+  ForEachHelpLine(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
     if (ESH_Variable(line.szKeyWord) == 1 || std::strcmp(line.szKeyWord, kCrWord) == 0) {
       FreeHelpRecord(static_cast<ESH_HELP_INFO_S*>(VEC_Del(&list, index)));
     }
@@ -62,7 +62,7 @@ UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const cha
 /// The first of the shortest candidates.
 std::string_view Shortest(const VEC_S& candidates) {
   std::string_view shortest;
-  ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
+  ForEachHelpLine(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
     const std::string_view keyword(candidate.szKeyWord);
     if (shortest.empty() || keyword.size() < shortest.size()) {
       shortest = keyword;
@@ -76,7 +76,7 @@ std::string_view Shortest(const VEC_S& candidates) {
 std::string_view CommonPrefix(const VEC_S& candidates, std::size_t known) {
   const std::string_view model = Shortest(candidates);
   std::size_t shared = model.size();
-  ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
+  ForEachHelpLine(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
     std::size_t agreed = known;
     while (agreed < shared && LowerCase(candidate.szKeyWord[agreed]) == LowerCase(model[agreed])) {
       ++agreed;

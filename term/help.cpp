@@ -71,7 +71,7 @@ struct KeywordWidth {
 
 std::size_t WidestColumn(const VEC_S& list) {
   std::size_t widest = 0;
-  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
+  ForEachHelpLine(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
     widest = std::max(widest, KeywordWidth(line.szKeyWord).Column());
   });
   return widest;
@@ -114,7 +114,7 @@ void AddWholeLine(const ESH_HELP_INFO_S& line, std::size_t widest, HelpOutput& o
 }
 
 void PrintNames(const VEC_S& list, HelpOutput& output) {
-  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
+  ForEachHelpLine(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
     FixedText<kHelpRoom + kNameExtra> row;
     row.AppendText("  ");
     row.AppendText(line.szKeyWord);
@@ -198,6 +198,5 @@ void PrintHelpVec(VEC_S* list, std::uint16_t whole) {
 void PrintWholeHelp(const VEC_S* list, char* output) {
   HelpOutput lines(output);
   const std::size_t widest = WidestColumn(*list);
-  ForEachSlot<ESH_HELP_INFO_S>(*list,
-                               [&](std::uint64_t, const ESH_HELP_INFO_S& line) { AddWholeLine(line, widest, lines); });
+  ForEachHelpLine(*list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) { AddWholeLine(line, widest, lines); });
 }

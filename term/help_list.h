@@ -30,6 +30,21 @@ std::uint32_t ESH_NewHelpInfo(const char* keyword, const char* help, VEC_S* list
 /// Frees every record and the list. NULL is allowed.
 void ESH_FreeHelpInfoVec(VEC_S* list);
 
+/// The lines of a long list lie far apart: this many ahead are fetched while one is looked at.
+inline constexpr std::uint64_t kLinesAhead = 8;
+
+/// Visits every line in index order.
+/// @param visit called with the index and the record, which it may remove.
+template <typename Visit>
+void ForEachHelpLine(const VEC_S& list, Visit visit) {
+  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
+    if (index + kLinesAhead < list.ulCapacity) {
+      __builtin_prefetch(list.ppvArray[index + kLinesAhead]);
+    }
+    visit(index, line);
+  });
+}
+
 struct HelpListFreer {
   void operator()(VEC_S* list) const { ESH_FreeHelpInfoVec(list); }
 };

@@ -1,16 +1,13 @@
 #include "term/help_records.h"
 
-#include <sys/mman.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 
 #include "term/help_list.h"
+#include "util/large_pages.h"
 
 namespace {
-
-constexpr std::size_t kBlockSize = std::size_t{2} << 20;  // a large page of x86-64, and of arm64 with 4 KB pages
 
 /// A block stands at a multiple of its size, so that a record's address tells which block it is in.
 struct Block {
@@ -18,13 +15,13 @@ struct Block {
   std::size_t live;  // of these, the ones not freed yet
   ESH_HELP_INFO_S records[1];
 };
-constexpr std::size_t kRecordsInBlock = (kBlockSize - offsetof(Block, records)) / sizeof(ESH_HELP_INFO_S);
+constexpr std::size_t kRecordsInBlock = (kLargePage - offsetof(Block, records)) / sizeof(ESH_HELP_INFO_S);
 
 /// The block that is being filled. It stays when it is empty: the next list is not far.
 Block* g_filling = nullptr;
 
 Block* BlockOf(ESH_HELP_INFO_S* record) {
-  const std::size_t offset = reinterpret_cast<std::uintptr_t>(record) & (kBlockSize - 1);
+  const std::size_t offset = reinterpret_cast<std::uintptr_t>(record) & (kLargePage - 1);
   return reinterpret_cast<Block*>(reinterpret_cast<char*>(record) - offset);
 }
 
@@ -33,13 +30,11 @@ Block* BlockWithRoom() {
   if (g_filling != nullptr && g_filling->used < kRecordsInBlock) {
     return g_filling;
   }
-  auto* block = static_cast<Block*>(std::aligned_alloc(kBlockSize, kBlockSize));
+  // A short list, which most are, is better off with the few small pages that it touches.
+  auto* block = static_cast<Block*>(g_filling == nullptr ? std::aligned_alloc(kLargePage, kLargePage)
+                                                         : AllocateLargePages(kLargePage));
   if (block == nullptr) {
     return nullptr;
-  }
-  if (g_filling != nullptr) {
-    // The list is a long one. A short one, which most are, is better off with the few small pages that it touches.
-    (void)madvise(block, kBlockSize, MADV_HUGEPAGE);  // a kernel without large pages is slower, no more
   }
   block->used = 0;
   block->live = 0;

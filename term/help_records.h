@@ -2,8 +2,7 @@
 
 struct ESH_HELP_INFO_S;
 
-/// Memory for the records of help lists. A list of 100,000 file names takes 100 MB, most of it never written to; with
-/// ordinary pages the kernel's work for each of the 25,000 would take longer than all that is done with the list.
+/// Memory for the records of help lists. A list of 100,000 file names takes 100 MB, most of it never written to.
 
 /// @return an uninitialised record, to be freed with FreeHelpRecord; NULL when memory is short.
 [[nodiscard]] ESH_HELP_INFO_S* NewHelpRecord();

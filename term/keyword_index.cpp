@@ -5,19 +5,32 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <span>
+#include <string_view>
 #include <utility>
 
 #include "term/help_list.h"
+#include "util/large_pages.h"
 #include "util/vector.h"
 
 namespace {
 
 constexpr std::size_t kMinSlots = 64;
+constexpr std::size_t kGrowth = 4;  // the entries must all be placed anew, so not often
 
-std::size_t Hash(std::string_view text) { return std::hash<std::string_view>{}(text); }
+std::uint32_t Hash(std::string_view text) { return static_cast<std::uint32_t>(std::hash<std::string_view>{}(text)); }
 
 /// At most half of the slots are used, which keeps the search for a free one short.
 std::size_t SlotsFor(std::size_t records) { return std::max(kMinSlots, std::bit_ceil(records * 2 + 2)); }
+
+/// @return zeroed memory, or NULL.
+void* NewTable(std::size_t size) {
+  if (size < kLargePage) {
+    return std::calloc(size, 1);
+  }
+  void* table = AllocateLargePages(size);
+  return table == nullptr ? nullptr : std::memset(table, 0, size);
+}
 
 }  // namespace
 
@@ -31,19 +44,19 @@ void KeywordIndex::Follow(const VEC_S& list) {
 
 bool KeywordIndex::Holds(const char* keyword) const {
   if (table_ != nullptr) {
-    return table_[SlotFor(keyword, Hash(keyword))].record != nullptr;
+    return SlotFor(keyword, Hash(keyword)).place != 0;
   }
   return FindSlot<ESH_HELP_INFO_S>(*list_, [&](const ESH_HELP_INFO_S& record) {
            return std::strcmp(record.szKeyWord, keyword) == 0;
          }) != nullptr;
 }
 
-void KeywordIndex::Added(const VEC_S& list, const ESH_HELP_INFO_S& record) {
+void KeywordIndex::Added(const VEC_S& list, std::uint64_t index) {
   Note(list);
   if (table_ != nullptr && SlotsFor(used_ + 1) > slots_) {
     Grow();
   }
-  Insert({&record, Hash(record.szKeyWord)});
+  Insert(EntryFor(index));
 }
 
 void KeywordIndex::Forget() {
@@ -64,21 +77,19 @@ void KeywordIndex::Note(const VEC_S& list) {
 
 void KeywordIndex::Rebuild(std::size_t slots) {
   std::free(table_);
-  table_ = static_cast<Entry*>(std::calloc(slots, sizeof(Entry)));
+  table_ = static_cast<Entry*>(NewTable(slots * sizeof(Entry)));
   slots_ = slots;
   used_ = 0;
-  ForEachSlot<ESH_HELP_INFO_S>(*list_, [&](std::uint64_t, const ESH_HELP_INFO_S& record) {
-    Insert({&record, Hash(record.szKeyWord)});
-  });
+  ForEachHelpLine(*list_, [&](std::uint64_t index, const ESH_HELP_INFO_S&) { Insert(EntryFor(index)); });
 }
 
 void KeywordIndex::Grow() {
-  Entry* const old = std::exchange(table_, static_cast<Entry*>(std::calloc(slots_ * 2, sizeof(Entry))));
-  const std::size_t old_slots = std::exchange(slots_, slots_ * 2);
+  const std::size_t old_slots = std::exchange(slots_, slots_ * kGrowth);
+  Entry* const old = std::exchange(table_, static_cast<Entry*>(NewTable(slots_ * sizeof(Entry))));
   used_ = 0;
-  for (std::size_t i = 0; i < old_slots; ++i) {
-    if (old[i].record != nullptr) {
-      Insert(old[i]);
+  for (const Entry& entry : std::span(old, old_slots)) {
+    if (entry.place != 0) {
+      Insert(entry);
     }
   }
   std::free(old);
@@ -86,15 +97,25 @@ void KeywordIndex::Grow() {
 
 void KeywordIndex::Insert(Entry entry) {
   if (table_ != nullptr) {
-    table_[SlotFor(entry.record->szKeyWord, entry.hash)] = entry;
+    SlotFor(KeywordOf(entry), entry.hash) = entry;
     ++used_;
   }
 }
 
-std::size_t KeywordIndex::SlotFor(std::string_view keyword, std::size_t hash) const {
+KeywordIndex::Entry KeywordIndex::EntryFor(std::uint64_t index) const {
+  Entry entry{static_cast<std::uint32_t>(index + 1), 0};
+  entry.hash = Hash(KeywordOf(entry));
+  return entry;
+}
+
+const char* KeywordIndex::KeywordOf(Entry entry) const {
+  return static_cast<const ESH_HELP_INFO_S*>(array_[entry.place - 1])->szKeyWord;
+}
+
+KeywordIndex::Entry& KeywordIndex::SlotFor(const char* keyword, std::uint32_t hash) const {
   std::size_t slot = hash & (slots_ - 1);
-  while (table_[slot].record != nullptr && (table_[slot].hash != hash || keyword != table_[slot].record->szKeyWord)) {
+  while (table_[slot].place != 0 && (table_[slot].hash != hash || std::strcmp(keyword, KeywordOf(table_[slot])) != 0)) {
     slot = (slot + 1) & (slots_ - 1);
   }
-  return slot;
+  return table_[slot];
 }

@@ -2,10 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 struct VEC_S;
-struct ESH_HELP_INFO_S;
 
 /// Finds a keyword in a help list without walking it: a hash table of the list's records, beside the list. Walking
 /// costs the square of the list's length, which a directory of 100,000 files does not forgive.
@@ -18,15 +16,16 @@ class KeywordIndex {
   void Follow(const VEC_S& list);
   /// Whether the list holds a record with exactly this keyword.
   [[nodiscard]] bool Holds(const char* keyword) const;
-  /// Notes a record that was appended to the list.
-  void Added(const VEC_S& list, const ESH_HELP_INFO_S& record);
+  /// Notes the record that was put into the list at this index.
+  void Added(const VEC_S& list, std::uint64_t index);
   /// Gives the memory back.
   void Forget();
 
  private:
+  /// Small, so that the table of a long list stays in the processor's caches.
   struct Entry {
-    const ESH_HELP_INFO_S* record;  // NULL: the slot is free
-    std::size_t hash;               // tells nearly all other keywords apart without a look at the record
+    std::uint32_t place;  // the record's index in the list, plus one; 0: the slot is free
+    std::uint32_t hash;   // tells nearly all other keywords apart without a look at the record
   };
 
   [[nodiscard]] bool IsUpToDate(const VEC_S& list) const;
@@ -34,7 +33,9 @@ class KeywordIndex {
   void Rebuild(std::size_t slots);
   void Grow();
   void Insert(Entry entry);
-  [[nodiscard]] std::size_t SlotFor(std::string_view keyword, std::size_t hash) const;
+  [[nodiscard]] Entry EntryFor(std::uint64_t index) const;
+  [[nodiscard]] const char* KeywordOf(Entry entry) const;
+  [[nodiscard]] Entry& SlotFor(const char* keyword, std::uint32_t hash) const;
 
   const VEC_S* list_ = nullptr;
   void** array_ = nullptr;  // the list as it was when last seen

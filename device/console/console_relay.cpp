@@ -11,7 +11,7 @@
 namespace device {
 namespace {
 
-constexpr char kLeaveKey = 0x1c;                   // Ctrl+\; Ctrl+] belongs to telnet on the device
+constexpr char kLeaveKey = 0x1c;                        // Ctrl+\; Ctrl+] belongs to telnet on the device
 constexpr std::chrono::milliseconds kRelayGlance{200};  // how often the device is looked at when nothing happens
 
 void PassKeys(ConsoleSession& session) {
