@@ -57,6 +57,15 @@ std::string TypedKeys() {
   return std::string(100, 'a') + left + "insert" + deleted + cut + "\x01 \x05 end\x06\x06";
 }
 
+/// What the terminal gets for what the editor writes: the console puts a "\r" before each "\n".
+std::string OnTheLine(std::string_view written) {
+  std::string line;
+  for (const char byte : written) {
+    line += byte == '\n' ? std::string("\r\n") : std::string(1, byte);
+  }
+  return line;
+}
+
 struct KeyCost {
   int calls = 0;
   int writes = 0;
@@ -108,7 +117,7 @@ void MeasureKeys(const std::string& shell) {
   const auto press = [&](char key) {
     const std::string typed(1, key);
     model.Press(typed);
-    const std::string expected = model.TakeOutput();
+    const std::string expected = OnTheLine(model.TakeOutput());
     console.Type(typed);
     const std::string output = console.Read(expected.size());
     Require(output == expected, "a key is not answered as the rule of redisplay says");
