@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <optional>
 #include <system_error>
+#include <utility>
 #include <vector>
+
+#include "device/board/file_bytes.h"
 
 namespace device {
 namespace {
@@ -43,9 +45,9 @@ std::string CpioArchive::AddTree(const std::string& directory) {
     std::string bytes;
     if (S_ISLNK(mode)) bytes = fs::read_symlink(entry.path(), error).string();
     if (S_ISREG(mode)) {
-      std::ifstream file(entry.path(), std::ios::binary);
-      if (!file) return "cannot read " + entry.path().string();
-      bytes.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+      std::optional<std::string> contents = FileBytes(entry.path());
+      if (!contents) return "cannot read " + entry.path().string();
+      bytes = std::move(*contents);
     }
     const std::uint32_t links = S_ISDIR(mode) ? 2 : 1;
     Add({entry.path().lexically_relative(directory).string(), mode, links, 0, 0}, bytes);

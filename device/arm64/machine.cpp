@@ -31,6 +31,7 @@
 #include "device/arm64/lab_cable.h"
 #include "device/arm64/packed_texts.h"
 #include "device/arm64/stream_carrier.h"
+#include "device/board/file_bytes.h"
 #include "device/board/namespaces.h"
 #include "device/board/shell_start.h"
 #include "device/board/signal_file.h"
@@ -274,8 +275,7 @@ void RunMachine(const BootOptions& options, const RootPlan& plan, const std::str
   const int status = machine.ServeUntilDown(emulator, signals.Get());
   if (machine.IsUp()) _exit(status);
   std::string text = machine.LastWords();
-  std::ifstream log_file(log_path);
-  if (text.empty()) text.assign(std::istreambuf_iterator<char>(log_file), std::istreambuf_iterator<char>());
+  if (text.empty()) text = FileBytes(log_path).value_or("");
   GiveUp(supply.channel, "the machine went down before it was up: " + ReasonIn(text));
 }
 

@@ -4,9 +4,9 @@
 
 #include <bit>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string_view>
+
+#include "device/board/file_bytes.h"
 
 namespace device {
 namespace {
@@ -77,8 +77,7 @@ std::vector<std::string> NeededLibraries(const ElfBytes& elf) {
 }  // namespace
 
 std::optional<ElfNeeds> ReadElfNeeds(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  const ElfBytes elf(std::string{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()});
+  const ElfBytes elf(FileBytes(path).value_or(""));
   if (!elf.IsElf()) return std::nullopt;
   ElfNeeds needs;
   for (const Elf64_Phdr& segment : elf.Segments(PT_INTERP)) needs.loader = elf.TextAt(segment.p_offset);

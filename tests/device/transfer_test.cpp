@@ -2,8 +2,8 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 
+#include "device/board/file_bytes.h"
 #include "tests/device/lab_console.h"
 
 namespace {
@@ -42,8 +42,7 @@ class Transfers : public LabConsole {
     std::ofstream(directory_ / name, std::ios::binary) << bytes;
   }
   [[nodiscard]] static std::string Received(const std::string& name) {
-    std::ifstream file(directory_ / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return device::FileBytes(directory_ / name).value_or("");
   }
   /// @return bytes of a file on the device; -1: there is none.
   long SizeOf(const std::string& path) { return std::stol(Run("stat -c %s '" + path + "' 2> /dev/null || echo -1")); }
