@@ -213,6 +213,7 @@ void QuickSortStrVec(VEC_S* list, std::int64_t lo, std::int64_t hi) {
   if (lo >= hi) {
     return;
   }
+  g_index.Forget();  // it knows the lines by their places
   const std::span<void*> records(list->ppvArray + lo, static_cast<std::size_t>(hi - lo) + 1);
   const auto last = static_cast<std::int64_t>(records.size()) - 1;
   const std::unique_ptr<SortEntry[]> entries(new (std::nothrow) SortEntry[records.size()]);

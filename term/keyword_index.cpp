@@ -44,7 +44,7 @@ void KeywordIndex::Follow(const VEC_S& list) {
 
 bool KeywordIndex::Holds(const char* keyword) const {
   if (table_ != nullptr) {
-    return SlotFor(keyword, Hash(keyword)).place != 0;
+    return table_[SlotFor(keyword, Hash(keyword))].place != 0;
   }
   return FindSlot<ESH_HELP_INFO_S>(*list_, [&](const ESH_HELP_INFO_S& record) {
            return std::strcmp(record.szKeyWord, keyword) == 0;
@@ -88,7 +88,7 @@ void KeywordIndex::Grow() {
   Entry* const old = std::exchange(table_, static_cast<Entry*>(NewTable(slots_ * sizeof(Entry))));
   used_ = 0;
   for (const Entry& entry : std::span(old, old_slots)) {
-    if (entry.place != 0) {
+    if (entry.place != 0 && KeywordOf(entry) != nullptr) {
       Insert(entry);
     }
   }
@@ -97,7 +97,7 @@ void KeywordIndex::Grow() {
 
 void KeywordIndex::Insert(Entry entry) {
   if (table_ != nullptr) {
-    SlotFor(KeywordOf(entry), entry.hash) = entry;
+    table_[SlotFor(KeywordOf(entry), entry.hash)] = entry;
     ++used_;
   }
 }
@@ -109,13 +109,19 @@ KeywordIndex::Entry KeywordIndex::EntryFor(std::uint64_t index) const {
 }
 
 const char* KeywordIndex::KeywordOf(Entry entry) const {
-  return static_cast<const ESH_HELP_INFO_S*>(array_[entry.place - 1])->szKeyWord;
+  const auto* record = static_cast<const ESH_HELP_INFO_S*>(array_[entry.place - 1]);
+  return record == nullptr ? nullptr : record->szKeyWord;
 }
 
-KeywordIndex::Entry& KeywordIndex::SlotFor(const char* keyword, std::uint32_t hash) const {
+bool KeywordIndex::Is(Entry entry, const char* keyword) const {
+  const char* own = KeywordOf(entry);
+  return own != nullptr && std::strcmp(own, keyword) == 0;
+}
+
+std::size_t KeywordIndex::SlotFor(const char* keyword, std::uint32_t hash) const {
   std::size_t slot = hash & (slots_ - 1);
-  while (table_[slot].place != 0 && (table_[slot].hash != hash || std::strcmp(keyword, KeywordOf(table_[slot])) != 0)) {
+  while (table_[slot].place != 0 && (table_[slot].hash != hash || !Is(table_[slot], keyword))) {
     slot = (slot + 1) & (slots_ - 1);
   }
-  return table_[slot];
+  return slot;
 }

@@ -34,8 +34,10 @@ class KeywordIndex {
   void Grow();
   void Insert(Entry entry);
   [[nodiscard]] Entry EntryFor(std::uint64_t index) const;
+  /// NULL when the record was taken out by other hands.
   [[nodiscard]] const char* KeywordOf(Entry entry) const;
-  [[nodiscard]] Entry& SlotFor(const char* keyword, std::uint32_t hash) const;
+  [[nodiscard]] bool Is(Entry entry, const char* keyword) const;
+  [[nodiscard]] std::size_t SlotFor(const char* keyword, std::uint32_t hash) const;
 
   const VEC_S* list_ = nullptr;
   void** array_ = nullptr;  // the list as it was when last seen

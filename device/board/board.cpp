@@ -72,10 +72,7 @@ class Board {
             LabEnvironment()) {}
 
   [[noreturn]] void Run() {
-    if (const std::string problem = SetUp(); !problem.empty()) {
-      launcher_.Send(MessageKind::kProblem, 0, 0, problem);
-      _exit(1);
-    }
+    if (const std::string problem = SetUp(); !problem.empty()) GiveUp(launcher_, problem);
     std::string lab_notice;
     if (options_.has_lab_servers) lab_notice = StartLabServers(options_, directory_ + "/lab", LabEnvironment());
     launcher_.Send(MessageKind::kBoardReady, 0, 0, lab_notice);

@@ -57,10 +57,7 @@ void KeepOnly(UniqueFd& descriptor) {
   DieWithParent();
   KeepOnly(socket);
   Channel channel(std::move(socket));
-  if (const std::string problem = LeaveHost(); !problem.empty()) {
-    channel.Send(MessageKind::kProblem, 0, 0, problem);
-    _exit(1);
-  }
+  if (const std::string problem = LeaveHost(); !problem.empty()) GiveUp(channel, problem);
   channel.Send(MessageKind::kLeftHost);
   if (!channel.Receive(kSetUpMilliseconds)) _exit(1);
   DieWithParent();  // new identities cleared it

@@ -7,10 +7,11 @@
 namespace device {
 
 std::optional<std::string> FileBytes(const std::string& path) {
-  const std::ifstream file(path, std::ios::binary);
-  if (!file) return std::nullopt;
+  std::ifstream file(path, std::ios::binary);
   std::ostringstream bytes;
-  bytes << file.rdbuf();
+  // To copy nothing counts as a failure.
+  if (!file || (file.peek() != std::ifstream::traits_type::eof() && !(bytes << file.rdbuf())) || file.bad())
+    return std::nullopt;
   return std::move(bytes).str();
 }
 

@@ -217,7 +217,9 @@ TEST_F(NativeInstall, StaysWhenTheNetworkDoesNotGo) {
 }
 
 TEST_F(NativeInstall, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
-  Replace("/bin/gunzip", "#!/bin/sh\nsleep 1\nexec /bin/busybox gunzip \"$@\"\n");
+  Replace(
+      "/bin/gunzip",
+      "#!/bin/sh\nfor i in $(seq 200); do [ -e /tmp/go ] && break; sleep 0.1; done\nexec /bin/busybox gunzip \"$@\"\n");
   BootToPrompt();
   PutBootImage();
   Put(kPackage, Signed(Contents()));
@@ -228,6 +230,7 @@ TEST_F(NativeInstall, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
     Listen(std::chrono::milliseconds(50));
   }
   Run("kill -HUP $(pidof gunzip)");
+  Run("touch /tmp/go");
   Expect("Loaded: flash:/system.bin");
 }
 

@@ -80,7 +80,7 @@ class NativeManagementPort : public ManagementPort {
   struct Step {
     const char* line;
     std::string tools;
-    std::string broken = "";  // the one of them that fails
+    std::string broken = {};  // the one of them that fails
     const char* said = "";
   };
 

@@ -4,10 +4,10 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -35,6 +35,7 @@ class NativeRelay : public testing::Test {
       report("set");
       execl(ESH_DEVICE_PROGRAM, "esh-device", nullptr);
     });
+    ASSERT_GT(terminal_->Child(), 0);
     ASSERT_EQ(terminal_->NextReport(), "set");
     before_ = terminal_->Settings();
     Expect("<boot>");
@@ -63,7 +64,11 @@ class NativeRelay : public testing::Test {
 
   void ExpectTerminalAsBefore() const {
     const termios after = terminal_->Settings();
-    EXPECT_EQ(std::memcmp(&after, &before_, sizeof(after)), 0);
+    EXPECT_EQ(after.c_iflag, before_.c_iflag);
+    EXPECT_EQ(after.c_oflag, before_.c_oflag);
+    EXPECT_EQ(after.c_cflag, before_.c_cflag);
+    EXPECT_EQ(after.c_lflag, before_.c_lflag);
+    EXPECT_TRUE(std::ranges::equal(after.c_cc, before_.c_cc));
   }
 
   std::unique_ptr<Console> terminal_;
@@ -80,8 +85,8 @@ TEST_F(NativeRelay, LeavesByItsKeyAndGivesTheTerminalBack) {
 }
 
 TEST_F(NativeRelay, GivesTheTerminalBackWhenASignalEndsIt) {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-    Start();
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
+    ASSERT_NO_FATAL_FAILURE(Start());
     kill(terminal_->Child(), signal);
     EXPECT_EQ(WEXITSTATUS(WaitForEnd()), 128 + signal);
     ExpectTerminalAsBefore();
@@ -89,8 +94,10 @@ TEST_F(NativeRelay, GivesTheTerminalBackWhenASignalEndsIt) {
 }
 
 TEST_F(NativeRelay, GivesTheTerminalBackWhenTheDeviceDies) {
-  Start();
-  kill(Keeper(), SIGKILL);
+  ASSERT_NO_FATAL_FAILURE(Start());
+  const pid_t keeper = Keeper();
+  ASSERT_GT(keeper, 0);
+  kill(keeper, SIGKILL);
   Expect("The device died");
   EXPECT_EQ(WEXITSTATUS(WaitForEnd()), 1);
   ExpectTerminalAsBefore();
@@ -103,13 +110,14 @@ TEST_F(NativeRelay, EndsWithItsWindow) {
 }
 
 TEST_F(NativeRelay, LeavesNothingRunningWhenItIsKilled) {
-  Start();
+  ASSERT_NO_FATAL_FAILURE(Start());
   kill(terminal_->Child(), SIGKILL);
   EXPECT_TRUE(WIFSIGNALED(WaitForEnd()));
 }
 
 TEST_F(NativeRelay, TypesALineOfAPipeWheneverTheConsoleWaits) {
-  const std::string command = std::string("printf 'dir\\nreboot\\nn\\nsystem-view' | ") + ESH_DEVICE_PROGRAM;
+  const std::string command =
+      std::string("printf 'dir\\nreboot\\nn\\nsystem-view' | timeout 200 ") + ESH_DEVICE_PROGRAM;
   std::FILE* pipe = popen(command.c_str(), "r");  // NOLINT(cert-env33-c): as an operator would pipe
   ASSERT_NE(pipe, nullptr);
   std::string printed;

@@ -98,8 +98,9 @@ TEST(Tool, IsEndedWithItsGroupWhenTheShellEnds) {
     g_EShSubPid = fork();
     const pid_t tool = g_EShSubPid;
     setpgid(tool, tool);
-    while (tool == 0) {
+    if (tool == 0) {
       pause();
+      _exit(EXIT_SUCCESS);
     }
     SetPgtp(tool);
     ESH_CloseSubProcess();

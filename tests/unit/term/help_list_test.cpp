@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -75,9 +76,40 @@ TEST(HelpOrder, ComesSoonHoweverTheKeywordsLie) {
       VEC_Add(list.get(), kNoIndex, keyword.data());
     }
     QuickSortStrVec(list.get(), 0, kMany - 1);
+    EXPECT_EQ(std::set<void*>(list->ppvArray, list->ppvArray + kMany).size(), keywords.size()) << shape.why;
     EXPECT_TRUE(std::is_sorted(list->ppvArray, list->ppvArray + kMany, [](const void* a, const void* b) {
-      return std::atoi(static_cast<const char*>(a)) < std::atoi(static_cast<const char*>(b));
+      return std::strtol(static_cast<const char*>(a), nullptr, 10) <
+             std::strtol(static_cast<const char*>(b), nullptr, 10);
     })) << shape.why;
+  }
+}
+
+/// All texts of up to three of the characters behind a beginning.
+std::vector<std::string> TextsBehind(const std::string& beginning) {
+  std::vector<std::string> texts = {beginning};
+  for (std::size_t i = 0; texts[i].size() < beginning.size() + 3; ++i) {
+    for (const char* more : {"\xFF", "a", "0", " "}) {
+      texts.push_back(texts[i] + more);
+    }
+  }
+  return texts;
+}
+
+TEST(HelpOrder, OfTextsWithASharedBeginningIsThatOfTheirBytes) {
+  for (const char* beginning : {"x", "flash:/", "flash:/image-", "flash:/12345678"}) {
+    const UniqueHelpList list = NewList();
+    std::vector<std::string> texts = TextsBehind(beginning);
+    for (const std::string& text : texts) {
+      Add(list, text);
+    }
+    QuickSortStrVec(list.get(), 0, static_cast<std::int64_t>(texts.size()) - 1);
+    std::sort(texts.begin(), texts.end());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      EXPECT_EQ(At(list, i).szKeyWord, texts[i]) << i;
+    }
+    for (const std::string& text : texts) {
+      EXPECT_FALSE(Add(list, text)) << "a sorted list still knows " << text;
+    }
   }
 }
 
@@ -121,6 +153,12 @@ TEST(HelpList, SeesWhatOthersTookOut) {
     EXPECT_FALSE(Add(list, keyword)) << keyword;
     EXPECT_FALSE(Add(list, "c")) << keyword;
   }
+  for (const std::uint64_t hole : {1U, 2U}) {  // the second one leaves the lowest where it is
+    FreeHelpRecord(static_cast<ESH_HELP_INFO_S*>(VEC_Del(list.get(), hole)));
+    EXPECT_FALSE(Add(list, "a"));
+  }
+  EXPECT_TRUE(Add(list, "c"));
+  EXPECT_FALSE(Add(list, "c"));
 }
 
 }  // namespace

@@ -38,8 +38,8 @@ struct RedrawCase {
   const char* why;
   ESH_LINE_MODE_E mode;
   const char* text;
-  std::uint64_t cursor;
-  char answer;
+  std::uint32_t cursor;
+  int answer;
   const char* output;
 };
 

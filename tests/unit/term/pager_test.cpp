@@ -53,22 +53,22 @@ struct PageCase {
   const char* keys;
   std::uint32_t page_length;
   std::uint16_t paging;
+  std::uint16_t all_shown;
   int lines;
   const char* pages;
-  std::uint16_t all_shown;
 };
 
 constexpr PageCase kPages[] = {
-    {"Space shows a page, the prompt's row counted", "  left", 24, 1, 60, "24M23M13", 1},
-    {"Enter shows one line", "\r\n  left", 24, 1, 60, "24M1M1M23M11", 1},
-    {"any other key stops, on any page", " \003left", 24, 1, 60, "24M23M", 0},
-    {"a key that sends a sequence is one key", "\033[A", 24, 1, 60, "24M", 0},
-    {"less than a page", "left", 24, 1, 23, "23", 1},
-    {"exactly a page", " left", 24, 1, 24, "24M", 1},
-    {"exactly a page, declined", "xleft", 24, 1, 24, "24M", 0},
-    {"exactly two pages", "  left", 24, 1, 47, "24M23M", 1},
-    {"paging not wanted", "left", 24, 0, 60, "60", 1},
-    {"paging switched off", "left", 0, 1, 60, "60", 1},
+    {"Space shows a page, the prompt's row counted", "  left", 24, 1, 1, 60, "24M23M13"},
+    {"Enter shows one line", "\r\n  left", 24, 1, 1, 60, "24M1M1M23M11"},
+    {"any other key stops, on any page", " \003left", 24, 1, 0, 60, "24M23M"},
+    {"a key that sends a sequence is one key", "\033[A", 24, 1, 0, 60, "24M"},
+    {"less than a page", "left", 24, 1, 1, 23, "23"},
+    {"exactly a page", " left", 24, 1, 1, 24, "24M"},
+    {"exactly a page, declined", "xleft", 24, 1, 0, 24, "24M"},
+    {"exactly two pages", "  left", 24, 1, 1, 47, "24M23M"},
+    {"paging not wanted", "left", 24, 0, 1, 60, "60"},
+    {"paging switched off", "left", 0, 1, 1, 60, "60"},
 };
 
 /// Shows so many lines in texts of seven. @return the last answer.
