@@ -7,6 +7,7 @@ void LabConsole::UseLab() {
   for (const char* line : {"system-view", "interface m-eth0", "ip address 10.0.0.2 24", "ipv6 address fd00::2 64",
                            "ip gateway 10.0.0.254", "ipv6 gateway fe80::1", "quit", "quit"})
     Command(line);
+  Run("rm -rf /root/.ssh/*");  // the hosts that another test came to know
   modes_ = Modes();
 }
 

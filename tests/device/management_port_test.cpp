@@ -227,6 +227,7 @@ TEST_F(ManagementPort, IsShownAsTheKernelSeesIt) {
         "/64 Scope:Link\n", "\nThe Maximum Transmit Unit is 1400 \n"}) {
     EXPECT_NE(shown.find(line), std::string::npos) << line << shown;
   }
+  Run("ip link set m-eth0 mtu 1500");
 
   Board().RunInLab("ip link set lab0 down");  // an emulated cable stays plugged in
   Run("[ -f /sys/class/net/m-eth0/mtu ] || echo 0 > /sys/class/net/m-eth0/carrier");

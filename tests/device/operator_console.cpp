@@ -85,7 +85,13 @@ void OperatorConsole::Boot() {
   }
   printed_.clear();
   waited_for_ = 0;
-  ASSERT_EQ(board_->Boot(), "");
+  const std::string problem = board_->Boot();
+  if (!problem.empty()) GiveUp("the device does not start: " + problem);
+}
+
+void OperatorConsole::GiveUp(const std::string& problem) {
+  has_given_up_ = true;
+  ADD_FAILURE() << problem;
 }
 
 void OperatorConsole::BootToPrompt() {
@@ -101,10 +107,13 @@ void OperatorConsole::NewShell() {
 }
 
 void OperatorConsole::Type(std::string_view keys) {
-  while (!keys.empty()) {
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  while (!keys.empty() && !has_given_up_) {
     const ssize_t written = write(board_->Console(), keys.data(), keys.size());
     if (written > 0) {
       keys.remove_prefix(static_cast<std::size_t>(written));
+    } else if (std::chrono::steady_clock::now() > deadline) {
+      GiveUp("the device takes no keys");
     } else {
       TakeIn(milliseconds(20));  // the line is full until the device has read, and it may wait to be heard
     }
@@ -115,10 +124,8 @@ std::string OperatorConsole::Expect(std::string_view text) {
   auto deadline = std::chrono::steady_clock::now() + kPatience;
   std::size_t found = std::string::npos;
   while ((found = printed_.find(text, waited_for_)) == std::string::npos) {
-    if (std::chrono::steady_clock::now() > deadline) {
-      ADD_FAILURE() << "never printed: " << text;
-      return {};
-    }
+    if (has_given_up_) return {};
+    if (std::chrono::steady_clock::now() > deadline) GiveUp("never printed: " + std::string(text));
     if (TakeIn(milliseconds(100))) {
       deadline = std::chrono::steady_clock::now() + kPatience;
     }
@@ -138,10 +145,8 @@ std::string OperatorConsole::Command(const std::string& line, const std::string&
   }
   Type(keys);
   while (!EndsInPrompt(std::string_view(printed_).substr(start)) || TakeIn(milliseconds(20))) {
-    if (std::chrono::steady_clock::now() > deadline) {
-      ADD_FAILURE() << "no prompt after: " << line;
-      return {};
-    }
+    if (has_given_up_) return {};
+    if (std::chrono::steady_clock::now() > deadline) GiveUp("no prompt after: " + line);
     TakeIn(milliseconds(100));
   }
   waited_for_ = printed_.size();
@@ -170,6 +175,7 @@ void OperatorConsole::Listen(milliseconds time) {
 }
 
 std::string OperatorConsole::Run(const std::string& command) {
+  if (has_given_up_) return {};
   const device::CommandResult result = board_->Run(command);
   EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
   return result.output;
