@@ -140,7 +140,7 @@ std::string OperatorConsole::Command(const std::string& line, const std::string&
   TakeIn(milliseconds(0));
   const std::size_t start = printed_.size();
   Type(line + "\r");
-  while (!keys.empty() && printed_.find('\n', start) == std::string::npos && TakeIn(kPatience)) {
+  while (!keys.empty() && !has_given_up_ && printed_.find('\n', start) == std::string::npos && TakeIn(kPatience)) {
     // What answers a question is typed when the line has been read.
   }
   Type(keys);
@@ -162,6 +162,7 @@ void OperatorConsole::ExpectAll(const std::vector<Exchange>& exchanges) {
 }
 
 device::Outcome OperatorConsole::Outcome() {
+  if (has_given_up_) return device::Outcome::kRunning;
   const device::Outcome outcome = board_->WaitForOutcome(kPatience);
   TakeIn(milliseconds(0));
   return outcome;
@@ -179,6 +180,10 @@ std::string OperatorConsole::Run(const std::string& command) {
   const device::CommandResult result = board_->Run(command);
   EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
   return result.output;
+}
+
+bool OperatorConsole::Eventually(const std::function<bool()>& condition) {
+  return !has_given_up_ && ::Eventually(condition);
 }
 
 bool Eventually(const std::function<bool()>& condition) {

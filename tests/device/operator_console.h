@@ -63,6 +63,8 @@ class OperatorConsole : public testing::Test {
   void ExpectAll(const std::vector<Exchange>& exchanges);
   /// Waits until the device's outcome is not that the shell runs.
   device::Outcome Outcome();
+  /// Waits until a condition on the device holds. @return whether it does.
+  [[nodiscard]] bool Eventually(const std::function<bool()>& condition);
   /// Takes in what is printed for a while; for what must not be printed.
   void Listen(std::chrono::milliseconds time);
 
