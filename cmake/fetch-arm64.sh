@@ -11,7 +11,7 @@ target=$cache/arm64-root
 kernel_flavour=cloud-arm64
 packages=(
   busybox-static:arm64 # the device's tools
-  libc6:arm64 libtinfo6:arm64 libssl3:arm64
+  libc6:arm64 libssl3:arm64
   libncurses-dev:arm64 libssl-dev:arm64
   # what unpacks 7z
   libarchive-dev:arm64 liblzma5:arm64 liblzma-dev:arm64 libbz2-1.0:arm64 libbz2-dev:arm64 zlib1g-dev:arm64
