@@ -137,7 +137,7 @@ TEST_F(NativeInstall, RefusesNamesThatAreNoPackages) {
       {"usba1:/a.bin", "The startup software images must be in the primary partition.\n"},
       {"text.txt", "Check package text.txt ...\ntext.txt: Invalid file name.\n"},
       {"a~.bin", "Check package a~.bin ...\na~.bin: Invalid file name.\n"},
-      {"gone.bin", "Check package gone.bin ...\nThe package gone.bin doesn't exist. \n"},
+      {"gone.BIN", "Check package gone.BIN ...\nThe package gone.BIN doesn't exist. \n"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Command(std::string("install load ") + c.name), c.printed);

@@ -29,8 +29,10 @@ TEST_F(ReaderTest, FindsFilesInTableOrderInBothByteOrders) {
     const std::string package = Compose(contents);
     const UniquePackage reader = Open(package);
     ASSERT_NE(reader, nullptr);
-    const std::size_t device_code = reader->head.files[kImageRow].head_offset + offsetof(PackageFileHead, device_code);
-    EXPECT_EQ(mkpkg::GetWord(package, device_code, host_order), kTestDeviceTag);
+    const std::size_t head = reader->head.files[kImageRow].head_offset;
+    for (const auto& [field, value] : {std::pair(offsetof(PackageFileHead, device_code), kTestDeviceTag),
+                                       {offsetof(PackageFileHead, unpacked_size), 9U}})
+      EXPECT_EQ(mkpkg::GetWord(package, head + field, host_order), value) << field;
     EXPECT_EQ(FindFile(*reader, kSystemImageFile), &reader->head.files[2]) << "the first of two";
     std::uint32_t size = 0;
     EXPECT_EQ(GetFileFromReaderHeadByFileID(0x04000001, reader.get(), &size), nullptr);
