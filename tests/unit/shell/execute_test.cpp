@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <string>
 
 #include "shell/parameter.h"
@@ -17,7 +18,7 @@ constexpr char kIncomplete[] = "^\r\n % Incomplete command found at '^' position
 constexpr char kAmbiguous[] = "^\r\n % Ambiguous command found at '^' position.\r\n";
 
 /// @return what is printed, and the command that ran.
-std::string Execute(const std::string& line) {
+std::string RunLine(const std::string& line) {
   testing::internal::CaptureStdout();
   ESH_CmdExecute(SplitLine(line).get());
   return testing::internal::GetCapturedStdout() + TestView::TakeRan();
@@ -40,8 +41,14 @@ struct LineCase {
   std::string result;
 };
 
-TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
-  const LineCase kLines[] = {
+void ExpectAll(std::initializer_list<LineCase> lines) {
+  for (const LineCase& c : lines) EXPECT_EQ(RunLine(c.line), c.result) << c.why;
+}
+
+TEST(Execute, RunsTheCommandThatTheWordsBeginOrTellsWhatIsWrong) {
+  TestView view("", {"alpha one <cr>", "interface <cr>", "interface m-eth0 <cr>", "ping X.X.X.X <cr>",
+                     "load STRING<1-4> to", "load STRING<1-4> to go <cr>"});
+  ExpectAll({
       {"beginnings of words", "int m", Ran("interface m-eth0 <cr>")},
       {"case does not count", "INTERFACE", Ran("interface <cr>")},
       {"no such command", "zeta", At(0, kUnrecognized)},
@@ -50,6 +57,15 @@ TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
       {"a word behind the end", "alpha one two three", At(10, kTooMany)},
       {"a word is missing", "  al  ", At(5, kIncomplete)},
       {"a parameter is missing", "ping", At(5, kIncomplete)},
+      {"a command without an end", "load abcd to", At(13, kIncomplete)},
+      {"and words behind it", "load abcd to x", At(13, kUnrecognized)},
+  });
+}
+
+TEST(Execute, SettlesWhatWasMeantByLaterWordsAndTheLinesEnd) {
+  TestView view("", {"alpha one <cr>", "apple two <cr>", "beta <cr>", "betas <cr>", "gamma one <cr>", "gauge onyx <cr>",
+                     "gauge ox <cr>", "delta one <cr>", "delve <cr>", "twice <cr>", "twice <cr>"});
+  ExpectAll({
       {"a whole keyword that begins another one", "beta", Ran("beta <cr>")},
       {"the beginning of both", "bet", At(0, kAmbiguous)},
       {"a later word settles what was meant", "a one", Ran("alpha one <cr>")},
@@ -61,6 +77,16 @@ TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
       {"a later ambiguous word", "gauge o", At(6, kAmbiguous)},
       {"the end of the line settles what was meant", "de", Ran("delve <cr>")},
       {"two ends", "twice", At(6, kAmbiguous)},
+  });
+}
+
+TEST(Execute, TakesKeywordsBeforeValuesAndValuesThatFit) {
+  TestView view("",
+                {"ping X.X.X.X <cr>", "ping all <cr>", "set INTEGER<1-5> <cr>", "set STRING<1-3> <cr>", "set six <cr>",
+                 "show X:X::X:X <cr>", "show X:X::X:X/M <cr>", "move INTEGER<1-5> <cr>", "move <cr>"});
+  view.Add("note STRING<1-3> <cr>", {.check = Check});
+  view.Add("note INTEGER<7-7> <cr>");
+  ExpectAll({
       {"a value", "ping 1.2.3.4", Ran("ping X.X.X.X <cr>")},
       {"a wrong value", "ping 1.2.3", At(5, kWrong)},
       {"a wrong value that is no keyword either", "ping ax", At(5, kWrong)},
@@ -77,38 +103,7 @@ TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
       {"a value of which cannot be told", "note it", At(5, kWrong)},
       {"and which another command takes", "note 7", At(5, kAmbiguous)},
       {"a wrong value rather than too many words", "move 6", At(5, kWrong)},
-      {"a command without an end", "load abcd to", At(13, kIncomplete)},
-      {"and words behind it", "load abcd to x", At(13, kUnrecognized)},
-  };
-  TestView view("", {"alpha one <cr>",
-                     "apple two <cr>",
-                     "beta <cr>",
-                     "betas <cr>",
-                     "interface <cr>",
-                     "interface m-eth0 <cr>",
-                     "gamma one <cr>",
-                     "gauge onyx <cr>",
-                     "gauge ox <cr>",
-                     "delta one <cr>",
-                     "delve <cr>",
-                     "twice <cr>",
-                     "twice <cr>",
-                     "ping X.X.X.X <cr>",
-                     "ping all <cr>",
-                     "set INTEGER<1-5> <cr>",
-                     "set STRING<1-3> <cr>",
-                     "set six <cr>",
-                     "show X:X::X:X <cr>",
-                     "show X:X::X:X/M <cr>",
-                     "move INTEGER<1-5> <cr>",
-                     "move <cr>",
-                     "load STRING<1-4> to",
-                     "load STRING<1-4> to go <cr>"});
-  view.Add("note STRING<1-3> <cr>", {.check = Check});
-  view.Add("note INTEGER<7-7> <cr>");
-  for (const LineCase& c : kLines) {
-    EXPECT_EQ(Execute(c.line), c.result) << c.why;
-  }
+  });
 }
 
 TEST(Execute, RecordsEachParametersOwnWordBeforeTheHandlerRuns) {
@@ -120,12 +115,12 @@ TEST(Execute, RecordsEachParametersOwnWordBeforeTheHandlerRuns) {
                                       ran_before = TestView::TakeRan();
                                       return 1;
                                     }}});
-  (void)Execute("m a.txt t b.txt at 1.2.3.4");
-  (void)Execute("move c.txt to d.txt at 1.2.3");
+  (void)RunLine("m a.txt t b.txt at 1.2.3.4");
+  (void)RunLine("move c.txt to d.txt at 1.2.3");
   EXPECT_STREQ(g_szSourceFile, "a.txt") << "a line that does not match changes nothing";
   EXPECT_STREQ(g_szDestFile, "b.txt");
   EXPECT_STREQ(g_szIPv4Address, "1.2.3.4");
-  EXPECT_EQ(Execute("set x"), "set STRING<1-9> <cr>\n") << "also when its word cannot be recorded";
+  EXPECT_EQ(RunLine("set x"), "set STRING<1-9> <cr>\n") << "also when its word cannot be recorded";
   EXPECT_EQ(ran_before, "");
 }
 
