@@ -4,7 +4,6 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -62,14 +61,7 @@ class NativeRelay : public testing::Test {
     return status;
   }
 
-  void ExpectTerminalAsBefore() const {
-    const termios after = terminal_->Settings();
-    EXPECT_EQ(after.c_iflag, before_.c_iflag);
-    EXPECT_EQ(after.c_oflag, before_.c_oflag);
-    EXPECT_EQ(after.c_cflag, before_.c_cflag);
-    EXPECT_EQ(after.c_lflag, before_.c_lflag);
-    EXPECT_TRUE(std::ranges::equal(after.c_cc, before_.c_cc));
-  }
+  void ExpectTerminalAsBefore() const { EXPECT_EQ(ModesOf(terminal_->Settings()), ModesOf(before_)); }
 
   std::unique_ptr<Console> terminal_;
   termios before_{};

@@ -125,3 +125,9 @@ termios Console::Settings() const {
   EXPECT_EQ(tcgetattr(keyboard_.Get(), &settings), 0);
   return settings;
 }
+
+std::vector<unsigned> ModesOf(const termios& settings) {
+  std::vector<unsigned> modes = {settings.c_iflag, settings.c_oflag, settings.c_cflag, settings.c_lflag};
+  modes.insert(modes.end(), std::begin(settings.c_cc), std::end(settings.c_cc));
+  return modes;
+}

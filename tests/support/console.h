@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "util/unique_handle.h"
 
@@ -57,3 +58,6 @@ class Console {
   UniqueFd reports_;
   pid_t child_ = -1;
 };
+
+/// All that a console's settings say, to be compared.
+[[nodiscard]] std::vector<unsigned> ModesOf(const termios& settings);
