@@ -12,6 +12,7 @@
 #include "fs/medium.h"
 #include "fs/working_directory.h"
 #include "net/network_commands.h"
+#include "net/port_tools.h"
 #include "pkg/package_commands.h"
 #include "remote/remote_commands.h"
 #include "shell/child_process.h"
@@ -41,7 +42,6 @@ constexpr char kMountScript[] = "/etc/pkg/esh/mount.sh";
 constexpr char kLoadAddon[] = "/bin/insmod /lib/modules/addon.ko";
 constexpr char kLoadIpStack[] = "/bin/insmod /lib/modules/ipstack.ko";
 constexpr char kLoopbackUp[] = "/bin/ifconfig lo up";
-constexpr char kMgmtPortUp[] = "/bin/ifconfig m-eth0 up";
 
 /// A tool of start-up: Ctrl+C cannot break it off.
 std::uint32_t RunTool(const char* cmdline) { return ESH_ForkProcess(cmdline, 1, 0); }
@@ -60,7 +60,7 @@ std::uint32_t BringInterfacesUp() {
     return kSuccess;
   }
   std::uint32_t verdict = RunTool(kLoopbackUp);
-  verdict += RunTool(kMgmtPortUp);
+  verdict += BringPortUp();
   return verdict;
 }
 
