@@ -18,7 +18,6 @@ constexpr CommandWord kIpAddress = Word("address", "Assign an IP address to the 
 constexpr CommandWord kIpv6Address = Word("address", "Assign an IPv6 address to the interface");
 constexpr CommandWord kGateway = Word("gateway", "Specify a gateway for the interface");
 constexpr CommandWord kShutdown = Word("shutdown", "Shut down the interface");
-constexpr CommandWord kDisplay = Word("display", "Display current system information");
 
 constexpr CommandWord kAddressParam = Param(ESH_ELEM_IPV4, "X.X.X.X", "IP address", ESH_RecordIPv4);
 constexpr CommandWord kMaskParam = Param(ESH_ELEM_IPV4MASK, "X.X.X.X", "IP mask", ESH_RecordIPv4Mask);

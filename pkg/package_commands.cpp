@@ -14,8 +14,6 @@ constexpr CommandWord PackageName(const char* help, ESH_CMD_HELP_F list_values) 
   return Param(ESH_ELEM_STRING, "STRING<1-63>", help, ESH_RecordPkgFile, ESH_FS_CheckUserManipulatedFile, list_values);
 }
 
-constexpr CommandWord kDisplay = Word("display", "Display current system information");
-
 constexpr CommandRow kPackageCommands[] = {
     {ESH_ProcInstallLoad,
      kUserView,

@@ -37,6 +37,9 @@ constexpr CommandWord Param(ESH_ELEM_TYPE_E type, const char* placeholder, const
       .text = placeholder, .help = help, .type = type, .list_values = list_values, .check = check, .record = record};
 }
 
+/// Commands of several families begin with it, and help, which shows it once, must find one text.
+inline constexpr CommandWord kDisplay = Word("display", "Display current system information");
+
 /// Whether a word is what help and completion can tell apart by its spelling: a keyword without capitals, or a
 /// placeholder that begins with one, each with a description. Functions are not looked at, here and below: under
 /// UBSan, GCC cannot tell at compile time whether one is NULL.
