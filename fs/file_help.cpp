@@ -114,18 +114,24 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
   if (entries == nullptr || !IsOnPresentMedium(full.Text())) {
     return;
   }
+  full.AppendText("/");
+  const std::size_t full_start = full.Length();
+  OfferText offer;
+  offer.AppendText(DirectoryPart(word));
+  const std::size_t offer_start = offer.Length();
   for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get())) {
-    if (entry->d_name[0] == '.' || !BeginsIgnoringCase(entry->d_name, prefix)) {
+    const std::string_view name(entry->d_name);
+    if (name.starts_with('.') || !BeginsIgnoringCase(name, prefix)) {
       continue;
     }
-    full.Clear();
-    full.AppendText(directory);
-    full.AppendText("/");
-    full.AppendText(entry->d_name);
+    full.CutTo(full_start);
+    full.AppendText(name);
     // ESH_HelpStatSwitch in completion mode, less what is known here already: a listing may have 100,000 entries.
     const EntryKind entry_kind = KindOf(full.Text(), entry->d_type);
-    if (IsOffered(entry_kind, kind) && IsValidEntryName(entry->d_name, full.Length()) && Passes(filter, full.Text())) {
-      OfferEntry(word, entry->d_name, entry_kind, help);
+    if (IsOffered(entry_kind, kind) && IsValidEntryName(name, full.Length()) && Passes(filter, full.Text())) {
+      offer.CutTo(offer_start);
+      offer.AppendText(name);
+      Offer(offer, entry_kind, help);
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <string_view>
 
 #include "shell/command_tree.h"
@@ -24,19 +25,25 @@ constexpr char kOtherHeading[] = "M-th view commands:\r";
 
 constexpr std::size_t kScreenWidth = 80;  // fixed: the same listing on every terminal
 constexpr std::size_t kHelpLineRoom = 513;
-constexpr std::size_t kNameExtra = 4;  // two blanks before and "\r\n" behind a name
 
 /// Collects output in a buffer and prints it when the next piece would not fit.
 class HelpOutput {
  public:
   explicit HelpOutput(char* buffer) : buffer_(buffer) { buffer_[0] = '\0'; }
 
-  void Add(std::string_view piece) {
-    if (length_ + piece.size() > kHelpOutputRoom - 1) {
+  /// Adds a piece whose parts stay together.
+  void Add(std::initializer_list<std::string_view> parts) {
+    std::size_t size = 0;
+    for (const std::string_view part : parts) {
+      size += part.size();
+    }
+    if (length_ + size > kHelpOutputRoom - 1) {
       Print();
     }
-    CopyBounded(buffer_ + length_, kHelpOutputRoom - length_, piece);
-    length_ += piece.size();
+    for (const std::string_view part : parts) {
+      CopyBounded(buffer_ + length_, kHelpOutputRoom - length_, part);
+      length_ += part.size();
+    }
   }
 
  private:
@@ -102,8 +109,8 @@ void AddWholeLine(const ESH_HELP_INFO_S& line, std::size_t widest, HelpOutput& o
   for (;;) {
     const std::string_view piece = FirstRow(rest, room);
     row.AppendText(piece);
-    output.Add(row.View());
-    output.Add("\r\n");
+    output.Add({row.View()});
+    output.Add({"\r\n"});
     if (piece.size() == rest.size()) {
       return;
     }
@@ -115,11 +122,7 @@ void AddWholeLine(const ESH_HELP_INFO_S& line, std::size_t widest, HelpOutput& o
 
 void PrintNames(const VEC_S& list, HelpOutput& output) {
   ForEachHelpLine(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
-    FixedText<kHelpRoom + kNameExtra> row;
-    row.AppendText("  ");
-    row.AppendText(line.szKeyWord);
-    row.AppendText("\r\n");
-    output.Add(row.View());
+    output.Add({"  ", line.szKeyWord, "\r\n"});
   });
 }
 

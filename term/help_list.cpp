@@ -1,10 +1,11 @@
 #include "term/help_list.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <new>
+#include <numeric>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -13,7 +14,8 @@
 #include "shell/result.h"
 #include "term/help_records.h"
 #include "term/keyword_index.h"
-#include "util/fixed_text.h"
+#include "util/large_pages.h"
+#include "util/unique_handle.h"
 
 namespace {
 
@@ -22,15 +24,6 @@ namespace {
 constexpr int kMaxSplits = 128;
 
 KeywordIndex g_index;
-
-ESH_HELP_INFO_S* NewRecord(std::string_view keyword, std::string_view help) {
-  ESH_HELP_INFO_S* record = NewHelpRecord();
-  if (record != nullptr) {
-    CopyText(record->szKeyWord, keyword);
-    CopyText(record->szHelp, help);
-  }
-  return record;
-}
 
 /// The sort asks this for every pair, and nearly every first character is the answer.
 bool IsCr(const char* keyword) { return keyword[0] == kCrWord[0] && std::strcmp(keyword, kCrWord) == 0; }
@@ -49,39 +42,25 @@ Number LeadingNumber(const char* text) {
   return {value, rest};
 }
 
-/// A record as the sort moves it about. Comparing the leads spares most looks at the records, which lie far apart.
-struct SortEntry {
-  std::uint64_t lead;  // 0 in all entries, or the characters in which the keywords begin to differ
-  void* record;
-};
-
 const char* KeywordOf(const void* record) { return static_cast<const ESH_HELP_INFO_S*>(record)->szKeyWord; }
 
 int Compare(const void* a, const void* b) { return CmpHelpString(KeywordOf(a), KeywordOf(b)); }
 
-int Compare(const SortEntry& a, const SortEntry& b) {
-  if (a.lead != b.lead) {
-    return a.lead < b.lead ? -1 : 1;
-  }
-  return a.record == b.record ? 0 : Compare(a.record, b.record);
-}
-
-/// Splits a range around the element in its middle. Equal elements are swapped too, which keeps the halves even.
+/// Splits a range around the record in its middle. Equal records are swapped too, which keeps the halves even.
 /// @return the ends of the left and the start of the right part.
-template <typename Element>
-std::pair<std::int64_t, std::int64_t> Partition(Element* elements, std::int64_t lo, std::int64_t hi) {
-  const Element pivot = elements[lo + (hi - lo) / 2];
+std::pair<std::int64_t, std::int64_t> Partition(void** records, std::int64_t lo, std::int64_t hi) {
+  const void* const pivot = records[lo + (hi - lo) / 2];
   std::int64_t left = lo;
   std::int64_t right = hi;
   while (left <= right) {
-    while (left < hi && Compare(elements[left], pivot) < 0) {
+    while (left < hi && Compare(records[left], pivot) < 0) {
       ++left;
     }
-    while (right > lo && Compare(elements[right], pivot) > 0) {
+    while (right > lo && Compare(records[right], pivot) > 0) {
       --right;
     }
     if (left <= right) {
-      std::swap(elements[left], elements[right]);
+      std::swap(records[left], records[right]);
       ++left;
       --right;
     }
@@ -90,24 +69,27 @@ std::pair<std::int64_t, std::int64_t> Partition(Element* elements, std::int64_t 
 }
 
 /// @param splits_left how often the range may still be split before its order counts as one that splits badly.
-template <typename Element>
-void SortRange(Element* elements, std::int64_t lo, std::int64_t hi, int splits_left) {
+void SortRange(void** records, std::int64_t lo, std::int64_t hi, int splits_left) {
   while (lo < hi) {
     if (splits_left-- == 0) {
-      std::sort(elements + lo, elements + hi + 1, [](const Element& a, const Element& b) { return Compare(a, b) < 0; });
+      std::sort(records + lo, records + hi + 1, [](const void* a, const void* b) { return Compare(a, b) < 0; });
       return;
     }
-    const auto [left_end, right_start] = Partition(elements, lo, hi);
+    const auto [left_end, right_start] = Partition(records, lo, hi);
     // The smaller part goes on the stack and the larger into the next round, so the stack stays shallow whatever
     // the order of the list.
     if (left_end - lo < hi - right_start) {
-      SortRange(elements, lo, left_end, splits_left);
+      SortRange(records, lo, left_end, splits_left);
       lo = right_start;
     } else {
-      SortRange(elements, right_start, hi, splits_left);
+      SortRange(records, right_start, hi, splits_left);
       hi = left_end;
     }
   }
+}
+
+void QuickSort(std::span<void*> records) {
+  SortRange(records.data(), 0, static_cast<std::int64_t>(records.size()) - 1, kMaxSplits);
 }
 
 void FetchAhead(std::span<void* const> records, std::size_t index) {
@@ -120,16 +102,17 @@ void FetchAhead(std::span<void* const> records, std::size_t index) {
 /// character that neither a number nor "<cr>" begins with.
 /// @return 0 when their order may be another.
 std::size_t SharedBeginning(std::span<void* const> records) {
-  const std::string_view first(KeywordOf(records.front()));
-  if (first.empty() || first[0] <= '9' || first[0] == kCrWord[0]) {
+  const char* first = KeywordOf(records.front());
+  if (first[0] <= '9' || first[0] == kCrWord[0]) {
     return 0;
   }
-  std::size_t shared = first.size();
-  for (std::size_t i = 0; i < records.size() && shared > 0; ++i) {
+  std::size_t shared = std::strlen(first);
+  for (std::size_t i = 0; i < records.size(); ++i) {
     FetchAhead(records, i);
     const char* keyword = KeywordOf(records[i]);
-    shared =
-        static_cast<std::size_t>(std::mismatch(first.begin(), first.begin() + shared, keyword).first - first.begin());
+    if (std::strncmp(first, keyword, shared) != 0) {
+      shared = static_cast<std::size_t>(std::mismatch(first, first + shared, keyword).first - first);
+    }
   }
   return shared;
 }
@@ -143,11 +126,51 @@ std::uint64_t LeadOf(const char* text) {
   return lead;
 }
 
-void FillEntries(std::span<void* const> records, SortEntry* entries) {
-  const std::size_t shared = SharedBeginning(records);
+/// A record as it is sorted without a look at it.
+struct SortEntry {
+  std::uint64_t lead;  // of what follows the shared beginning of all keywords
+  void* record;
+};
+using SortEntries = std::span<SortEntry>;
+
+void FillEntries(std::span<void* const> records, std::size_t shared, SortEntries entries) {
   for (std::size_t i = 0; i < records.size(); ++i) {
     FetchAhead(records, i);
-    entries[i] = {shared == 0 ? 0 : LeadOf(KeywordOf(records[i]) + shared), records[i]};
+    entries[i] = {LeadOf(KeywordOf(records[i]) + shared), records[i]};
+  }
+}
+
+/// Puts the entries in the order of one byte of their leads; where it is equal they stay in the order they had.
+/// @param shift how many bits stand behind that byte.
+void SortByByte(SortEntries entries, SortEntries sorted, int shift) {
+  const auto byte_of = [shift](const SortEntry& entry) { return entry.lead >> shift & 0xFF; };
+  std::array<std::size_t, 256> places{};
+  for (const SortEntry& entry : entries) {
+    ++places[byte_of(entry)];
+  }
+  std::exclusive_scan(places.begin(), places.end(), places.begin(), std::size_t{0});
+  for (const SortEntry& entry : entries) {
+    sorted[places[byte_of(entry)]++] = entry;
+  }
+}
+
+/// Sorts by the leads, one byte after the other from the last to the first (radix sort).
+/// @param other room for as many entries.
+void SortByLead(SortEntries entries, SortEntries other) {
+  for (int shift = 0; shift < 64; shift += 16) {
+    SortByByte(entries, other, shift);
+    SortByByte(other, entries, shift + 8);
+  }
+}
+
+/// Puts the records in the order of their entries, and those whose leads are equal in order among themselves.
+void TakeOrder(SortEntries entries, std::span<void*> records) {
+  std::ranges::transform(entries, records.begin(), &SortEntry::record);
+  for (std::size_t start = 0, end = 0; start < entries.size(); start = end) {
+    while (end < entries.size() && entries[end].lead == entries[start].lead) {
+      ++end;
+    }
+    QuickSort(records.subspan(start, end - start));
   }
 }
 
@@ -169,17 +192,20 @@ VEC_S* ESH_MakeHelpInfoVec(const char* word, const VEC_S* candidates) {
 }
 
 std::uint32_t ESH_NewHelpInfo(const char* keyword, const char* help, VEC_S* list) {
+  const std::string_view wanted(keyword);
+  const std::string_view kept = wanted.substr(0, kHelpRoom - 1);
+  const std::uint32_t hash = KeywordIndex::HashOf(kept);
   g_index.Follow(*list);
-  if (g_index.Holds(keyword)) {
+  if (g_index.Holds(wanted, hash)) {
     return kSuccess;
   }
-  ESH_HELP_INFO_S* record = NewRecord(keyword, help);
+  ESH_HELP_INFO_S* record = NewHelpRecord(kept, help);
   const std::uint64_t index = record == nullptr ? kNoIndex : VEC_Add(list, kNoIndex, record);
   if (index == kNoIndex) {
     FreeHelpRecord(record);
     return kSuccess;
   }
-  g_index.Added(*list, index);
+  g_index.Added(*list, index, hash);
   return kSuccess;
 }
 
@@ -215,15 +241,17 @@ void QuickSortStrVec(VEC_S* list, std::int64_t lo, std::int64_t hi) {
   }
   g_index.Forget();  // it knows the lines by their places
   const std::span<void*> records(list->ppvArray + lo, static_cast<std::size_t>(hi - lo) + 1);
-  const auto last = static_cast<std::int64_t>(records.size()) - 1;
-  const std::unique_ptr<SortEntry[]> entries(new (std::nothrow) SortEntry[records.size()]);
-  if (entries == nullptr) {
-    SortRange(records.data(), 0, last, kMaxSplits);
+  const std::size_t count = records.size();
+  const std::size_t shared = SharedBeginning(records);
+  const std::size_t size = 2 * count * sizeof(SortEntry);
+  const std::unique_ptr<SortEntry, MemoryFreer> memory(
+      static_cast<SortEntry*>(shared == 0 ? nullptr : AllocateLargePages(size)));
+  if (memory == nullptr) {
+    QuickSort(records);
     return;
   }
-  FillEntries(records, entries.get());
-  SortRange(entries.get(), 0, last, kMaxSplits);
-  for (std::size_t i = 0; i < records.size(); ++i) {
-    records[i] = entries[i].record;
-  }
+  const SortEntries entries(memory.get(), count);
+  FillEntries(records, shared, entries);
+  SortByLead(entries, {memory.get() + count, count});
+  TakeOrder(entries, records);
 }

@@ -5,9 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <span>
-#include <string_view>
-#include <utility>
 
 #include "term/help_list.h"
 #include "util/large_pages.h"
@@ -18,49 +15,50 @@ namespace {
 constexpr std::size_t kMinSlots = 64;
 constexpr std::size_t kGrowth = 4;  // the entries must all be placed anew, so not often
 
-std::uint32_t Hash(std::string_view text) { return static_cast<std::uint32_t>(std::hash<std::string_view>{}(text)); }
-
 /// At most half of the slots are used, which keeps the search for a free one short.
 std::size_t SlotsFor(std::size_t records) { return std::max(kMinSlots, std::bit_ceil(records * 2 + 2)); }
 
-/// @return zeroed memory, or NULL.
-void* NewTable(std::size_t size) {
-  if (size < kLargePage) {
-    return std::calloc(size, 1);
-  }
-  void* table = AllocateLargePages(size);
-  return table == nullptr ? nullptr : std::memset(table, 0, size);
-}
+/// The hash's other end chooses the slot, so that neighbours have tags of their own.
+std::uint8_t TagOf(std::uint32_t hash) { return static_cast<std::uint8_t>(hash >> 24 | 1); }
 
 }  // namespace
+
+std::uint32_t KeywordIndex::HashOf(std::string_view keyword) {
+  return static_cast<std::uint32_t>(std::hash<std::string_view>{}(keyword));
+}
 
 void KeywordIndex::Follow(const VEC_S& list) {
   if (IsUpToDate(list)) {
     return;
   }
+  Forget();
   Note(list);
-  Rebuild(SlotsFor(VEC_GetCount(&list)));
+  table_ = NewTable(SlotsFor(VEC_GetCount(&list)));
+  ForEachHelpLine(list, [&](std::uint64_t index, const ESH_HELP_INFO_S& line) {
+    Insert({static_cast<std::uint32_t>(index), HashOf(line.szKeyWord)});
+  });
 }
 
-bool KeywordIndex::Holds(const char* keyword) const {
-  if (table_ != nullptr) {
-    return table_[SlotFor(keyword, Hash(keyword))].place != 0;
+bool KeywordIndex::Holds(std::string_view keyword, std::uint32_t hash) const {
+  if (table_.entries != nullptr) {
+    return (newest_ && Is(*newest_, keyword, hash)) || IsInTable(keyword, hash);
   }
-  return FindSlot<ESH_HELP_INFO_S>(*list_, [&](const ESH_HELP_INFO_S& record) {
-           return std::strcmp(record.szKeyWord, keyword) == 0;
-         }) != nullptr;
+  return FindSlot<ESH_HELP_INFO_S>(*list_, [&](const ESH_HELP_INFO_S& line) { return line.szKeyWord == keyword; }) !=
+         nullptr;
 }
 
-void KeywordIndex::Added(const VEC_S& list, std::uint64_t index) {
+void KeywordIndex::Added(const VEC_S& list, std::uint64_t index, std::uint32_t hash) {
   Note(list);
-  if (table_ != nullptr && SlotsFor(used_ + 1) > slots_) {
-    Grow();
+  InsertNewest();
+  newest_ = {static_cast<std::uint32_t>(index), hash};
+  if (table_.entries != nullptr) {
+    __builtin_prefetch(table_.tags + HomeOf(hash), 1);
+    __builtin_prefetch(table_.entries + HomeOf(hash), 1);
   }
-  Insert(EntryFor(index));
 }
 
 void KeywordIndex::Forget() {
-  std::free(table_);
+  std::free(table_.entries);
   *this = KeywordIndex{};
 }
 
@@ -75,53 +73,66 @@ void KeywordIndex::Note(const VEC_S& list) {
   first_free_ = list.ulFirstFree;
 }
 
-void KeywordIndex::Rebuild(std::size_t slots) {
-  std::free(table_);
-  table_ = static_cast<Entry*>(NewTable(slots * sizeof(Entry)));
-  slots_ = slots;
-  used_ = 0;
-  ForEachHelpLine(*list_, [&](std::uint64_t index, const ESH_HELP_INFO_S&) { Insert(EntryFor(index)); });
+KeywordIndex::Table KeywordIndex::NewTable(std::size_t slots) {
+  auto* entries = static_cast<Entry*>(AllocateLargePages(slots * (sizeof(Entry) + sizeof(Tag))));
+  if (entries == nullptr) {
+    return {};
+  }
+  auto* tags = reinterpret_cast<Tag*>(entries + slots);
+  std::fill_n(tags, slots, kFree);
+  return {entries, tags, slots, 0};
 }
 
 void KeywordIndex::Grow() {
-  const std::size_t old_slots = std::exchange(slots_, slots_ * kGrowth);
-  Entry* const old = std::exchange(table_, static_cast<Entry*>(NewTable(slots_ * sizeof(Entry))));
-  used_ = 0;
-  for (const Entry& entry : std::span(old, old_slots)) {
-    if (entry.place != 0 && KeywordOf(entry) != nullptr) {
-      Insert(entry);
+  const Table old = table_;
+  table_ = NewTable(old.slots * kGrowth);
+  for (std::size_t slot = 0; slot < old.slots; ++slot) {
+    if (old.tags[slot] != kFree && KeywordOf(old.entries[slot]) != nullptr) {
+      Insert(old.entries[slot]);
     }
   }
-  std::free(old);
+  std::free(old.entries);
+}
+
+void KeywordIndex::InsertNewest() {
+  if (!newest_) {
+    return;
+  }
+  if (table_.entries != nullptr && SlotsFor(table_.used + 1) > table_.slots) {
+    Grow();
+  }
+  Insert(*newest_);
 }
 
 void KeywordIndex::Insert(Entry entry) {
-  if (table_ != nullptr) {
-    table_[SlotFor(KeywordOf(entry), entry.hash)] = entry;
-    ++used_;
+  if (table_.entries == nullptr) {
+    return;
   }
-}
-
-KeywordIndex::Entry KeywordIndex::EntryFor(std::uint64_t index) const {
-  Entry entry{static_cast<std::uint32_t>(index + 1), 0};
-  entry.hash = Hash(KeywordOf(entry));
-  return entry;
+  std::size_t slot = HomeOf(entry.hash);
+  while (table_.tags[slot] != kFree) {
+    slot = NextSlot(slot);
+  }
+  table_.tags[slot] = TagOf(entry.hash);
+  table_.entries[slot] = entry;
+  ++table_.used;
 }
 
 const char* KeywordIndex::KeywordOf(Entry entry) const {
-  const auto* record = static_cast<const ESH_HELP_INFO_S*>(array_[entry.place - 1]);
-  return record == nullptr ? nullptr : record->szKeyWord;
+  const auto* line = static_cast<const ESH_HELP_INFO_S*>(array_[entry.place]);
+  return line == nullptr ? nullptr : line->szKeyWord;
 }
 
-bool KeywordIndex::Is(Entry entry, const char* keyword) const {
-  const char* own = KeywordOf(entry);
-  return own != nullptr && std::strcmp(own, keyword) == 0;
+bool KeywordIndex::Is(Entry entry, std::string_view keyword, std::uint32_t hash) const {
+  const char* own = entry.hash == hash ? KeywordOf(entry) : nullptr;
+  return own != nullptr && own == keyword;
 }
 
-std::size_t KeywordIndex::SlotFor(const char* keyword, std::uint32_t hash) const {
-  std::size_t slot = hash & (slots_ - 1);
-  while (table_[slot].place != 0 && (table_[slot].hash != hash || !Is(table_[slot], keyword))) {
-    slot = (slot + 1) & (slots_ - 1);
+bool KeywordIndex::IsInTable(std::string_view keyword, std::uint32_t hash) const {
+  const Tag tag = TagOf(hash);
+  for (std::size_t slot = HomeOf(hash); table_.tags[slot] != kFree; slot = NextSlot(slot)) {
+    if (table_.tags[slot] == tag && Is(table_.entries[slot], keyword, hash)) {
+      return true;
+    }
   }
-  return slot;
+  return false;
 }

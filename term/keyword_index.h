@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 struct VEC_S;
 
@@ -12,39 +14,58 @@ struct VEC_S;
 /// table the list is walked after all.
 class KeywordIndex {
  public:
+  /// What the other calls want of a keyword, so that it is computed once.
+  [[nodiscard]] static std::uint32_t HashOf(std::string_view keyword);
+
   /// Serves this list from here on.
   void Follow(const VEC_S& list);
   /// Whether the list holds a record with exactly this keyword.
-  [[nodiscard]] bool Holds(const char* keyword) const;
-  /// Notes the record that was put into the list at this index.
-  void Added(const VEC_S& list, std::uint64_t index);
+  [[nodiscard]] bool Holds(std::string_view keyword, std::uint32_t hash) const;
+  /// Notes the record that was put into the list at this index. @param hash its keyword's.
+  void Added(const VEC_S& list, std::uint64_t index, std::uint32_t hash);
   /// Gives the memory back.
   void Forget();
 
  private:
-  /// Small, so that the table of a long list stays in the processor's caches.
   struct Entry {
-    std::uint32_t place;  // the record's index in the list, plus one; 0: the slot is free
+    std::uint32_t place;  // the record's index in the list
     std::uint32_t hash;   // tells nearly all other keywords apart without a look at the record
+  };
+  /// One byte of an entry's hash. Nearly every search looks at tags alone, and even those of a long list stay in the
+  /// processor's nearer caches.
+  using Tag = std::uint8_t;
+  static constexpr Tag kFree = 0;
+
+  /// Open addressing; the number of slots is a power of two.
+  struct Table {
+    Entry* entries = nullptr;
+    Tag* tags = nullptr;  // behind the entries, in the same memory; kFree: the slot is free
+    std::size_t slots = 0;
+    std::size_t used = 0;
   };
 
   [[nodiscard]] bool IsUpToDate(const VEC_S& list) const;
   void Note(const VEC_S& list);
-  void Rebuild(std::size_t slots);
+  /// Without entries when memory is short.
+  [[nodiscard]] static Table NewTable(std::size_t slots);
   void Grow();
+  /// Puts an entry into a free slot.
   void Insert(Entry entry);
-  [[nodiscard]] Entry EntryFor(std::uint64_t index) const;
+  void InsertNewest();
   /// NULL when the record was taken out by other hands.
   [[nodiscard]] const char* KeywordOf(Entry entry) const;
-  [[nodiscard]] bool Is(Entry entry, const char* keyword) const;
-  [[nodiscard]] std::size_t SlotFor(const char* keyword, std::uint32_t hash) const;
+  [[nodiscard]] bool Is(Entry entry, std::string_view keyword, std::uint32_t hash) const;
+  [[nodiscard]] bool IsInTable(std::string_view keyword, std::uint32_t hash) const;
+  /// Where the search for a keyword begins, and where it goes on.
+  [[nodiscard]] std::size_t HomeOf(std::uint32_t hash) const { return hash & (table_.slots - 1); }
+  [[nodiscard]] std::size_t NextSlot(std::size_t slot) const { return (slot + 1) & (table_.slots - 1); }
 
   const VEC_S* list_ = nullptr;
   void** array_ = nullptr;  // the list as it was when last seen
   std::uint64_t max_index_ = 0;
   std::uint64_t first_free_ = 0;
 
-  Entry* table_ = nullptr;  // open addressing; the number of slots is a power of two
-  std::size_t slots_ = 0;
-  std::size_t used_ = 0;
+  Table table_;
+  /// The last record waits outside of the table until the next one comes: its slot's memory is fetched meanwhile.
+  std::optional<Entry> newest_;
 };

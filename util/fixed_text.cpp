@@ -39,8 +39,8 @@ void TextBuilder::AppendRepeated(char character, std::size_t count) {
   truncated_ = truncated_ || copied < count;
 }
 
-void TextBuilder::Clear() {
-  length_ = 0;
-  buffer_[0] = '\0';
+void TextBuilder::CutTo(std::size_t length) {
+  length_ = length;
+  buffer_[length_] = '\0';
   truncated_ = false;
 }

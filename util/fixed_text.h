@@ -27,7 +27,9 @@ class TextBuilder {
   void AppendText(std::string_view text);
   /// Appends one character `count` times, cut likewise.
   void AppendRepeated(char character, std::size_t count);
-  void Clear();
+  void Clear() { CutTo(0); }
+  /// Drops what stands behind the first `length` characters, of which there must be so many.
+  void CutTo(std::size_t length);
 
   [[nodiscard]] bool Truncated() const { return truncated_; }
   [[nodiscard]] std::size_t Length() const { return length_; }

@@ -5,6 +5,9 @@
 #include <cstdlib>
 
 void* AllocateLargePages(std::size_t size) {
+  if (size < kLargePage) {
+    return std::malloc(size);
+  }
   const std::size_t whole = (size + kLargePage - 1) / kLargePage * kLargePage;
   void* memory = std::aligned_alloc(kLargePage, whole);
   if (memory != nullptr) {

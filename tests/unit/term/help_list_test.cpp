@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "term/help_records.h"
@@ -122,6 +123,23 @@ TEST(HelpList, KeepsTheFirstOfEqualKeywordsAndCutsLongTexts) {
   EXPECT_TRUE(Add(list, std::string(600, 'k'), std::string(600, 'h').c_str()));
   EXPECT_EQ(At(list, 2).szKeyWord, std::string(512, 'k'));
   EXPECT_EQ(At(list, 2).szHelp, std::string(512, 'h'));
+}
+
+TEST(HelpList, KeepsTextsOfAllLengthsApart) {
+  constexpr std::size_t kLengths[] = {4, 62, 63, 64, 127, 128, 447, 448, 511, 512};
+  const UniqueHelpList list = NewList();
+  std::vector<std::pair<std::string, std::string>> texts;
+  for (int i = 0; i < 900; ++i) {
+    const std::size_t keyword_length = kLengths[i / 90];
+    const std::size_t help_length = kLengths[i / 9 % 10];
+    const std::string number = std::to_string(1000 + i);
+    texts.emplace_back(number + std::string(keyword_length - 4, 'k'), number + std::string(help_length - 4, 'h'));
+    EXPECT_TRUE(Add(list, texts.back().first, texts.back().second.c_str()));
+  }
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    EXPECT_EQ(At(list, i).szKeyWord, texts[i].first);
+    EXPECT_EQ(At(list, i).szHelp, texts[i].second);
+  }
 }
 
 TEST(HelpList, RefusesEveryDuplicateInALargeDirectory) {
