@@ -18,9 +18,6 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
 
-/// The second length line and the end marker lie within so many bytes before the end.
-constexpr std::size_t kTailSize = 100;
-
 /// Reads six digits. @return none when there are fewer, or something else among them.
 std::optional<std::uint32_t> ReadLength(std::string_view text) {
   char digits[kTrailerLengthDigits + 1] = {};
@@ -46,16 +43,13 @@ std::optional<std::string_view> TakeLine(std::string_view& text, std::string_vie
   return value;
 }
 
-/// Finds the length that the end of a package tells of its trailer.
 std::optional<std::uint32_t> FindTrailerLength(std::FILE* stream, std::uint64_t size) {
-  char tail[kTailSize];
+  char tail[kTrailerTail];
   if (size < sizeof(tail) || fseeko(stream, static_cast<off_t>(size - sizeof(tail)), SEEK_SET) != 0 ||
       std::fread(tail, 1, sizeof(tail), stream) != sizeof(tail)) {
     return std::nullopt;
   }
-  const std::string_view text(tail, sizeof(tail));
-  const std::size_t label = text.find(kLengthLabel);
-  return label == std::string_view::npos ? std::nullopt : ReadLength(text.substr(label + kLengthLabel.size()));
+  return ToldTrailerLength({tail, sizeof(tail)});
 }
 
 std::uint32_t ResultOfTrailer(PackageVerdict verdict) {
@@ -88,6 +82,15 @@ std::optional<TrailerFields> ParseTrailer(std::string_view text) {
   const bool holds = length->size() == kTrailerLengthDigits && *length == *length_again &&
                      ReadLength(*length) == whole && *hash == kTrailerHash;
   return holds ? std::optional(TrailerFields{*key, *signature}) : std::nullopt;
+}
+
+std::optional<std::uint32_t> ToldTrailerLength(std::string_view package) {
+  if (package.size() < kTrailerTail) {
+    return std::nullopt;
+  }
+  const std::string_view tail = package.substr(package.size() - kTrailerTail);
+  const std::size_t label = tail.find(kLengthLabel);
+  return label == std::string_view::npos ? std::nullopt : ReadLength(tail.substr(label + kLengthLabel.size()));
 }
 
 PackageVerdict ReadTrailer(std::FILE* stream, std::uint64_t size, std::uint32_t minimum_payload, PKG_CSS_S* css) {

@@ -25,6 +25,8 @@ inline constexpr std::string_view kKeyLabel = "Key: ";
 inline constexpr std::string_view kHashLabel = "Hash: ";
 inline constexpr std::string_view kSignatureLabel = "Signature: ";
 inline constexpr std::size_t kTrailerLengthDigits = 6;
+/// The second length line and the end marker lie within so many bytes before the end.
+inline constexpr std::size_t kTrailerTail = 100;
 inline constexpr std::size_t kMostSignatureText = 2048;
 inline constexpr std::string_view kTrailerHash = "sha256";
 
@@ -55,6 +57,11 @@ struct TrailerFields {
 
 /// Takes a trailer apart. @return none unless it has exactly the form above and the length that it tells.
 [[nodiscard]] std::optional<TrailerFields> ParseTrailer(std::string_view text);
+
+/// The length that the end of a package tells of its trailer.
+/// @param package the package, or no less than its last kTrailerTail bytes.
+/// @return none when nothing there tells one.
+[[nodiscard]] std::optional<std::uint32_t> ToldTrailerLength(std::string_view package);
 
 /// Finds and reads the trailer of an open package, whatever its form.
 /// @param size            of the file.

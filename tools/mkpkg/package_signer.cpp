@@ -63,13 +63,7 @@ std::string ReasonAgainstKeyName(const std::string& name) {
 
 std::size_t TrailerSize(const std::string& package) {
   const std::string_view bytes = package;
-  const std::size_t at = bytes.rfind(kLengthLabel);
-  if (at == std::string_view::npos || bytes.size() - at < kLengthLabel.size() + kTrailerLengthDigits) return 0;
-  std::size_t length = 0;
-  for (const char digit : bytes.substr(at + kLengthLabel.size(), kTrailerLengthDigits)) {
-    if (!IsDigit(digit)) return 0;
-    length = length * 10 + static_cast<std::size_t>(digit - '0');
-  }
+  const std::size_t length = ToldTrailerLength(bytes).value_or(0);
   if (length > bytes.size() || bytes.size() - length < kMainHeadSize) return 0;
   return IsTrailer(bytes.substr(bytes.size() - length)) ? length : 0;
 }

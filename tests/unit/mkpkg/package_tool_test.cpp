@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "pkg/fingerprint_trailer.h"
 #include "pkg/product_code.h"
 #include "pkg/signature.h"
 #include "tests/support/package_fixture.h"
@@ -137,6 +138,9 @@ TEST_F(PackageTool, ResigningReplacesTheSignature) {
   const mkpkg::SignatureForm form = {.key_name = "maker"};
   EXPECT_EQ(Sign(GoodPackage(), form), GoodPackage());
   EXPECT_EQ(Sign(GoodPackage(true), form), GoodPackage());
+  std::string damaged = GoodPackage();
+  damaged[damaged.rfind(kLengthLabel)] = 'f';
+  EXPECT_EQ(mkpkg::TrailerSize(damaged), 0U) << "a device looks for it at the package's end alone";
 }
 
 TEST_F(PackageTool, NoKeyWithASmallExponent) {
