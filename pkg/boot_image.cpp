@@ -13,15 +13,11 @@ namespace {
 
 constexpr std::size_t kPathRoom = kMediaPrefix.size() + kBootImageNameRoom;
 
-/// Nobody has verified the boot image's package: its description may claim, or unpack to, more than the device's
-/// memory.
-constexpr std::uint32_t kMostDescription = 1 << 20;
-
 UniqueLines OpenDescription(PKG_READER_S* package) {
   const PackageFileEntry* entry = FindFile(*package, kDescriptionFile);
   const UniqueFileHead head(entry == nullptr ? nullptr : FileHeadCreateByFileDesc(package, entry));
-  const bool is_modest = head != nullptr && head->stored_size <= kMostDescription &&
-                         (head->compression == kStoredAsIs || head->unpacked_size <= kMostDescription);
+  const bool is_modest = head != nullptr && head->stored_size <= kMostBootDescription &&
+                         (head->compression == kStoredAsIs || head->unpacked_size <= kMostBootDescription);
   return is_modest ? OpenPackageText(package, kDescriptionFile) : nullptr;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "pkg/line_reader.h"
 
@@ -9,6 +10,10 @@ inline constexpr std::size_t kProductVersionRoom = 65;
 
 /// Room for the version of a boot image.
 inline constexpr std::size_t kRunningVersionRoom = 129;
+
+/// Most bytes of a boot image's description, packed and unpacked. Nobody has verified its package: the description may
+/// claim, or unpack to, more than the device's memory.
+inline constexpr std::uint32_t kMostBootDescription = 1 << 20;
 
 /// The product version that a package's description gives; when there are several, the last.
 /// @param description may be none.

@@ -62,6 +62,10 @@ UniqueLines OpenText(const PackageModel& package, std::uint32_t id) {
 std::string RunningVersion(const std::string& boot_image) {
   PackageModel boot;
   if (boot_image.empty() || !ReadPackage(boot_image, boot).empty()) return "";
+  const ContainedFile* description = boot.Find(kDescriptionFile);
+  const bool is_modest = description != nullptr && description->stored_size <= kMostBootDescription &&
+                         description->data.size() <= kMostBootDescription;
+  if (!is_modest) return "";
   char version[kRunningVersionRoom];
   ReadBootVersion(OpenText(boot, kDescriptionFile).get(), version);
   return version;
