@@ -29,6 +29,7 @@ std::string ShellOnDevice(const char* program) { return kMachine + fs::absolute(
 
 void Execute(std::vector<std::string> words) {
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) {
     arguments.push_back(word.data());
   }

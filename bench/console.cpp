@@ -82,7 +82,7 @@ Trace ReadTrace() {
   int waiting = 0;
   std::ifstream file(kTrace);
   for (std::string line; std::getline(file, line);) {
-    const std::string_view call = std::string_view(line).substr(line.find_first_of(" ") + 1);
+    const std::string_view call = std::string_view(line).substr(line.find(' ') + 1);
     const bool reads_console = call.find("read(0, ") != std::string_view::npos;
     if (reads_console && call.ends_with("= 1")) {
       trace.calls_while_waiting = waiting;

@@ -38,7 +38,7 @@ double Millis(const std::function<void()>& body) {
 
 /// Makes a text file of lines as wide as a console.
 std::string MakeText(std::size_t bytes) {
-  const std::string name = "text" + std::to_string(bytes / kMegabyte);
+  std::string name = "text" + std::to_string(bytes / kMegabyte);
   std::ofstream file("/mnt/flash:/" + name, std::ios::binary);
   const std::string line(71, 'x');
   for (std::size_t written = 0; written < bytes; written += line.size() + 1) {

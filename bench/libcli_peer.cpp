@@ -44,7 +44,7 @@ extern "C" __attribute__((noinline)) void RunMeasuredLines(cli_def* cli, int cou
 }
 
 int main(int argc, char** argv) {
-  const int count = argc == 2 ? std::atoi(argv[1]) : 1;
+  const int count = argc == 2 ? static_cast<int>(std::strtol(argv[1], nullptr, 10)) : 1;
   cli_def* cli = cli_init();
   AddCommands(cli);
   RunMeasuredLines(cli, count);

@@ -98,7 +98,7 @@ int main(int argc, char** argv) {
   StartOwnShell();
   RegisterCommands(kMeasuredCommand);
   if (argc == 3 && std::string_view(argv[1]) == "execute") {
-    const int count = std::atoi(argv[2]);
+    const int count = static_cast<int>(std::strtol(argv[2], nullptr, 10));
     RunMeasuredLines(count);
     Require(g_runs == count, "the measured command does not run");
   } else {
