@@ -22,7 +22,10 @@ bool AppendCopy(VEC_S& arguments, std::string_view text) {
 }  // namespace
 
 void ParserVecFree(VEC_S* vec) {
-  FreeVectorOf<char>(vec, [](char* text) { std::free(text); });
+  FreeVectorOf<char>(vec, [](char* text) {
+    explicit_bzero(text, std::strlen(text));  // one of a tool's words may be a password
+    std::free(text);
+  });
 }
 
 UniqueArguments SplitCommandLine(std::string_view line, std::string_view blanks) {

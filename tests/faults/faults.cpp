@@ -115,6 +115,9 @@ int chdir(const char* path) noexcept { return Fails("chdir") ? -1 : static_cast<
 
 pid_t fork() noexcept { return Fails("fork") ? -1 : Next<pid_t()>("fork")(); }
 
+/// A child that shares its parent's stack must not return through this function's frame.
+pid_t vfork() noexcept { return fork(); }
+
 int remove(const char* path) noexcept { return Fails("remove") ? -1 : Next<int(const char*)>("remove")(path); }
 
 DIR* opendir(const char* path) { return Fails("opendir") ? nullptr : Next<DIR*(const char*)>("opendir")(path); }
