@@ -16,13 +16,13 @@
 #include "shell/parameter.h"
 #include "shell/result.h"
 #include "term/pager.h"
-#include "util/fixed_text.h"
 #include "util/unique_handle.h"
 
 namespace {
 
 constexpr char kNotText[] = "Not a text file.\r";
 constexpr std::size_t kChunk = 1023;
+constexpr std::size_t kReadAtOnce = 32 * kChunk;  // or each chunk would cost a system call
 
 bool HasHighBit(char byte) { return static_cast<unsigned char>(byte) >= 0x80; }
 
@@ -32,27 +32,32 @@ bool IsText(std::string_view chunk) {
          chunk.find(std::string_view("\0\0", 2)) == std::string_view::npos;
 }
 
+/// Appends a chunk up to its first NUL byte. @param last where the text ends at the latest. @return its new end.
+char* AppendChunk(char* end, const char* last, std::string_view chunk) {
+  const std::size_t length = std::min(chunk.find('\0'), std::min(chunk.size(), static_cast<std::size_t>(last - end)));
+  std::memcpy(end, chunk.data(), length);
+  return end + length;
+}
+
 /// Reads a file of known size into `text`, chunk by chunk; what follows a NUL byte inside a chunk is dropped. Only
 /// the first chunk is asked whether it is text.
 /// @param room size of `text` in bytes. A file that grows meanwhile is shown up to there.
 void ReadText(int file, char* text, std::size_t room) {
-  char chunk[kChunk];
-  std::size_t end = 0;  // remembered: looking for it before every chunk costs the square of the file's size
-  text[0] = '\0';
-  for (bool first = true;; first = false) {
-    const ssize_t length = read(file, chunk, sizeof(chunk));
-    if (length <= 0) {
-      return;
-    }
-    const std::string_view bytes(chunk, static_cast<std::size_t>(length));
-    if (first && !IsText(bytes)) {
+  char block[kReadAtOnce];
+  char* end = text;
+  const char* const last = text + room - 1;
+  bool first = true;
+  for (ssize_t length = 0; (length = read(file, block, sizeof(block))) > 0; first = false) {
+    const std::string_view bytes(block, static_cast<std::size_t>(length));
+    if (first && !IsText(bytes.substr(0, kChunk))) {
       std::puts(kNotText);
-      return;
+      break;
     }
-    const std::string_view piece = bytes.substr(0, std::min(bytes.find('\0'), room - 1 - end));
-    CopyBounded(text + end, room - end, piece);
-    end += piece.size();
+    for (std::size_t at = 0; at < bytes.size(); at += kChunk) {
+      end = AppendChunk(end, last, bytes.substr(at, kChunk));
+    }
   }
+  *end = '\0';
 }
 
 }  // namespace
