@@ -50,9 +50,5 @@ struct HelpListFreer {
 };
 using UniqueHelpList = std::unique_ptr<VEC_S, HelpListFreer>;
 
-/// The order of the lines: pure numbers first and by value, then texts by their bytes, "<cr>" after everything.
-/// @return negative, zero or positive.
-[[nodiscard]] int CmpHelpString(const char* a, const char* b);
-
-/// Sorts the records from index `lo` to index `hi` in place (quicksort; not stable). There must be no holes.
+/// Sorts the records from index `lo` to index `hi` in place (term/help_order.h). There must be no holes.
 void QuickSortStrVec(VEC_S* list, std::int64_t lo, std::int64_t hi);

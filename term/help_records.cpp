@@ -29,7 +29,7 @@ struct alignas(kLine) Block {
 };
 
 /// Where the next record goes.
-struct Place {
+struct Cursor {
   Block* block = nullptr;
   std::size_t group = 0;  // how far it stands behind the block's beginning
   std::size_t line = 0;
@@ -40,14 +40,14 @@ struct Place {
 };
 
 /// Its block stays when it is empty: the next list is not far.
-Place g_next;
+Cursor g_next;
 
 Block* BlockOf(ESH_HELP_INFO_S* record) {
   const std::size_t offset = reinterpret_cast<std::uintptr_t>(record) & (kBlock - 1);
   return reinterpret_cast<Block*>(reinterpret_cast<char*>(record) - offset);
 }
 
-Place BeginningOf(Block* block) { return {block, sizeof(Block), 0}; }
+Cursor BeginningOf(Block* block) { return {block, sizeof(Block), 0}; }
 
 /// @return whether there is memory for a new block.
 bool StartBlock() {

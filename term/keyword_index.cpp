@@ -118,7 +118,7 @@ void KeywordIndex::Insert(Entry entry) {
 }
 
 const char* KeywordIndex::KeywordOf(Entry entry) const {
-  const auto* line = static_cast<const ESH_HELP_INFO_S*>(array_[entry.place]);
+  const auto* line = static_cast<const ESH_HELP_INFO_S*>(array_[entry.index]);
   return line == nullptr ? nullptr : line->szKeyWord;
 }
 

@@ -10,8 +10,9 @@ struct VEC_S;
 /// Finds a keyword in a help list without walking it: a hash table of the list's records, beside the list. Walking
 /// costs the square of the list's length, which a directory of 100,000 files does not forgive.
 ///
-/// One index serves one list at a time. A list that changed by other hands is indexed anew; without memory for the
-/// table the list is walked after all.
+/// One index serves one list at a time. A list is indexed anew when others added to it where ESH_NewHelpInfo would, or
+/// took records out, but not when they filled another hole than the lowest. Without memory for the table the list is
+/// walked after all.
 class KeywordIndex {
  public:
   /// What the other calls want of a keyword, so that it is computed once.
@@ -28,7 +29,7 @@ class KeywordIndex {
 
  private:
   struct Entry {
-    std::uint32_t place;  // the record's index in the list
+    std::uint32_t index;  // the record's in the list
     std::uint32_t hash;   // tells nearly all other keywords apart without a look at the record
   };
   /// One byte of an entry's hash. Nearly every search looks at tags alone, and even those of a long list stay in the

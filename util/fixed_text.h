@@ -30,7 +30,8 @@ class TextBuilder {
   /// Appends one character `count` times, cut likewise.
   void AppendRepeated(char character, std::size_t count);
   void Clear() { CutTo(0); }
-  /// Drops what stands behind the first `length` characters, of which there must be so many.
+  /// Drops what stands behind the first `length` characters, of which there must be so many; nothing counts as cut
+  /// then.
   void CutTo(std::size_t length);
 
   [[nodiscard]] bool Truncated() const { return truncated_; }

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "term/help_order.h"
 #include "term/help_records.h"
 
 namespace {
@@ -97,7 +98,7 @@ std::vector<std::string> TextsBehind(const std::string& beginning) {
 }
 
 TEST(HelpOrder, OfTextsWithASharedBeginningIsThatOfTheirBytes) {
-  for (const char* beginning : {"x", "flash:/", "flash:/image-", "flash:/12345678"}) {
+  for (const char* beginning : {"x", "\xC3\xA9", "flash:/", "flash:/image-", "flash:/12345678"}) {
     const UniqueHelpList list = NewList();
     std::vector<std::string> texts = TextsBehind(beginning);
     for (const std::string& text : texts) {
