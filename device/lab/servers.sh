@@ -52,7 +52,8 @@ else
   truncate -s 8M srv/image.bin
   truncate -s 40M srv/large.bin
   owner=1000:1000
-  FILES="system.bin and other packages, readme.txt, startup.cfg, image.bin (8 MB), large.bin (40 MB)"
+  FILES="system.bin and other packages, readme.txt, startup.cfg,
+           image.bin (8 MB), large.bin (40 MB)"
 fi
 [ "$(awk '{ print $3; exit }' /proc/self/uid_map)" -gt 1 ] || owner=0:0
 [ -n "$directory" ] || chown -R "$owner" srv

@@ -33,8 +33,9 @@ done
 
 cat << TEXT
 The lab at the other end of m-eth0:
-  hosts    10.0.0.1 and fd00::1 (for m-eth0: ip address 10.0.0.2 24, ipv6 address fd00::2 64)
+  hosts    10.0.0.1 and fd00::1
+           (for m-eth0: ip address 10.0.0.2 24, ipv6 address fd00::2 64)
   router   10.0.0.254 and fe80::1, behind it 10.1.0.1 and fd00:1::1
-  servers $servers on each of these, user "operator", password "harbour"
+  servers $servers on each, user "operator", password "harbour"
   files    $FILES
 TEXT
