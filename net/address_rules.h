@@ -6,6 +6,9 @@
 
 /// Rules for the addresses that an operator types. Texts are in the notation of inet_pton(3).
 
+inline constexpr char kInvalidIPv4Address[] = "Invalid IP address.\r";
+inline constexpr char kInvalidIPv6Address[] = "Invalid IPv6 address.\r";
+
 /// Whether a text is an IPv4 address that can be a peer: class A, B or C. Unlike an address of the port's own, it may
 /// be a loopback address.
 /// @return 1 for such an address, else 0.

@@ -1,6 +1,5 @@
 #include "net/ipv4_address.h"
 
-#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
@@ -16,7 +15,6 @@
 
 namespace {
 
-constexpr char kInvalidIpv4[] = "Invalid IP address.\r";
 constexpr unsigned kAddressBits = 32;
 using DottedText = FixedText<16>;
 
@@ -33,7 +31,7 @@ std::uint32_t SetIPv4Address(const char* mask) {
     return kSuccess;
   }
   if (IsValidIPAddr(mask) == 0) {
-    std::puts(kInvalidIpv4);
+    std::puts(kInvalidIPv4Address);
     return kSuccess;
   }
   if (!IsPortShut()) {

@@ -13,12 +13,6 @@
 #include "shell/result.h"
 #include "util/decimal.h"
 
-namespace {
-
-constexpr char kInvalidIpv6[] = "Invalid IPv6 address.\r";
-
-}  // namespace
-
 std::uint32_t ESH_ProcIPv6AddrPreLen() {
   in6_addr address{};
   if (inet_pton(AF_INET6, g_szIPv6Address, &address) != 1) {
@@ -29,7 +23,7 @@ std::uint32_t ESH_ProcIPv6AddrPreLen() {
   }
   std::uint64_t prefix_length = 0;
   if (!ReadDecimal(g_szIPv6PreLen, prefix_length) || !IsUsableIPv6Address(address, prefix_length)) {
-    std::puts(kInvalidIpv6);
+    std::puts(kInvalidIPv6Address);
     return kSuccess;
   }
   if (!IsPortShut()) {

@@ -12,10 +12,10 @@
 namespace {
 
 constexpr CommandWord kUndo = Word("undo", "Cancel current setting");
-constexpr CommandWord kIp = Word("ip", "Specify IP configuration");
-constexpr CommandWord kIpv6 = Word("ipv6", "Specify IPv6 configuration");
-constexpr CommandWord kIpAddress = Word("address", "Assign an IP address to the interface");
-constexpr CommandWord kIpv6Address = Word("address", "Assign an IPv6 address to the interface");
+constexpr CommandWord kIP = Word("ip", "Specify IP configuration");
+constexpr CommandWord kIPv6 = Word("ipv6", "Specify IPv6 configuration");
+constexpr CommandWord kIPAddress = Word("address", "Assign an IP address to the interface");
+constexpr CommandWord kIPv6Address = Word("address", "Assign an IPv6 address to the interface");
 constexpr CommandWord kGateway = Word("gateway", "Specify a gateway for the interface");
 constexpr CommandWord kShutdown = Word("shutdown", "Shut down the interface");
 
@@ -28,23 +28,23 @@ constexpr CommandWord kPrefixLengthParam =
     Param(ESH_ELEM_INTEGER, "INTEGER<1-127>", "IPv6 prefix length", ESH_RecordIPv6PreLen);
 
 constexpr CommandRow kNetworkCommands[] = {
-    {ESH_ProcIPAddrMaskLen, kInterfaceView, {kIp, kIpAddress, kAddressParam, kMaskLengthParam}},
-    {ESH_ProcIPAddrMask, kInterfaceView, {kIp, kIpAddress, kAddressParam, kMaskParam}},
-    {ESH_ProcUndoIPAddr, kInterfaceView, {kUndo, kIp, kIpAddress}},
-    {ESH_ProcIPv6AddrPreLen, kInterfaceView, {kIpv6, kIpv6Address, kIPv6Param, kPrefixLengthParam}},
-    {ESH_ProcUndoIPv6Addr, kInterfaceView, {kUndo, kIpv6, kIpv6Address}},
-    {ESH_ProcIPGateway, kInterfaceView, {kIp, kGateway, kAddressParam}},
-    {ESH_ProcUndoIPGateway, kInterfaceView, {kUndo, kIp, kGateway}},
-    {ESH_ProcIPv6Gateway, kInterfaceView, {kIpv6, kGateway, kIPv6Param}},
-    {ESH_ProcUndoIPv6Gateway, kInterfaceView, {kUndo, kIpv6, kGateway}},
+    {ESH_ProcIPAddrMaskLen, kInterfaceView, {kIP, kIPAddress, kAddressParam, kMaskLengthParam}},
+    {ESH_ProcIPAddrMask, kInterfaceView, {kIP, kIPAddress, kAddressParam, kMaskParam}},
+    {ESH_ProcUndoIPAddr, kInterfaceView, {kUndo, kIP, kIPAddress}},
+    {ESH_ProcIPv6AddrPreLen, kInterfaceView, {kIPv6, kIPv6Address, kIPv6Param, kPrefixLengthParam}},
+    {ESH_ProcUndoIPv6Addr, kInterfaceView, {kUndo, kIPv6, kIPv6Address}},
+    {ESH_ProcIPGateway, kInterfaceView, {kIP, kGateway, kAddressParam}},
+    {ESH_ProcUndoIPGateway, kInterfaceView, {kUndo, kIP, kGateway}},
+    {ESH_ProcIPv6Gateway, kInterfaceView, {kIPv6, kGateway, kIPv6Param}},
+    {ESH_ProcUndoIPv6Gateway, kInterfaceView, {kUndo, kIPv6, kGateway}},
     {ESH_ProcShutdown, kInterfaceView, {kShutdown}},
     {ESH_ProcUndoShutdown, kInterfaceView, {kUndo, kShutdown}},
     {ESH_ProcDisInterface,
      kAllViews,
      {kDisplay, Word("interface", "Status and configuration information for the interface"),
       Word("m-eth0", "M-eth0 interface")}},
-    {ESH_ProcDisIPGateway, kAllViews, {kDisplay, kIp, Word("routing-table", "IP route table")}},
-    {ESH_ProcDisIPv6Gateway, kAllViews, {kDisplay, kIpv6, Word("routing-table", "IPv6 route table")}},
+    {ESH_ProcDisIPGateway, kAllViews, {kDisplay, kIP, Word("routing-table", "IP route table")}},
+    {ESH_ProcDisIPv6Gateway, kAllViews, {kDisplay, kIPv6, Word("routing-table", "IPv6 route table")}},
 };
 static_assert(WellFormed(kNetworkCommands));
 

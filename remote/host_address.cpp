@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr char kInvalidIPAddress[] = "Invalid IP address.\r";
-
 bool ReadAddress(in6_addr& address) { return inet_pton(AF_INET6, g_szIPv6Address, &address) == 1; }
 
 }  // namespace
@@ -21,7 +19,7 @@ Refusal CheckIPv4Host() {
   if (ESH_IsValidUCAddr(g_szIPv4Address) == 1) {
     return std::nullopt;
   }
-  std::puts(kInvalidIPAddress);
+  std::puts(kInvalidIPv4Address);
   return ESH_ERR_FAIL;
 }
 

@@ -1,12 +1,11 @@
 #include "remote/ping.h"
 
+#include "net/address_rules.h"
 #include "remote/host_address.h"
 #include "shell/parameter.h"
 #include "shell/tool_line.h"
 
 namespace {
-
-constexpr char kInvalidIPv6Address[] = "Invalid IPv6 address.\r";
 
 std::uint32_t Ping(const Refusal& refusal, const ToolLine& line) {
   return refusal ? *refusal : RunToolLine(line, 0, 0);
