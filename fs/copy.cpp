@@ -57,7 +57,7 @@ bool CopyFile(const char* source_name, const char* destination_name, mode_t mode
          CloseSynced(std::move(destination));
 }
 
-/// Makes room for the destination. @return false when the user keeps what is there.
+/// Asks when the destination exists. @return false when the user keeps it.
 bool MayWrite(const NamedFile& destination) {
   if (!EntryExists(destination.full)) {
     return true;

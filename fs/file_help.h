@@ -4,8 +4,8 @@
 
 struct VEC_S;
 
-/// What a file-name argument may be. FS_HELP_NEW_FILE and FS_HELP_LAST are used by no command;
-/// the last one, offered like an existing file, also bounds the range.
+/// What a file-name argument may be. FS_HELP_NEW_FILE and FS_HELP_LAST are used by no command; FS_HELP_LAST is offered
+/// like an existing file and ends the range.
 enum FS_HELP_KIND_E : std::uint32_t {
   FS_HELP_EXISTING_FILE = 0,
   FS_HELP_DESTINATION = 1,

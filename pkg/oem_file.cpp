@@ -1,11 +1,8 @@
 #include "pkg/oem_file.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 
 #include "pkg/corporation_tables.h"
 #include "util/ascii.h"
@@ -16,7 +13,7 @@ const char* const g_apcKeyWordTab[kOemKeys] = {"oem",     "productName", "sysDes
 
 namespace {
 
-/// What begins a section, at the begin of a line.
+/// What begins a section, at the start of a line.
 constexpr std::string_view kHeaders[] = {"[1.3.6.1.4.1.", "[default"};
 constexpr std::string_view kLineEnds = "\r\n";
 constexpr std::string_view kTrimmed = "\r\n ";
@@ -30,8 +27,8 @@ bool BeginsLine(std::string_view text, std::size_t place) {
   return place == 0 || kLineEnds.find(text[place - 1]) != std::string_view::npos;
 }
 
-/// The first begin of a line, from `start` on, with this text. npos when there is none.
-std::size_t FindAtLineBegin(std::string_view text, std::string_view wanted, std::size_t start) {
+/// The first line start, from `start` on, with this text. npos when there is none.
+std::size_t FindAtLineStart(std::string_view text, std::string_view wanted, std::size_t start) {
   std::size_t place = text.find(wanted, start);
   while (place != std::string_view::npos && !BeginsLine(text, place)) {
     place = text.find(wanted, place + 1);
@@ -46,14 +43,14 @@ std::string_view Trim(std::string_view text) {
 
 /// The text between a section's header and the next one.
 std::string_view SectionText(std::string_view text, std::string_view section) {
-  const std::size_t header = FindAtLineBegin(text, section, 0);
+  const std::size_t header = FindAtLineStart(text, section, 0);
   if (section.empty() || header == std::string_view::npos) {
     return "";
   }
   const std::size_t begin = header + section.size();
   std::size_t end = text.size();
   for (const std::string_view next : kHeaders) {
-    end = std::min(end, FindAtLineBegin(text, next, begin));
+    end = std::min(end, FindAtLineStart(text, next, begin));
   }
   return text.substr(begin, end - begin);
 }
@@ -74,7 +71,7 @@ void CopyValue(std::string_view value, char (&field)[kRoom]) {
 
 void SetCorporation(std::string_view value, OEM_CONSUMER_INFO_S& info) {
   for (std::uint32_t id = 0; id < kCorporations; ++id) {
-    // As long as the value is: the begin of a name is enough.
+    // As long as the value is: the first characters of a name are enough.
     if (g_apcCorpName[id] != nullptr && BeginsIgnoringCase(g_apcCorpName[id], value)) {
       info.uiCorpId = id;
       return;
@@ -120,8 +117,8 @@ constexpr KeyLine kNoKeyLine = {std::string_view::npos, std::string_view::npos};
 
 /// The first line from `start` on that begins with this key, blanks and a colon.
 KeyLine FindKeyLine(std::string_view section, std::string_view key, std::size_t start) {
-  for (std::size_t begin = FindAtLineBegin(section, key, start); begin != std::string_view::npos;
-       begin = FindAtLineBegin(section, key, begin + 1)) {
+  for (std::size_t begin = FindAtLineStart(section, key, start); begin != std::string_view::npos;
+       begin = FindAtLineStart(section, key, begin + 1)) {
     const std::size_t colon = section.find_first_not_of(' ', begin + key.size());
     // The section's first character stands behind its header, so no key line begins there.
     if (begin > 0 && colon != std::string_view::npos && section[colon] == ':') {

@@ -34,7 +34,7 @@ constexpr std::uint8_t kMakersMac[] = {0x02, 0x5A, 0xC1, 0x07, 0xF2, 0x0E};
 /// An object identifier in brackets, with up to 20 digits and a dot for each part.
 constexpr std::size_t kSectionRoom = kMaxObjectIdParts * 21 + 3;
 
-/// Which default section goes with the begin of a device's object identifier; the first that fits counts.
+/// Which default section goes with the first parts of a device's object identifier; the first that fits counts.
 struct DefaultSection {
   std::string_view prefix;
   const char* section;

@@ -9,8 +9,7 @@
 std::uint16_t CheckRemoteFile(const char* word) { return ESH_FS_IsValidFileName(word) == kSuccess ? 1 : 0; }
 
 std::uint32_t HelpRemoteFile(const char* /*word*/, VEC_S* help, const ESH_CMD_ELEMENT_S* /*element*/) {
-  (void)ESH_NewHelpInfo("STRING", "Remote file name", help);  // fails when memory is short: the line is missing then
-  return kSuccess;
+  return ESH_NewHelpInfo("STRING", "Remote file name", help);
 }
 
 Refusal CheckRemoteIsNoOption() {

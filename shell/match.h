@@ -4,8 +4,7 @@
 
 struct VEC_S;
 
-/// How well a word fits. Those below ESH_MATCH_PARAM are also the errors that a line
-/// can have.
+/// How well a word fits. Those below ESH_MATCH_PARAM are also the errors that a line can have.
 enum ESH_MATCH_LEVEL_E : std::uint32_t {
   ESH_MATCH_NONE = 0,         ///< no candidate accepts the word
   ESH_MATCH_TOO_MANY = 1,     ///< only the end of the command could be here

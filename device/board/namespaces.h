@@ -7,7 +7,8 @@
 namespace device {
 
 /// Leaves the host's namespaces: this process, which must be single-threaded, gets a user, mount, network, UTS and IPC
-/// namespace of its own, and its next children a PID namespace. Nobody is anybody in it before IdentitiesMapped.
+/// namespace of its own, and its next children a PID namespace. No user or group has an identity in it
+/// before MapIdentities.
 /// @return an empty text, or one line that says what the host forbids.
 [[nodiscard]] std::string LeaveHost();
 

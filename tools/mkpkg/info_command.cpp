@@ -10,9 +10,9 @@ namespace {
 
 constexpr char kHelp[] =
     "usage: mkpkg info [--json] PACKAGE\n"
-    "Shows what is in a package, as the device's reader finds it: tags, files, texts, the room that an image needs on "
-    "a\n"
-    "device, and warnings of what a device accepts or drops without a word. Nothing is verified: see mkpkg check.\n"
+    "Shows what is in a package, as the device's reader finds it: tags, files, texts, the room that an image needs\n"
+    "on a device, and warnings of what a device accepts or drops without a word. Nothing is verified: see\n"
+    "mkpkg check.\n"
     "\n"
     "  --json  the same for programs\n"
     "\n"

@@ -87,16 +87,16 @@ TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
     const char* contact = "Ostrel Networks Ltd.";
     std::uint32_t corporation = 0;
   } cases[] = {
-      {"the key is not at the begin of a line", "\nx productName: y\n"},
+      {"the key is not at the start of a line", "\nx productName: y\n"},
       {"behind the header", "productName: y\n"},
       {"blanks around the colon", "\r\nproductName  :   A B  \r\n", "A B"},
       {"no colon", "\nproductName A\n"},
-      {"only a key's begin", "\nproductNames: A\n"},
+      {"a longer key", "\nproductNames: A\n"},
       {"an empty contact", "\nsysContact:\nproductName:\n", "Ostrel", ""},
       {"a value over lines", "\nsysContact: a\nb: c\r\n\r\nproductName: n", "n", "a\nb: c"},
       {"a written line break", "\nsysContact: a\\r\\nb\\r\\\\r\\n\n", "Ostrel", "a\r\nb\\r\\\r\n"},
       {"a corporation in any case", "\noem: dURELL\n", "Ostrel", "Ostrel Networks Ltd.", 2},
-      {"a corporation's begin", "\noem: Ilver\n", "Ostrel", "Ostrel Networks Ltd.", 42},
+      {"only the first letters of a corporation", "\noem: Ilver\n", "Ostrel", "Ostrel Networks Ltd.", 42},
       {"no such corporation", "\noem: Durells\n"},
       {"a header inside a line", "\nsysContact: x [default-y]\nproductName: n\n", "n", "x [default-y]"},
       {"the next section", "\n[default-Other]\nproductName: n\n"},
