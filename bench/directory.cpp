@@ -1,8 +1,6 @@
 /// Large directories: what "?", TAB and "dir" cost beside what busybox does with the same directory.
 #include <unistd.h>
 
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>

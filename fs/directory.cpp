@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <string_view>
 
 #include "fs/file_messages.h"
 #include "fs/name_rules.h"

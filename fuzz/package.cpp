@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <span>
-#include <string_view>
 
 #include "pkg/package_seal.h"
 #include "pkg/seven_zip.h"

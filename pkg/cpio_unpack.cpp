@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <string_view>
 
 #include "fs/working_directory.h"
 #include "pkg/process_runner.h"

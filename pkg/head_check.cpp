@@ -1,9 +1,10 @@
 #include "pkg/head_check.h"
 
+#include <cstddef>
+
 #include "pkg/crc16.h"
 #include "pkg/product_code.h"
 #include "pkg/signature.h"
-#include "shell/result.h"
 
 namespace {
 

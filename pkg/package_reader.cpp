@@ -1,7 +1,6 @@
 #include "pkg/package_reader.h"
 
 #include <cstdlib>
-#include <cstring>
 
 #include "pkg/byte_order.h"
 #include "pkg/package_seal.h"

@@ -3,11 +3,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <span>
-#include <string_view>
 
 #include "pkg/byte_order.h"
 #include "pkg/file_status.h"

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <sys/stat.h>
-
-#include <cstddef>
 #include <cstdint>
-#include <cstdio>
 
 #include "pkg/package_reader.h"
 

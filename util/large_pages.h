@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdlib>
 
 /// A large page of x86-64, and of arm64 with 4 KB pages, in bytes.
 inline constexpr std::size_t kLargePage = std::size_t{2} << 20;

@@ -12,7 +12,6 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
-#include <vector>
 
 #include "util/unique_handle.h"
 

@@ -17,7 +17,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
 
 #include "device/board/command_server.h"
 #include "device/board/namespaces.h"

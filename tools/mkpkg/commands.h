@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <span>
-#include <string>
 
 #include "tools/mkpkg/arguments.h"
 

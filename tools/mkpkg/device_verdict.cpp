@@ -4,6 +4,7 @@
 #include "pkg/fingerprint_trailer.h"
 #include "pkg/head_check.h"
 #include "pkg/line_reader.h"
+#include "pkg/package_format.h"
 #include "pkg/package_name.h"
 #include "pkg/package_reader.h"
 #include "pkg/product_code.h"

@@ -1,7 +1,5 @@
 #include <sys/stat.h>
 
-#include <cstdlib>
-
 #include "pkg/public_key.h"
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/device_key.h"

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 #include <string_view>
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "pkg/crc16.h"
+#include "pkg/package_format.h"
 
 namespace mkpkg {
 

@@ -5,8 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "pkg/package_format.h"
-
 namespace mkpkg {
 
 /// Reads a word as its package keeps it: big-endian, or in this machine's order. The word lies inside `bytes`.

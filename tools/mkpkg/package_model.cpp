@@ -1,6 +1,7 @@
 #include "tools/mkpkg/package_model.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "pkg/contained_file.h"
 #include "pkg/line_reader.h"

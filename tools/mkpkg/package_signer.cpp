@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "pkg/fingerprint_trailer.h"
+#include "pkg/package_format.h"
 #include "tools/mkpkg/package_bytes.h"
 #include "util/ascii.h"
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "pkg/fingerprint_trailer.h"
+#include "pkg/package_format.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/json_writer.h"

@@ -1,7 +1,5 @@
 #include "tools/mkpkg/verdict_text.h"
 
-#include <iterator>
-
 namespace mkpkg {
 namespace {
 

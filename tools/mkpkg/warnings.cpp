@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <string_view>
 
 #include "pkg/compatibility.h"
 #include "pkg/fingerprint_trailer.h"
+#include "pkg/package_format.h"
 #include "pkg/package_name.h"
 #include "pkg/product_code.h"
 #include "pkg/system_image.h"
