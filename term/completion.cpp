@@ -97,17 +97,27 @@ void FirstTab(const VEC_S& words, char* line, const VEC_S& candidates, const cha
   CopyText(g_stTabState.szLast, g_stTabState.szPrefix);
 }
 
+/// The candidate that was put in last, or else one in another case. Names that differ in case alone are several, and
+/// the cycle would never get past the second if it were taken for the first.
+const ESH_HELP_INFO_S* LastPutIn(const VEC_S& candidates) {
+  const ESH_HELP_INFO_S* exact = FindSlot<ESH_HELP_INFO_S>(candidates, [](const ESH_HELP_INFO_S& candidate) {
+    return std::strcmp(candidate.szKeyWord, g_stTabState.szLast) == 0;
+  });
+  return exact != nullptr ? exact : FindSlot<ESH_HELP_INFO_S>(candidates, [](const ESH_HELP_INFO_S& candidate) {
+    return EqualsIgnoringCase(candidate.szKeyWord, g_stTabState.szLast);
+  });
+}
+
 /// The candidate after the one that was put in last; the first one after the last, or when that one is gone.
 const ESH_HELP_INFO_S* NextInCycle(const VEC_S& candidates) {
+  const ESH_HELP_INFO_S* last = LastPutIn(candidates);
   const ESH_HELP_INFO_S* first = nullptr;
   bool last_seen = false;
   const ESH_HELP_INFO_S* next = FindSlot<ESH_HELP_INFO_S>(candidates, [&](const ESH_HELP_INFO_S& candidate) {
     first = first == nullptr ? &candidate : first;
-    if (last_seen) {
-      return true;
-    }
-    last_seen = EqualsIgnoringCase(candidate.szKeyWord, g_stTabState.szLast);
-    return false;
+    const bool is_next = last_seen;
+    last_seen = last_seen || &candidate == last;
+    return is_next;
   });
   return next == nullptr ? first : next;
 }

@@ -54,6 +54,7 @@ const TabCase kTabs[] = {
     {"what they share but for case", {"Reboot <cr>", "reset <cr>"}, "r", {"re", "Reboot"}},
     {"the typed word comes last", {"reset <cr>", "resetall <cr>"}, "Reset", {"resetall", "reset", "resetall"}},
     {"the shared word is a candidate itself", {"reset <cr>", "resetall <cr>"}, "r", {"reset", "resetall", "reset"}},
+    {"in another case alone", {"A <cr>", "a <cr>", "ab <cr>"}, "a", {"ab", "A", "a", "ab"}},
     {"the same word twice is one", kDisplay, "dis", {"display "}},
     {"only the last word", kDisplay, "dis v", {"dis version "}},
     {"a finished word", kDisplay, "dis ", {"display "}},
