@@ -1,42 +1,52 @@
 #include "fs/dot_elimination.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
+#include <cstdint>
 #include <string_view>
 
 #include "shell/result.h"
 #include "util/fixed_text.h"
-#include "util/unique_handle.h"
 
 namespace {
 
 constexpr std::size_t kWorkRoom = 8192;
 constexpr std::size_t kMinStackEntries = 1012;
+constexpr std::size_t kMostStackEntries = kWorkRoom / 2;
 constexpr std::string_view kRootMarker = "/";
 
-/// The components that a name has come to so far; the root is one.
+/// The components that a name has come to so far; the root is one. They are kept without malloc: no name may
+/// look wrong because memory is short.
 class ComponentStack {
  public:
-  explicit ComponentStack(std::size_t capacity)
-      : entries_(static_cast<std::string_view*>(std::malloc(capacity * sizeof(std::string_view)))),
-        capacity_(entries_ == nullptr ? 0 : capacity) {}
+  explicit ComponentStack(std::string_view name)
+      : name_(name), capacity_(std::max(name.size() / 2 + 1, kMinStackEntries)) {}
 
+  /// @param component a part of the name.
   [[nodiscard]] bool Push(std::string_view component) {
     if (depth_ == capacity_) {
       return false;
     }
-    entries_.get()[depth_++] = component;
+    entries_[depth_++] = {static_cast<std::uint16_t>(component.data() - name_.data()),
+                          static_cast<std::uint16_t>(component.size())};
     return true;
   }
   void Pop() { --depth_; }
   [[nodiscard]] std::size_t Depth() const { return depth_; }
-  [[nodiscard]] std::string_view At(std::size_t index) const { return entries_.get()[index]; }
+  [[nodiscard]] std::string_view At(std::size_t index) const {
+    return name_.substr(entries_[index].start, entries_[index].length);
+  }
 
  private:
-  std::unique_ptr<std::string_view, MemoryFreer> entries_;
+  /// Not a string_view, which would be initialised 4096 times for a few components.
+  struct Entry {
+    std::uint16_t start;
+    std::uint16_t length;
+  };
+
+  std::string_view name_;
   std::size_t capacity_;
   std::size_t depth_ = 0;
+  Entry entries_[kMostStackEntries];
 };
 
 bool TakeComponent(std::string_view component, bool is_first, std::uint32_t floor, ComponentStack& stack) {
@@ -56,7 +66,7 @@ bool TakeComponent(std::string_view component, bool is_first, std::uint32_t floo
 bool TakeAllComponents(std::string_view name, std::uint32_t floor, ComponentStack& stack) {
   std::size_t start = 0;
   if (name.starts_with('/')) {
-    if (!stack.Push(kRootMarker)) {
+    if (!stack.Push(name.substr(0, kRootMarker.size()))) {
       return false;
     }
     start = 1;
@@ -94,6 +104,6 @@ std::uint32_t eliminatePoint(const char* name, std::uint32_t floor, std::size_t 
   if (whole.size() >= kWorkRoom) {
     return ESH_ERR_FAIL;
   }
-  ComponentStack stack(std::max(whole.size() / 2 + 1, kMinStackEntries));
+  ComponentStack stack(whole);
   return TakeAllComponents(whole, floor, stack) && Rebuild(stack, size, output) ? kSuccess : ESH_ERR_FAIL;
 }
