@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <iterator>
 #include <string_view>
@@ -104,6 +105,15 @@ bool IsOffered(EntryKind entry_kind, std::uint32_t kind) {
   return entry_kind == EntryKind::kDirectory || (entry_kind == EntryKind::kFile && OffersFiles(kind));
 }
 
+/// Opens a directory whose entries shall be offered; NULL when it cannot be read.
+UniqueDir OpenForHelp(const char* path) {
+  UniqueDir directory(opendir(path));
+  if (directory == nullptr && errno == ENOMEM) {
+    NoteLostHelpLine();
+  }
+  return directory;
+}
+
 /// Offers the entries of a directory that begin with a prefix; hidden ones never, so that nothing in the full names
 /// is left to convert: it is enough that they are valid.
 /// @param directory full name without a trailing slash.
@@ -111,7 +121,7 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
                   FS_HELP_FILTER_F filter, VEC_S* help) {
   FixedText<kNameRoom + kComponentRoom> full;
   full.AppendText(directory);
-  const UniqueDir entries(opendir(full.Text()));
+  const UniqueDir entries = OpenForHelp(full.Text());
   if (entries == nullptr || !IsOnPresentMedium(full.Text())) {
     return;
   }
@@ -206,7 +216,7 @@ std::uint32_t FS_HelpBaseEx(const char* word, std::uint32_t kind, FS_HELP_FILTER
 }
 
 void ESH_HelpMntDir(const char* word, VEC_S* help) {
-  const UniqueDir root(opendir(kMediaRoot));
+  const UniqueDir root = OpenForHelp(kMediaRoot);
   if (root == nullptr) {
     return;
   }

@@ -45,7 +45,8 @@ void DropPlaceholders(VEC_S& list) {
   });
 }
 
-/// What may continue the last word, in the order of the command tree; NULL when the words do not match.
+/// What may continue the last word, in the order of the command tree; NULL when the words do not match
+/// or memory is short: from a part of the names the only one could not be told, nor what all of them share.
 /// @param elements an empty vector for the elements that match.
 UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const char* word, VEC_S& elements) {
   std::uint64_t failed = 0;
@@ -53,9 +54,10 @@ UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const cha
     return nullptr;
   }
   UniqueHelpList list(ESH_MakeHelpInfoVec(word, &elements));
-  if (list != nullptr) {
-    DropPlaceholders(*list);
+  if (list == nullptr || HelpLineWasLost()) {
+    return nullptr;
   }
+  DropPlaceholders(*list);
   return list;
 }
 

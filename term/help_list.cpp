@@ -11,10 +11,12 @@
 namespace {
 
 KeywordIndex g_index;
+bool g_line_was_lost = false;
 
 }  // namespace
 
 VEC_S* ESH_MakeHelpInfoVec(const char* word, const VEC_S* candidates) {
+  g_line_was_lost = false;
   VEC_S* list = VEC_Alloc(kUsualSlots);
   if (list == nullptr) {
     return nullptr;
@@ -41,11 +43,16 @@ std::uint32_t ESH_NewHelpInfo(const char* keyword, const char* help, VEC_S* list
   const std::uint64_t index = record == nullptr ? kNoIndex : VEC_Add(list, kNoIndex, record);
   if (index == kNoIndex) {
     FreeHelpRecord(record);
+    NoteLostHelpLine();
     return kSuccess;
   }
   g_index.Added(*list, index, hash);
   return kSuccess;
 }
+
+void NoteLostHelpLine() { g_line_was_lost = true; }
+
+bool HelpLineWasLost() { return g_line_was_lost; }
 
 void ESH_FreeHelpInfoVec(VEC_S* list) {
   g_index.Forget();

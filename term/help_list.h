@@ -27,6 +27,13 @@ struct ESH_HELP_INFO_S {
 /// @return 0 also when nothing was added.
 std::uint32_t ESH_NewHelpInfo(const char* keyword, const char* help, VEC_S* list);
 
+/// Notes that memory was too short for a line. Help callbacks call it when they cannot find out what to add.
+void NoteLostHelpLine();
+
+/// Whether a line was lost since ESH_MakeHelpInfoVec was called last. Help shows those that are left; a completion of
+/// them would be a wrong one.
+[[nodiscard]] bool HelpLineWasLost();
+
 /// Frees every record and the list. NULL is allowed.
 void ESH_FreeHelpInfoVec(VEC_S* list);
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <set>
+#include <utility>
 
 #include "tests/device/operator_console.h"
 
@@ -134,6 +135,19 @@ TEST_F(NativeFileFaults, EveryCallMayFail) {
     }
   }
   EXPECT_EQ(Command("pwd"), "flash:\n");
+}
+
+TEST_F(NativeFileFaults, TABTakesNoPartOfTheNamesForAll) {
+  UseShell();
+  Run("touch /mnt/flash:/flash.txt");
+  const std::pair<const char*, int> kCalls[] = {{"aligned_alloc", 1}, {"opendir", 1}, {"opendir", 2}};
+  for (const auto& [call, number] : kCalls) {
+    Plan(call, number, ENOMEM);
+    Type("dir fl\t\r");
+    Expect("The file or directory doesn't exist.");
+  }
+  Type("dir fl\t");
+  Expect("flash");
 }
 
 TEST_F(NativeFileFaults, AShellKilledInACopyLosesNoSource) {
