@@ -35,8 +35,7 @@ void SetToolSignals(std::uint16_t ignoreInt) {
   SetToolSignals(ignoreInt);
   // The shell's own: a SIGINT that comes meanwhile is handled there before vfork has told it who its child is.
   g_EShSubPid = getpid();
-  ESH_LINE_RestoreTermiosMode(echo);
-  ESH_LINE_MaskSpecKey();
+  SetToolMode(echo);
   if (arguments == nullptr) {
     _exit(EXIT_SUCCESS);
   }

@@ -25,13 +25,17 @@ void DisableSpecialKeys(termios& settings) {
 /// The console's settings with everything that a tool may have changed and that nobody else sets put back as saved.
 /// A tool that was killed in a mode of its own must not leave a console without line ends behind. The line speed
 /// is not a tool's to change and stays as it is.
-termios SettingsAsSaved() {
+/// @param echo 1: as saved; any other value: off.
+termios SettingsAsSaved(std::uint16_t echo) {
   termios settings{};
   tcgetattr(Console(), &settings);
   settings.c_iflag = g_stESh_Line.stSavedTermios.c_iflag;
   settings.c_oflag = g_stESh_Line.stSavedTermios.c_oflag;
   settings.c_lflag = g_stESh_Line.stSavedTermios.c_lflag;
   std::memcpy(settings.c_cc, g_stESh_Line.stSavedTermios.c_cc, sizeof(settings.c_cc));
+  if (echo != 1) {
+    settings.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
+  }
   return settings;
 }
 
@@ -45,7 +49,7 @@ void LINE_SetTermiosMode(const termios& settings) {
 }
 
 int ESH_LINE_SetTermiosMode() {
-  termios settings = SettingsAsSaved();
+  termios settings = SettingsAsSaved(1);
   settings.c_lflag = 0;
   settings.c_cc[VMIN] = 0;
   settings.c_cc[VTIME] = kReadTimeoutTenths;
@@ -54,19 +58,19 @@ int ESH_LINE_SetTermiosMode() {
   return fcntl(STDERR_FILENO, F_SETFL, fcntl(STDERR_FILENO, F_GETFL) & ~O_NONBLOCK);
 }
 
-void ESH_LINE_RestoreTermiosMode(std::uint16_t echo) {
-  termios settings = SettingsAsSaved();
-  if (echo != 1) {
-    settings.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
-  }
-  LINE_SetTermiosMode(settings);
-}
+void ESH_LINE_RestoreTermiosMode(std::uint16_t echo) { LINE_SetTermiosMode(SettingsAsSaved(echo)); }
 
 void ESH_LINE_MaskSpecKey() {
   termios settings{};
   if (tcgetattr(Console(), &settings) != 0) {
     return;
   }
+  DisableSpecialKeys(settings);
+  LINE_SetTermiosMode(settings);
+}
+
+void SetToolMode(std::uint16_t echo) {
+  termios settings = SettingsAsSaved(echo);
   DisableSpecialKeys(settings);
   LINE_SetTermiosMode(settings);
 }

@@ -20,3 +20,8 @@ void ESH_LINE_RestoreTermiosMode(std::uint16_t echo);
 
 /// Disables the quit, start, stop and suspend keys, so that no tool can be stopped with nobody to continue it.
 void ESH_LINE_MaskSpecKey();
+
+/// What a tool starts with: the two above in one step. Between two steps a Ctrl+Z that is typed ahead would stop the
+/// tool for ever, and a Ctrl+S its output.
+/// @param echo as for ESH_LINE_RestoreTermiosMode.
+void SetToolMode(std::uint16_t echo);

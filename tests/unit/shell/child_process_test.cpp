@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -89,6 +90,24 @@ TEST(Tool, GetsSignalsThatTheShellPassesOn) {
     std::printf("%d\n", ESH_IsForkSubProcess());
   });
   EXPECT_EQ(output, "failed\r\n0\r\n");
+}
+
+TEST(Tool, IsNotStoppedByKeysTypedWhileItStarts) {
+  constexpr int kTools = 500;
+  const Console console({}, [](const Console::Report&) {
+    ASSERT_EQ(ESH_LINE_Init(), kSuccess);
+    for (int i = 0; i < kTools; ++i) {
+      std::putchar('.');
+      ESH_ForkProcess("/bin/true", 1, 0);
+      tcflush(STDIN_FILENO, TCIFLUSH);
+    }
+  });
+  for (int i = 0; i < kTools; ++i) {
+    ASSERT_EQ(console.Read(1), ".") << i;
+    for (int keys = 0; keys < 80; ++keys) {
+      console.Type(keys % 2 == 0 ? "\x1a" : "\x13");  // Ctrl+Z, Ctrl+S
+    }
+  }
 }
 
 TEST(Tool, IsEndedWithItsGroupWhenTheShellEnds) {

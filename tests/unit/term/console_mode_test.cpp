@@ -80,6 +80,7 @@ constexpr ModeCase kModes[] = {
     {"without echo", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(0); }, WithoutEcho},
     {"without echo by any other value", [] { LeaveAMess(), ESH_LINE_RestoreTermiosMode(2); }, WithoutEcho},
     {"no special keys for tools", ESH_LINE_MaskSpecKey, WithoutSpecialKeys},
+    {"for a tool", [] { LeaveAMess(), SetToolMode(1); }, WithoutSpecialKeys},
 };
 
 TEST(ConsoleMode, IsAsItsNextUserNeedsIt) {
