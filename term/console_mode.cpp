@@ -22,6 +22,13 @@ void DisableSpecialKeys(termios& settings) {
   }
 }
 
+/// Output that a Ctrl+S has stopped goes on: the key that would start it is disabled. The terminal heeds a start only
+/// where it was stopped by the same call.
+void StartOutput() {
+  tcflow(Console(), TCOOFF);
+  tcflow(Console(), TCOON);
+}
+
 /// The console's settings with everything that a tool may have changed and that nobody else sets put back as saved.
 /// A tool that was killed in a mode of its own must not leave a console without line ends behind. The line speed
 /// is not a tool's to change and stays as it is.
@@ -55,6 +62,7 @@ int ESH_LINE_SetTermiosMode() {
   settings.c_cc[VTIME] = kReadTimeoutTenths;
   DisableSpecialKeys(settings);
   LINE_SetTermiosMode(settings);
+  StartOutput();
   return fcntl(STDERR_FILENO, F_SETFL, fcntl(STDERR_FILENO, F_GETFL) & ~O_NONBLOCK);
 }
 

@@ -91,6 +91,19 @@ TEST(ConsoleMode, IsAsItsNextUserNeedsIt) {
   }
 }
 
+/// An operator has halted the boot's messages; the key that would let them go on is no such key in raw mode.
+TEST(ConsoleMode, RawModeLetsHaltedOutputGoOn) {
+  const Console console({}, [](const Console::Report&) {
+    char halted = '\0';
+    (void)!read(STDIN_FILENO, &halted, 1);
+    SaveTermiosMode();
+    ESH_LINE_SetTermiosMode();
+    (void)!write(STDOUT_FILENO, "on", 2);
+  });
+  console.Type("\x13\n");
+  EXPECT_TRUE(console.ReadUntil("on").ends_with("on"));
+}
+
 /// An operator types on while a tool starts and ends.
 TEST(ConsoleMode, NoChangeLosesTypedKeysOrTheWaitForThem) {
   const Console console({}, [](const Console::Report& report) {
