@@ -84,6 +84,7 @@ void SetSignals() {
 }  // namespace
 
 void RunShell() {
+  std::signal(SIGINT, SIG_IGN);  // until it has a handler: a Ctrl+C between two tools of start-up must not end it
   umask(0);
   const std::uint32_t attached = AttachConsole();
   std::uint32_t verdict = attached;
