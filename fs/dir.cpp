@@ -8,7 +8,6 @@
 
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 #include <iterator>
 #include <string_view>
@@ -157,9 +156,7 @@ bool FormatHeading(const char* full, TextBuilder& heading) {
 
 using Heading = FixedText<kNameRoom + sizeof(kDirectoryOf)>;
 
-bool IsShown(const char* name, bool all) {
-  return std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0 && (all || !IsHidden(name));
-}
+bool IsShown(const char* name, bool all) { return !IsDotOrDotDot(name) && (all || !IsHidden(name)); }
 
 /// Lists the entries that were found in the working directory.
 /// @param heading printed before the first entry.

@@ -46,7 +46,7 @@ bool MakeDisplayName(NamedFile& file) {
 
 bool IsEmpty(DIR* directory) {
   for (const dirent* entry = readdir(directory); entry != nullptr; entry = readdir(directory)) {
-    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
+    if (!IsDotOrDotDot(entry->d_name)) {
       return false;
     }
   }

@@ -17,8 +17,6 @@ namespace {
 
 using MediumPath = FixedText<kNameRoom>;
 
-bool IsOrdinaryEntry(std::string_view name) { return name != "." && name != ".."; }
-
 void AppendCopy(VEC_S& names, const char* name) {
   UniqueText copy(static_cast<char*>(std::malloc(kComponentRoom)));
   if (copy == nullptr) {
@@ -37,7 +35,7 @@ void GatherMedia(VEC_S& names) {
     return;
   }
   for (const dirent* entry = readdir(root.get()); entry != nullptr; entry = readdir(root.get())) {
-    if (IsOrdinaryEntry(entry->d_name) && IsDirPath(entry->d_name) == 1) {
+    if (!IsDotOrDotDot(entry->d_name) && IsDirPath(entry->d_name) == 1) {
       AppendCopy(names, entry->d_name);
     }
   }

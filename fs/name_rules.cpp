@@ -80,9 +80,7 @@ std::uint32_t Unescape(std::string_view inside, std::uint32_t* maxLength, char* 
   return kSuccess;
 }
 
-bool IsHiddenComponent(std::string_view component) {
-  return component.starts_with('.') && component != "." && component != "..";
-}
+bool IsHiddenComponent(std::string_view component) { return component.starts_with('.') && !IsDotOrDotDot(component); }
 
 }  // namespace
 

@@ -32,6 +32,9 @@ inline constexpr std::string_view kMediaPrefix = "/mnt/";
 /// The device name that a name begins with, its colon included; empty when there is no colon.
 [[nodiscard]] std::string_view DeviceNameOf(std::string_view name);
 
+/// Whether a directory's entry is the directory itself or its parent.
+[[nodiscard]] constexpr bool IsDotOrDotDot(std::string_view entry) { return entry == "." || entry == ".."; }
+
 /// Whether a full name has a component that begins with a dot and is neither "." nor "..".
 /// @return 0 when it is visible, ESH_ERR_FAIL when hidden.
 [[nodiscard]] std::uint32_t ESH_IsVisibleFullFileName(const char* name);

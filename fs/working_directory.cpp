@@ -22,8 +22,8 @@ constexpr std::size_t kPatternRoom = 32;
 /// Whether a path below /mnt is a medium of this kind, and no slot link to one.
 bool IsMediumOfKind(const char* path, std::string_view kind) {
   const std::string_view name = LastComponent(path);
-  if (name.empty() || name.size() > kMaxComponent || name == "." || name == ".." || !name.ends_with(':') ||
-      !name.starts_with(kind) || std::string_view(path).find('#') != std::string_view::npos) {
+  if (name.size() > kMaxComponent || !name.ends_with(':') || !name.starts_with(kind) ||
+      std::string_view(path).find('#') != std::string_view::npos) {
     return false;
   }
   struct stat status {};
