@@ -1,31 +1,12 @@
 #include "pkg/package_source.h"
 
-#include <sys/mman.h>
 #include <sys/stat.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
+#include "util/large_pages.h"
 #include "util/unique_handle.h"
-
-namespace {
-
-constexpr std::uintptr_t kPageSize = 4096;
-
-/// Memory for a block. A system image is tens of megabytes: in ordinary pages the kernel's work for each would take as
-/// long as reading it.
-void* NewBlock(std::size_t length) {
-  void* block = std::malloc(length);
-  const std::size_t to_next_page = -reinterpret_cast<std::uintptr_t>(block) & (kPageSize - 1);
-  if (block != nullptr && length > to_next_page) {
-    (void)madvise(static_cast<char*>(block) + to_next_page, length - to_next_page, MADV_HUGEPAGE);  // or slower
-  }
-  return block;
-}
-
-}  // namespace
 
 std::uint64_t SizeOfSource(const PackageSource& source) {
   if (source.usMode != kPackageInFile) {
@@ -64,7 +45,7 @@ void* ReadBlockFromFile(PackageSource* source, std::uint64_t offset, std::uint64
   if (length == 0 || offset > size || length > size - offset || !SeekSource(*source, offset)) {
     return nullptr;
   }
-  std::unique_ptr<void, MemoryFreer> block(NewBlock(length));
+  std::unique_ptr<void, MemoryFreer> block(AllocateLargePages(length));
   if (block == nullptr || !ReadSource(*source, block.get(), length)) {
     return nullptr;
   }
