@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr std::uint32_t kLeastPrefixedExponent = 65537;
-
 UniqueBigNumber ReadNumber(std::span<const std::uint8_t> bytes) {
   return UniqueBigNumber(FIPS_bn_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr));
 }

@@ -16,6 +16,9 @@ inline constexpr std::size_t kPrefixedKeySize = 4 + 2 * kKeyNumberSize;  ///< wh
 
 inline constexpr std::size_t kDigestSize = 32;
 
+/// Least public exponent of a key that takes prefixed digests.
+inline constexpr std::uint32_t kLeastPrefixedExponent = 65537;
+
 /// What the name of a key file ends in.
 inline constexpr char kKeySuffix[] = ".key";
 

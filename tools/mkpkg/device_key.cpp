@@ -11,9 +11,9 @@ namespace {
 bool AppendNumber(const UniqueKey& key, const char* name, std::string& file) {
   BIGNUM* number = nullptr;
   if (EVP_PKEY_get_bn_param(key.get(), name, &number) != 1) return false;
+  const UniqueBigNumber owner(number);
   unsigned char bytes[kKeyNumberSize];
   const bool fits = BN_bn2binpad(number, bytes, sizeof(bytes)) == static_cast<int>(sizeof(bytes));
-  BN_free(number);
   file.append(reinterpret_cast<const char*>(bytes), sizeof(bytes));
   return fits;
 }
@@ -34,11 +34,9 @@ std::string EncodeDeviceKey(const UniqueKey& key, std::size_t size, std::string&
 
 bool IsWeakDeviceKey(const std::string& file) {
   if (file.size() != kShortKeyFile && file.size() != kLongKeyFile) return false;
-  BIGNUM* exponent = BN_bin2bn(reinterpret_cast<const unsigned char*>(file.data() + file.size() - kKeyNumberSize),
-                               static_cast<int>(kKeyNumberSize), nullptr);
-  const bool weak = exponent != nullptr && BN_num_bits(exponent) <= 32 && BN_get_word(exponent) < kLeastExponent;
-  BN_free(exponent);
-  return weak;
+  const auto* digits = reinterpret_cast<const unsigned char*>(file.data() + file.size() - kKeyNumberSize);
+  const UniqueBigNumber exponent(FIPS_bn_bin2bn(digits, static_cast<int>(kKeyNumberSize), nullptr));
+  return exponent != nullptr && IsBelow(exponent.get(), kLeastExponent);
 }
 
 }  // namespace mkpkg

@@ -21,11 +21,6 @@ struct ContextFreer {
 };
 using UniqueContext = std::unique_ptr<EVP_PKEY_CTX, ContextFreer>;
 
-struct NumberFreer {
-  void operator()(BIGNUM* number) const { BN_free(number); }
-};
-using UniqueNumber = std::unique_ptr<BIGNUM, NumberFreer>;
-
 const unsigned char* Bytes(const std::string& text) { return reinterpret_cast<const unsigned char*>(text.data()); }
 unsigned char* Bytes(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
 
@@ -67,7 +62,7 @@ std::string GenerateKey(std::uint32_t exponent, UniqueKey& key) {
            " on: with a smaller one signatures can be forged";
   }
   const UniqueContext context(EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr));
-  const UniqueNumber number(BN_new());
+  const UniqueBigNumber number(BN_new());
   EVP_PKEY* made = nullptr;
   if (!context || !number || BN_set_word(number.get(), exponent) != 1 || EVP_PKEY_keygen_init(context.get()) <= 0 ||
       EVP_PKEY_CTX_set_rsa_keygen_bits(context.get(), kKeyBits) <= 0 ||
@@ -110,8 +105,8 @@ std::string ReadPublicKey(const std::string& pem, const std::string& origin, Uni
 bool HasSmallExponent(const UniqueKey& key) {
   BIGNUM* exponent = nullptr;
   const bool known = EVP_PKEY_get_bn_param(key.get(), OSSL_PKEY_PARAM_RSA_E, &exponent) == 1;
-  const UniqueNumber owner(exponent);
-  return !known || (BN_num_bits(exponent) <= 32 && BN_get_word(exponent) < kLeastExponent);
+  const UniqueBigNumber owner(exponent);
+  return !known || IsBelow(exponent, kLeastExponent);
 }
 
 std::string SignBlock(const UniqueKey& key, const std::string& block, std::string& signature) {

@@ -6,10 +6,13 @@
 #include <memory>
 #include <string>
 
+#include "pkg/public_key.h"
+
 namespace mkpkg {
 
-constexpr int kKeyBits = 2048;                   // a device reads no other size
-constexpr std::uint32_t kLeastExponent = 65537;  // below it signatures can be made without the private key
+constexpr int kKeyBits = 2048;  // a device reads no other size
+/// Below it signatures can be made without the private key.
+constexpr std::uint32_t kLeastExponent = kLeastPrefixedExponent;
 
 struct KeyFreer {
   void operator()(EVP_PKEY* key) const;
