@@ -98,10 +98,10 @@ class Device {
 
   /// Begins to start the device, like Boot, and does not wait until its shell starts: an emulated machine takes
   /// seconds. What goes wrong later is an outcome, and a line of the report.
-  [[nodiscard]] virtual std::string StartBoot() { return Boot(); }
+  [[nodiscard]] virtual std::string StartBoot() = 0;
 
   /// @return true from StartBoot until the shell starts or the device is down.
-  [[nodiscard]] virtual bool IsStarting() const { return false; }
+  [[nodiscard]] virtual bool IsStarting() const = 0;
 
   /// The console, seen from the operator's side: what is written here is typed, what is read here was printed. The
   /// descriptor is non-blocking and belongs to the device; a boot replaces it. -1 before the first boot.

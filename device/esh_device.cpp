@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "device/arm64/arm64_device.h"
+#include "device/console/console_feed.h"
 #include "device/console/console_relay.h"
 #include "device/console/operator_terminal.h"
 #include "device/device.h"

@@ -1,3 +1,5 @@
+#include "device/console/console_feed.h"
+
 #include <unistd.h>
 
 #include <array>
@@ -6,7 +8,6 @@
 #include <string>
 #include <string_view>
 
-#include "device/console/console_relay.h"
 #include "device/console/console_session.h"
 
 namespace device {
