@@ -75,9 +75,7 @@ TEST_F(CommandLine, SurvivesRubbish) {
   std::mt19937 random(20261124);  // the same rubbish in every run
   for (int round = 0; round < 20; ++round) {
     std::string rubbish(300, '\0');
-    for (char& byte : rubbish) {
-      byte = static_cast<char>(random());
-    }
+    for (char& byte : rubbish) byte = static_cast<char>(random());
     Type(rubbish);
     Listen(std::chrono::milliseconds(30));
   }

@@ -26,16 +26,14 @@ class FileCommands : public OperatorConsole {
     std::string keys;
     for (const char answer : answers) keys += {answer, '\r'};
     std::string printed = Command(line, keys);
-    for (std::size_t start = 0; (start = printed.find("mv: ", start)) != std::string::npos;) {
+    for (std::size_t start = 0; (start = printed.find("mv: ", start)) != std::string::npos;)
       printed.erase(start, printed.find('\n', start) + 1 - start);
-    }
     return printed;
   }
 
   void ExpectAnswers(const std::vector<Exchange>& exchanges) {
-    for (const Exchange& exchange : exchanges) {
+    for (const Exchange& exchange : exchanges)
       EXPECT_EQ(Ask(exchange.line, exchange.keys), exchange.printed) << exchange.line;
-    }
   }
 
   std::string OnFlash(const std::string& command) { return Run("cd /mnt/flash: && " + command); }
@@ -213,9 +211,8 @@ TEST_F(NativeFileCommands, LinksAndFoldersAreNotMistaken) {
 TEST_F(NativeFileCommands, OverwritingReplacesTheEntryAndNothingElse) {
   UseLinks();
   OnFlash("ln -s b to-b");
-  for (const char* destination : {"hard", "to-b", "dangling", "fifo"}) {
+  for (const char* destination : {"hard", "to-b", "dangling", "fifo"})
     EXPECT_NE(Ask(std::string("copy b ") + destination, "yy").find("Done."), std::string::npos) << destination;
-  }
   EXPECT_EQ(OnFlash("cat a b hard to-b dangling fifo; ls gone 2>&1 | wc -l; find . -type l -name 'to-b' -o -type l "
                     "-name dangling"),
             "text\nolder\nolder\nolder\nolder\nolder\n1\n")

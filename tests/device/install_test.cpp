@@ -139,9 +139,7 @@ TEST_F(NativeInstall, RefusesNamesThatAreNoPackages) {
       {"a~.bin", "Check package a~.bin ...\na~.bin: Invalid file name.\n"},
       {"gone.BIN", "Check package gone.BIN ...\nThe package gone.BIN doesn't exist. \n"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Command(std::string("install load ") + c.name), c.printed);
-  }
+  for (const auto& c : cases) EXPECT_EQ(Command(std::string("install load ") + c.name), c.printed);
   Run("mkdir /mnt/flash:/dir.bin; touch /mnt/flash:/a~1.bin");
   Type("install load flash:/?");
   EXPECT_EQ(Expect("<boot>"), "install load flash:/?\n  flash:/boot.bin\n\n<boot>");

@@ -206,9 +206,8 @@ TEST_F(ManagementPort, IsSetAsTheKernelSays) {
   EXPECT_EQ(Command("ipv6 gateway fe80::2"), "route: SIOCDELRT: No such process\n");
   EXPECT_EQ(Command("ip address 10.0.0.8 24"), "");
   EXPECT_EQ(Command("ip gateway 10.0.0.2"), "");
-  for (const char* line : {"undo ip gateway", "undo ipv6 gateway", "undo ipv6 address", "undo ip address"}) {
+  for (const char* line : {"undo ip gateway", "undo ipv6 gateway", "undo ipv6 address", "undo ip address"})
     EXPECT_EQ(Command(line), "");
-  }
   EXPECT_EQ(Run("ip -4 addr show dev m-eth0; ip route; ip -6 route | grep default || true"), "");
   EXPECT_EQ(Run("ip -o -6 addr show dev m-eth0 scope global"), "");
 }

@@ -21,9 +21,7 @@ constexpr std::string_view kPrompts[] = {"<boot>", "[boot]", "[boot-m-eth0]"};
 
 bool EndsInPrompt(std::string_view text) {
   for (const std::string_view prompt : kPrompts) {
-    if (text.ends_with(prompt)) {
-      return true;
-    }
+    if (text.ends_with(prompt)) return true;
   }
   return false;
 }
@@ -126,9 +124,7 @@ std::string OperatorConsole::Expect(std::string_view text) {
   while ((found = printed_.find(text, waited_for_)) == std::string::npos) {
     if (has_given_up_) return {};
     if (std::chrono::steady_clock::now() > deadline) GiveUp("never printed: " + std::string(text));
-    if (TakeIn(milliseconds(100))) {
-      deadline = std::chrono::steady_clock::now() + kPatience;
-    }
+    if (TakeIn(milliseconds(100))) deadline = std::chrono::steady_clock::now() + kPatience;
   }
   const std::size_t start = waited_for_;
   waited_for_ = found + text.size();
@@ -156,9 +152,8 @@ std::string OperatorConsole::Command(const std::string& line, const std::string&
 }
 
 void OperatorConsole::ExpectAll(const std::vector<Exchange>& exchanges) {
-  for (const Exchange& exchange : exchanges) {
+  for (const Exchange& exchange : exchanges)
     EXPECT_EQ(Command(exchange.line, exchange.keys), exchange.printed) << exchange.line;
-  }
 }
 
 device::Outcome OperatorConsole::Outcome() {
@@ -170,9 +165,7 @@ device::Outcome OperatorConsole::Outcome() {
 
 void OperatorConsole::Listen(milliseconds time) {
   const auto end = std::chrono::steady_clock::now() + time;
-  while (std::chrono::steady_clock::now() < end) {
-    TakeIn(milliseconds(20));
-  }
+  while (std::chrono::steady_clock::now() < end) TakeIn(milliseconds(20));
 }
 
 std::string OperatorConsole::Run(const std::string& command) {
@@ -189,9 +182,7 @@ bool OperatorConsole::Eventually(const std::function<bool()>& condition) {
 bool Eventually(const std::function<bool()>& condition) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) {
-      return false;
-    }
+    if (std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(milliseconds(20));
   }
   return true;
@@ -206,9 +197,7 @@ std::string OperatorConsole::ShellPid() {
 /// @return whether anything was printed.
 bool OperatorConsole::TakeIn(milliseconds time) {
   pollfd console{board_->Console(), POLLIN, 0};
-  if (poll(&console, 1, static_cast<int>(time.count())) <= 0) {
-    return false;
-  }
+  if (poll(&console, 1, static_cast<int>(time.count())) <= 0) return false;
   char bytes[4096];
   const ssize_t length = read(board_->Console(), bytes, sizeof(bytes));
   if (length <= 0) {

@@ -23,9 +23,8 @@ constexpr char kLogin[] = "user:me\npassword:**\n";
 class RemoteTools : public OperatorConsole {
  protected:
   void UseRecorders() {
-    for (const char* tool : {"telnet", "ssh", "ping", "ftpget", "ftpput", "tftp"}) {
+    for (const char* tool : {"telnet", "ssh", "ping", "ftpget", "ftpput", "tftp"})
       Replace(std::string("/bin/") + tool, kRecorder);
-    }
     UseDevice();
     Run("cd /mnt/flash: && mkdir dir && echo text > a");
   }

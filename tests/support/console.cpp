@@ -50,9 +50,7 @@ Console::Console(const Kind& kind, const Body& body) {
   const winsize size{kind.rows, kind.columns, 0, 0};
   int keyboard = -1;
   child_ = forkpty(&keyboard, nullptr, nullptr, &size);
-  if (child_ == 0) {
-    RunChild(kind.term, body, report_fd.Get());
-  }
+  if (child_ == 0) RunChild(kind.term, body, report_fd.Get());
   keyboard_.Reset(keyboard);
   EXPECT_GT(child_, 0) << "no pseudo terminal";
 }
@@ -76,13 +74,9 @@ void Console::Type(std::string_view keys) const {
 
 bool Console::ReadMore(std::string& output, std::size_t most) const {
   char buffer[4096];
-  if (!HasInput(keyboard_.Get())) {
-    return false;
-  }
+  if (!HasInput(keyboard_.Get())) return false;
   const ssize_t count = read(keyboard_.Get(), buffer, std::min(most, sizeof(buffer)));
-  if (count <= 0) {
-    return false;
-  }
+  if (count <= 0) return false;
   output.append(buffer, static_cast<std::size_t>(count));
   return true;
 }
@@ -113,9 +107,7 @@ std::string Console::ReadToEnd() const { return Read(SIZE_MAX); }
 
 std::string Console::NextReport() const {
   char message[kReportRoom];
-  if (!HasInput(reports_.Get())) {
-    return {};
-  }
+  if (!HasInput(reports_.Get())) return {};
   const ssize_t count = read(reports_.Get(), message, sizeof(message));
   return count <= 0 ? std::string() : std::string(message, static_cast<std::size_t>(count));
 }

@@ -36,9 +36,8 @@ bool WriteMap(const char* file, const std::string& text) {
 std::string EnterNamespaces() {
   const std::string user = "0 " + std::to_string(geteuid()) + " 1";
   const std::string group = "0 " + std::to_string(getegid()) + " 1";
-  if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
+  if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
     return Failure("this machine does not allow a user and a mount namespace");
-  }
   if (!WriteMap("/proc/self/setgroups", "deny") || !WriteMap("/proc/self/uid_map", user) ||
       !WriteMap("/proc/self/gid_map", group)) {
     return Failure("cannot map the user and the group");
@@ -68,16 +67,13 @@ void Mirror(const fs::path& directory) {
   fs::create_directories(directory);
   for (const fs::directory_entry& entry : fs::directory_iterator(kMachine + directory.string())) {
     const fs::path shown = directory / entry.path().filename();
-    if (!IsOneOf(kOwnDirectories, shown) && !IsOneOf(kOwnFiles, shown) && !IsOneOf(kMirrored, shown)) {
+    if (!IsOneOf(kOwnDirectories, shown) && !IsOneOf(kOwnFiles, shown) && !IsOneOf(kMirrored, shown))
       fs::create_symlink(kMachine + shown.string(), shown);
-    }
   }
 }
 
 void EmptyOwnPlaces() {
-  for (const char* file : kOwnFiles) {
-    fs::remove(file);
-  }
+  for (const char* file : kOwnFiles) fs::remove(file);
   for (const fs::path directory : kOwnDirectories) {
     fs::create_directories(directory);
     for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
@@ -94,17 +90,11 @@ std::string EnterPrivateRoot() {
   if (!entered) {
     std::string failure = EnterNamespaces();
     failure = failure.empty() ? ChangeRoot() : failure;
-    if (!failure.empty()) {
-      return failure;
-    }
-    for (const char* directory : kMirrored) {
-      Mirror(directory);
-    }
+    if (!failure.empty()) return failure;
+    for (const char* directory : kMirrored) Mirror(directory);
     entered = true;
   }
-  if (chdir("/") != 0) {
-    return Failure("cannot go to the root directory");
-  }
+  if (chdir("/") != 0) return Failure("cannot go to the root directory");
   EmptyOwnPlaces();
   return "";
 }

@@ -11,9 +11,8 @@ namespace {
 std::string Rest(int fd) {
   std::string text;
   char buffer[4096];
-  for (ssize_t count = 0; (count = read(fd, buffer, sizeof(buffer))) > 0;) {
+  for (ssize_t count = 0; (count = read(fd, buffer, sizeof(buffer))) > 0;)
     text.append(buffer, static_cast<std::size_t>(count));
-  }
   return text;
 }
 

@@ -36,9 +36,7 @@ constexpr std::pair<const char*, std::uint32_t> kPlaceholders[] = {
 
 std::uint32_t TypeOfWord(const std::string& word) {
   for (const auto& [beginning, type] : kPlaceholders) {
-    if (word.starts_with(beginning)) {
-      return type;
-    }
+    if (word.starts_with(beginning)) return type;
   }
   return ESH_ELEM_KEYWORD;
 }
@@ -59,9 +57,7 @@ TestView::TestView(const char* prompt, std::initializer_list<const char*> comman
   g_commands.clear();
   g_ran.clear();
   g_pstEshCurrentView = ViewInfoAlloc(prompt);
-  for (const char* command : commands) {
-    Add(command);
-  }
+  for (const char* command : commands) Add(command);
 }
 
 TestView::~TestView() {

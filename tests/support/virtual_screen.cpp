@@ -31,9 +31,7 @@ std::string VirtualScreen::Row(int row) const {
 
 std::string VirtualScreen::Text() const {
   std::string text;
-  for (int row = 0; row < rows_; ++row) {
-    text += Row(row) + "\n";
-  }
+  for (int row = 0; row < rows_; ++row) text += Row(row) + "\n";
   text = WithoutTrailing(std::move(text), '\n');
   return text.empty() ? text : text + "\n";
 }

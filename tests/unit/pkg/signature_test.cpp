@@ -141,9 +141,7 @@ TEST_F(SignatureTest, KeyIsAPlainFileOfItsDirectory) {
       {"", kKeyName},           {"directory", kKeyFile}, {"link", kKeyFile},
   };
   for (const auto& [name, verdict] : kCases) {
-    if (verdict == kKeyName) {
-      WriteFile(KeyPath(name), maker);
-    }
+    if (verdict == kKeyName) WriteFile(KeyPath(name), maker);
     PublicKey key;
     EXPECT_EQ(ReadPublicKey(kSignKeyDirectory, name, key), verdict) << name;
   }

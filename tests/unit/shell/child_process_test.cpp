@@ -23,9 +23,7 @@ namespace {
 std::string OutputOf(const std::function<void()>& body) {
   const Console console({}, [&body](const Console::Report&) {
     ASSERT_EQ(ESH_LINE_Init(), kSuccess);
-    for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) {
-      std::signal(signal, SIG_IGN);
-    }
+    for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) std::signal(signal, SIG_IGN);
     body();
   });
   return console.ReadToEnd();
@@ -40,14 +38,12 @@ std::string ScriptLine(std::string script) {
 /// What the shell says of a tool that has ended.
 void Say(std::uint32_t result) { std::puts(result == kSuccess ? "done" : "failed"); }
 
-struct ToolCase {
-  const char* why;
-  std::string line;
-  const char* output;
-};
-
 TEST(Tool, GetsItsWordsAndTellsByItsStatusHowItWent) {
-  const ToolCase kTools[] = {
+  const struct {
+    const char* why;
+    std::string line;
+    const char* output;
+  } kTools[] = {
       {"success", " /bin/true  ", "done\r\n"},
       {"nothing to do", "   ", "done\r\n"},
       {"failure", "/bin/false", "failed\r\n"},
@@ -58,7 +54,7 @@ TEST(Tool, GetsItsWordsAndTellsByItsStatusHowItWent) {
       {"eight words in all", "/usr/bin/printf %s 3 4 5 6 7 8", "345678done\r\n"},
       {"and nine", "/usr/bin/printf %s 3 4 5 6 7 8 9", "3456789done\r\n"},
   };
-  for (const ToolCase& c : kTools) {
+  for (const auto& c : kTools) {
     EXPECT_EQ(OutputOf([&] {
                 std::fputs("tool:", stdout);
                 Say(ESH_ForkProcess(c.line.c_str(), 1, 0));
@@ -75,9 +71,7 @@ TEST(Tool, FindsItsSignalsAsIfNoShellHadChangedThem) {
     const auto ignored = std::strtoull(output.substr(output.find(':') + 1).c_str(), nullptr, 16);
     const auto is_ignored = [&](int signal) { return (ignored >> (signal - 1) & 1) != 0; };
     EXPECT_EQ(is_ignored(SIGINT), ignore_int == 1) << ignore_int;
-    for (const int signal : {SIGTERM, SIGHUP, SIGPIPE, SIGTTOU}) {
-      EXPECT_FALSE(is_ignored(signal)) << output;
-    }
+    for (const int signal : {SIGTERM, SIGHUP, SIGPIPE, SIGTTOU}) EXPECT_FALSE(is_ignored(signal)) << output;
   }
 }
 

@@ -11,12 +11,10 @@ namespace {
 
 ESH_CMD_THREAD_S& OnlyCommand() { return *static_cast<ESH_CMD_THREAD_S*>(g_pstEshCurrentView->pstCmdVec->ppvArray[0]); }
 
-struct RangeCase {
+constexpr struct {
   const char* text;
   const char* range;
-};
-
-constexpr RangeCase kRanges[] = {
+} kRanges[] = {
     {"STRING<1-15>", "1-15"},
     {"INTEGER<5-5>", "5-5"},
     {"INTEGER<0-9999999999>", "0-9999999999"},
@@ -35,7 +33,7 @@ constexpr RangeCase kRanges[] = {
 };
 
 TEST(CommandTree, TakesRangesOfTextsAndNumbersOnlyWhenTheyAreWellFormed) {
-  for (const RangeCase& c : kRanges) {
+  for (const auto& c : kRanges) {
     const TestView view("<t>", {c.text});
     const ESH_CMD_ELEMENT_S& element = *FirstElement(OnlyCommand());
     EXPECT_EQ(std::to_string(element.ulMin) + "-" + std::to_string(element.ulMax), c.range) << c.text;

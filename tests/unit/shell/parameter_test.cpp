@@ -55,25 +55,19 @@ TEST(ParameterCheck, TakesWhatHasAMeaningOnly) {
        {"string", "X.X.X", "X.X.X.X.", "Reboot", "<cr>", ""}},
   };
   for (const CheckCase& c : kChecks) {
-    for (const std::string& text : c.accepted) {
-      EXPECT_EQ(c.check(text.c_str()), 1) << c.why << ": " << text;
-    }
-    for (const std::string& text : c.refused) {
-      EXPECT_EQ(c.check(text.c_str()), 0) << c.why << ": " << text;
-    }
+    for (const std::string& text : c.accepted) EXPECT_EQ(c.check(text.c_str()), 1) << c.why << ": " << text;
+    for (const std::string& text : c.refused) EXPECT_EQ(c.check(text.c_str()), 0) << c.why << ": " << text;
   }
 }
 
-struct RecordCase {
-  std::uint32_t (*record)(const char* word);
-  const char* buffer;
-  std::string word;
-  std::string recorded;  // nothing: the word is refused
-};
-
 TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
   const std::string long_word(512, '7');
-  const RecordCase kRecords[] = {
+  const struct {
+    std::uint32_t (*record)(const char* word);
+    const char* buffer;
+    std::string word;
+    std::string recorded;  // nothing: the word is refused
+  } kRecords[] = {
       {ESH_RecordUserName, g_szUserName, long_word, std::string(15, '7')},
       {ESH_RecordPassword, g_szPassword, long_word, std::string(15, '7')},
       {ESH_RecordLocalFile, g_szLocalFile, long_word, std::string(511, '7')},
@@ -94,7 +88,7 @@ TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
       {ESH_RecordIPv4MaskLen, g_szIPv4MaskLen, "031", "31"},
       {ESH_RecordIPv6PreLen, g_szIPv6PreLen, "128", "128"},
   };
-  for (const RecordCase& c : kRecords) {
+  for (const auto& c : kRecords) {
     EXPECT_EQ(c.record(c.word.c_str()), c.recorded.empty() ? ESH_ERR_FAIL : kSuccess) << c.word;
     EXPECT_EQ(c.buffer, c.recorded);
   }

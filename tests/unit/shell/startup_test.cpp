@@ -9,17 +9,15 @@ namespace {
 
 struct Startup : PrivateRootTest {};
 
-struct ModuleCase {
-  const char* modules;
-  int loaded;
-};
-
 TEST_F(Startup, FindsTheAddOnAmongTheLoadedModules) {
-  constexpr ModuleCase kCases[] = {
+  constexpr struct {
+    const char* modules;
+    int loaded;
+  } kCases[] = {
       {"fat 1 0\naddon 16384 0", 1}, {"addons 16384 0\n", 0}, {"fat 1 1 addon\n", 0}, {"ADDON 1 0\n", 0}, {"", 0},
   };
   EXPECT_EQ(HasLoadedKo(), 0) << "no such file";
-  for (const ModuleCase& c : kCases) {
+  for (const auto& c : kCases) {
     WriteFile("/proc/modules", c.modules);
     EXPECT_EQ(HasLoadedKo(), c.loaded) << c.modules;
   }

@@ -18,12 +18,10 @@ std::string Describe(const VEC_S& words) {
   return text;
 }
 
-struct WordsCase {
+constexpr struct {
   const char* line;
   const char* words;
-};
-
-constexpr WordsCase kLines[] = {
+} kLines[] = {
     {"  copy  a\r\n", "copy@2-5|a@8-8"},
     {"a\rb\nc", "a@0-0|b@2-2|c@4-4"},
     {"a\tb\vc\fd e\n", "a\tb\vc\fd@0-6|e@8-8"},
@@ -38,7 +36,7 @@ constexpr WordsCase kLines[] = {
 };
 
 TEST(Words, EndAtBlanksAndLoseTheKeyThatEndedTheLine) {
-  for (const WordsCase& c : kLines) {
+  for (const auto& c : kLines) {
     const UniqueWords words = SplitLine(c.line);
     CutEndKey(*words);
     EXPECT_EQ(Describe(*words), c.words) << c.line;

@@ -16,9 +16,7 @@ namespace {
 
 std::uint32_t ListNames(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* /*element*/) {
   for (const char* name : {"flash:/b.cfg", "cfa0:/", "flash:/a.cfg", "STRING<1-511>", "<cr>"}) {
-    if (strncasecmp(name, word, std::strlen(word)) == 0) {
-      ESH_NewHelpInfo(name, "", list);
-    }
+    if (strncasecmp(name, word, std::strlen(word)) == 0) ESH_NewHelpInfo(name, "", list);
   }
   return 0;
 }
@@ -74,9 +72,7 @@ const TabCase kTabs[] = {
 TEST(Completion, CompletesOrStepsThroughTheCandidates) {
   for (const TabCase& c : kTabs) {
     TestView view("<boot>");
-    for (const char* command : c.commands) {
-      view.Add(command, {.help = ListNames});
-    }
+    for (const char* command : c.commands) view.Add(command, {.help = ListNames});
     ESH_ResetTabState();
     std::string line = c.typed;
     for (const char* expected : c.lines) {
@@ -86,14 +82,12 @@ TEST(Completion, CompletesOrStepsThroughTheCandidates) {
   }
 }
 
-struct Step {
-  const char* why;
-  const char* typed;
-  const char* completed;
-};
-
 TEST(Completion, ACycleEndsWhenSomethingElseIsTyped) {
-  constexpr Step kSteps[] = {
+  constexpr struct {
+    const char* why;
+    const char* typed;
+    const char* completed;
+  } kSteps[] = {
       {"a cycle begins", "r", "re"},
       {"and goes on", "re", "reboot"},
       {"a finished word", "re ", "reboot"},
@@ -108,9 +102,7 @@ TEST(Completion, ACycleEndsWhenSomethingElseIsTyped) {
   const TestView view("<boot>", {"reboot <cr>", "reset <cr>", "reset all now <cr>", "reset any <cr>",
                                  "copy resume <cr>", "copy rescan <cr>"});
   ESH_ResetTabState();
-  for (const Step& step : kSteps) {
-    EXPECT_EQ(Tab(step.typed), step.completed) << step.why;
-  }
+  for (const auto& step : kSteps) EXPECT_EQ(Tab(step.typed), step.completed) << step.why;
 }
 
 }  // namespace

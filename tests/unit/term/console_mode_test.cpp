@@ -54,9 +54,7 @@ void AsSaved(termios& /*settings*/) {}
 void WithoutEcho(termios& settings) { settings.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL); }
 
 void WithoutSpecialKeys(termios& settings) {
-  for (const int key : {VQUIT, VSTART, VSTOP, VSUSP}) {
-    settings.c_cc[key] = 0;
-  }
+  for (const int key : {VQUIT, VSTART, VSTOP, VSUSP}) settings.c_cc[key] = 0;
 }
 
 void Raw(termios& settings) {
@@ -66,13 +64,11 @@ void Raw(termios& settings) {
   settings.c_cc[VTIME] = 1;
 }
 
-struct ModeCase {
+constexpr struct {
   const char* why;
   void (*steps)();
   Edit expected;
-};
-
-constexpr ModeCase kModes[] = {
+} kModes[] = {
     {"raw", [] { ESH_LINE_SetTermiosMode(); }, Raw},
     {"raw after a tool", [] { LeaveAMess(), ESH_LINE_SetTermiosMode(); }, Raw},
     {"restored", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(1); }, AsSaved},
@@ -84,7 +80,7 @@ constexpr ModeCase kModes[] = {
 };
 
 TEST(ConsoleMode, IsAsItsNextUserNeedsIt) {
-  for (const ModeCase& c : kModes) {
+  for (const auto& c : kModes) {
     termios expected = After([] {});
     c.expected(expected);
     EXPECT_EQ(ModesOf(After(c.steps)), ModesOf(expected)) << c.why;
@@ -111,9 +107,7 @@ TEST(ConsoleMode, NoChangeLosesTypedKeysOrTheWaitForThem) {
     SaveTermiosMode();
     ESH_LINE_SetTermiosMode();
     report((fcntl(STDERR_FILENO, F_GETFL) & O_NONBLOCK) == 0 ? "blocks" : "does not block");
-    for (int typed = 0; typed < 4;) {
-      ioctl(STDIN_FILENO, FIONREAD, &typed);
-    }
+    for (int typed = 0; typed < 4;) ioctl(STDIN_FILENO, FIONREAD, &typed);
     ESH_LINE_RestoreTermiosMode(1);
     ESH_LINE_MaskSpecKey();
     ESH_LINE_SetTermiosMode();

@@ -38,12 +38,8 @@ class EditorModel {
 
   /// One key, or the whole of an escape sequence.
   void Press(std::string_view key) {
-    if (!Act(key)) {
-      output_ += "\a";
-    }
-    if (end_ == ESH_LINE_END_NONE) {
-      Redisplay();
-    }
+    if (!Act(key)) output_ += "\a";
+    if (end_ == ESH_LINE_END_NONE) Redisplay();
   }
 
   /// What is to be written since the last call.
@@ -71,9 +67,7 @@ class EditorModel {
         {"\177", &Model::Backspace}, {"\033[A", &Model::Older}, {"\033[B", &Model::Newer},
         {"\033[C", &Model::Right},   {"\033[D", &Model::Left},  {"\033[3~", &Model::Delete},
     };
-    if (const auto found = kActions.find(key); found != kActions.end()) {
-      return (this->*found->second)();
-    }
+    if (const auto found = kActions.find(key); found != kActions.end()) return (this->*found->second)();
     const auto byte = static_cast<unsigned char>(key[0]);
     return byte < ' ' ? byte != '\033' : Insert(key[0]);
   }
@@ -84,9 +78,7 @@ class EditorModel {
   bool Right() { return cursor_ < text_.size() && Go(cursor_ + 1); }
   bool Backspace() { return Left() && Delete(); }
   bool Delete() {
-    if (cursor_ == text_.size()) {
-      return false;
-    }
+    if (cursor_ == text_.size()) return false;
     text_.erase(cursor_, 1);
     return true;
   }
@@ -101,27 +93,21 @@ class EditorModel {
   }
 
   bool Enter() {
-    if (!InCommandMode()) {
-      return EndWith(ESH_LINE_END_ENTER, text_);
-    }
+    if (!InCommandMode()) return EndWith(ESH_LINE_END_ENTER, text_);
     Remember();
     LeaveFromTheEnd();
     return EndWith(ESH_LINE_END_ENTER, text_ + "\n");
   }
 
   bool Tab() {
-    if (!InCommandMode()) {
-      return true;
-    }
+    if (!InCommandMode()) return true;
     const std::string kept = text_.substr(0, cursor_);
     LeaveFromTheEnd();
     return EndWith(ESH_LINE_END_TAB, kept + "\t");
   }
 
   bool Help() {
-    if (!Insert('?')) {
-      return false;
-    }
+    if (!Insert('?')) return false;
     if (InCommandMode()) {
       Redisplay();
       EndWith(ESH_LINE_END_HELP, text_);
@@ -155,12 +141,8 @@ class EditorModel {
   void Remember() {
     const std::size_t first = text_.find_first_not_of(' ');
     const bool remark = first == std::string::npos || text_[first] == '!' || text_[first] == '#';
-    if (!remark && (history_.empty() || history_.back() != text_)) {
-      history_.push_back(text_);
-    }
-    if (history_.size() > 10) {
-      history_.pop_front();
-    }
+    if (!remark && (history_.empty() || history_.back() != text_)) history_.push_back(text_);
+    if (history_.size() > 10) history_.pop_front();
     walk_ = history_.size();
   }
 
@@ -170,9 +152,7 @@ class EditorModel {
     if (text_ != shown_) {
       const std::size_t kept = longer ? shown_.size() : shorter ? text_.size() : 0;
       Move(shown_cursor_, kept);
-      if (!longer) {
-        output_ += "\033[J";
-      }
+      if (!longer) output_ += "\033[J";
       WriteTextFrom(kept);
       shown_cursor_ = text_.size();
     }
@@ -199,18 +179,14 @@ class EditorModel {
   }
 
   void Step(std::int64_t count, char forth, char back) {
-    if (count != 0) {
-      output_ += "\033[" + std::to_string(std::abs(count)) + (count > 0 ? forth : back);
-    }
+    if (count != 0) output_ += "\033[" + std::to_string(std::abs(count)) + (count > 0 ? forth : back);
   }
 
   void WriteTextFrom(std::size_t position) {
     while (position < text_.size()) {
       output_ += setup_.mode == ESH_LINE_MODE_MASKED ? '*' : text_[position];
       ++position;
-      if (setup_.width != 0 && (position + setup_.prompt.size()) % setup_.width == 0) {
-        output_ += "\r\n";
-      }
+      if (setup_.width != 0 && (position + setup_.prompt.size()) % setup_.width == 0) output_ += "\r\n";
     }
   }
 

@@ -29,20 +29,18 @@ const ESH_HELP_INFO_S& At(const UniqueHelpList& list, std::uint64_t index) {
   return *static_cast<const ESH_HELP_INFO_S*>(list->ppvArray[index]);
 }
 
-struct OrderCase {
+/// Each pair is in order.
+constexpr struct {
   const char* first;
   const char* second;
-};
-
-/// Each pair is in order.
-constexpr OrderCase kOrder[] = {
+} kOrder[] = {
     {"copy", "display"}, {"zzz", "<cr>"},     {"10", "<cr>"},    {"9", "10"},        {"10", "!x"},  {"10", "09a"},
     {"10", "10a"},       {"9", "9a"},         {"10abc", "2abc"}, {"Zebra", "apple"}, {"a", "\xFF"}, {"a", "aa"},
     {"0", "0x"},         {"5 blind", "five"}, {"010", "9a"},     {"9", "010"},
 };
 
 TEST(HelpOrder, IsNumbersThenTextsThenTheEnd) {
-  for (const OrderCase& c : kOrder) {
+  for (const auto& c : kOrder) {
     EXPECT_LT(CmpHelpString(c.first, c.second), 0) << c.first << " before " << c.second;
     EXPECT_GT(CmpHelpString(c.second, c.first), 0) << c.second << " after " << c.first;
   }
@@ -54,12 +52,10 @@ TEST(HelpOrder, IsNumbersThenTextsThenTheEnd) {
 constexpr int kMany = 100'000;
 
 /// How the keywords lie before they are sorted.
-struct ShapeCase {
+constexpr struct {
   const char* why;
   int (*value)(int index);
-};
-
-constexpr ShapeCase kShapes[] = {
+} kShapes[] = {
     {"sorted", [](int i) { return i; }},
     {"reversed", [](int i) { return kMany - i; }},
     {"equal", [](int) { return 7; }},
@@ -69,7 +65,7 @@ constexpr ShapeCase kShapes[] = {
 };
 
 TEST(HelpOrder, ComesSoonHoweverTheKeywordsLie) {
-  for (const ShapeCase& shape : kShapes) {
+  for (const auto& shape : kShapes) {
     // A record begins with its keyword, and the sort sees no more of it.
     std::vector<std::array<char, 8>> keywords(kMany);
     const UniqueVector list(VEC_Alloc(kMany));
@@ -90,9 +86,7 @@ TEST(HelpOrder, ComesSoonHoweverTheKeywordsLie) {
 std::vector<std::string> TextsBehind(const std::string& beginning) {
   std::vector<std::string> texts = {beginning};
   for (std::size_t i = 0; texts[i].size() < beginning.size() + 3; ++i) {
-    for (const char* more : {"\xFF", "a", "0", " "}) {
-      texts.push_back(texts[i] + more);
-    }
+    for (const char* more : {"\xFF", "a", "0", " "}) texts.push_back(texts[i] + more);
   }
   return texts;
 }
@@ -101,17 +95,11 @@ TEST(HelpOrder, OfTextsWithASharedBeginningIsThatOfTheirBytes) {
   for (const char* beginning : {"x", "\xC3\xA9", "flash:/", "flash:/image-", "flash:/12345678"}) {
     const UniqueHelpList list = NewList();
     std::vector<std::string> texts = TextsBehind(beginning);
-    for (const std::string& text : texts) {
-      Add(list, text);
-    }
+    for (const std::string& text : texts) Add(list, text);
     QuickSortStrVec(list.get(), 0, static_cast<std::int64_t>(texts.size()) - 1);
     std::sort(texts.begin(), texts.end());
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-      EXPECT_EQ(At(list, i).szKeyWord, texts[i]) << i;
-    }
-    for (const std::string& text : texts) {
-      EXPECT_FALSE(Add(list, text)) << "a sorted list still knows " << text;
-    }
+    for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(At(list, i).szKeyWord, texts[i]) << i;
+    for (const std::string& text : texts) EXPECT_FALSE(Add(list, text)) << "a sorted list still knows " << text;
   }
 }
 
@@ -146,9 +134,7 @@ TEST(HelpList, KeepsTextsOfAllLengthsApart) {
 TEST(HelpList, RefusesEveryDuplicateInALargeDirectory) {
   const UniqueHelpList list = NewList();
   for (const bool is_new : {true, false}) {
-    for (int i = 0; i < kMany; ++i) {
-      ASSERT_EQ(Add(list, "file" + std::to_string(i)), is_new) << i;
-    }
+    for (int i = 0; i < kMany; ++i) ASSERT_EQ(Add(list, "file" + std::to_string(i)), is_new) << i;
   }
 }
 
@@ -162,9 +148,7 @@ TEST(HelpList, IsKeptApartFromOthersWhereverTheyLie) {
 
 TEST(HelpList, SeesWhatOthersTookOut) {
   const UniqueHelpList list = NewList();
-  for (const char* keyword : {"a", "b", "c", "d"}) {
-    Add(list, keyword);
-  }
+  for (const char* keyword : {"a", "b", "c", "d"}) Add(list, keyword);
   for (const std::uint64_t index : {3U, 1U, 0U}) {
     const std::string keyword = At(list, index).szKeyWord;
     FreeHelpRecord(static_cast<ESH_HELP_INFO_S*>(VEC_Del(list.get(), index)));

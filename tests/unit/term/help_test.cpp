@@ -15,9 +15,7 @@ using Lines = std::vector<std::pair<std::string, std::string>>;
 
 UniqueHelpList MakeList(const Lines& lines) {
   UniqueHelpList list(VEC_Alloc(kUsualSlots));
-  for (const auto& [keyword, help] : lines) {
-    ESH_NewHelpInfo(keyword.c_str(), help.c_str(), list.get());
-  }
+  for (const auto& [keyword, help] : lines) ESH_NewHelpInfo(keyword.c_str(), help.c_str(), list.get());
   return list;
 }
 
@@ -30,14 +28,12 @@ std::string Print(const Lines& lines, std::uint16_t whole) {
 
 std::string Many(std::size_t count, char character) { return std::string(count, character); }
 
-struct LayoutCase {
-  const char* why;
-  Lines lines;
-  std::string output;
-};
-
 TEST(WholeHelp, IsLaidOutInTwoColumns) {
-  const LayoutCase kLayouts[] = {
+  const struct {
+    const char* why;
+    Lines lines;
+    std::string output;
+  } kLayouts[] = {
       {"sorted, below each other",
        {{"<cr>", " "}, {"display", "Show"}, {"copy", "  Copy a file "}},
        "  copy     Copy a file \r\n  display  Show\r\n  <cr>     \r\n"},
@@ -64,9 +60,7 @@ TEST(WholeHelp, IsLaidOutInTwoColumns) {
       {"up to the edge", {{Many(78, 'k'), "d"}}, "  " + Many(78, 'k') + "    d\r\n"},
       {"over the edge", {{Many(79, 'k'), "d"}}, "  " + Many(79, 'k') + "  d\r\n"},
   };
-  for (const LayoutCase& c : kLayouts) {
-    EXPECT_EQ(Print(c.lines, 1), c.output + (c.lines.empty() ? "" : "\r\n")) << c.why;
-  }
+  for (const auto& c : kLayouts) EXPECT_EQ(Print(c.lines, 1), c.output + (c.lines.empty() ? "" : "\r\n")) << c.why;
 }
 
 TEST(WholeHelp, FillsItsBufferToTheLastByte) {

@@ -10,13 +10,11 @@ namespace {
 
 constexpr std::size_t kRoom = 10;
 
-struct LineCase {
+constexpr struct {
   const char* why;
   const char* line;
   const char* newest;
-};
-
-constexpr LineCase kLines[] = {
+} kLines[] = {
     {"nothing", "", ""},
     {"blanks", "    ", ""},
     {"a remark", "   # note", ""},
@@ -31,7 +29,7 @@ constexpr LineCase kLines[] = {
 TEST(History, KeepsWhatIsWorthKeeping) {
   const ScriptedEditor editor;
   char buffer[kRoom] = "";
-  for (const LineCase& c : kLines) {
+  for (const auto& c : kLines) {
     ESH_HIS_Add(c.line);
     (void)ESH_HIS_ArrowUp(sizeof(buffer), buffer);
     EXPECT_STREQ(buffer, c.newest) << c.why;
@@ -40,13 +38,9 @@ TEST(History, KeepsWhatIsWorthKeeping) {
 
 TEST(History, KeepsTheLastTenAndNoneTwiceInARow) {
   const ScriptedEditor editor;
-  for (const char* line : {"0", "1", "2", "2", "3", "2", "A", "a", "4", "5", "6", "7"}) {
-    ESH_HIS_Add(line);
-  }
+  for (const char* line : {"0", "1", "2", "2", "3", "2", "A", "a", "4", "5", "6", "7"}) ESH_HIS_Add(line);
   std::string recalled;
-  for (char buffer[kRoom]; ESH_HIS_ArrowUp(sizeof(buffer), buffer) == 1;) {
-    recalled += buffer;
-  }
+  for (char buffer[kRoom]; ESH_HIS_ArrowUp(sizeof(buffer), buffer) == 1;) recalled += buffer;
   EXPECT_EQ(recalled, "7654aA2321");
   EXPECT_EQ(g_stEShHisRec.ulCurNum, 10U);
 }

@@ -34,16 +34,14 @@ TEST(GetChar, ShowsAQuestionBeforeItWaits) {
   EXPECT_EQ(lseek(STDOUT_FILENO, 0, SEEK_END), 5);
 }
 
-struct RedrawCase {
+constexpr struct {
   const char* why;
   ESH_LINE_MODE_E mode;
   const char* text;
   std::uint32_t cursor;
   int answer;
   const char* output;
-};
-
-constexpr RedrawCase kRedraws[] = {
+} kRedraws[] = {
     {"the cursor inside", ESH_LINE_MODE_COMMAND, "display", 3, 0, "\r\n<boot>display\033[4D"},
     {"the cursor at the end", ESH_LINE_MODE_COMMAND, "display", 7, 0, "\r\n<boot>display"},
     {"nothing typed, nothing to draw", ESH_LINE_MODE_COMMAND, "", 0, 0, ""},
@@ -55,7 +53,7 @@ constexpr RedrawCase kRedraws[] = {
 };
 
 TEST(Redraw, ShowsTheInputAgainAfterSomebodyElseWrote) {
-  for (const RedrawCase& c : kRedraws) {
+  for (const auto& c : kRedraws) {
     ScriptedEditor editor("kl");
     ESH_SetPrompt("<boot>");
     CopyBounded(g_stESh_Line.pcBuf, kLineRoom, c.text);

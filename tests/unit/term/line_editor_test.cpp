@@ -29,9 +29,8 @@ TEST(Password, IsNotFoundInMemoryAfterwards) {
   const ScriptedEditor editor("secret\n");
   (void)ESH_LINE_GetLine(ESH_LINE_MODE_MASKED, 15);
   ForgetLine();
-  for (const char* buffer : {g_stESh_Line.pcBuf, g_stESh_Line.pcLastBuf}) {
+  for (const char* buffer : {g_stESh_Line.pcBuf, g_stESh_Line.pcLastBuf})
     EXPECT_EQ(std::count(buffer, buffer + kLineRoom, '\0'), kLineRoom);
-  }
 }
 
 TEST(DeleteText, TakesBothEndsInEitherOrder) {

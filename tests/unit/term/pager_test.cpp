@@ -26,9 +26,7 @@ UniqueText Copy(const std::string& text) { return UniqueText(strdup(text.c_str()
 /// The lines "1" to `count`, numbered on from `first`.
 std::string Lines(int count, int first = 1) {
   std::string text;
-  for (int line = first; line < first + count; ++line) {
-    text += std::to_string(line) + "\r\n";
-  }
+  for (int line = first; line < first + count; ++line) text += std::to_string(line) + "\r\n";
   return text;
 }
 
@@ -48,7 +46,7 @@ std::string Pages(const char* pages) {
   return text;
 }
 
-struct PageCase {
+constexpr struct {
   const char* why;
   const char* keys;
   std::uint32_t page_length;
@@ -56,9 +54,7 @@ struct PageCase {
   std::uint16_t all_shown;
   int lines;
   const char* pages;
-};
-
-constexpr PageCase kPages[] = {
+} kPages[] = {
     {"Space shows a page, the prompt's row counted", "  left", 24, 1, 1, 60, "24M23M13"},
     {"Enter shows one line", "\r\n  left", 24, 1, 1, 60, "24M1M1M23M11"},
     {"any other key stops, on any page", " \003left", 24, 1, 0, 60, "24M23M"},
@@ -74,14 +70,13 @@ constexpr PageCase kPages[] = {
 /// Shows so many lines in texts of seven. @return the last answer.
 std::uint16_t Show(int lines, std::uint16_t paging) {
   std::uint16_t answer = 1;
-  for (int line = 1; line <= lines && answer == 1; line += 7) {
+  for (int line = 1; line <= lines && answer == 1; line += 7)
     answer = ESH_LINE_DisplayString(Copy(Lines(std::min(7, lines - line + 1), line)).get(), paging);
-  }
   return answer;
 }
 
 TEST(Pager, StopsAtEveryFullPageOfTheWholeCommand) {
-  for (const PageCase& c : kPages) {
+  for (const auto& c : kPages) {
     ScriptedEditor editor(c.keys);
     StartCommand(c.page_length);
     EXPECT_EQ(Show(c.lines, c.paging), c.all_shown) << c.why;
@@ -90,13 +85,11 @@ TEST(Pager, StopsAtEveryFullPageOfTheWholeCommand) {
   }
 }
 
-struct LineEndCase {
+constexpr struct {
   const char* why;
   const char* text;
   const char* output;
-};
-
-constexpr LineEndCase kLineEnds[] = {
+} kLineEnds[] = {
     {"both", "a\r\nb\r\n", "a\r\nb\r\n"},
     {"the other way round", "a\n\rb\n\r", "a\r\nb\r\n"},
     {"a line feed does not swallow another", "a\n\nb", "a\r\n\r\nb"},
@@ -111,7 +104,7 @@ constexpr LineEndCase kLineEnds[] = {
 TEST(Pager, EndsEveryLineTheSameWay) {
   ScriptedEditor editor;
   StartCommand(24);
-  for (const LineEndCase& c : kLineEnds) {
+  for (const auto& c : kLineEnds) {
     EXPECT_EQ(ESH_OutString(Copy(c.text).get()), kSuccess) << c.why;
     EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;
   }

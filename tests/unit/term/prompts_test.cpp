@@ -10,14 +10,12 @@ namespace {
 #define REMINDER "\r\nBefore pressing ENTER you must choose 'YES' or 'NO'[Y/N]:"
 #define TAKEN_BACK "\033[1D\033[K"
 
-struct AnswerCase {
+constexpr struct {
   const char* why;
   const char* keys;
   std::uint16_t yes;
   const char* output;
-};
-
-constexpr AnswerCase kAnswers[] = {
+} kAnswers[] = {
     {"yes", "y\n", 1, "y"},
     {"echoed as typed", "Y\r", 1, "Y"},
     {"no", "n\n", 0, "n"},
@@ -38,7 +36,7 @@ constexpr AnswerCase kAnswers[] = {
 };
 
 TEST(Confirm, TakesYesOnlyForAYesThatStandsAtEnter) {
-  for (const AnswerCase& c : kAnswers) {
+  for (const auto& c : kAnswers) {
     ScriptedEditor editor(c.keys);
     EXPECT_EQ(ESH_LINE_GetConfirm(1), c.yes) << c.why;
     EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;

@@ -92,9 +92,7 @@ void ReadLines(const EditorModel::Setup& setup, Keys keys) {
     EXPECT_EQ(g_stESh_Line.ulEndKey, model.EndKey());
     ASSERT_EQ(output, model.TakeOutput());
     // It takes a move by 0 columns as one by 1, and the bytes are meant that way.
-    if (setup.term != "linux") {
-      screens.Compare(output, model);
-    }
+    if (setup.term != "linux") screens.Compare(output, model);
     if (model.EndKey() == ESH_LINE_END_TAB || model.EndKey() == ESH_LINE_END_HELP) {
       line[std::strcspn(line, "\t?")] = '\0';
       ESH_LINE_SetCmdString();
@@ -120,20 +118,15 @@ constexpr const char* kPrompts[] = {"", "<boot>", "[boot-m-eth0]", "012345678901
 TEST(Redisplay, WritesAndShowsWhatTheRulesSay) {
   for (unsigned seed = 1; const auto& [term, width] : kTerminals) {
     SCOPED_TRACE(std::string(term) + std::to_string(width));
-    for (const char* prompt : kPrompts) {
-      ReadLines({term, width, prompt}, RandomKeys(++seed, width * 5 + 20));
-    }
-    for (const ESH_LINE_MODE_E mode : {ESH_LINE_MODE_PLAIN, ESH_LINE_MODE_MASKED}) {
+    for (const char* prompt : kPrompts) ReadLines({term, width, prompt}, RandomKeys(++seed, width * 5 + 20));
+    for (const ESH_LINE_MODE_E mode : {ESH_LINE_MODE_PLAIN, ESH_LINE_MODE_MASKED})
       ReadLines({term, width, "password:", mode, 15}, RandomKeys(++seed, 40));
-    }
   }
 }
 
 TEST(Redisplay, HoldsExactlyAFullLine) {
   Keys keys(511, "x");
-  for (const char* key : {"z", "?", "\001", "z", "\004", "z", "\005", "?", "z", "\010", "?"}) {
-    keys.emplace_back(key);
-  }
+  for (const char* key : {"z", "?", "\001", "z", "\004", "z", "\005", "?", "z", "\010", "?"}) keys.emplace_back(key);
   ReadLines({"xterm", 13}, keys);
 }
 
@@ -142,9 +135,8 @@ TEST(Redisplay, TakesAnyByte) { ReadLines({"linux", 13}, RandomKeys(1, 60, 255))
 TEST(Redisplay, RefusesBrokenSequences) {
   const std::string quiet(2, '\0');  // as if nothing came for a while
   Keys keys;
-  for (const char* broken : {"\033", "\033[", "\033[2~", "\033[3", "\033[3;5~", "\033[E", "\033OA", "\033[20;1Habc"}) {
+  for (const char* broken : {"\033", "\033[", "\033[2~", "\033[3", "\033[3;5~", "\033[E", "\033OA", "\033[20;1Habc"})
     keys.insert(keys.end(), {"a", "b", "\002", broken, quiet});
-  }
   ReadLines({"xterm", 80}, keys);
 }
 

@@ -24,14 +24,12 @@ struct TerminalTest : testing::Test {
   ScriptedStdio stdio;
 };
 
-struct CapabilityCase {
+constexpr struct {
   const char* why;
   const char* term;
   void (*write)();
   const char* output;
-};
-
-constexpr CapabilityCase kCapabilities[] = {
+} kCapabilities[] = {
     {"the counted move once", "xterm", [] { ESH_TERM_CursorBack(3); }, "\033[3D"},
     {"the counted move also for 0", "xterm", [] { ESH_TERM_CursorForward(0); }, "\033[0C"},
     {"a large count", "xterm", [] { ESH_TERM_CursorUp(0xFFFF); }, "\033[65535A"},
@@ -48,7 +46,7 @@ constexpr CapabilityCase kCapabilities[] = {
 };
 
 TEST_F(TerminalTest, WritesWhatTheTerminalCanDo) {
-  for (const CapabilityCase& c : kCapabilities) {
+  for (const auto& c : kCapabilities) {
     Use(c.term);
     c.write();
     EXPECT_EQ(stdio.TakeOutput(), c.output) << c.why;
