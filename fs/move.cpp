@@ -68,11 +68,12 @@ std::uint32_t ESH_ProcMove() {
   }
   const bool is_hopeless = WouldLose(source.full, destination.full) || WouldAsk(destination.full);
   const std::uint32_t moved = is_hopeless ? ESH_ERR_FAIL : RunMove(source.full, destination.full);
-  if (moved == kSuccess) {
-    return kSuccess;
+  if (moved != kSuccess) {
+    RemovePart(source.full, destination.full);
   }
-  RemovePart(source.full, destination.full);
-  sync();
-  std::puts(kNoRoom);
+  sync();  // the tool does not wait for the media: for a while the file could be on neither
+  if (moved != kSuccess) {
+    std::puts(kNoRoom);
+  }
   return moved;
 }

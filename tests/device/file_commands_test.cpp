@@ -111,6 +111,17 @@ TEST_F(FileCommands, AFullMediumLosesNothing) {
   EXPECT_EQ(OnFlash("cat a; ls /mnt/cfa0:"), "text\nfill\n");
 }
 
+TEST_F(FileCommands, AMoveOutlivesThePower) {
+  UseFiles();
+  // Mounted so that it is written to in its own time, where it can be.
+  Run("disk=$(sed -n 's| /mnt/cfa0: vfat.*||p' /proc/mounts); [ -z \"$disk\" ] || "
+      "{ umount /mnt/cfa0: && mount -t vfat $disk /mnt/cfa0:; }");
+  Ask("move a cfa0:", "y");
+  Board().PowerOff();
+  BootToPrompt();
+  EXPECT_EQ(OnFlash("cat /mnt/cfa0:/a; ls"), "text\nb\ndir\n");
+}
+
 TEST_F(FileCommands, AProtectedMediumStaysAsItIs) {
   UseFiles();
   Run("mkdir /mnt/cfa0:/dir && echo kept > /mnt/cfa0:/a");
