@@ -1,5 +1,7 @@
 #include "remote/local_file.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <string_view>
 
@@ -77,6 +79,11 @@ Refusal ChooseTarget(const char* tool, TargetName& target) {
     return refusal;
   }
   return IsLineGetConfirm(target) ? Refusal() : kSuccess;
+}
+
+std::uint32_t Stored(std::uint32_t result) {
+  sync();
+  return result;
 }
 
 Refusal GetLocalFileFullName(const char* tool, char (&full)[kNameRoom]) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "fs/name_rules.h"
 #include "remote/refusal.h"
@@ -23,6 +24,9 @@ using TargetName = FixedText<kMaxTarget + 1>;
 
 /// All of the above, in this order, with the recorded names.
 [[nodiscard]] Refusal ChooseTarget(const char* tool, TargetName& target);
+
+/// Waits until the media have what a get has brought: its tool does not. @return the tool's result, as it is given.
+[[nodiscard]] std::uint32_t Stored(std::uint32_t result);
 
 /// Finds the full name of the file that a put reads, which must exist.
 [[nodiscard]] Refusal GetLocalFileFullName(const char* tool, char (&full)[kNameRoom]);
