@@ -16,6 +16,7 @@ constexpr char kInstall[] = "install load flash:/system.bin";
 constexpr char kDisplay[] = "display install package flash:/system.bin";
 constexpr char kBegin[] = "Check package flash:/system.bin ...\n";
 constexpr char kVerified[] = "Verifying the file flash:/system.bin ...Done.\n";
+constexpr char kNotCompliant[] = "This system image is not compliant with the boot image.\n";
 constexpr char kDescription[] = "Platform version: 7.1.075\nProduct version: Release 0612\n";
 
 /// A device with a maker's key, its boot image on flash:, and packages made for it, good ones and others; what the
@@ -33,10 +34,17 @@ class NativeInstall : public OperatorConsole {
     options.media.push_back({"usba1:", 1 << 20, ""});
   }
 
-  void PutBootImage() {
+  /// @param size of its description, which is packed; as large as one may be.
+  void PutBootImage(std::uint32_t size = 1 << 20) {
+    std::string description = kDescription;
+    description.resize(size, '\n');
     mkpkg::PackageContents boot;
     boot.product_tag = kProductTag;
-    boot.files = {{.id = kDescriptionFile, .name = "d", .data = kDescription}};
+    boot.files = {{.id = kDescriptionFile,
+                   .name = "d",
+                   .data = Compressed(mkpkg::Compression::k7z, description),
+                   .packing = kPacked7z,
+                   .unpacked_size = size}};
     Put("/mnt/flash:/boot.bin", Signed(boot));
   }
 
@@ -102,7 +110,7 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
       {"no compatibility list", [](PackageContents& c) { c.files.erase(c.files.begin()); },
        std::string(kVerified) + "File flash:/system.bin is invalid.\n"},
       {"another boot image", [](PackageContents& c) { c.files[0].data = "7.1.075\n[boot]\n7.1.101\n"; },
-       std::string(kVerified) + "This system image is not compliant with the boot image.\n"},
+       std::string(kVerified) + kNotCompliant},
       {"no image for this device", [](PackageContents& c) { c.files[3].device_code = 2; },
        std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n"},
       {"an image that leads out of /tmp", [](PackageContents& c) { c.files[3].name = "../mnt/flash:/boot.bin"; },
@@ -115,6 +123,9 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
     Put(kPackage, Signed(contents));
     EXPECT_EQ(Command(kInstall), kBegin + c.printed) << c.why;
   }
+  PutBootImage((1 << 20) + 1);
+  Put(kPackage, Signed(good));
+  EXPECT_EQ(Command(kInstall), std::string(kBegin) + kVerified + kNotCompliant);
   std::string forged = Signed(good);
   forged[kMainHeadSize + kFileHeadSize] ^= 1;
   Put(kPackage, forged);
