@@ -15,10 +15,9 @@ packages=(
   libncurses-dev:arm64 libssl-dev:arm64
   # what unpacks 7z
   libarchive-dev:arm64 liblzma5:arm64 liblzma-dev:arm64 libbz2-1.0:arm64 libbz2-dev:arm64 zlib1g-dev:arm64
-  # ssh and what it is linked with
-  openssh-client:arm64 libbsd0:arm64 libcbor0.8:arm64 libcom-err2:arm64 libedit2:arm64 libfido2-1:arm64
-  libgssapi-krb5-2:arm64 libk5crypto3:arm64 libkeyutils1:arm64 libkrb5-3:arm64 libkrb5support0:arm64 libmd0:arm64
-  libpcre2-8-0:arm64 libselinux1:arm64 libudev1:arm64 zlib1g:arm64
+  # ssh and what it is linked with; the tools beside it need more
+  openssh-client:arm64 libcom-err2:arm64 libgssapi-krb5-2:arm64 libk5crypto3:arm64 libkeyutils1:arm64 libkrb5-3:arm64
+  libkrb5support0:arm64 libpcre2-8-0:arm64 libselinux1:arm64 zlib1g:arm64
 )
 
 if package_root_is_complete "$target" "${packages[@]}"; then
