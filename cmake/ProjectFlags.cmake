@@ -21,9 +21,15 @@ if(ESH_SANITIZE)
 else()
   target_compile_definitions(esh_product_flags INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
 endif()
-# The boot image holds libc, terminfo and libcrypto only, so the C++ run-time goes into the binary.
+# The boot image holds libc only, so the C++ run-time goes into the binary.
 target_link_options(esh_product_flags INTERFACE -static-libstdc++ -static-libgcc -Wl,-z,relro,-z,now -Wl,--gc-sections
                                                 -Wl,--as-needed)
+# A tenth off the binary: libcrypto is full of addresses.
+include(CheckLinkerFlag)
+check_linker_flag(CXX LINKER:-z,pack-relative-relocs ESH_PACKS_RELOCATIONS)
+if(ESH_PACKS_RELOCATIONS)
+  target_link_options(esh_product_flags INTERFACE LINKER:-z,pack-relative-relocs)
+endif()
 
 # What test code is built with. It is never optimised, unlike what it checks: the time to compile it is what one waits
 # for.

@@ -10,7 +10,7 @@ struct evp_md_st;
 struct evp_pkey_st;
 
 /// The cryptography of packages: the FIPS entry points on top of libcrypto. Functions that return int return 1 when
-/// all went well. Where libcrypto is missing, nothing can be made and no package is genuine.
+/// all went well.
 
 /// A running digest.
 struct FIPS_MD_CTX {

@@ -58,11 +58,6 @@ std::string Arm64Programs::AddLibraries(const std::string& program, RootPlan& pl
   return "";
 }
 
-std::string Arm64Programs::AddLoadedLibrary(const std::string& name, RootPlan& plan) const {
-  const std::string path = LibraryPath(root_, name);
-  return path.empty() ? name + " is not in " + root_ : AddLibrary(path, plan);
-}
-
 std::string Arm64Programs::AddLibrary(const std::string& path, RootPlan& plan) const {
   if (IsPlanned(path, plan)) return "";
   AddCopy(root_ + path, path, plan);

@@ -14,7 +14,6 @@ class Arm64Programs final : public ProgramSource {
 
   [[nodiscard]] std::string Find(const std::string& name) const override;
   std::string AddLibraries(const std::string& program, RootPlan& plan) const override;
-  std::string AddLoadedLibrary(const std::string& name, RootPlan& plan) const override;
 
  private:
   std::string AddLibrary(const std::string& path, RootPlan& plan) const;

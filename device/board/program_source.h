@@ -20,10 +20,6 @@ class ProgramSource {
   /// Adds the shared libraries and the loader that a program needs; a file that is no program needs none.
   /// @return an empty text, or one line that says what is missing.
   virtual std::string AddLibraries(const std::string& program, RootPlan& plan) const = 0;
-
-  /// Adds a shared library that programs load by its name while they run, with what it needs itself.
-  /// @return an empty text, or one line that says what is missing.
-  virtual std::string AddLoadedLibrary(const std::string& name, RootPlan& plan) const = 0;
 };
 
 }  // namespace device

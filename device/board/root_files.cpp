@@ -20,8 +20,6 @@ namespace fs = std::filesystem;
 
 /// The boot image lacks this one, and the shell makes the link when it needs it.
 constexpr char kMissingApplet[] = "reboot";
-/// The shell loads it for the first package that it verifies.
-constexpr char kShellCrypto[] = "libcrypto.so.3";
 constexpr char kDeviceTerminfo[] = "/usr/share/terminfo";
 constexpr const char* kTerminals[] = {"xterm",  "xterm-256color",  "vt100", "linux",         "ansi",
                                       "screen", "screen-256color", "tmux",  "tmux-256color", "dumb"};
@@ -120,7 +118,6 @@ std::string PlanRoot(const BootOptions& options, const std::string& kind_files, 
   }
   if (std::string problem = AddBusybox(programs, plan); !problem.empty()) return problem;
   if (std::string problem = AddProgram(options.shell, kShellPath, programs, plan); !problem.empty()) return problem;
-  if (std::string problem = programs.AddLoadedLibrary(kShellCrypto, plan); !problem.empty()) return problem;
   if (const std::string ssh = programs.Find("ssh"); !ssh.empty()) {
     if (std::string problem = AddProgram(ssh, "/bin/ssh", programs, plan); !problem.empty()) return problem;
   }

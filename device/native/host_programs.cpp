@@ -1,8 +1,5 @@
 #include "device/native/host_programs.h"
 
-#include <dlfcn.h>
-#include <link.h>
-
 #include <optional>
 #include <sstream>
 
@@ -31,17 +28,6 @@ std::string HostPrograms::AddLibraries(const std::string& program, RootPlan& pla
     AddCopy(library, library, plan);
   }
   return "";
-}
-
-/// Where the host's loader finds it is where the device's finds it too.
-std::string HostPrograms::AddLoadedLibrary(const std::string& name, RootPlan& plan) const {
-  void* library = dlopen(name.c_str(), RTLD_LAZY);
-  const link_map* found = nullptr;
-  if (library == nullptr || dlinfo(library, RTLD_DI_LINKMAP, &found) != 0) return name + " is missing";
-  const std::string path = found->l_name;
-  dlclose(library);
-  AddCopy(path, path, plan);
-  return AddLibraries(path, plan);
 }
 
 }  // namespace device

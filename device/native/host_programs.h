@@ -11,7 +11,6 @@ class HostPrograms final : public ProgramSource {
  public:
   [[nodiscard]] std::string Find(const std::string& name) const override;
   std::string AddLibraries(const std::string& program, RootPlan& plan) const override;
-  std::string AddLoadedLibrary(const std::string& name, RootPlan& plan) const override;
 };
 
 }  // namespace device
