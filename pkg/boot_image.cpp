@@ -1,5 +1,12 @@
 #include "pkg/boot_image.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
 #include "fs/name_rules.h"
 #include "pkg/compatibility.h"
 #include "pkg/contained_file.h"
@@ -7,11 +14,16 @@
 #include "pkg/package_reader.h"
 #include "pkg/package_text.h"
 #include "pkg/system_identity.h"
+#include "shell/child_process.h"
+#include "shell/result.h"
 #include "util/fixed_text.h"
+#include "util/new_file.h"
+#include "util/unique_handle.h"
 
 namespace {
 
 constexpr std::size_t kPathRoom = kMediaPrefix.size() + kBootImageNameRoom;
+constexpr unsigned kLongestReading = 30;  // seconds
 
 UniqueLines OpenDescription(PKG_READER_S* package) {
   const PackageFileEntry* entry = FindFile(*package, kDescriptionFile);
@@ -21,9 +33,7 @@ UniqueLines OpenDescription(PKG_READER_S* package) {
   return is_modest ? OpenPackageText(package, kDescriptionFile) : nullptr;
 }
 
-}  // namespace
-
-void ReadRunningVersion(char* version) {
+void ReadVersion(char* version) {
   char name[kBootImageNameRoom];
   FixedText<kPathRoom> path;
   ESH_GetBootImageName(name);  // without a name there is no such package either
@@ -31,4 +41,34 @@ void ReadRunningVersion(char* version) {
   const UniquePackage package(PackageReadFileCreateByFile(path.Text()));
   const UniqueLines description(package == nullptr ? nullptr : OpenDescription(package.get()));
   ReadBootVersion(description.get(), version);
+}
+
+[[noreturn]] void TellVersion(int pipe) {
+  (void)alarm(kLongestReading);
+  (void)!std::freopen("/dev/null", "w", stderr);  // last words of the C library are not for the console
+  char version[kRunningVersionRoom];
+  ReadVersion(version);
+  _exit(WriteAll(pipe, version, std::strlen(version)) ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
+}  // namespace
+
+void ReadRunningVersion(char* version) {
+  version[0] = '\0';
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) {
+    return;
+  }
+  const UniqueFd reading(ends[0]);
+  UniqueFd writing(ends[1]);
+  const pid_t child = fork();
+  if (child == 0) {
+    TellVersion(writing.Get());
+  }
+  writing.Reset();
+  if (child < 0 || ResultOfChild(child) != kSuccess) {
+    return;
+  }
+  const ssize_t length = read(reading.Get(), version, kRunningVersionRoom - 1);
+  version[length < 0 ? 0 : length] = '\0';
 }

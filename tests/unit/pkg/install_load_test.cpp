@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <filesystem>
 #include <tuple>
 #include <utility>
 
@@ -75,20 +76,33 @@ TEST(ProcessRunner, SplitsAtBlanksAndTabsOnly) {
     EXPECT_EQ(PKG_System(line), ESH_ERR_FAIL) << line;
 }
 
-struct InstallLoad : PackageTest {};
+struct InstallLoad : PackageTest {
+  /// The version of a device whose boot image this is.
+  static std::string RunningVersion(const mkpkg::PackageContents& boot_image) {
+    WriteFile("/proc/sys/61000/3", "flash:/good.bin\n");
+    WriteFile(kTestPackage, Compose(boot_image));
+    char version[kRunningVersionRoom];
+    ReadRunningVersion(version);
+    return version;
+  }
+};
 
 TEST_F(InstallLoad, BootImageDescriptionHasALimit) {
-  WriteFile("/proc/sys/61000/3", "flash:/good.bin\n");
   mkpkg::PackageContents contents = Contents();
   std::string& description = contents.files[1].data;
   description = "Platform version: V\nProduct version: R1\n";
   for (const auto& [size, version] : {std::pair(1U << 20, "V-R1"), {(1U << 20) + 1, ""}}) {
     description.resize(size, '\n');
-    WriteFile(kTestPackage, Compose(contents));
-    char running[kRunningVersionRoom];
-    ReadRunningVersion(running);
-    EXPECT_STREQ(running, version) << size;
+    EXPECT_EQ(RunningVersion(contents), version) << size;
   }
+}
+
+TEST_F(InstallLoad, BootImageThatCrashesItsDecoderHasNoVersion) {
+  std::filesystem::create_symlink(ESH_WILD_DECODER, "/lib/libun7z.so");
+  mkpkg::PackageContents contents = Contents();
+  contents.files[1].packing = kPacked7z;
+  contents.files[1].unpacked_size = 16;
+  EXPECT_EQ(RunningVersion(contents), "");
 }
 
 /// Refuses by every code, many times: what one refusal keeps, an evening of tries would use up.
