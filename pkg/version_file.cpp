@@ -11,7 +11,9 @@
 namespace {
 
 constexpr char kBuildTime[] = "PkgTime: ";
-constexpr std::size_t kYearWord = 3;  // "PkgTime: Mar 14 2026 10:20:30", counted from 0
+/// Where the year stands behind the key, counted from 0: "Mar 14 2026 10:20:30", or with the day of the week before it.
+constexpr std::size_t kYearWord = 2;
+constexpr std::size_t kWordsWithWeekday = 5;
 
 /// A blank-separated word of a line, counted from 0; empty when there are fewer.
 std::string_view NthWord(std::string_view line, std::size_t number) {
@@ -46,7 +48,7 @@ void GetVersion(std::size_t size, char* text) {
 std::uint32_t ESH_GetCompileTimeFromBoot(char* year) {
   char time[kPkgInfoRoom];
   const std::uint32_t result = GetBootBinPkgInfo(kBuildTime, time);
-  // The key is the first of the line's words.
-  CopyBounded(year, kYearRoom, NthWord(time, kYearWord - 1));
+  const bool has_weekday = !NthWord(time, kWordsWithWeekday - 1).empty();
+  CopyBounded(year, kYearRoom, NthWord(time, has_weekday ? kYearWord + 1 : kYearWord));
   return result == ESH_ERR_FAIL ? kSuccess : result;
 }

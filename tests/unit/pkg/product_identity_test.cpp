@@ -146,7 +146,7 @@ TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
     EXPECT_EQ(SoftVersion(), version);
   }
   (void)Record("[default]\noem: Talvo");
-  WriteFile(kVersionFile, "PkgTime: Mar 14 2014 10:20:30\n");
+  WriteFile(kVersionFile, "PkgTime: Fri Mar 14 2014 10:20:30\n");
   EXPECT_EQ(TextOf(ESH_GetCopyright), "Copyright (c) 2014 Talvo Technologies. All rights reserved.");
 }
 
