@@ -61,8 +61,8 @@ TEST_F(VersionFileTest, TellsATagOnItsFirstLineOnly) {
       {"PRODUCTTAG : 0x1\nProductTag : 0x2\n", kUnknownTag},  // found in any case, read in one
       {"ProductTag : 12\n", kUnknownTag},
       {"ProductTag : 0x\n", kUnknownTag},
-      {"ProductTag : 0x-1\n", kUnknownTag},
-      {"ProductTag : 0x100000001\n", kUnknownTag},
+      {"ProductTag : 0x 12\n", 0x12},
+      {"ProductTag : 0x+5\n", 5},
       {"DeviceTag : 0x3\n", kUnknownTag},
       {"", kUnknownTag},
   };
