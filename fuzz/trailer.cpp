@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text(reinterpret_cast<const char*>(data), size);
   const auto fields = ParseTrailer(text);
   if (fields) {
-    Require(std::ranges::count(text, '\n') == 7 && text.find(std::to_string(size)) != std::string::npos);
+    Require(std::ranges::count(text, '\n') == 7 && text.find(std::to_string(fields->length)) != std::string::npos);
     Require(!fields->key.empty() && fields->key.find_first_of(" \n") == std::string_view::npos);
   }
   std::uint8_t signature[kHeadSignatureRoom];

@@ -64,7 +64,6 @@ void CssFreer::operator()(PKG_CSS_S* css) const {
 }
 
 std::optional<TrailerFields> ParseTrailer(std::string_view text) {
-  const std::size_t whole = text.size();
   const TrailerMarkers& markers = text.ends_with(kVendorMarkers.end) ? kVendorMarkers : kGenericMarkers;
   if (!text.ends_with(markers.end) || !text.starts_with(markers.begin)) {
     return std::nullopt;
@@ -79,9 +78,10 @@ std::optional<TrailerFields> ParseTrailer(std::string_view text) {
   if (!length || !key || !hash || !signature || !length_again || text != markers.end) {
     return std::nullopt;
   }
-  const bool holds = length->size() == kTrailerLengthDigits && *length == *length_again &&
-                     ReadLength(*length) == whole && *hash == kTrailerHash;
-  return holds ? std::optional(TrailerFields{*key, *signature}) : std::nullopt;
+  const auto told = ReadLength(*length);
+  const bool holds =
+      told && length->size() == kTrailerLengthDigits && *length == *length_again && *hash == kTrailerHash;
+  return holds ? std::optional(TrailerFields{*told, *key, *signature}) : std::nullopt;
 }
 
 std::optional<std::uint32_t> ToldTrailerLength(std::string_view package) {
@@ -137,17 +137,26 @@ std::uint32_t PKG_CreateCSS(const char* path, PKG_CSS_S* css) {
 
 std::uint32_t PKG_CSSCheck_IsFixFormat(const char* text) { return ParseTrailer(text) ? 1 : 0; }
 
-std::uint32_t PKG_GetCSS_Signture(const char* text, std::uint8_t* out, std::uint32_t* out_length) {
-  const auto fields = ParseTrailer(text);
-  if (!fields || fields->signature.size() > kMostSignatureText) {
+std::uint32_t DecodeSignature(std::string_view text, std::uint8_t* out, std::uint32_t* out_length) {
+  if (text.size() > kMostSignatureText) {
     return ESH_ERR_FAIL;
   }
-  const auto length = DecodeBase64(fields->signature, std::span(out, kHeadSignatureRoom));
+  const auto length = DecodeBase64(text, std::span(out, kHeadSignatureRoom));
   if (!length) {
     return ESH_ERR_FAIL;
   }
   *out_length = static_cast<std::uint32_t>(*length);
   return kSuccess;
+}
+
+std::uint32_t PKG_GetCSS_Signture(const char* text, std::uint8_t* out, std::uint32_t* out_length) {
+  const char* label = std::strstr(text, kSignatureLabel.data());
+  const char* begin = label == nullptr ? nullptr : label + kSignatureLabel.size();
+  const char* next = begin == nullptr ? nullptr : std::strstr(begin, kLengthLabel.data());
+  if (next == nullptr || next == begin || next[-1] != '\n') {
+    return ESH_ERR_FAIL;
+  }
+  return DecodeSignature({begin, next - 1}, out, out_length);
 }
 
 bool PKG_IsAllDigit(const char* text) { return std::all_of(text, text + std::strlen(text), IsDigit); }

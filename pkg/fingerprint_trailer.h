@@ -49,13 +49,14 @@ struct CssFreer {
   void operator()(PKG_CSS_S* css) const;
 };
 
-/// What a trailer says; both are part of its text.
+/// What a trailer says; the texts are part of its own.
 struct TrailerFields {
+  std::uint32_t length;  ///< both lines agree on it; whether it is the trailer's is not looked at
   std::string_view key;
   std::string_view signature;
 };
 
-/// Takes a trailer apart. @return none unless it has exactly the form above and the length that it tells.
+/// Takes a trailer apart. @return none unless it has exactly the form above.
 [[nodiscard]] std::optional<TrailerFields> ParseTrailer(std::string_view text);
 
 /// The length that the end of a package tells of its trailer.
@@ -77,10 +78,13 @@ struct TrailerFields {
 /// @return 1 when a trailer has the fixed form, otherwise 0.
 [[nodiscard]] std::uint32_t PKG_CSSCheck_IsFixFormat(const char* text);
 
-/// Decodes the signature of a trailer.
+/// Decodes a signature, TrailerFields::signature.
 /// @param out        room for kHeadSignatureRoom bytes.
 /// @param out_length receives the signature's length.
 /// @return 0 or ESH_ERR_FAIL.
+[[nodiscard]] std::uint32_t DecodeSignature(std::string_view text, std::uint8_t* out, std::uint32_t* out_length);
+
+/// DecodeSignature of what stands between "Signature: " and the line of the next length, whatever is around it.
 [[nodiscard]] std::uint32_t PKG_GetCSS_Signture(const char* text, std::uint8_t* out, std::uint32_t* out_length);
 
 /// @return whether a text holds nothing but digits; true of an empty one.

@@ -62,15 +62,17 @@ PackageVerdict ReadTrailerClaim(PKG_READER_S& reader, std::uint64_t size, const 
   if (found != PackageVerdict::kGood) {
     return found;
   }
-  if (PKG_CSSCheck_IsFixFormat(css.text) != 1) {
+  const std::uint32_t length = css.size - 1;
+  const auto fields = ParseTrailer({css.text, length});
+  if (!fields || fields->length != length) {
     return PackageVerdict::kTrailerForm;
   }
-  if (PKG_GetCSS_Signture(css.text, claim.signature, &claim.signature_length) != kSuccess) {
+  if (DecodeSignature(fields->signature, claim.signature, &claim.signature_length) != kSuccess) {
     return PackageVerdict::kSignatureText;
   }
   claim.start = 0;
-  claim.end = size - (css.size - 1);
-  return ReadPublicKey(key_directory, ParseTrailer(css.text)->key, claim.key);
+  claim.end = size - length;
+  return ReadPublicKey(key_directory, fields->key, claim.key);
 }
 
 PackageVerdict ReadHeadClaim(const PKG_READER_S& reader, std::uint64_t size, const char* key_directory, Claim& claim) {
