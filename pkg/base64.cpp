@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "pkg/fips_crypto.h"
+#include "util/ascii.h"
 
 namespace {
 
@@ -10,9 +11,7 @@ constexpr std::size_t kGroup = 4;
 constexpr std::size_t kGroupBytes = 3;
 constexpr std::size_t kMostPadding = 2;
 
-bool IsInAlphabet(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' || c == '/';
-}
+bool IsInAlphabet(char c) { return IsLetterOrDigit(c) || c == '+' || c == '/'; }
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "pkg/package_name.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -15,3 +16,9 @@ std::uint16_t ESH_FilterFile(const char* name, const char* suffix, std::size_t m
 }
 
 bool HoldsAliasMark(const char* name) { return std::strchr(name, '~') != nullptr; }
+
+bool IsPlainImageName(std::string_view name) {
+  return !name.empty() && std::ranges::all_of(name, [](char c) {
+    return IsLetterOrDigit(c) || c == '.' || c == '_' || c == '-' || c == '+';
+  });
+}

@@ -2,8 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
-/// What may be the name of a package file.
+/// What may be the name of a package file, and of an image in it.
 
 inline constexpr char kPackageSuffix[] = ".bin";
 inline constexpr std::size_t kMaxPackageName = 127;
@@ -15,3 +16,7 @@ inline constexpr std::size_t kMaxPackageName = 127;
 
 /// Whether a name holds "~", with which FAT marks the short form of a long name: a package has one name only.
 [[nodiscard]] bool HoldsAliasMark(const char* name);
+
+/// Whether an image's name holds nothing but letters, digits, ".", "_", "-" and "+": it becomes part of a command line
+/// of /bin/sh. An empty one is none.
+[[nodiscard]] bool IsPlainImageName(std::string_view name);

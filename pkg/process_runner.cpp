@@ -60,7 +60,6 @@ std::uint32_t PKG_System(const char* commandLine) {
 std::uint32_t PKG_SystemProc(const char* scriptBody) { return RunAsScript(kScript, scriptBody, PKG_System); }
 
 std::uint32_t RemoveWithTool(const char* path) {
-  // Not by a command line: the name may hold blanks.
   char* const arguments[] = {const_cast<char*>(kRemove), const_cast<char*>("-f"), const_cast<char*>(path), nullptr};
   return RunInChild([&arguments] { BecomeProgram(arguments); });
 }

@@ -2,14 +2,12 @@
 
 #include <unistd.h>
 
-#include <cstring>
-
 #include "pkg/contained_file.h"
 #include "pkg/cpio_unpack.h"
 #include "pkg/package_format.h"
+#include "pkg/package_name.h"
 #include "pkg/package_reader.h"
 #include "pkg/process_runner.h"
-#include "shell/result.h"
 #include "util/fixed_text.h"
 #include "util/new_file.h"
 
@@ -35,9 +33,6 @@ const PackageFileEntry* FindImage(PKG_READER_S* package, std::uint32_t device) {
   return nullptr;
 }
 
-/// A name that would lead out of the directory is none.
-bool IsPlainName(const char* name) { return name[0] != '\0' && std::strchr(name, '/') == nullptr; }
-
 bool WriteScratchFile(const char* path, const SystemImage& image) {
   UniqueFd file(CreateAnew(path, kScratchMode));
   return file && WriteAll(file.Get(), image.data.get(), image.size) && close(file.Release()) == 0;
@@ -52,13 +47,13 @@ SystemImage TakeSystemImage(PKG_READER_S* package, std::uint32_t device) {
     image.data.reset(
         static_cast<char*>(GetFileFromReadHeadByFileDesc(entry, package, sizeof(image.name), &image.size, image.name)));
   }
+  if (!IsPlainImageName(image.name)) {
+    image.data.reset();
+  }
   return image;
 }
 
 std::uint32_t UnpackSystemImage(SystemImage& image) {
-  if (!IsPlainName(image.name)) {
-    return ESH_ERR_FAIL;
-  }
   FixedText<kScratchRoom> path;
   path.Append("%s%s", kScratchDirectory, image.name);
   const bool is_written = WriteScratchFile(path.Text(), image);

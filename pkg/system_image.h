@@ -10,7 +10,7 @@ inline constexpr std::size_t kImageNameRoom = 129;
 
 /// A system image taken out of a package.
 struct SystemImage {
-  UniqueText data;  ///< none when the package has no image that can be read
+  UniqueText data;  ///< none when the package has no image that can be read, or one whose name is not plain
   std::uint32_t size = 0;
   char name[kImageNameRoom] = "";
 };
@@ -21,5 +21,5 @@ struct SystemImage {
 
 /// Unpacks an image into the root file system, by way of a file in /tmp, and frees its data. Whether that worked is
 /// not told: the image of another kind of archive is left packed.
-/// @return 0, or ESH_ERR_FAIL when its name is no plain file name or the file in /tmp could not be removed again.
+/// @return 0, or ESH_ERR_FAIL when the file in /tmp could not be removed again.
 [[nodiscard]] std::uint32_t UnpackSystemImage(SystemImage& image);

@@ -7,6 +7,10 @@
 
 constexpr bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
+constexpr bool IsLetterOrDigit(char character) {
+  return IsDigit(character) || (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+}
+
 constexpr bool IsHexDigit(char character) {
   return IsDigit(character) || (character >= 'a' && character <= 'f') || (character >= 'A' && character <= 'F');
 }

@@ -113,8 +113,8 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
        std::string(kVerified) + kNotCompliant},
       {"no image for this device", [](PackageContents& c) { c.files[3].device_code = 2; },
        std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n"},
-      {"an image that leads out of /tmp", [](PackageContents& c) { c.files[3].name = "../mnt/flash:/boot.bin"; },
-       std::string(kVerified) + "Extracting package ...\nOperation failed!\n"},
+      {"an image that is named for /bin/sh", [](PackageContents& c) { c.files[3].name = "$(ls>x).gz"; },
+       std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n"},
   };
   const mkpkg::PackageContents good = Contents();
   for (const auto& c : cases) {

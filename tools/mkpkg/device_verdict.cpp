@@ -91,8 +91,9 @@ DeviceVerdict JudgeImage(const ContainedFile* image) {
   if (!image->problem.empty()) {
     return Refuse("image", "image " + image->name + " gives no data: " + image->problem, kOperationFailed);
   }
-  if (image->name.empty() || image->name.find('/') != std::string::npos) {
-    return Refuse("image-name", "the image's name is empty or holds a slash", kOperationFailed);
+  if (!IsPlainImageName(image->name)) {
+    return Refuse("image-name", "the image's name holds more than letters, digits, \".\", \"_\", \"-\" and \"+\"",
+                  kOperationFailed);
   }
   return Accept();
 }

@@ -25,7 +25,6 @@ constexpr std::size_t kMaxVersion = kProductVersionRoom - 1;
 constexpr std::size_t kRecordSize = 64;  // of the path in the device's record of what was loaded
 constexpr std::string_view kMedium = "flash:/";
 constexpr char kBootLine[] = "[boot]";
-constexpr char kPlainCharacters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-+";
 
 /// What an image must begin with to be what its suffix says.
 struct SuffixRule {
@@ -115,18 +114,14 @@ void CheckDescription(const PackageModel& package, Lines& warnings) {
 
 void CheckImageName(const ContainedFile& image, Lines& warnings) {
   const std::string& name = image.name;
-  if (name.empty() || name.find('/') != std::string::npos) {
-    warnings.push_back("an image's name is empty or holds a slash: a device does not unpack it");
+  if (!IsPlainImageName(name)) {
+    warnings.push_back("image " + name +
+                       ": a device refuses a name of more than letters, digits, \".\", \"_\", \"-\" and \"+\"");
     return;
   }
   if (name.size() > kMaxImageName) {
     warnings.push_back("image " + name + ": a device cuts a name of more than " + std::to_string(kMaxImageName) +
                        " bytes");
-  }
-  if (name.find_first_not_of(kPlainCharacters) != std::string::npos || name[0] == '-') {
-    warnings.push_back("image " + name +
-                       ": the name goes through the device's command interpreter; use letters, digits,"
-                       " \".\", \"_\", \"-\" and \"+\"");
   }
   const std::string_view suffix = std::string_view(name).substr(std::min(name.rfind('.'), name.size()));
   const auto* rule = std::find_if(std::begin(kSuffixRules), std::end(kSuffixRules),
