@@ -8,7 +8,6 @@
 #include <string_view>
 
 #include "fs/name_rules.h"
-#include "util/ascii.h"
 #include "util/fixed_text.h"
 #include "util/unique_handle.h"
 #include "util/vector.h"
@@ -66,14 +65,7 @@ std::uint16_t ESH_IsDeviceForPkgm(const char* name) {
   if (ESH_CheckDevice(rest.data()) == 0) {
     return 0;
   }
-  std::string_view unit = DeviceNameOf(rest);
-  unit.remove_suffix(1);
-  if (unit.empty() || !IsDigit(unit.back())) {
-    return 1;
-  }
-  const bool is_zero = unit.back() == '0';
-  const bool has_more_digits = unit.size() > 1 && IsDigit(unit[unit.size() - 2]);
-  return is_zero && !has_more_digits ? 1 : 0;
+  return IsFirstUnit(DeviceNameOf(rest)) ? 1 : 0;
 }
 
 std::uint16_t IsDirPath(const char* entry) {

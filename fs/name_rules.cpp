@@ -143,6 +143,15 @@ std::string_view DeviceNameOf(std::string_view name) {
   return colon == std::string_view::npos ? std::string_view() : name.substr(0, colon + 1);
 }
 
+bool IsFirstUnit(std::string_view device) {
+  const std::string_view unit = device.substr(0, device.find(':'));
+  if (unit.empty() || !IsDigit(unit.back())) {
+    return true;
+  }
+  const bool has_more_digits = unit.size() > 1 && IsDigit(unit[unit.size() - 2]);
+  return unit.back() == '0' && !has_more_digits;
+}
+
 std::uint32_t ESH_IsVisibleFullFileName(const char* name) {
   std::string_view rest(name);
   while (!rest.empty()) {

@@ -32,6 +32,9 @@ inline constexpr std::string_view kMediaPrefix = "/mnt/";
 /// The device name that a name begins with, its colon included; empty when there is no colon.
 [[nodiscard]] std::string_view DeviceNameOf(std::string_view name);
 
+/// Whether a device is the first unit of its kind, which alone may hold packages ("flash:", "usba0:", not "usba1:").
+[[nodiscard]] bool IsFirstUnit(std::string_view device);
+
 /// Whether a directory's entry is the directory itself or its parent.
 [[nodiscard]] constexpr bool IsDotOrDotDot(std::string_view entry) { return entry == "." || entry == ".."; }
 

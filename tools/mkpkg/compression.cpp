@@ -92,10 +92,11 @@ std::string Unpack7z(std::string_view packed, std::size_t size, std::string& dat
   data.assign(size, '\0');
   const la_ssize_t read = archive_read_data(input.get(), data.data(), size);
   char surplus = 0;
-  if (read != static_cast<la_ssize_t>(size) || archive_read_data(input.get(), &surplus, 1) != 0) {
+  if (read <= 0 || archive_read_data(input.get(), &surplus, 1) != 0) {
     data.clear();
-    return "the 7z data do not unpack to the size that the package tells";
+    return "the 7z data are damaged, or more than the size that the package tells";
   }
+  data.resize(static_cast<std::size_t>(read));
   return "";
 }
 

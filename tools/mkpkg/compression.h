@@ -24,7 +24,7 @@ enum class Compression { kGz, kLzma, kXz, k7z };
                                    std::string& compressed);
 
 /// Unpacks 7z data as a device does.
-/// @param size  the number of bytes that must come out.
+/// @param size  the most bytes that may come out.
 /// @return an empty text, or one line that says what is wrong with the data.
 [[nodiscard]] std::string Unpack7z(std::string_view packed, std::size_t size, std::string& data);
 

@@ -1,5 +1,11 @@
 #include "tools/mkpkg/device_verdict.h"
 
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "fs/dot_elimination.h"
+#include "fs/name_rules.h"
 #include "pkg/compatibility.h"
 #include "pkg/fingerprint_trailer.h"
 #include "pkg/head_check.h"
@@ -10,14 +16,21 @@
 #include "pkg/product_code.h"
 #include "pkg/public_key.h"
 #include "pkg/signature.h"
+#include "shell/result.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/verdict_text.h"
+#include "util/ascii.h"
 
 namespace mkpkg {
 namespace {
 
 constexpr char kOperationFailed[] = "Operation failed!";
+constexpr char kWrongParameter[] = " % Wrong parameter found at '^' position.";
+constexpr char kTooMany[] = " % Too many parameters found at '^' position.";
+constexpr std::size_t kLongestTyped = 63;
+/// What the names of media begin with. Which of them a device has, and how many units, nobody tells.
+constexpr std::string_view kMedia[] = {"flash", "cf", "usb"};
 
 DeviceVerdict Accept() { return {true, "", "", ""}; }
 
@@ -27,11 +40,42 @@ DeviceVerdict Refuse(std::string step, std::string reason, std::string line) {
 
 std::string Corrupted(const DeviceFacts& facts) { return facts.typed_name + " is corrupted."; }
 
+/// Whether a word names a place below the root of a medium that a device can have. A relative name counts as one on
+/// flash:, where devices start.
+bool IsTypable(const std::string& word) {
+  const bool has_device = word.find(':') != std::string::npos;
+  const std::string name = has_device ? word : "flash:/" + word;
+  const std::string_view device = DeviceNameOf(name);
+  const bool is_known = std::any_of(std::begin(kMedia), std::end(kMedia),
+                                    [&](std::string_view medium) { return device.starts_with(medium); });
+  char full[kNameRoom];
+  return word.size() <= kLongestTyped && std::all_of(word.begin(), word.end(), IsPrintable) && word[0] != '/' &&
+         is_known && ESH_FS_IsValidFileName(name.c_str()) == kSuccess && IsValidDeviceName(device) &&
+         eliminatePoint(("/mnt/" + name).c_str(), kMediumFloor, sizeof(full), full) == kSuccess &&
+         !std::string_view(full).ends_with(':');
+}
+
+/// What the shell says to the name before a command sees it.
+DeviceVerdict JudgeWord(const std::string& name) {
+  const std::string word = name.substr(0, name.find(' '));
+  if (!IsTypable(word)) {
+    return Refuse("typed-name", word + " is no name below a medium flash, cf or usb, of 63 characters at most",
+                  kWrongParameter);
+  }
+  return word == name ? Accept() : Refuse("typed-name", "a name ends at its first blank", kTooMany);
+}
+
 DeviceVerdict JudgeName(const DeviceFacts& facts) {
   const std::string& name = facts.typed_name;
   const bool fits = ESH_FilterFile(name.c_str(), kPackageSuffix, kMaxPackageName) == 1;
   if (fits && !HoldsAliasMark(name.c_str())) return Accept();
   return Refuse("name", "a package's name ends in .bin and holds no ~", name + ": Invalid file name.");
+}
+
+DeviceVerdict JudgeUnit(const std::string& name) {
+  return IsFirstUnit(DeviceNameOf(name)) ? Accept()
+                                         : Refuse("primary-partition", "only the first unit of a medium may hold it",
+                                                  "The startup software images must be in the primary partition.");
 }
 
 /// Opens a package as both commands do, when its name is one.
@@ -122,6 +166,7 @@ DeviceVerdict JudgeContents(const PackageModel& package, const DeviceFacts& fact
 
 DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts) {
   UniquePackage reader;
+  if (DeviceVerdict verdict = JudgeWord(facts.typed_name); !verdict.accepted) return verdict;
   if (DeviceVerdict verdict = Open(path, facts, reader); !verdict.accepted) return verdict;
   if (DeviceVerdict verdict = JudgeGenuine(reader.get(), facts); !verdict.accepted) return verdict;
   PackageModel package;
@@ -134,6 +179,8 @@ DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts) {
 
 DeviceVerdict JudgeInstall(const std::string& path, const DeviceFacts& facts) {
   UniquePackage reader;
+  if (DeviceVerdict verdict = JudgeWord(facts.typed_name); !verdict.accepted) return verdict;
+  if (DeviceVerdict verdict = JudgeUnit(facts.typed_name); !verdict.accepted) return verdict;
   if (DeviceVerdict verdict = Open(path, facts, reader); !verdict.accepted) return verdict;
   if (reader->head.attributes != 0 || reader->head.package_type != kSystemPackage) {
     return Refuse("system-package", "its attribute is not 0 or its type not 2",

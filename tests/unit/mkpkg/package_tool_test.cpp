@@ -97,10 +97,11 @@ TEST_F(PackageTool, SevenZipUnpacksToWhatWasPacked) {
   mkpkg::Progress progress("", 0);
   ASSERT_EQ(mkpkg::Compress(mkpkg::Compression::k7z, data, progress, packed), "");
   std::string unpacked;
-  EXPECT_EQ(mkpkg::Unpack7z(packed, data.size(), unpacked), "");
-  EXPECT_EQ(unpacked, data);
+  for (const std::size_t told : {data.size(), data.size() + 1}) {
+    EXPECT_EQ(mkpkg::Unpack7z(packed, told, unpacked), "");
+    EXPECT_EQ(unpacked, data);
+  }
   EXPECT_NE(mkpkg::Unpack7z(packed, data.size() - 1, unpacked), "");
-  EXPECT_NE(mkpkg::Unpack7z(packed, data.size() + 1, unpacked), "");
   EXPECT_NE(mkpkg::Unpack7z(packed.substr(0, packed.size() - 1), data.size(), unpacked), "");
 }
 
@@ -154,6 +155,9 @@ TEST_F(PackageTool, NoKeyWithASmallExponent) {
 TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
   constexpr Case kCases[] = {
       {"name", [](C&) {}, "good~.bin"},
+      {"primary-partition", [](C&) {}, "usba1:/p.bin"},
+      {"typed-name", [](C&) {}, "nosuch:/p.bin"},
+      {"typed-name", [](C&) {}, "\"flash:/a b.bin\""},
       {"system-package", [](C& c) { c.type = 1; }},
       {"product-tag", [](C& c) { ++c.product_tag; }},
       {"compatibility-list", [](C& c) { c.files[0].packing = 1; }},
