@@ -24,9 +24,9 @@ endif()
 # The boot image holds libc only, so the C++ run-time goes into the binary.
 target_link_options(esh_product_flags INTERFACE -static-libstdc++ -static-libgcc -Wl,-z,relro,-z,now -Wl,--gc-sections
                                                 -Wl,--as-needed)
-# A tenth off the binary: libcrypto is full of addresses.
+# A tenth off the binary: libcrypto is full of addresses. A linker that cannot do it only warns.
 include(CheckLinkerFlag)
-check_linker_flag(CXX LINKER:-z,pack-relative-relocs ESH_PACKS_RELOCATIONS)
+check_linker_flag(CXX LINKER:--fatal-warnings,-z,pack-relative-relocs ESH_PACKS_RELOCATIONS)
 if(ESH_PACKS_RELOCATIONS)
   target_link_options(esh_product_flags INTERFACE LINKER:-z,pack-relative-relocs)
 endif()
