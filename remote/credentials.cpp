@@ -1,6 +1,5 @@
 #include "remote/credentials.h"
 
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 
@@ -8,6 +7,7 @@
 #include "shell/result.h"
 #include "term/line_editor.h"
 #include "term/line_state.h"
+#include "term/terminal.h"
 #include "util/fixed_text.h"
 
 namespace {

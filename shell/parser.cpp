@@ -1,7 +1,6 @@
 #include "shell/parser.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 
 #include "shell/command_tree.h"
@@ -12,6 +11,7 @@
 #include "term/help.h"
 #include "term/line_editor.h"
 #include "term/line_state.h"
+#include "term/terminal.h"
 #include "util/vector.h"
 
 namespace {
@@ -53,7 +53,7 @@ void Help(const VEC_S& words, char* line, std::size_t last) {
 }  // namespace
 
 void ESH_CmdParser(char* line) {
-  std::puts("\r");
+  EndTypedLine();
   CutBehindQuestionMark(line);
   const std::size_t length = std::strlen(line);
   const char last = length == 0 ? '\0' : line[length - 1];

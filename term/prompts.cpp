@@ -72,6 +72,6 @@ std::uint16_t ESH_LINE_GetConfirm(std::uint32_t seconds) {
 
 bool IsConfirmed() {
   const bool yes = ESH_LINE_GetConfirm(kConfirmSeconds) == 1;
-  std::puts("\r");
+  EndTypedLine();
   return yes;
 }

@@ -73,6 +73,11 @@ std::uint64_t ESH_TERM_GetScrLines() { return ZeroExtended(tigetnum("lines")); }
 
 int ESH_TERM_OFlush() { return std::fflush(stdout); }
 
+void EndTypedLine() {
+  std::puts("\r");
+  ESH_TERM_OFlush();
+}
+
 void ESH_TERM_Erase2LineEnd() { Write("el"); }
 
 void ESH_TERM_Erase2LineBegin() { Write("el1"); }

@@ -18,6 +18,10 @@ void SetUpTerminal();
 /// Pushes out what was written. @return the answer of fflush(3).
 int ESH_TERM_OFlush();
 
+/// Ends the line that an operator has typed or answered, and pushes it out: what comes now may work for minutes before
+/// it says anything, and must not look as if the key had not been heard.
+void EndTypedLine();
+
 void ESH_TERM_Erase2LineEnd();
 void ESH_TERM_Erase2LineBegin();
 /// Erases the cursor's line; the cursor stays.

@@ -1,6 +1,7 @@
 #include "term/prompts.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
@@ -18,7 +19,6 @@ constexpr struct {
 } kAnswers[] = {
     {"yes", "y\n", 1, "y"},
     {"echoed as typed", "Y\r", 1, "Y"},
-    {"no", "n\n", 0, "n"},
     {"no", "N\n", 0, "N"},
     {"the second is not echoed", "Yy\n", 1, "Y"},
     {"nor does it change the choice", "yn\n", 1, "y"},
@@ -42,6 +42,12 @@ TEST(Confirm, TakesYesOnlyForAYesThatStandsAtEnter) {
     EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;
     EXPECT_EQ(g_stESh_Line.ulMode, std::uint32_t{ESH_LINE_MODE_CONFIRM});
   }
+}
+
+TEST(Confirm, ShowsTheEndOfItsLineBeforeTheWorkBegins) {
+  const ScriptedEditor editor("y\n");
+  EXPECT_TRUE(IsConfirmed());
+  EXPECT_EQ(lseek(STDOUT_FILENO, 0, SEEK_CUR), 3) << "y, and CR LF";
 }
 
 }  // namespace
