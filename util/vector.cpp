@@ -8,6 +8,7 @@
 namespace {
 
 constexpr std::uint64_t kMinSlots = 8;
+constexpr std::uint64_t kMostSlots = std::uint64_t{1} << 60;  // with more, the byte count would overflow
 
 bool IsHole(const VEC_S& vec, std::uint64_t index) { return vec.ppvArray[index] == nullptr; }
 
@@ -106,7 +107,6 @@ void VEC_Release(VEC_S* vec) {
 }
 
 std::uint32_t VEC_Enlarge(VEC_S* vec, std::uint64_t need) {
-  constexpr std::uint64_t kMostSlots = std::uint64_t{1} << 60;  // doubling past this would overflow the byte count
   if (need > kMostSlots) {
     return ESH_ERR_FAIL;
   }
@@ -127,6 +127,9 @@ std::uint32_t VEC_Reduce(VEC_S* vec, std::uint64_t need) {
 }
 
 std::uint32_t VEC_Resize(VEC_S* vec, std::uint64_t slots) {
+  if (slots > kMostSlots) {
+    return ESH_ERR_FAIL;
+  }
   // Not calloc, which passes over the allocator's list of blocks that were freed a moment ago.
   auto** array = static_cast<void**>(std::malloc(slots * sizeof(void*)));
   if (array == nullptr) {

@@ -40,6 +40,7 @@ TEST_F(VectorTest, RefusesWhatIsNotThere) {
   EXPECT_EQ(VEC_Del(vec.get(), 3), nullptr);
   EXPECT_EQ(VEC_Del(vec.get(), 1000), nullptr);
   EXPECT_EQ(VEC_Add(vec.get(), kNoIndex - 1, &g_elements[0]), kNoIndex) << "an index that no memory can hold";
+  EXPECT_NE(VEC_Resize(vec.get(), (std::uint64_t{1} << 61) + 1), 0U) << "whose size in bytes is 8 again";
   EXPECT_EQ(VEC_GetCount(vec.get()), 3U);
   EXPECT_EQ(VEC_Add(nullptr, 0, &g_elements[0]), kNoIndex);
   const UniqueVector without_array(VEC_Alloc(kNoSlots));
