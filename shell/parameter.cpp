@@ -41,30 +41,30 @@ constexpr std::size_t kMaskLenRoom = 4;
 constexpr std::size_t kPrefixLenRoom = 5;
 constexpr std::size_t kNumberRoom = 11;
 
-/// Converts to binary and prints again, so that one address has one spelling.
-std::uint32_t RecordAddress(int family, const char* word, char* buffer, std::size_t room) {
-  in6_addr address;  // the larger of the two families
-  buffer[0] = '\0';
-  if (inet_pton(family, word, &address) != 1 ||
-      inet_ntop(family, &address, buffer, static_cast<socklen_t>(room)) == nullptr) {
-    buffer[0] = '\0';
-    return ESH_ERR_FAIL;
-  }
+/// Stores text in a buffer that is emptied first, all of it: of a longer password nothing stays behind a shorter one.
+template <std::size_t kSize>
+std::uint32_t RecordText(std::string_view text, char (&buffer)[kSize], std::size_t room = kSize) {
+  std::memset(buffer, 0, kSize);
+  CopyBounded(buffer, room, text);
   return kSuccess;
+}
+
+/// Converts to binary and prints again, so that one address has one spelling.
+template <std::size_t kSize>
+std::uint32_t RecordAddress(int family, const char* word, char (&buffer)[kSize], std::size_t room = kSize) {
+  in6_addr address;  // the larger of the two families
+  std::memset(buffer, 0, kSize);
+  const bool recorded = inet_pton(family, word, &address) == 1 &&
+                        inet_ntop(family, &address, buffer, static_cast<socklen_t>(room)) != nullptr;
+  return recorded ? kSuccess : ESH_ERR_FAIL;
 }
 
 /// Prints the word's number ("031" becomes "31"), cut to the room.
-std::uint32_t RecordNumber(const char* word, char* buffer, std::size_t room) {
+template <std::size_t kSize>
+std::uint32_t RecordNumber(const char* word, char (&buffer)[kSize], std::size_t room) {
   FixedText<16> text;
   text.Append("%d", static_cast<int>(std::strtol(word, nullptr, 10)));
-  CopyBounded(buffer, room, text.View());
-  return kSuccess;
-}
-
-template <std::size_t kRoom>
-std::uint32_t RecordText(const char* word, char (&buffer)[kRoom]) {
-  CopyText(buffer, word);
-  return kSuccess;
+  return RecordText(text.View(), buffer, room);
 }
 
 }  // namespace
@@ -96,7 +96,7 @@ std::uint16_t ESH_CheckIPv6Prefix(const char* text) {
 
 std::uint16_t ESH_CheckInteger(const char* text, std::uint64_t min, std::uint64_t max) {
   std::string_view digits(text);
-  if (digits.empty() || !std::all_of(digits.begin(), digits.end(), IsDigit)) {
+  if (!std::all_of(digits.begin(), digits.end(), IsDigit)) {
     return 0;
   }
   digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
@@ -127,13 +127,9 @@ std::uint16_t ESH_Variable(const char* text) {
   return address || word.starts_with("INTEGER") || word.starts_with("STRING") ? 1 : 0;
 }
 
-std::uint32_t ESH_RecordIPv4(const char* word) {
-  return RecordAddress(AF_INET, word, g_szIPv4Address, sizeof(g_szIPv4Address));
-}
+std::uint32_t ESH_RecordIPv4(const char* word) { return RecordAddress(AF_INET, word, g_szIPv4Address); }
 
-std::uint32_t ESH_RecordIPv4Mask(const char* word) {
-  return RecordAddress(AF_INET, word, g_szIPv4Mask, sizeof(g_szIPv4Mask));
-}
+std::uint32_t ESH_RecordIPv4Mask(const char* word) { return RecordAddress(AF_INET, word, g_szIPv4Mask); }
 
 std::uint32_t ESH_RecordIPv6(const char* word) { return RecordAddress(AF_INET6, word, g_szIPv6Address, kIPv6Room); }
 
@@ -153,15 +149,9 @@ std::uint32_t ESH_RecordSourceFile(const char* word) { return RecordText(word, g
 
 std::uint32_t ESH_RecordDestFile(const char* word) { return RecordText(word, g_szDestFile); }
 
-std::uint32_t ESH_RecordCount(const char* word) {
-  CopyBounded(g_szCount, kNumberRoom, word);
-  return kSuccess;
-}
+std::uint32_t ESH_RecordCount(const char* word) { return RecordText(word, g_szCount, kNumberRoom); }
 
-std::uint32_t ESH_RecordSize(const char* word) {
-  CopyBounded(g_szSize, kNumberRoom, word);
-  return kSuccess;
-}
+std::uint32_t ESH_RecordSize(const char* word) { return RecordText(word, g_szSize, kNumberRoom); }
 
 std::uint32_t ESH_RecordDiskName(const char* word) { return RecordText(word, g_szDiskName); }
 

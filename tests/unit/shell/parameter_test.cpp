@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <iterator>
 #include <string>
 
 #include "shell/result.h"
@@ -43,7 +44,7 @@ TEST(ParameterCheck, TakesWhatHasAMeaningOnly) {
        OneTo31,
        {"1", "31", "00000000000000000031"},
        {"0", "000", "32", "-1", "+1", "1a", " 1", "", "18446744073709551617"}},
-      {"ten digits at most", AnyNumber, {"000", "9999999999"}, {"10000000000"}},
+      {"ten digits at most", AnyNumber, {"", "000", "9999999999"}, {"10000000000"}},
       {"printable text of its length",
        ThreeTo15Letters,
        {"a z", "a\x7ez", std::string(15, 'x')},
@@ -78,7 +79,6 @@ TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
       {ESH_RecordSize, g_szSize, long_word, std::string(10, '7')},
       {ESH_RecordDiskName, g_szDiskName, long_word, std::string(15, '7')},
       {ESH_RecordPkgFile, g_szPkgFlie, long_word, std::string(127, '7')},
-      {ESH_RecordPkgFile, g_szPkgFlie, "short", "short"},
       {ESH_RecordIPv4, g_szIPv4Address, "192.168.100.200", "192.168.100.200"},
       {ESH_RecordIPv4, g_szIPv4Address, "1.1.1", ""},
       {ESH_RecordIPv4Mask, g_szIPv4Mask, "255.255.255.255", "255.255.255.255"},
@@ -92,6 +92,8 @@ TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
     EXPECT_EQ(c.record(c.word.c_str()), c.recorded.empty() ? ESH_ERR_FAIL : kSuccess) << c.word;
     EXPECT_EQ(c.buffer, c.recorded);
   }
+  EXPECT_EQ(ESH_RecordPassword("short"), kSuccess);
+  EXPECT_EQ(std::string(std::begin(g_szPassword), std::end(g_szPassword)), "short" + std::string(11, '\0'));
 }
 
 }  // namespace
