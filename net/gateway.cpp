@@ -32,8 +32,9 @@ std::uint32_t ESH_ProcIPGateway() {
     return kSuccess;
   }
   (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
-  if (!IsPortShut() && AddIPv4DefaultRoute(gateway) != kSuccess) {
-    return ESH_ERR_FAIL;
+  const std::uint32_t applied = IsPortShut() ? kSuccess : AddIPv4DefaultRoute(gateway);
+  if (applied != kSuccess) {
+    return applied;
   }
   CopyText(g_szMth0IPv4Gateway, gateway);
   return kSuccess;
@@ -50,8 +51,9 @@ std::uint32_t ESH_ProcIPv6Gateway() {
   }
   if (!IsPortShut()) {
     (void)ESH_DeleteIPv6Gateway();  // likewise
-    if (AddIPv6DefaultRoute(gateway) != kSuccess) {
-      return ESH_ERR_FAIL;
+    const std::uint32_t applied = AddIPv6DefaultRoute(gateway);
+    if (applied != kSuccess) {
+      return applied;
     }
   }
   CopyText(g_szMth0IPv6Gateway, gateway);
@@ -62,8 +64,9 @@ std::uint32_t ESH_DeleteIPv4Gateway() {
   if (!IsSaved(g_szMth0IPv4Gateway)) {
     return kSuccess;
   }
-  if (!IsPortShut() && RemoveIPv4DefaultRoute() != kSuccess) {
-    return ESH_ERR_FAIL;
+  const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv4DefaultRoute();
+  if (removed != kSuccess) {
+    return removed;
   }
   ForgetIPv4Gateway();
   return kSuccess;
@@ -73,8 +76,9 @@ std::uint32_t ESH_DeleteIPv6Gateway() {
   if (!IsSaved(g_szMth0IPv6Gateway)) {
     return kSuccess;
   }
-  if (!IsPortShut() && RemoveIPv6DefaultRoute() != kSuccess) {
-    return ESH_ERR_FAIL;
+  const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv6DefaultRoute();
+  if (removed != kSuccess) {
+    return removed;
   }
   ForgetIPv6Gateway();
   return kSuccess;

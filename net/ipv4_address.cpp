@@ -36,8 +36,9 @@ std::uint32_t SetIPv4Address(const char* mask) {
   }
   if (!IsPortShut()) {
     (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
-    if (ApplyIPv4Address(address, mask) != kSuccess) {
-      return ESH_ERR_FAIL;
+    const std::uint32_t applied = ApplyIPv4Address(address, mask);
+    if (applied != kSuccess) {
+      return applied;
     }
   }
   ForgetIPv4Gateway();  // the routes of the old address go with it
@@ -69,8 +70,9 @@ std::uint32_t ESH_ProcUndoIPAddr() {
 
 std::uint32_t ESH_DeleteIPv4Addr() {
   (void)ESH_DeleteIPv4Gateway();  // the kernel drops a route with the address that it needs
-  if (!IsPortShut() && RemoveIPv4Address() != kSuccess) {
-    return ESH_ERR_FAIL;
+  const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv4Address();
+  if (removed != kSuccess) {
+    return removed;
   }
   ForgetIPv4Address();
   return kSuccess;

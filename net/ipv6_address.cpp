@@ -28,8 +28,9 @@ std::uint32_t ESH_ProcIPv6AddrPreLen() {
   }
   if (!IsPortShut()) {
     (void)ESH_DeleteIPv6Addr();  // the kernel may have lost it
-    if (ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen) != kSuccess) {
-      return ESH_ERR_FAIL;
+    const std::uint32_t applied = ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
+    if (applied != kSuccess) {
+      return applied;
     }
   }
   SaveIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
@@ -49,8 +50,9 @@ std::uint32_t ESH_DeleteIPv6Addr() {
   if (!IsSaved(g_szMth0IPv6Add)) {
     return kSuccess;
   }
-  if (!IsPortShut() && RemoveIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per) != kSuccess) {
-    return ESH_ERR_FAIL;
+  const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per);
+  if (removed != kSuccess) {
+    return removed;
   }
   ForgetIPv6Address();
   return kSuccess;
