@@ -60,6 +60,7 @@ pid_t StartTool(char* const* arguments, std::uint16_t ignoreInt, std::uint16_t e
 
 std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo) {
   g_iShellGid = getpgrp();
+  const ConsoleKept console;
   ESH_TERM_OFlush();  // or the tool's output would come before what the shell has already said
   UniqueArguments words = cmdline == nullptr ? nullptr : SplitCommandLine(cmdline, " ");
   const pid_t child = StartTool(ArgumentsOf(words.get()), ignoreInt, echo);
@@ -72,6 +73,7 @@ std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std:
   const std::uint32_t result = ResultOfChild(child);
   g_EShSubPid = -1;
   SetPgtp(g_iShellGid);
+  console.PutBack();
   ESH_LINE_SetTermiosMode();
   return result;
 }

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <initializer_list>
 
 #include "term/line_state.h"
@@ -29,17 +28,16 @@ void StartOutput() {
   tcflow(Console(), TCOON);
 }
 
-/// The console's settings with everything that a tool may have changed and that nobody else sets put back as saved.
-/// A tool that was killed in a mode of its own must not leave a console without line ends behind. The line speed
-/// is not a tool's to change and stays as it is.
+/// The console's settings with everything that raw mode changes put back as saved.
 /// @param echo 1: as saved; any other value: off.
 termios SettingsAsSaved(std::uint16_t echo) {
+  const termios& saved = g_stESh_Line.stSavedTermios;
   termios settings{};
   tcgetattr(Console(), &settings);
-  settings.c_iflag = g_stESh_Line.stSavedTermios.c_iflag;
-  settings.c_oflag = g_stESh_Line.stSavedTermios.c_oflag;
-  settings.c_lflag = g_stESh_Line.stSavedTermios.c_lflag;
-  std::memcpy(settings.c_cc, g_stESh_Line.stSavedTermios.c_cc, sizeof(settings.c_cc));
+  settings.c_lflag = saved.c_lflag;
+  for (const int key : {VTIME, VMIN, VSUSP, VSTART, VSTOP, VQUIT}) {
+    settings.c_cc[key] = saved.c_cc[key];
+  }
   if (echo != 1) {
     settings.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
   }
@@ -56,7 +54,8 @@ void LINE_SetTermiosMode(const termios& settings) {
 }
 
 int ESH_LINE_SetTermiosMode() {
-  termios settings = SettingsAsSaved(1);
+  termios settings{};
+  tcgetattr(Console(), &settings);
   settings.c_lflag = 0;
   settings.c_cc[VMIN] = 0;
   settings.c_cc[VTIME] = kReadTimeoutTenths;
@@ -75,6 +74,14 @@ void ESH_LINE_MaskSpecKey() {
   }
   DisableSpecialKeys(settings);
   LINE_SetTermiosMode(settings);
+}
+
+ConsoleKept::ConsoleKept() : known_(tcgetattr(Console(), &settings_) == 0) {}
+
+void ConsoleKept::PutBack() const {
+  if (known_) {
+    LINE_SetTermiosMode(settings_);
+  }
 }
 
 void SetToolMode(std::uint16_t echo) {

@@ -21,6 +21,18 @@ void ESH_LINE_RestoreTermiosMode(std::uint16_t echo);
 /// Disables the quit, start, stop and suspend keys, so that no tool can be stopped with nobody to continue it.
 void ESH_LINE_MaskSpecKey();
 
+/// The console's settings from before a tool. Whatever mode of its own the tool was killed in, it must not leave a
+/// console without line ends behind.
+class ConsoleKept {
+ public:
+  ConsoleKept();
+  void PutBack() const;
+
+ private:
+  termios settings_{};
+  bool known_;
+};
+
 /// What a tool starts with: the two above in one step. Between two steps a Ctrl+Z that is typed ahead would stop the
 /// tool for ever, and a Ctrl+S its output.
 /// @param echo as for ESH_LINE_RestoreTermiosMode.

@@ -5,6 +5,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "term/line_state.h"
 #include "tests/support/console.h"
 
 namespace {
@@ -34,6 +35,12 @@ void LeaveAMess() {
     settings.c_cc[VTIME] = 9;
     settings.c_cc[VSTOP] = 'x';
   });
+}
+
+void AfterATool() {
+  const ConsoleKept console;
+  LeaveAMess();
+  console.PutBack();
 }
 
 /// The settings that the steps leave on a console whose own settings were saved.
@@ -70,13 +77,13 @@ constexpr struct {
   Edit expected;
 } kModes[] = {
     {"raw", [] { ESH_LINE_SetTermiosMode(); }, Raw},
-    {"raw after a tool", [] { LeaveAMess(), ESH_LINE_SetTermiosMode(); }, Raw},
+    {"raw before anything is saved", [] { g_stESh_Line = {}, ESH_LINE_SetTermiosMode(); }, Raw},
     {"restored", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(1); }, AsSaved},
-    {"restored after a tool", [] { LeaveAMess(), ESH_LINE_RestoreTermiosMode(1); }, AsSaved},
     {"without echo", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(0); }, WithoutEcho},
-    {"without echo by any other value", [] { LeaveAMess(), ESH_LINE_RestoreTermiosMode(2); }, WithoutEcho},
+    {"without echo by any other value", [] { ESH_LINE_SetTermiosMode(), ESH_LINE_RestoreTermiosMode(2); }, WithoutEcho},
     {"no special keys for tools", ESH_LINE_MaskSpecKey, WithoutSpecialKeys},
-    {"for a tool", [] { LeaveAMess(), SetToolMode(1); }, WithoutSpecialKeys},
+    {"for a tool", [] { ESH_LINE_SetTermiosMode(), SetToolMode(1); }, WithoutSpecialKeys},
+    {"after a tool", AfterATool, AsSaved},
 };
 
 TEST(ConsoleMode, IsAsItsNextUserNeedsIt) {
