@@ -1,6 +1,7 @@
 #include "shell/startup.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -71,13 +72,15 @@ void SetSignals() {
   }
 }
 
-/// The device cannot be used like this. @param attached the verdict on the console.
-[[noreturn]] void RebootAfterFailure(std::uint32_t attached) {
-  ESH_Reboot();
-  if (attached != kSuccess) {
-    // Without a terminal of its own the shell cannot start tools, not even this one.
+/// Only a shell with a controlling terminal can: a tool that cannot take the foreground ends before it is started.
+bool CanStartTools() { return SetPgtp(getpgrp()) == kSuccess; }
+
+/// The device cannot be used like this.
+[[noreturn]] void RebootAfterFailure() {
+  if (!CanStartTools()) {
     BecomeReboot();
   }
+  ESH_Reboot();
   std::exit(EXIT_SUCCESS);
 }
 
@@ -86,8 +89,7 @@ void SetSignals() {
 void RunShell() {
   std::signal(SIGINT, SIG_IGN);  // until it has a handler: a Ctrl+C between two tools of start-up must not end it
   umask(0);
-  const std::uint32_t attached = AttachConsole();
-  std::uint32_t verdict = attached;
+  std::uint32_t verdict = AttachConsole();
   verdict += ESH_HIS_Init();
   verdict += ESH_LINE_Init();
   (void)RunTool(kMountScript);  // a device without media still has a shell
@@ -102,7 +104,7 @@ void RunShell() {
   SetSignals();
   ESH_ResetTabState();
   if (verdict != kSuccess || g_pstEshCurrentView == nullptr) {
-    RebootAfterFailure(attached);
+    RebootAfterFailure();
   }
   SetTtySwich(1);
   for (;;) {

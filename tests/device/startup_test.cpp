@@ -98,10 +98,21 @@ TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
     Boot();
     EXPECT_NE(Outcome(), device::Outcome::kRunning);
     EXPECT_EQ(Run("cat /tmp/switch"), "0\n");
-    EXPECT_NE(Calls().find("reboot -f\n"), std::string::npos);
+    EXPECT_EQ(Run("grep -c ^reboot /tmp/calls"), "1\n");
     EXPECT_EQ(Calls().find("ifconfig m-eth0 up") != std::string::npos, failure.tools_run) << "a later step counts too";
     EXPECT_EQ(Printed(), "");
   }
+}
+
+TEST_F(NativeStartUp, RebootsOnceOnTheTerminalOfItsStarter) {
+  RecordReboot();
+  Replace("/sbin/scmd",
+          "#!/bin/sh\n"
+          "if rm /etc/pkg/esh/ttyname.conf; then setsid -c /sbin/esh < /dev/pts/0 & wait; else kill -USR1 1; fi\n");
+  BootToPrompt();
+  Run("kill -9 " + ShellPid());
+  EXPECT_NE(Outcome(), device::Outcome::kRunning);
+  EXPECT_EQ(Run("grep -c ^reboot /tmp/calls"), "1\n");
 }
 
 TEST_F(NativeStartUp, StandsOnItsConsoleAloneWhateverItWasGiven) {
