@@ -84,6 +84,7 @@ TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
       {"no console named", "/etc/pkg/esh/ttyname.conf", std::nullopt, false},
       {"nothing in the console's file", "/etc/pkg/esh/ttyname.conf", " \n", false},
       {"no such console", "/etc/pkg/esh/ttyname.conf", "/dev/pts/99\n", false},
+      {"no console at all", "/etc/pkg/esh/ttyname.conf", "/dev/null\n", false},
       {"the IP stack does not load", "/bin/insmod",
        "#!/bin/sh\necho insmod $* >> /tmp/calls\n[ $1 = /lib/modules/addon.ko ]\n", true},
       {"no loopback interface", "/bin/ifconfig", "#!/bin/sh\necho ifconfig $* >> /tmp/calls\n[ $1 = m-eth0 ]\n", true},
