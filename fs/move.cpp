@@ -13,6 +13,7 @@
 #include "shell/result.h"
 #include "shell/tool_line.h"
 #include "term/prompts.h"
+#include "util/new_file.h"
 
 namespace {
 
@@ -68,12 +69,12 @@ std::uint32_t ESH_ProcMove() {
   }
   const bool is_hopeless = WouldLose(source.full, destination.full) || WouldAsk(destination.full);
   const std::uint32_t moved = is_hopeless ? ESH_ERR_FAIL : RunMove(source.full, destination.full);
-  if (moved != kSuccess) {
-    RemovePart(source.full, destination.full);
+  if (moved == kSuccess) {
+    SyncMediumOf(destination.full);  // the tool does not wait for it: for a while the file could be on neither medium
+    return kSuccess;
   }
-  sync();  // the tool does not wait for the media: for a while the file could be on neither
-  if (moved != kSuccess) {
-    std::puts(kNoRoom);
-  }
+  RemovePart(source.full, destination.full);
+  sync();
+  std::puts(kNoRoom);
   return moved;
 }

@@ -36,7 +36,7 @@ std::uint32_t Transfer(const char* tool, const char* address, const char* first_
 std::uint32_t Get(const char* address) {
   TargetName target;
   const Refusal refusal = ChooseTarget(kFtp, target);
-  return refusal ? *refusal : Stored(Transfer("/bin/ftpget", address, target.Text(), g_szRemoteFile));
+  return refusal ? *refusal : Stored(Transfer("/bin/ftpget", address, target.Text(), g_szRemoteFile), target);
 }
 
 std::uint32_t Put(const char* address) {

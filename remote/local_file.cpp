@@ -1,7 +1,5 @@
 #include "remote/local_file.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <string_view>
 
@@ -12,6 +10,7 @@
 #include "shell/parameter.h"
 #include "shell/result.h"
 #include "term/prompts.h"
+#include "util/new_file.h"
 
 namespace {
 
@@ -81,8 +80,10 @@ Refusal ChooseTarget(const char* tool, TargetName& target) {
   return IsLineGetConfirm(target) ? Refusal() : kSuccess;
 }
 
-std::uint32_t Stored(std::uint32_t result) {
-  sync();
+std::uint32_t Stored(std::uint32_t result, const TargetName& target) {
+  if (result == kSuccess) {
+    SyncMediumOf(target.Text());
+  }
   return result;
 }
 

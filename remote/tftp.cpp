@@ -16,7 +16,7 @@ std::uint32_t Get(const char* address) {
   }
   ToolLine line;
   line.Append("/bin/tftp -g -r %s -l %s %s", g_szRemoteFile, target.Text(), address);
-  return Stored(RunToolLine(line, 0, 0));
+  return Stored(RunToolLine(line, 0, 0), target);
 }
 
 std::uint32_t Put(const char* address) {

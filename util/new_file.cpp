@@ -25,3 +25,10 @@ bool WriteAll(int fd, const void* bytes, std::size_t length) {
   }
   return true;
 }
+
+void SyncMediumOf(const char* path) {
+  const UniqueFd file(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));  // what is no file must not be waited for either
+  if (file) {
+    (void)syncfs(file.Get());  // there is nobody to tell: the tool that wrote has ended well
+  }
+}

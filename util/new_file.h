@@ -13,3 +13,7 @@
 
 /// Writes all bytes. @return false when the medium has no room for them, or fails.
 [[nodiscard]] bool WriteAll(int fd, const void* bytes, std::size_t length);
+
+/// Waits until the medium that holds a file has it and all that was written there before. Other media, which may be
+/// slow or dying, are not waited for.
+void SyncMediumOf(const char* path);

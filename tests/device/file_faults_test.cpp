@@ -137,6 +137,18 @@ TEST_F(NativeFileFaults, EveryCallMayFail) {
   EXPECT_EQ(Command("pwd"), "flash:\n");
 }
 
+TEST_F(NativeFileFaults, AGetWaitsForTheMediumThatItWroteAlone) {
+  Replace("/bin/tftp", "#!/bin/sh\ncp /tmp/$3 $5\n");
+  UseShell();
+  for (const char* line : {"tftp 127.0.0.1 get o flash:/x", "tftp 127.0.0.1 get none flash:/y"}) {
+    Plan("sync", 1, kKill);
+    EXPECT_EQ(Command(line).find("Press Enter"), std::string::npos) << line;
+  }
+  Plan("syncfs", 1, EIO);
+  Command("tftp 127.0.0.1 get o flash:/z");
+  EXPECT_EQ(Run("cat /tmp/fault"), "syncfs 0 5\n");
+}
+
 TEST_F(NativeFileFaults, TABTakesNoPartOfTheNamesForAll) {
   UseShell();
   Run("touch /mnt/flash:/flash.txt");

@@ -94,6 +94,12 @@ int creat(const char* path, mode_t mode) {
 
 int fsync(int fd) { return Fails("fsync") ? -1 : static_cast<int>(syscall(SYS_fsync, fd)); }
 
+int syncfs(int fd) noexcept { return Fails("syncfs") ? -1 : static_cast<int>(syscall(SYS_syncfs, fd)); }
+
+void sync() noexcept {
+  if (!Fails("sync")) syscall(SYS_sync);
+}
+
 /// A close that fails has closed, as on Linux.
 int close(int fd) {
   const bool fails = fd > STDERR_FILENO && Fails("close");
