@@ -24,13 +24,13 @@ const char* ReadAtPrompt(const char* prompt, std::uint32_t mode, std::uint32_t m
   CopyText(view_prompt, ESH_GetPrompt());
   ESH_SetPrompt(prompt);
   const char* line = ESH_LINE_GetLine(mode, max);
-  std::puts("\r");
+  EndTypedLine();
   ESH_SetPrompt(view_prompt);
   return line;
 }
 
-/// Tool lines are split at blanks. A name such as "root -oProxyCommand=reboot" would hand the tool options of its own,
-/// and with them any command of this device; blanks around the one word are lost on the way and do no harm.
+/// Tool lines are split at blanks. A name such as "root -oProxyCommand=reboot" would hand ssh options of its own, and
+/// with them any command of this device; blanks around the one word are lost on the way and do no harm.
 bool IsOneWord(std::string_view text) {
   const std::size_t start = text.find_first_not_of(' ');
   const std::size_t end = text.find_last_not_of(' ');
@@ -38,22 +38,20 @@ bool IsOneWord(std::string_view text) {
 }
 
 /// Ctrl+C leaves a byte that is not printable and is refused with it.
-bool CanBePassedOn(const char* text, std::uint64_t max) {
-  return ESH_CheckString(text, 1, max) == 1 && IsOneWord(text);
-}
+bool IsTyped(const char* text, std::uint64_t max) { return ESH_CheckString(text, 1, max + 1) == 1; }
 
 }  // namespace
 
 const char* GetSSHUserName() {
   const char* name = ReadAtPrompt(kLoginPrompt, ESH_LINE_MODE_PLAIN, kMaxSSHUser);
-  return CanBePassedOn(name, kMaxSSHUser + 1) ? name : nullptr;
+  return IsTyped(name, kMaxSSHUser) && IsOneWord(name) ? name : nullptr;
 }
 
 std::uint32_t GetFTPUserPassword() {
   const char* name = ReadAtPrompt(kUserPrompt, ESH_LINE_MODE_PLAIN, kMaxFTPWord);
-  const bool has_name = CanBePassedOn(name, kMaxFTPWord + 1) && ESH_RecordUserName(name) == kSuccess;
+  const bool has_name = IsTyped(name, kMaxFTPWord) && ESH_RecordUserName(name) == kSuccess;
   const char* password = ReadAtPrompt(kPasswordPrompt, ESH_LINE_MODE_MASKED, kMaxFTPWord);
-  const bool has_password = CanBePassedOn(password, kMaxFTPWord + 1) && ESH_RecordPassword(password) == kSuccess;
+  const bool has_password = IsTyped(password, kMaxFTPWord) && ESH_RecordPassword(password) == kSuccess;
   ForgetLine();
   return has_name && has_password ? kSuccess : ESH_ERR_FAIL;
 }

@@ -2,10 +2,10 @@
 
 #include <cstring>
 
+#include "fs/file_messages.h"
 #include "remote/credentials.h"
 #include "remote/host_address.h"
 #include "remote/local_file.h"
-#include "remote/remote_file.h"
 #include "shell/parameter.h"
 #include "shell/result.h"
 #include "shell/tool_line.h"
@@ -16,15 +16,6 @@ constexpr char kFtp[] = "ftp";
 
 using TransferFn = std::uint32_t (*)(const char* address);
 
-/// The tools take the remote name as a word of its own. One that looks like an option would change what they do; it
-/// is refused before a password is asked for in vain.
-Refusal AskCredentials() {
-  if (const Refusal refusal = CheckRemoteIsNoOption()) {
-    return refusal;
-  }
-  return GetFTPUserPassword() == kSuccess ? Refusal() : ESH_ERR_FAIL;
-}
-
 std::uint32_t Transfer(const char* tool, const char* address, const char* first_file, const char* second_file) {
   ToolLine line;
   line.Append("%s -u %s -p %s %s %s %s", tool, g_szUserName, g_szPassword, address, first_file, second_file);
@@ -33,7 +24,17 @@ std::uint32_t Transfer(const char* tool, const char* address, const char* first_
   return verdict;
 }
 
+/// The line is split at blanks, and no option of the tools does harm. But a get that reads the remote name as an option
+/// would take words of the user or the password for host and local file, and write anywhere on this device.
+bool CouldNameAnotherTarget() {
+  const bool has_blank = std::strchr(g_szUserName, ' ') != nullptr || std::strchr(g_szPassword, ' ') != nullptr;
+  return has_blank && g_szRemoteFile[0] == '-';
+}
+
 std::uint32_t Get(const char* address) {
+  if (CouldNameAnotherTarget()) {
+    return Refuse(kWrongName);
+  }
   TargetName target;
   const Refusal refusal = ChooseTarget(kFtp, target);
   return refusal ? *refusal : Stored(Transfer("/bin/ftpget", address, target.Text(), g_szRemoteFile), target);
@@ -51,8 +52,7 @@ std::uint32_t LogInAndTransfer(const Refusal& host, TransferFn transfer, const c
   if (host) {
     return *host;
   }
-  const Refusal refusal = AskCredentials();
-  return refusal ? *refusal : transfer(address);
+  return GetFTPUserPassword() == kSuccess ? transfer(address) : ESH_ERR_FAIL;
 }
 
 /// In place of Get: only here is an IPv6 address looked at once more behind the credentials.

@@ -1,8 +1,6 @@
 #include "remote/remote_file.h"
 
-#include "fs/file_messages.h"
 #include "fs/name_rules.h"
-#include "shell/parameter.h"
 #include "shell/result.h"
 #include "term/help_list.h"
 
@@ -10,9 +8,4 @@ std::uint16_t CheckRemoteFile(const char* word) { return ESH_FS_IsValidFileName(
 
 std::uint32_t HelpRemoteFile(const char* /*word*/, VEC_S* help, const ESH_CMD_ELEMENT_S* /*element*/) {
   return ESH_NewHelpInfo("STRING", "Remote file name", help);
-}
-
-Refusal CheckRemoteIsNoOption() {
-  const bool is_option = g_szRemoteFile[0] == '-' && g_szRemoteFile[1] != '\0';  // "-" alone is an ordinary word
-  return is_option ? Refuse(kWrongName) : Refusal();
 }

@@ -2,8 +2,6 @@
 
 #include <cstdint>
 
-#include "remote/refusal.h"
-
 struct VEC_S;
 struct ESH_CMD_ELEMENT_S;
 
@@ -14,6 +12,3 @@ struct ESH_CMD_ELEMENT_S;
 
 /// Help callback: nothing is known of the server's files, so it lists only what may be typed.
 std::uint32_t HelpRemoteFile(const char* word, VEC_S* help, const ESH_CMD_ELEMENT_S* element);
-
-/// Refuses, with a message, a recorded name that a tool which takes it as a word of its own reads as an option.
-[[nodiscard]] Refusal CheckRemoteIsNoOption();

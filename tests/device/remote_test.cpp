@@ -111,9 +111,12 @@ TEST_F(RemoteTools, FtpAsksWhoBeforeItLooksAtTheFiles) {
       {"ftp ipv6 :: put a b", "", kUnrecognized},
       {"ftp ipv6 :: get b flash:/no/", "me\rpw\r", login + kUnrecognized},
       {"ftp 127.0.0.1 get b flash:", "\003pw\r", "user:\npassword:**\n"},
-      {"ftp 127.0.0.1 get b flash:", "me\rp w\r", "user:me\npassword:***\n"},
-      {"ftp 127.0.0.1 get -v flash:", "", kWrongName},
-      {"ftp 127.0.0.1 get ./-v flash:", "me\rpw\r", login + get + "<127.0.0.1> </mnt/flash://-v> <./-v>\n"},
+      {"ftp 127.0.0.1 put a b", "me\rp w\r",
+       "user:me\npassword:***\n/bin/ftpput <-u> <me> <-p> <p> <w> <127.0.0.1> <b> </mnt/flash:/a>\n"},
+      {"ftp 127.0.0.1 get -v flash:", "me\rpw\r", login + get + "<127.0.0.1> </mnt/flash:/-v> <-v>\n"},
+      // Which would read /new from a server of the operator's own into the device's shell.
+      {"ftp 127.0.0.1 get -v flash:/new", "u ::1 /bin/sh\rp -u\r",
+       "user:u ::1 /bin/sh\npassword:****\n" + std::string(kWrongName)},
   });
   EXPECT_EQ(Modes(), modes);
 }
