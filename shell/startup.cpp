@@ -65,6 +65,13 @@ std::uint32_t BringInterfacesUp() {
   return verdict;
 }
 
+/// Whoever starts the shell may have blocked signals. A tool inherits that, and Ctrl+C would not end it.
+void UnblockSignals() {
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
 void SetSignals() {
   std::signal(SIGINT, ESH_SigInt);
   for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) {
@@ -88,6 +95,7 @@ bool CanStartTools() { return SetPgtp(getpgrp()) == kSuccess; }
 
 void RunShell() {
   std::signal(SIGINT, SIG_IGN);  // until it has a handler: a Ctrl+C between two tools of start-up must not end it
+  UnblockSignals();
   umask(0);
   std::uint32_t verdict = AttachConsole();
   verdict += ESH_HIS_Init();

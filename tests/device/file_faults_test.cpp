@@ -147,6 +147,7 @@ TEST_F(NativeFileFaults, AGetWaitsForTheMediumThatItWroteAlone) {
   Plan("syncfs", 1, EIO);
   Command("tftp 127.0.0.1 get o flash:/z");
   EXPECT_EQ(Run("cat /tmp/fault"), "syncfs 0 5\n");
+  EXPECT_EQ(Run("grep SigBlk /proc/" + shell_ + "/status"), "SigBlk:\t0000000000000000\n");
 }
 
 TEST_F(NativeFileFaults, TABTakesNoPartOfTheNamesForAll) {

@@ -57,6 +57,13 @@ bool Fails(const char* call) {
   return true;
 }
 
+/// As if whoever starts the program had been in the middle of something.
+[[gnu::constructor]] void BlockSignals() {
+  sigset_t all;
+  sigfillset(&all);
+  sigprocmask(SIG_SETMASK, &all, nullptr);
+}
+
 template <typename Function>
 Function* Next(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
