@@ -32,7 +32,7 @@ extern char g_szPkgFlie[128];  // "Flie" is the name
 [[nodiscard]] std::uint16_t ESH_CheckIPv6(const char* text);
 /// An IPv6 address, "/" and a prefix length from 1 to 128.
 [[nodiscard]] std::uint16_t ESH_CheckIPv6Prefix(const char* text);
-/// A decimal number from min to max, digits only; leading zeros are skipped.
+/// A decimal number from min to max, digits only; leading zeros are skipped, and no digit at all is 0.
 [[nodiscard]] std::uint16_t ESH_CheckInteger(const char* text, std::uint64_t min, std::uint64_t max);
 /// Printable ASCII text of min to max characters, never more than 512.
 [[nodiscard]] std::uint16_t ESH_CheckString(const char* text, std::uint64_t min, std::uint64_t max);

@@ -14,7 +14,7 @@ void LINE_SetTermiosMode(const termios& settings);
 /// @return the result of the last fcntl(2), which makes descriptor 2 blocking.
 int ESH_LINE_SetTermiosMode();
 
-/// Puts back the settings found at start.
+/// Puts back what raw mode changes, as it was found at start.
 /// @param echo 1: as saved; any other value: with echo off, so that a password typed to a tool is not shown.
 void ESH_LINE_RestoreTermiosMode(std::uint16_t echo);
 
