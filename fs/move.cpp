@@ -21,12 +21,6 @@ constexpr char kMoveQuestion[] = "Move %s to %s?[Y/N]:";
 constexpr char kToolFolder[] = "/bin/";
 constexpr char kMoveLine[] = "%smv %s %s";
 
-std::uint32_t RunMove(const char* source, const char* destination) {
-  ToolLine line;
-  line.Append(kMoveLine, kToolFolder, source, destination);
-  return RunToolLine(line, 1, 0);
-}
-
 bool IsLink(const char* full) {
   struct stat status {};
   return lstat(full, &status) == 0 && S_ISLNK(status.st_mode);
@@ -54,6 +48,20 @@ void RemovePart(const char* source, const char* destination) {
   }
 }
 
+/// Without the tool nothing is touched: what has the destination's name is no part, it may be wanted.
+std::uint32_t Move(const char* source, const char* destination) {
+  ToolLine line;
+  line.Append(kMoveLine, kToolFolder, source, destination);
+  if (line.Truncated() || WouldLose(source, destination) || WouldAsk(destination)) {
+    return ESH_ERR_FAIL;
+  }
+  const std::uint32_t moved = RunToolLine(line, 1, 0);
+  if (moved != kSuccess) {
+    RemovePart(source, destination);
+  }
+  return moved;
+}
+
 }  // namespace
 
 std::uint32_t ESH_ProcMove() {
@@ -67,13 +75,11 @@ std::uint32_t ESH_ProcMove() {
   if (!IsConfirmed()) {
     return ESH_ERR_FAIL;
   }
-  const bool is_hopeless = WouldLose(source.full, destination.full) || WouldAsk(destination.full);
-  const std::uint32_t moved = is_hopeless ? ESH_ERR_FAIL : RunMove(source.full, destination.full);
+  const std::uint32_t moved = Move(source.full, destination.full);
   if (moved == kSuccess) {
     SyncMediumOf(destination.full);  // the tool does not wait for it: for a while the file could be on neither medium
     return kSuccess;
   }
-  RemovePart(source.full, destination.full);
   sync();
   std::puts(kNoRoom);
   return moved;
