@@ -66,4 +66,6 @@ std::uint32_t HelpDeviceFilter(const char* full) {
   return is_root && ESH_CheckDevice(device) == 1 ? kSuccess : ESH_ERR_FAIL;
 }
 
-std::uint16_t CheckFormat(const char* word) { return HelpDeviceFilter(word) == kSuccess ? 1 : 0; }
+std::uint16_t CheckFormat(const char* word) {
+  return word[0] != '/' && HelpDeviceFilter(word) == kSuccess ? 1 : 0;  // nobody types a full name
+}

@@ -179,8 +179,9 @@ TEST_F(FileCommands, FormatEmptiesAMediumAndChoosesTheDirectoryAgain) {
   Ask("format flash:/", "y");
   EXPECT_EQ(OnFlash("ls"), "");
   EXPECT_EQ(Command("pwd"), "flash:\n");
-  EXPECT_NE(Command("format .").find("Wrong parameter"), std::string::npos);
-  Run("ln -s /mnt/gone /mnt/slot0#usbb0:");
+  for (const char* line : {"format .", "format /mnt/flash:"})
+    EXPECT_NE(Command(line).find("Wrong parameter"), std::string::npos) << line;
+  OnFlash("echo text > a; ln -s /mnt/gone /mnt/slot0#usbb0:");
   EXPECT_EQ(Command("format usbb0:"), "usbb0: doesn't exist.\n");
   Run("rm /mnt/slot0#usbb0:");
 }
