@@ -28,7 +28,7 @@ std::uint32_t ESH_ProcDelete() {
   NamedFile file;
   struct stat status {};
   if (ESH_InputName2FullValidName(g_szSourceFile, 1, sizeof(file.full), file.full) != kSuccess ||
-      ESH_IsUserManipulatedFile(file.full) != kSuccess || stat(file.full, &status) != 0) {
+      ESH_IsUserManipulatedFile(file.full) != kSuccess || stat(file.full, &status) != 0 || !LiesOnMedium(file.full)) {
     return Refuse(kDoesNotExist);
   }
   if (S_ISDIR(status.st_mode)) {

@@ -16,7 +16,6 @@
 #include "shell/parameter.h"
 #include "shell/result.h"
 #include "term/prompts.h"
-#include "util/fixed_text.h"
 #include "util/unique_handle.h"
 
 namespace {
@@ -55,7 +54,7 @@ bool IsEmpty(DIR* directory) {
 
 /// Refuses what the question need not be asked for. @return NULL, or the message.
 const char* WhyNotRemovable(NamedFile& file) {
-  if (!ResolveBelowRoot(g_szSourceFile, file) || !IsDirectory(file.full)) {
+  if (!ResolveBelowRoot(g_szSourceFile, file) || !IsDirectory(file.full) || !LiesOnMedium(file.full)) {
     return kNoDirectory;
   }
   char current[kNameRoom];
@@ -75,9 +74,7 @@ std::uint32_t ESH_ProcMkdir() {
   if (!ResolveBelowRoot(g_szDestFile, file)) {  // "mkdir" records into the destination
     return Refuse(kWrongName);
   }
-  FixedText<kNameRoom> parent;
-  parent.AppendText(ParentOf(file.full));
-  if (!IsDirectory(parent.Text())) {
+  if (!LiesOnMedium(file.full)) {
     return Refuse(kDoesNotExist);
   }
   struct stat status {};

@@ -13,6 +13,7 @@
 #include "shell/result.h"
 #include "shell/tool_line.h"
 #include "term/prompts.h"
+#include "util/fixed_text.h"
 #include "util/new_file.h"
 
 namespace {
@@ -20,6 +21,16 @@ namespace {
 constexpr char kMoveQuestion[] = "Move %s to %s?[Y/N]:";
 constexpr char kToolFolder[] = "/bin/";
 constexpr char kMoveLine[] = "%smv %s %s";
+
+using TargetName = FixedText<kNameRoom + kComponentRoom>;
+
+/// Finds where the tool writes to: into a directory that has the destination's name.
+void FindTarget(const char* source, const char* destination, TargetName& target) {
+  target.AppendText(destination);
+  if (IsDirectory(destination)) {
+    target.Append("/%s", LastComponent(source).data());  // the end of a terminated text
+  }
+}
 
 bool IsLink(const char* full) {
   struct stat status {};
@@ -39,6 +50,10 @@ bool WouldAsk(const char* destination) {
   return Exists(destination) && !IsLink(destination) && access(destination, W_OK) != 0;
 }
 
+/// Takes away a link that leads nowhere: between two media the tool would make the file that it leads to, anywhere.
+/// @return false when it stays.
+bool TakeDeadLinkAway(const char* target) { return !IsLink(target) || Exists(target) || std::remove(target) == 0; }
+
 /// Removes what a failed move left of the destination. Where the source is gone, or is the destination, that is the
 /// file itself: the tool may have been killed when all but its own end was done.
 void RemovePart(const char* source, const char* destination) {
@@ -49,10 +64,10 @@ void RemovePart(const char* source, const char* destination) {
 }
 
 /// Without the tool nothing is touched: what has the destination's name is no part, it may be wanted.
-std::uint32_t Move(const char* source, const char* destination) {
+std::uint32_t Move(const char* source, const char* destination, const char* target) {
   ToolLine line;
   line.Append(kMoveLine, kToolFolder, source, destination);
-  if (line.Truncated() || WouldLose(source, destination) || WouldAsk(destination)) {
+  if (line.Truncated() || WouldLose(source, destination) || WouldAsk(destination) || !TakeDeadLinkAway(target)) {
     return ESH_ERR_FAIL;
   }
   const std::uint32_t moved = RunToolLine(line, 1, 0);
@@ -71,13 +86,18 @@ std::uint32_t ESH_ProcMove() {
   if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) {
     return Refuse(kDoesNotExist);
   }
+  TargetName target;
+  FindTarget(source.full, destination.full, target);
+  if (!LiesOnMedium(source.full) || !LiesOnMedium(target.Text())) {
+    return Refuse(kDoesNotExist);
+  }
   std::printf(kMoveQuestion, source.display, destination.display);
   if (!IsConfirmed()) {
     return ESH_ERR_FAIL;
   }
-  const std::uint32_t moved = Move(source.full, destination.full);
+  const std::uint32_t moved = Move(source.full, destination.full, target.Text());
   if (moved == kSuccess) {
-    SyncMediumOf(destination.full);  // the tool does not wait for it: for a while the file could be on neither medium
+    SyncMediumOf(target.Text());  // the tool does not wait for it: for a while the file could be on neither medium
     return kSuccess;
   }
   sync();

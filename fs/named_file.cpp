@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -22,6 +23,15 @@ struct Parent {
   explicit Parent(const char* full) { CopyText(path, ParentOf(full)); }
   char path[kNameRoom];
 };
+
+/// Whether a path without links is a medium's directory or below it.
+bool IsOfMedium(std::string_view real) {
+  if (!real.starts_with(kMediaPrefix)) {
+    return false;
+  }
+  real.remove_prefix(kMediaPrefix.size());
+  return real.substr(0, real.find('/')).ends_with(':');
+}
 
 /// Whether a directory lists an entry in exactly this spelling.
 bool ListsExactly(const char* directory, std::string_view name) {
@@ -77,6 +87,11 @@ bool IsDirectory(const char* full) {
   return stat(full, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool LiesOnMedium(const char* full) {
+  char real[PATH_MAX];
+  return realpath(Parent(full).path, real) != nullptr && IsOfMedium(real) && IsDirectory(real);
+}
+
 std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseName, char* output) {
   char full[kNameRoom];
   if (ESH_InputName2FullValidName(typed, 0, sizeof(full), full) != kSuccess) {
@@ -101,7 +116,8 @@ bool ResolveTransfer(const char* typed_source, const char* typed_destination, Na
   const char* base_name = LastComponent(typed_source).data();  // the end of a terminated text
   return ESH_CopyGetDestFullName(typed_destination, base_name, destination.full) == kSuccess &&
          ESH_FS_GetUserFileNameByFullName(destination.full, sizeof(destination.display), destination.display) ==
-             kSuccess;
+             kSuccess &&
+         LiesOnMedium(destination.full);
 }
 
 bool IsSameEntry(const char* source, const char* destination) {

@@ -18,6 +18,10 @@ struct NamedFile {
 /// Whether there is a directory, or a link to one, of this full name.
 [[nodiscard]] bool IsDirectory(const char* full);
 
+/// Whether an entry of this full name, there or not, is a medium's when the links of its directory are followed. A
+/// medium may come from anywhere: a link on it must lead nobody's writing into the device's own files.
+[[nodiscard]] bool LiesOnMedium(const char* full);
+
 /// Decides where "copy" and "move" write to: the typed destination, or in a directory the source's base name.
 /// @param typed          the destination as typed.
 /// @param sourceBaseName the typed source's last component.
@@ -27,7 +31,7 @@ struct NamedFile {
 
 /// Resolves both files of "copy" and "move" from what was typed.
 /// @param status of the source.
-/// @return false when either does not exist or is not of the right kind.
+/// @return false when either does not exist or is not of the right kind, or the destination lies on no medium.
 [[nodiscard]] bool ResolveTransfer(const char* typed_source, const char* typed_destination, NamedFile& source,
                                    NamedFile& destination, struct stat& status);
 

@@ -36,6 +36,9 @@ class FileCommands : public OperatorConsole {
       EXPECT_EQ(Ask(exchange.line, exchange.keys), exchange.printed) << exchange.line;
   }
 
+  /// Mounts a medium again so that its links are followed, as a device may have mounted it.
+  void FollowLinksOn(const std::string& medium) { Run("mount -o remount,bind none /mnt/" + medium); }
+
   std::string OnFlash(const std::string& command) { return Run("cd /mnt/flash: && " + command); }
 };
 
@@ -44,6 +47,7 @@ class NativeFileCommands : public FileCommands {
  protected:
   void UseLinks() {
     UseFiles();
+    FollowLinksOn("flash:");
     OnFlash("chmod 640 a && ln -s a link && ln a hard && ln -s gone dangling && ln -s dir to-dir && mkfifo fifo");
   }
 };
@@ -147,7 +151,10 @@ TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {
   // A FAT file in capitals is the same; elsewhere a second mount of the folder shows it twice.
   const std::string other = IsArm64() ? "dir/A" : "twin/a";
   OnFlash("echo both > dir/a");
-  if (!IsArm64()) OnFlash("mkdir twin && mount -o bind dir twin && ln -s a link");
+  if (!IsArm64()) {
+    FollowLinksOn("flash:");
+    OnFlash("mkdir twin && mount -o bind dir twin && ln -s a link");
+  }
   EXPECT_EQ(Ask("copy dir/a " + other, ""), kSameFile);
   Ask("move dir/a " + other, "y");
   EXPECT_EQ(OnFlash("cat dir/[aA]"), "both\n");
@@ -183,6 +190,7 @@ TEST_F(FileCommands, FormatEmptiesAMediumAndChoosesTheDirectoryAgain) {
     EXPECT_NE(Command(line).find("Wrong parameter"), std::string::npos) << line;
   OnFlash("echo text > a; ln -s /mnt/gone /mnt/slot0#usbb0:");
   EXPECT_EQ(Command("format usbb0:"), "usbb0: doesn't exist.\n");
+  EXPECT_EQ(Command("move a usbb0:"), kNoSuchFile) << "the name of a medium that is gone is no file's";
   Run("rm /mnt/slot0#usbb0:");
 }
 
@@ -218,6 +226,25 @@ TEST_F(NativeFileCommands, LinksAndFoldersAreNotMistaken) {
        std::string("Delete flash:/link?[Y/N]:y\n") + kWait + "Start to delete flash:/link...Done.\n"},
   });
   EXPECT_EQ(OnFlash("cat a full/a/kept; stat -c %a c"), "text\nkept\n640\n");
+}
+
+TEST_F(NativeFileCommands, ALinkLeadsNoWriteOffTheMedia) {
+  UseFiles();
+  FollowLinksOn("cfa0:");
+  Run("mkdir -p /tmp/own/dir; echo own > /tmp/own/file; cd /mnt/cfa0: && mkdir b && ln -s /tmp/own l &&"
+      "ln -s ./l/dir/.. chain && ln -s ../../tmp/own/dir a && ln -s /mnt m && ln -s /tmp/own/new b/b &&"
+      "ln -s /tmp/own/new new && ln -s /mnt/flash:/dir other");
+  for (const char* line : {"copy a cfa0:/l", "copy a cfa0:/chain/file", "copy a cfa0:/m/x", "move a cfa0:/l/x",
+                           "move a cfa0:", "move cfa0:/l/file x", "delete cfa0:/l/file", "mkdir cfa0:/l/x"})
+    EXPECT_EQ(Command(line), kNoSuchFile) << line;
+  EXPECT_EQ(Command("rmdir cfa0:/l/dir"), "The directory doesn't exist.\n");
+  EXPECT_EQ(Command("more cfa0:/l/file"), "own\n") << "reading follows them";
+  EXPECT_TRUE(Ask("copy cfa0:/l/file cfa0:/other/x", "y").ends_with("Done.\n")) << "from one medium to another";
+  Ask("move a cfa0:/new", "y");
+  Ask("move b cfa0:", "y");
+  EXPECT_EQ(Run("cd /mnt/cfa0:; cat new b/b /mnt/flash:/dir/x; cd /tmp/own; ls; cat file"),
+            "text\nolder\nown\ndir\nfile\nown\n")
+      << "links that lead nowhere are replaced";
 }
 
 TEST_F(NativeFileCommands, OverwritingReplacesTheEntryAndNothingElse) {
