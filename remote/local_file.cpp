@@ -1,6 +1,10 @@
 #include "remote/local_file.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 
 #include "fs/file_messages.h"
@@ -11,6 +15,7 @@
 #include "shell/result.h"
 #include "term/prompts.h"
 #include "util/new_file.h"
+#include "util/unique_handle.h"
 
 namespace {
 
@@ -32,6 +37,19 @@ std::string_view LastPart(std::string_view remote) {
   }
   const std::size_t slash = remote.rfind('/');
   return slash == std::string_view::npos ? remote : remote.substr(slash);
+}
+
+/// The tools write through a link, one that leads nowhere too, and to a device.
+bool IsWrittenOnMedium(const char* target) {
+  struct stat status {};
+  if (stat(target, &status) == 0 && (S_ISBLK(status.st_mode) || S_ISCHR(status.st_mode))) {
+    return false;
+  }
+  if (lstat(target, &status) != 0 || !S_ISLNK(status.st_mode)) {
+    return LiesOnMedium(target);
+  }
+  const UniqueText real(realpath(target, nullptr));
+  return real != nullptr && LiesOnMedium(real.get());
 }
 
 }  // namespace
@@ -62,6 +80,11 @@ Refusal GetFullLocalName(const char* local, const char* remote, TargetName& targ
   return ESH_ERR_FAIL;
 }
 
+Refusal CheckTarget(const char* tool, const TargetName& target) {
+  const bool is_named_on_medium = std::string_view(g_szLocalFile).find(':') != std::string_view::npos;
+  return is_named_on_medium && !IsWrittenOnMedium(target.Text()) ? CannotOpen(tool) : Refusal();
+}
+
 bool IsLineGetConfirm(const TargetName& target) {
   if (!Exists(target.Text())) {
     return true;
@@ -75,6 +98,9 @@ Refusal ChooseTarget(const char* tool, TargetName& target) {
     return refusal;
   }
   if (const Refusal refusal = GetFullLocalName(g_szLocalFile, g_szRemoteFile, target)) {
+    return refusal;
+  }
+  if (const Refusal refusal = CheckTarget(tool, target)) {
     return refusal;
   }
   return IsLineGetConfirm(target) ? Refusal() : kSuccess;

@@ -19,6 +19,10 @@ using TargetName = FixedText<kMaxTarget + 1>;
 /// remote name. The local name is not resolved against the working directory.
 [[nodiscard]] Refusal GetFullLocalName(const char* local, const char* remote, TargetName& target);
 
+/// Refuses a target that a link on a medium leads away from the media. A local name without a device is none on a
+/// medium: it is taken below /mnt itself.
+[[nodiscard]] Refusal CheckTarget(const char* tool, const TargetName& target);
+
 /// Asks whether a file that exists may be overwritten. @return true when nothing stands in the way of the get.
 [[nodiscard]] bool IsLineGetConfirm(const TargetName& target);
 
