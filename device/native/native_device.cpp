@@ -28,12 +28,14 @@ class NativeKind final : public DeviceKind {
 
   std::vector<std::string> NeededOfHost() const override { return {}; }
 
-  /// A file system in memory whose size is limited.
+  /// A file system in memory whose size is limited. Links on it are not followed, as on every medium that may come from
+  /// anywhere; whatever the first process mounts of it takes that over.
   std::string MakeMedium(const Medium& medium, const std::string& place) const override {
     namespace fs = std::filesystem;
     (void)mkdir(place.c_str(), 0755);
     const std::string size = "mode=755,size=" + std::to_string(medium.bytes);
-    if (std::string problem = Mount(medium.name, place, "tmpfs", MS_NOSUID, size); !problem.empty()) return problem;
+    constexpr unsigned long kFlags = MS_NOSUID | MS_NODEV | MS_NOSYMFOLLOW;
+    if (std::string problem = Mount(medium.name, place, "tmpfs", kFlags, size); !problem.empty()) return problem;
     if (medium.contents.empty()) return "";
     std::error_code error;
     fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
