@@ -23,8 +23,6 @@ namespace {
 constexpr std::size_t kMaxHelpWord = 4096;
 constexpr char kDeviceHelp[] = "Device name";
 
-using OfferText = FixedText<kMaxHelpWord + kComponentRoom + 1>;
-
 /// A generic line stands for a name that need not exist yet.
 struct GenericLine {
   std::uint32_t kind;
@@ -63,43 +61,7 @@ EntryKind KindOf(const char* full) {
   return S_ISREG(status.st_mode) ? EntryKind::kFile : EntryKind::kOther;
 }
 
-/// What the directory itself says of an entry spares asking for each; links and silent file systems must be asked.
-EntryKind KindOf(const char* full, unsigned char entry_type) {
-  switch (entry_type) {
-    case DT_DIR:
-      return EntryKind::kDirectory;
-    case DT_REG:
-      return EntryKind::kFile;
-    case DT_LNK:
-    case DT_UNKNOWN:
-      return KindOf(full);
-    default:
-      return EntryKind::kOther;
-  }
-}
-
 bool Passes(FS_HELP_FILTER_F filter, const char* full) { return filter == nullptr || filter(full) == 0; }
-
-void Offer(OfferText& text, EntryKind entry_kind, VEC_S* help) {
-  if (entry_kind == EntryKind::kDirectory) {
-    text.AppendText("/");
-  }
-  ESH_NewHelpInfo(text.Text(), text.Text(), help);
-}
-
-/// Offers the word with an entry's name in place of its last component.
-void OfferEntry(std::string_view word, std::string_view entry, EntryKind entry_kind, VEC_S* help) {
-  OfferText text;
-  text.AppendText(DirectoryPart(word));
-  text.AppendText(entry);
-  Offer(text, entry_kind, help);
-}
-
-void OfferAsTyped(std::string_view word, EntryKind entry_kind, VEC_S* help) {
-  OfferText text;
-  text.AppendText(word);
-  Offer(text, entry_kind, help);
-}
 
 bool IsOffered(EntryKind entry_kind, std::uint32_t kind) {
   return entry_kind == EntryKind::kDirectory || (entry_kind == EntryKind::kFile && OffersFiles(kind));
@@ -114,35 +76,45 @@ UniqueDir OpenForHelp(const char* path) {
   return directory;
 }
 
-/// Offers the entries of a directory that begin with a prefix; hidden ones never, so that nothing in the full names
-/// is left to convert: it is enough that they are valid.
+/// Offers one candidate, whose medium is present.
+void OfferCandidate(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter, std::uint32_t mode,
+                    VEC_S* help) {
+  if (ESH_FS_IsValidFullFileName(full) != kSuccess || !Passes(filter, full)) {
+    return;
+  }
+  const EntryKind entry_kind = KindOf(full);
+  if (!IsOffered(entry_kind, kind)) {
+    return;
+  }
+  FixedText<kMaxHelpWord + kComponentRoom + 1> text;
+  if (mode == FS_OFFER_EXACT) {
+    text.AppendText(word);
+  } else {
+    text.AppendText(DirectoryPart(word));
+    text.AppendText(LastComponent(full));
+  }
+  text.AppendText(entry_kind == EntryKind::kDirectory ? "/" : "");
+  ESH_NewHelpInfo(text.Text(), text.Text(), help);
+}
+
+/// Offers the entries of a directory that begin with a prefix; hidden ones never.
 /// @param directory full name without a trailing slash.
 void OfferEntries(const char* word, std::string_view directory, std::string_view prefix, std::uint32_t kind,
                   FS_HELP_FILTER_F filter, VEC_S* help) {
   FixedText<kNameRoom + kComponentRoom> full;
   full.AppendText(directory);
   const UniqueDir entries = OpenForHelp(full.Text());
-  if (entries == nullptr || !IsOnPresentMedium(full.Text())) {
+  if (entries == nullptr || !IsOnPresentMedium(full.Text())) {  // asked once: there may be 100,000 entries
     return;
   }
   full.AppendText("/");
-  const std::size_t full_start = full.Length();
-  OfferText offer;
-  offer.AppendText(DirectoryPart(word));
-  const std::size_t offer_start = offer.Length();
+  const std::size_t start = full.Length();
   for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get())) {
     const std::string_view name(entry->d_name);
-    if (name.starts_with('.') || !BeginsIgnoringCase(name, prefix)) {
-      continue;
-    }
-    full.CutTo(full_start);
-    full.AppendText(name);
-    // ESH_HelpStatSwitch in completion mode, less what is known here already: a listing may have 100,000 entries.
-    const EntryKind entry_kind = KindOf(full.Text(), entry->d_type);
-    if (IsOffered(entry_kind, kind) && IsValidEntryName(name, full.Length()) && Passes(filter, full.Text())) {
-      offer.CutTo(offer_start);
-      offer.AppendText(name);
-      Offer(offer, entry_kind, help);
+    if (!name.starts_with('.') && BeginsIgnoringCase(name, prefix)) {
+      full.CutTo(start);
+      full.AppendText(name);
+      OfferCandidate(word, full.Text(), kind, filter, FS_OFFER_COMPLETION, help);
     }
   }
 }
@@ -249,16 +221,7 @@ void PartlyHelp(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, V
 
 void ESH_HelpStatSwitch(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter,
                         std::uint32_t mode, VEC_S* help) {
-  if (ESH_FS_IsValidFullFileName(full) != kSuccess || !Passes(filter, full) || !IsOnPresentMedium(full)) {
-    return;
-  }
-  const EntryKind entry_kind = KindOf(full);
-  if (!IsOffered(entry_kind, kind)) {
-    return;
-  }
-  if (mode == FS_OFFER_EXACT) {
-    OfferAsTyped(word, entry_kind, help);
-  } else {
-    OfferEntry(word, LastComponent(full), entry_kind, help);
+  if (IsOnPresentMedium(full)) {
+    OfferCandidate(word, full, kind, filter, mode, help);
   }
 }

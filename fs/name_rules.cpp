@@ -113,13 +113,6 @@ std::uint32_t ESH_FS_IsValidFileName(const char* name) {
   return kSuccess;
 }
 
-bool IsValidEntryName(std::string_view entry, std::size_t full_length) {
-  return full_length <= kMaxName && entry.size() <= kMaxComponent &&
-         std::all_of(entry.begin(), entry.end(), [](char character) {
-           return IsIn(kAllowedInNames, character) && character != ':';  // the device's colon is the only one
-         });
-}
-
 bool IsValidDeviceName(std::string_view device) {
   if (device == kUncheckedDevice) {
     return true;

@@ -22,10 +22,6 @@ inline constexpr std::string_view kMediaPrefix = "/mnt/";
 /// none longer than 255, and one ":" at most, which ends the first component. @return 0 or ESH_ERR_FAIL.
 [[nodiscard]] std::uint32_t ESH_FS_IsValidFileName(const char* name);
 
-/// Whether an entry of a directory whose full name is valid has a valid full name too, of this length. It spares
-/// looking at the directory's name again for each of its entries.
-[[nodiscard]] bool IsValidEntryName(std::string_view entry, std::size_t full_length);
-
 /// Checks a device name such as "flash:" or "slot0#flash:", more strictly than any other component.
 [[nodiscard]] bool IsValidDeviceName(std::string_view device);
 

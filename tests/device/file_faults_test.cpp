@@ -163,6 +163,21 @@ TEST_F(NativeFileFaults, TABTakesNoPartOfTheNamesForAll) {
   Expect("flash");
 }
 
+TEST_F(NativeFileFaults, ANameThatCannotBeLookedUpIsNotOffered) {
+  UseShell();
+  Run("touch /mnt/flash:/x1 /mnt/flash:/x2");
+  int offered_alone = 0;
+  for (int number = 1; number <= 12; ++number) {  // the media are looked up first
+    Plan("lstat", number, EIO);
+    Type("dir x?");
+    const std::string offers = Expect("<boot>dir x");
+    if ((offers.find("x1\n") == std::string::npos) != (offers.find("x2\n") == std::string::npos)) ++offered_alone;
+    Type("\r");
+    Expect("<boot>");
+  }
+  EXPECT_EQ(offered_alone, 2);
+}
+
 TEST_F(NativeFileFaults, AShellKilledInACopyLosesNoSource) {
   UseShell();
   for (int number = 1; number <= 5; ++number) {  // the fifth does not come: the file has four blocks

@@ -6,6 +6,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -125,6 +126,10 @@ int rmdir(const char* path) noexcept {
 }
 
 int chdir(const char* path) noexcept { return Fails("chdir") ? -1 : static_cast<int>(syscall(SYS_chdir, path)); }
+
+int lstat(const char* path, struct stat* status) noexcept {
+  return Fails("lstat") ? -1 : Next<int(const char*, struct stat*)>("lstat")(path, status);
+}
 
 pid_t fork() noexcept { return Fails("fork") ? -1 : Next<pid_t()>("fork")(); }
 
