@@ -101,7 +101,7 @@ bool Rebuild(const ComponentStack& stack, std::size_t size, char* output) {
 
 std::uint32_t eliminatePoint(const char* name, std::uint32_t floor, std::size_t size, char* output) {
   const std::string_view whole(name);
-  if (whole.size() >= kWorkRoom) {
+  if (!CopyBounded(output, size, "") || whole.size() >= kWorkRoom) {
     return ESH_ERR_FAIL;
   }
   ComponentStack stack(whole);

@@ -7,6 +7,7 @@
 
 #include "shell/result.h"
 #include "util/ascii.h"
+#include "util/fixed_text.h"
 
 namespace {
 
@@ -74,8 +75,8 @@ std::uint32_t Unescape(std::string_view inside, std::uint32_t* maxLength, char* 
       return ESH_ERR_FAIL;
     }
     output[length++] = inside[i];
+    output[length] = '\0';
   }
-  output[length] = '\0';
   *maxLength = length;
   return kSuccess;
 }
@@ -161,7 +162,7 @@ std::uint16_t ESH_IsExpectFile(const char* name) { return std::string_view(name)
 
 std::uint32_t ESH_FS_ConvertToValidStr(const char* typed, std::uint32_t length, std::uint32_t* maxLength,
                                        char* output) {
-  if (length > kMaxTypedName) {
+  if (!CopyBounded(output, 1, "") || length > kMaxTypedName) {
     return ESH_ERR_FAIL;
   }
   const std::string_view text(typed, length);
@@ -186,6 +187,9 @@ std::string_view ParentOf(std::string_view full) { return full.substr(0, full.rf
 std::string_view LastComponent(std::string_view name) { return name.substr(name.rfind('/') + 1); }
 
 void MyStrlcpy(const char* source, std::size_t size, char* destination) {
+  if (size == 0) {
+    return;
+  }
   if (std::strlen(source) < size) {
     std::strncpy(destination, source, size);  // which fills the rest with zeros
     return;

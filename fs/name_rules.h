@@ -59,6 +59,6 @@ void ESH_GetParentDir(char* name);
 /// What stands behind the last "/" of a name; all of it when there is none.
 [[nodiscard]] std::string_view LastComponent(std::string_view name);
 
-/// Copies into a fixed buffer of `size` bytes, at least 1. A text that fits leaves the rest of the buffer zero, any
-/// other is cut.
+/// Copies into a fixed buffer of `size` bytes, which may be none. A text that fits leaves the rest of the buffer zero,
+/// any other is cut.
 void MyStrlcpy(const char* source, std::size_t size, char* destination);

@@ -80,30 +80,27 @@ std::uint32_t expandMnt2DiskFullFileName(std::string_view name, char* full) {
 }
 
 std::uint32_t ESH_FS_GetFullFileName(const char* name, std::size_t size, char* output) {
-  if (name == nullptr || ESH_FS_IsValidFileName(name) != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
   char full[kNameRoom];
   full[0] = '\0';
-  const std::uint32_t verdict =
-      HoldsDevice(name) ? expandMnt2DiskFullFileName(name, full) : ExpandWithoutDevice(name, full);
-  const bool fits = CopyBounded(output, size, full);
-  return verdict == kSuccess && fits ? kSuccess : ESH_ERR_FAIL;
+  std::uint32_t verdict = ESH_ERR_FAIL;
+  if (name != nullptr && ESH_FS_IsValidFileName(name) == kSuccess) {
+    verdict = HoldsDevice(name) ? expandMnt2DiskFullFileName(name, full) : ExpandWithoutDevice(name, full);
+  }
+  return CopyBounded(output, size, full) ? verdict : ESH_ERR_FAIL;
 }
 
 std::uint32_t ESH_FS_GetUserFileName(const char* name, std::size_t size, char* output) {
   char full[kNameRoom];
-  if (ESH_FS_GetFullFileName(name, sizeof(full), full) != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
-  if (!HoldsDevice(full) || !std::string_view(full).starts_with(kMediaRoot)) {
+  if (ESH_FS_GetFullFileName(name, sizeof(full), full) != kSuccess || !HoldsDevice(full) ||
+      !std::string_view(full).starts_with(kMediaRoot) || output == nullptr) {
+    CopyBounded(output, size, "");
     return ESH_ERR_FAIL;
   }
   return CopyBounded(output, size, full + kMediaPrefix.size()) ? kSuccess : kErrNameDoesNotFit;
 }
 
 std::uint32_t ESH_FS_GetUserFileNameByFullName(const char* name, std::size_t size, char* output) {
-  return name == nullptr || name[0] != '/' ? ESH_ERR_FAIL : ESH_FS_GetUserFileName(name, size, output);
+  return ESH_FS_GetUserFileName(name != nullptr && name[0] == '/' ? name : nullptr, size, output);
 }
 
 std::uint32_t ESH_FS_IsValidEshInputFileName(const char* name) {
@@ -134,16 +131,16 @@ std::uint32_t ESH_FS_IsValidFullFileName(const char* name) {
 }
 
 std::uint32_t ESH_InputName2FullValidName(const char* name, std::uint16_t expectFile, std::size_t size, char* output) {
-  if (ESH_FS_IsValidEshInputFileName(name) != kSuccess || (expectFile == 1 && ESH_IsExpectFile(name) == 0)) {
-    return ESH_ERR_FAIL;
-  }
-  return ESH_FS_GetFullFileName(name, size, output);
+  const bool is_legal =
+      ESH_FS_IsValidEshInputFileName(name) == kSuccess && (expectFile != 1 || ESH_IsExpectFile(name) == 1);
+  return ESH_FS_GetFullFileName(is_legal ? name : nullptr, size, output);
 }
 
 std::uint32_t ESH_FS_AnalyseFileName(const char* name, char* directory, char* file) {
   FixedText<kNameRoom + 1> full;
   char converted[kNameRoom];
-  if (ESH_FS_GetFullFileName(name, sizeof(converted), converted) != kSuccess) {
+  const bool has_room = CopyBounded(directory, kNameRoom, "") && CopyBounded(file, kComponentRoom, "");
+  if (!has_room || ESH_FS_GetFullFileName(name, sizeof(converted), converted) != kSuccess) {
     return ESH_ERR_FAIL;
   }
   full.AppendText(converted);

@@ -6,8 +6,8 @@
 
 /// A file has three names: what the user types ("flash:/a" or, relative to the working directory, "a"), the full name
 /// that the system knows ("/mnt/flash:/a"), and the display name ("flash:/a"). This is the one place that converts
-/// between them. Nothing here prints; results are 0 or ESH_ERR_FAIL unless a comment says otherwise, and outputs are
-/// cut to their size unless refused.
+/// between them. Nothing here prints; results are 0 or ESH_ERR_FAIL unless a comment says otherwise. An output that is
+/// NULL or has no room is a refusal; any other is cut to its size, and empty or partly built after a refusal.
 
 /// A display name does not fit its buffer.
 inline constexpr std::uint32_t kErrNameDoesNotFit = 0x2001000c;

@@ -49,11 +49,8 @@ std::uint32_t ESH_GetCwd(std::size_t size, char* output) {
   if (found == nullptr) {
     found = std::getenv(kStandIn);
   }
-  if (found == nullptr) {
-    return ESH_ERR_FAIL;
-  }
-  CopyBounded(output, size, found);
-  return kSuccess;
+  CopyBounded(output, size, found == nullptr ? "" : found);
+  return found == nullptr || output == nullptr || size == 0 ? ESH_ERR_FAIL : kSuccess;
 }
 
 std::uint32_t ESH_SetPwd() {

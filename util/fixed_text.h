@@ -4,7 +4,8 @@
 #include <string_view>
 
 /// Copies text into a buffer of fixed size, cutting it there; the result is always terminated.
-/// @param room size of `dest` in bytes, at least 1.
+/// @param dest NULL holds nothing.
+/// @param room size of `dest` in bytes; in none not even an empty text fits.
 /// @return true when all of it fitted.
 bool CopyBounded(char* dest, std::size_t room, std::string_view text);
 

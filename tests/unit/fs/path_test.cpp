@@ -125,21 +125,27 @@ TEST_F(PathTest, FullNameMustFitAFileNameAndTheBuffer) {
       {"d" + device + "/a", kNameRoom, kRefused},
       {"flash:/abc", 16, "/mnt/flash:/abc"},
       {"flash:/abc", 15, kRefused},
+      {"flash:/abc", 0, kRefused},
   };
   for (const auto& [typed, room, full] : cases) EXPECT_EQ(Full(typed, room), full) << typed;
 }
 
 TEST_F(PathTest, DisplayNameIsTheFullOneWithoutTheMountPoint) {
   constexpr std::tuple<const char*, std::uint32_t, const char*> kCases[] = {
-      {"/mnt/flash:", kSuccess, "flash:"},   {"flash:/a/../b", kSuccess, "flash:/b"},
-      {"a", kSuccess, "flash:/logs/a"},      {"ab", kErrNameDoesNotFit, "flash:/logs/a"},
-      {"/tmp/x", ESH_ERR_FAIL, "untouched"}, {"/mnt", ESH_ERR_FAIL, "untouched"},
+      {"/mnt/flash:", kSuccess, "flash:"}, {"flash:/a/../b", kSuccess, "flash:/b"},
+      {"a", kSuccess, "flash:/logs/a"},    {"ab", kErrNameDoesNotFit, "flash:/logs/a"},
+      {"/tmp/x", ESH_ERR_FAIL, ""},        {"/mnt", ESH_ERR_FAIL, ""},
+      {"flash://a", ESH_ERR_FAIL, ""},
   };
   for (const auto& [name, result, display] : kCases) {
-    char output[sizeof("flash:/logs/a")] = "untouched";
+    char output[sizeof("flash:/logs/a")] = "stale";
     EXPECT_EQ(ESH_FS_GetUserFileName(name, sizeof(output), output), result) << name;
     EXPECT_STREQ(output, display);
   }
+  char stale[] = "stale";
+  EXPECT_EQ(ESH_InputName2FullValidName("a/", 1, sizeof(stale), stale), ESH_ERR_FAIL);
+  EXPECT_STREQ(stale, "");
+  EXPECT_EQ(ESH_FS_GetUserFileNameByFullName("/mnt/flash:/a", kNameRoom, nullptr), ESH_ERR_FAIL);
 }
 
 TEST_F(PathTest, SplitsIntoDirectoryAndFileInsideTheMedium) {
