@@ -89,6 +89,7 @@ TEST(FixedCopy, ClearsTheRestOfTheBufferOrCuts) {
   MyStrlcpy("123456", 5, buffer);
   EXPECT_STREQ(buffer, "1234");
   MyStrlcpy("ab", 5, buffer);
+  MyStrlcpy("c", 0, buffer + 1);
   EXPECT_EQ(std::string(buffer, 5), std::string("ab\0\0\0", 5));
 }
 
