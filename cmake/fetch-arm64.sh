@@ -8,6 +8,7 @@ set -euo pipefail
 . "$(dirname "$0")/package-root.sh"
 
 target=$cache/arm64-root
+contents="the emulated machine"
 kernel_flavour=cloud-arm64
 packages=(
   busybox-static:arm64 # the device's tools

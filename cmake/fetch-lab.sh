@@ -7,6 +7,7 @@ set -euo pipefail
 . "$(dirname "$0")/package-root.sh"
 
 target=$cache/lab-root
+contents="the servers of the lab"
 packages=(
   vsftpd tftpd-hpa dropbear-bin
   busybox-static # telnetd, login and what those who log in find

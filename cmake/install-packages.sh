@@ -6,6 +6,9 @@
 #   cmake/install-packages.sh bench   also to measure with bench/run, besides what build installs
 #   cmake/install-packages.sh arm64   to build for the arm64 device and to run it, besides what build installs
 set -euo pipefail
+here=$(dirname "$0")
+# shellcheck source=SCRIPTDIR/package-root.sh
+. "$here/package-root.sh"
 
 build_packages=(
   build-essential cmake ninja-build pkg-config
@@ -41,7 +44,10 @@ for package in "${wanted[@]}"; do
 done
 
 install_missing() {
-  "$@" apt-get update && "$@" env DEBIAN_FRONTEND=noninteractive apt-get install --yes ${recommends-} "${missing[@]}"
+  local said
+  said=$({ "$@" apt-get update &&
+    "$@" env DEBIAN_FRONTEND=noninteractive apt-get install --yes ${recommends-} "${missing[@]}"; } 2>&1) ||
+    cannot_get "${missing[*]}" "$said"
 }
 
 if [ ${#missing[@]} -gt 0 ]; then
@@ -56,8 +62,7 @@ if [ ${#missing[@]} -gt 0 ]; then
   fi
 fi
 
-here=$(dirname "$0")
 # A device without servers to talk to is still a device.
-"$here/fetch-lab.sh" > /dev/null || echo "${0##*/}: the servers of the lab cannot be fetched" >&2
+"$here/fetch-lab.sh" > /dev/null || true
 # What the device itself is made of is for its machine, not for this one.
 [ "$1" != arm64 ] || exec "$here/fetch-arm64.sh" > /dev/null

@@ -11,6 +11,12 @@ package_root_is_complete() {
   [ "$(cat "$target/complete" 2> /dev/null)" = "$*" ]
 }
 
+# cannot_get WHAT OUTPUT: ends the script and says so in one line, with the first reason in the output of apt.
+cannot_get() {
+  echo "${0##*/}: cannot get $1: $(grep -m 1 -E '^(E:|W: Failed)' <<< "$2" || tail -n 1 <<< "$2")" >&2
+  exit 1
+}
+
 # begin_package_root ARCHITECTURE...: makes $root, which goes when the script ends, and gets the package lists for it:
 # lists of its own, as this machine's apt need not know these architectures.
 begin_package_root() {
@@ -26,13 +32,15 @@ Dir::State::Lists "$work/apt/lists";
 Dir::Cache "$work/apt";
 TEXT
   export APT_CONFIG=$work/apt.conf LC_ALL=C
-  apt-get --quiet update >&2
+  local said
+  said=$(apt-get --quiet update 2>&1) || true # it may get what is needed and complain of something else
+  compgen -G "$work/apt/lists/*_Packages*" > /dev/null || cannot_get "$contents" "$said"
 }
 
 # unpack_packages PACKAGE...: into $root.
 unpack_packages() {
-  (cd "$work/packages" && apt-get --quiet download "$@" >&2)
-  local package
+  local said package
+  said=$(cd "$work/packages" && apt-get --quiet download "$@" 2>&1) || cannot_get "$*" "$said"
   for package in "$work"/packages/*.deb; do
     dpkg-deb --extract "$package" "$root"
   done
