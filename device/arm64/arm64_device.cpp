@@ -1,7 +1,6 @@
 #include "device/arm64/arm64_device.h"
 
 #include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -73,12 +72,6 @@ class Arm64Kind final : public DeviceKind {
   [[noreturn]] void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
                                     PowerSupply supply) const override {
     RunMachine(options, plan, kernel_, std::move(supply));
-  }
-
-  Outcome OutcomeOf(int wait_status) const override {
-    if (!WIFEXITED(wait_status)) return Outcome::kDied;
-    if (WEXITSTATUS(wait_status) == kMachineRestarted) return Outcome::kRebooted;
-    return WEXITSTATUS(wait_status) == kMachinePoweredOff ? Outcome::kPoweredOff : Outcome::kDied;
   }
 
   /// A boot takes a few seconds.

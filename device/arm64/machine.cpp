@@ -222,9 +222,9 @@ class Machine {
     console_.CarryRest(kLastWordsMilliseconds);
     switch (MonitorTells(monitor_says_)) {
       case MachineEnd::kRestart:
-        return kMachineRestarted;
+        return kDeviceRestarted;
       case MachineEnd::kPowerOff:
-        return kMachinePoweredOff;
+        return kDevicePoweredOff;
       case MachineEnd::kNone:
         break;
     }

@@ -8,10 +8,6 @@
 
 namespace device {
 
-/// Exit statuses of the process that is an emulated machine; any other is an accident.
-constexpr int kMachineRestarted = 10;
-constexpr int kMachinePoweredOff = 11;
-
 /// Is an emulated machine of a kernel (a file of the host): makes its root file system, runs the emulator, passes on
 /// its console, commands, and network frames, and ends with the emulator or with the channel. Called in a process that
 /// is number 1 of a fresh PID namespace.

@@ -39,6 +39,14 @@ int ExitStatusOf(int wait_status) {
   return WIFSIGNALED(wait_status) ? 128 + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
 }
 
+/// @return what the wait status of a device's first process tells.
+Outcome OutcomeOf(int wait_status) {
+  if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGHUP) return Outcome::kRebooted;  // by the kernel itself
+  if (!WIFEXITED(wait_status)) return Outcome::kDied;
+  if (WEXITSTATUS(wait_status) == kDeviceRestarted) return Outcome::kRebooted;
+  return WEXITSTATUS(wait_status) == kDevicePoweredOff ? Outcome::kPoweredOff : Outcome::kDied;
+}
+
 /// Moves a descriptor of a fresh child to a number; nothing else is kept open.
 void KeepOnly(UniqueFd& descriptor) {
   constexpr int kKept = 3;
@@ -284,7 +292,7 @@ void BoardDevice::Handle(Message& message) {
 
 void BoardDevice::DeviceDown(int wait_status) {
   device_ = Channel();
-  outcome_ = power_taken_ ? Outcome::kPoweredOff : kind_->OutcomeOf(wait_status);
+  outcome_ = power_taken_ ? Outcome::kPoweredOff : OutcomeOf(wait_status);
   Note(std::string("the device is down: ") + OutcomeName(outcome_) + (problem_.empty() ? "" : ": " + problem_));
 }
 

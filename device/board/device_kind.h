@@ -17,6 +17,10 @@ struct PowerSupply {
   Channel channel;              // to the launcher
 };
 
+/// Exit statuses of a device's first process; any other is an accident.
+constexpr int kDeviceRestarted = 10;
+constexpr int kDevicePoweredOff = 11;
+
 /// What differs between the kinds of devices that can stand on a board.
 class DeviceKind {
  public:
@@ -44,9 +48,6 @@ class DeviceKind {
   /// the channel. Called in a process that is number 1 of a fresh PID namespace.
   [[noreturn]] virtual void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
                                             PowerSupply supply) const = 0;
-
-  /// @return what the wait status of a device's first process tells.
-  [[nodiscard]] virtual Outcome OutcomeOf(int wait_status) const = 0;
 
   /// @return how long it may take until the shell starts, on a machine under load.
   [[nodiscard]] virtual std::chrono::milliseconds BootTime() const = 0;

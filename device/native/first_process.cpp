@@ -1,6 +1,9 @@
 #include "device/native/first_process.h"
 
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/reboot.h>
+#include <linux/seccomp.h>
 #include <poll.h>
 #include <sched.h>
 #include <sys/ioctl.h>
@@ -15,6 +18,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
@@ -149,18 +153,41 @@ void CollectProcesses(pid_t shell, CommandServer& commands, Channel& channel) {
   }
 }
 
-[[noreturn]] void Serve(pid_t shell, Channel& channel, int signals) {
+/// The kernel ends a PID namespace some time after a process in it asked for a reboot, and lets that process go at
+/// once: the shell would be back at its prompt in between. So the first process is asked, and who asks waits until the
+/// end.
+/// @return where it is asked; no descriptor where the machine does not offer this.
+UniqueFd CatchReboots() {
+  std::array filter{sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                    sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_reboot, 0, 1),
+                    sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_USER_NOTIF),
+                    sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+  const sock_fprog program{filter.size(), filter.data()};
+  return UniqueFd(
+      static_cast<int>(syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_NEW_LISTENER, &program)));
+}
+
+/// Ends the device as a process of it asked.
+void GoDown(int reboots) {
+  seccomp_notif request{};
+  if (ioctl(reboots, SECCOMP_IOCTL_NOTIF_RECV, &request) != 0) return;  // who asked is gone
+  kill(-1, SIGKILL);  // or the call would return when this process closes what it was asked by
+  _exit(request.data.args[2] == LINUX_REBOOT_CMD_RESTART ? kDeviceRestarted : kDevicePoweredOff);
+}
+
+[[noreturn]] void Serve(pid_t shell, Channel& channel, int signals, int reboots) {
   CommandServer commands(
       [&channel](std::uint32_t id, int wait_status) { channel.Send(MessageKind::kCommandEnded, id, wait_status); },
       CommandEnvironment());
   for (;;) {
-    std::array<pollfd, 2> waiting{{{channel.Descriptor(), POLLIN, 0}, {signals, POLLIN, 0}}};
+    std::array<pollfd, 3> waiting{{{channel.Descriptor(), POLLIN, 0}, {signals, POLLIN, 0}, {reboots, POLLIN, 0}}};
     if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) _exit(1);
     signalfd_siginfo received{};
     while (read(signals, &received, sizeof(received)) == static_cast<ssize_t>(sizeof(received))) {
       if (received.ssi_signo == SIGUSR1) channel.Send(MessageKind::kHandedOver);
     }
     CollectProcesses(shell, commands, channel);
+    if (waiting[2].revents != 0) GoDown(reboots);
     if (waiting[0].revents == 0) continue;
     if (const std::optional<Message> message = channel.Receive(0)) commands.Handle(*message);
     if (channel.Closed()) _exit(0);
@@ -187,7 +214,8 @@ void RunNativeFirstProcess(const BootOptions& options, const RootPlan& plan, Pow
   supply.channel.Send(MessageKind::kConsole, 0, 0, "", {&master, 1});
   console.master.Reset();  // the launcher holds the only one
   supply.channel.Send(MessageKind::kShellStarts);
-  Serve(StartShell(options, console), supply.channel, signals.Get());
+  const UniqueFd reboots = CatchReboots();
+  Serve(StartShell(options, console), supply.channel, signals.Get(), reboots.Get());
 }
 
 }  // namespace device

@@ -2,9 +2,7 @@
 
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
-#include <csignal>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -50,13 +48,6 @@ class NativeKind final : public DeviceKind {
   [[noreturn]] void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
                                     PowerSupply supply) const override {
     RunNativeFirstProcess(options, plan, std::move(supply));
-  }
-
-  /// The kernel tells a restart of a PID namespace from a halt by the signal that ends its first process.
-  Outcome OutcomeOf(int wait_status) const override {
-    if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGHUP) return Outcome::kRebooted;
-    if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGINT) return Outcome::kPoweredOff;
-    return Outcome::kDied;
   }
 
   /// A boot takes a small part of a second.

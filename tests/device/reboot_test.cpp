@@ -24,6 +24,7 @@ TEST_F(Reboot, IsCalledOffByEverythingButAYesAndKeepsTheMedia) {
   Expect(kQuestion);
   Type("y\r");
   EXPECT_EQ(Outcome(), device::Outcome::kRebooted);
+  EXPECT_EQ(Printed().find("<boot>", Printed().rfind(kQuestion)), std::string::npos) << "the tool has returned";
   BootToPrompt();
   EXPECT_NE(Command("dir").find("kept.txt"), std::string::npos);
 }
