@@ -69,7 +69,8 @@ bool Device::FillMedium(const std::string& name) {
 }
 
 bool Device::ProtectMedium(const std::string& name) {
-  const CommandResult result = Run("mount -o remount,ro " + MountPlace(name));
+  // Only this mount: an ordinary user may not remount a file system of the machine's memory.
+  const CommandResult result = Run("mount -o remount,bind,ro " + MountPlace(name));
   return result.finished && result.status == 0;
 }
 

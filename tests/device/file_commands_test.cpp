@@ -143,7 +143,7 @@ TEST_F(FileCommands, AProtectedMediumStaysAsItIs) {
       {"copy cfa0:/a c", "y", "Copy cfa0:/a to flash:/c?[Y/N]:y\nStart to copy cfa0:/a to flash:/c... Done.\n"},
   });
   EXPECT_EQ(OnFlash("cat b c /mnt/cfa0:/a; ls; ls /mnt/cfa0:"), "older\nkept\nkept\na\nb\nc\ndir\na\ndir\n");
-  Run("mount -o remount,rw /mnt/cfa0:");
+  Run("mount -o remount,bind,rw /mnt/cfa0:");
 }
 
 TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {
