@@ -42,8 +42,14 @@ constexpr int kShownProcesses = 1024;
 
 std::string MountDev(const std::string& root) {
   for (const char* node : kHostNodes) {
-    if (std::string problem = BindMount(std::string("/dev/") + node, root + "/dev/" + node); !problem.empty())
-      return problem;
+    const std::string place = root + "/dev/" + node;
+    if (std::string problem = BindMount(std::string("/dev/") + node, place); !problem.empty()) return problem;
+    // It can still be written to. But the shell changes the mode of what it takes for its console, and this is the
+    // host's.
+    mount_attr read_only{};
+    read_only.attr_set = MOUNT_ATTR_RDONLY;
+    if (mount_setattr(AT_FDCWD, place.c_str(), 0, &read_only, sizeof(read_only)) != 0)
+      return "cannot protect " + place + ": " + std::strerror(errno);
   }
   // A devpts of its own, so that the console is number 0 whatever terminals the host has open.
   if (std::string problem =
