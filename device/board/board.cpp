@@ -85,9 +85,7 @@ class Board {
     signals_ = CatchSignals({SIGCHLD});
     directory_ = ChooseDirectory(NeededPlaces(kind_, options_, plan_));
     if (directory_.empty()) return "no directory of the host can be covered";
-    // Nothing that is mounted from here on may reach the host.
-    if (mount(nullptr, "/", nullptr, MS_PRIVATE | MS_REC, nullptr) != 0)
-      return std::string("cannot part from the host's mounts: ") + std::strerror(errno);
+    if (std::string problem = PartMounts(); !problem.empty()) return problem;
     if (std::string problem = Mount("proc", "/proc", "proc"); !problem.empty()) return problem;
     own_processes_.Reset(open("/proc/self/ns/pid", O_RDONLY | O_CLOEXEC));
     if (std::string problem = Mount("tmpfs", directory_, "tmpfs", MS_NOSUID, "mode=755"); !problem.empty())
@@ -172,7 +170,7 @@ class Board {
     }
     int status = -1;
     if (process < 0 || waitpid(process, &status, 0) != process || status != 0)
-      return options_.lab_script + " failed: the device's network cannot be made";
+      return options_.lab_script + " failed: the device's network cannot be made; root may lack CAP_NET_ADMIN";
     return "";
   }
 

@@ -61,11 +61,12 @@ void KeepOnly(UniqueFd& descriptor) {
 
 /// Is the process between launcher and board: it leaves the host's namespaces, starts the board as the first process
 /// of a PID namespace and ends with it.
-[[noreturn]] void RunKeeper(const DeviceKind& kind, const BootOptions& options, const RootPlan& plan, UniqueFd socket) {
+[[noreturn]] void RunKeeper(const DeviceKind& kind, const BootOptions& options, const RootPlan& plan, bool with_users,
+                            UniqueFd socket) {
   DieWithParent();
   KeepOnly(socket);
   Channel channel(std::move(socket));
-  if (const std::string problem = LeaveHost(); !problem.empty()) GiveUp(channel, problem);
+  if (const std::string problem = LeaveHost(with_users); !problem.empty()) GiveUp(channel, problem);
   channel.Send(MessageKind::kLeftHost);
   if (!channel.Receive(kSetUpMilliseconds)) _exit(1);
   DieWithParent();  // new identities cleared it
@@ -82,7 +83,7 @@ class BoardDevice final : public Device {
  public:
   BoardDevice(std::unique_ptr<DeviceKind> kind, BootOptions options)
       : kind_(std::move(kind)), options_(std::move(options)) {}
-  ~BoardDevice() override;
+  ~BoardDevice() override { EndBoard(); }
 
   std::string Boot() override;
   std::string StartBoot() override;
@@ -104,6 +105,8 @@ class BoardDevice final : public Device {
 
  private:
   std::string StartBoard();
+  std::string StartBoard(bool with_users);
+  void EndBoard();
   CommandResult RunOver(Channel& channel, const std::string& command, const std::string& input, milliseconds time);
   void TakeMessages(int milliseconds_to_wait);
   void Handle(Message& message);
@@ -135,29 +138,35 @@ class BoardDevice final : public Device {
   std::string lab_notice_;
 };
 
-BoardDevice::~BoardDevice() {
+void BoardDevice::EndBoard() {
   if (keeper_ < 0) return;
   board_.Shutdown();  // the board ends, and the kernel ends everything on it before the keeper hears of it
   const Clock::time_point end = Clock::now() + kEndTime;
   while (waitpid(keeper_, nullptr, WNOHANG) == 0) {
-    if (Clock::now() > end) {
-      kill(keeper_, SIGKILL);
-      waitpid(keeper_, nullptr, 0);
-      return;
-    }
+    if (Clock::now() > end) kill(keeper_, SIGKILL);
     poll(nullptr, 0, 1);
   }
+  keeper_ = -1;
 }
 
 std::string BoardDevice::StartBoard() {
   if (std::string problem = kind_->Plan(options_, plan_); !problem.empty()) return problem;
+  std::string problem = StartBoard(true);
+  if (problem.empty() || geteuid() != 0) return problem;
+  // Some machines forbid user namespaces, or to mount in them. Root can do without, with real rights on the machine.
+  EndBoard();
+  problem_.clear();
+  return StartBoard(false);
+}
+
+std::string BoardDevice::StartBoard(bool with_users) {
   UniqueFd own_end;
   UniqueFd board_end;
   if (!Channel::MakePair(own_end, board_end)) return "cannot make a socket";
   keeper_ = fork();
   if (keeper_ == 0) {
     own_end.Reset();
-    RunKeeper(*kind_, options_, plan_, std::move(board_end));
+    RunKeeper(*kind_, options_, plan_, with_users, std::move(board_end));
   }
   if (keeper_ < 0) return "cannot start a process";
   board_end.Reset();
@@ -166,7 +175,9 @@ std::string BoardDevice::StartBoard() {
   const std::optional<Message> request = board_.Receive(kSetUpMilliseconds);
   if (!request) return "the board did not start";
   if (request->kind == MessageKind::kProblem) return request->text;
-  if (std::string problem = MapIdentities(keeper_); !problem.empty()) return problem;
+  if (with_users) {
+    if (std::string problem = MapIdentities(keeper_); !problem.empty()) return problem;
+  }
   board_.Send(MessageKind::kIdentities);
   const Clock::time_point end = Clock::now() + milliseconds(kSetUpMilliseconds);
   while (!board_ready_ && problem_.empty() && !board_.Closed() && Clock::now() < end)

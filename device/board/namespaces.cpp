@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstring>
 #include <fstream>
@@ -19,6 +21,13 @@ namespace device {
 namespace {
 
 constexpr unsigned long kMaxIdentities = 65536;
+
+/// @return the line that says what the host forbids, from errno, and what allows it.
+std::string Forbidden(const std::string& what) {
+  return "this machine does not let us " + what + " (" + std::strerror(errno) +
+         "); root needs CAP_SYS_ADMIN and CAP_NET_ADMIN, anybody else user namespaces: kernel.unprivileged_userns_clone"
+         " 1, user.max_user_namespaces above 0, kernel.apparmor_restrict_unprivileged_userns 0";
+}
 
 bool WriteOnce(const std::string& path, const std::string& text) {
   const UniqueFd file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
@@ -39,25 +48,36 @@ unsigned long OwnIdentities(const char* map) {
 
 }  // namespace
 
-std::string LeaveHost() {
-  constexpr int kOwn = CLONE_NEWUSER | CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC;
-  if (unshare(kOwn) == 0) return "";
-  const int reason = errno;
-  return std::string("this machine does not allow namespaces for a user of its own (") + std::strerror(reason) +
-         "); look at kernel.unprivileged_userns_clone, user.max_user_namespaces and the container's restrictions";
+std::string LeaveHost(bool with_users) {
+  constexpr int kOwn = CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC;
+  return unshare(with_users ? kOwn | CLONE_NEWUSER : kOwn) == 0 ? "" : Forbidden("make namespaces");
 }
 
 std::string MapIdentities(pid_t process) {
   const std::string directory = "/proc/" + std::to_string(process);
-  const bool is_root = geteuid() == 0;
-  if (!is_root && !WriteOnce(directory + "/setgroups", "deny")) return "cannot write " + directory + "/setgroups";
+  const auto map = [&](uid_t user, gid_t group, unsigned long users, unsigned long groups) {
+    return WriteOnce(directory + "/uid_map", "0 " + std::to_string(user) + " " + std::to_string(users)) &&
+           WriteOnce(directory + "/gid_map", "0 " + std::to_string(group) + " " + std::to_string(groups));
+  };
+  if (geteuid() == 0 && map(0, 0, OwnIdentities("/proc/self/uid_map"), OwnIdentities("/proc/self/gid_map"))) return "";
+  if (WriteOnce(directory + "/setgroups", "deny") && map(geteuid(), getegid(), 1, 1)) return "";
+  return Forbidden("map the users of a user namespace");
+}
 
-  const std::string users =
-      is_root ? "0 0 " + std::to_string(OwnIdentities("/proc/self/uid_map")) : "0 " + std::to_string(geteuid()) + " 1";
-  const std::string groups =
-      is_root ? "0 0 " + std::to_string(OwnIdentities("/proc/self/gid_map")) : "0 " + std::to_string(getegid()) + " 1";
-  if (WriteOnce(directory + "/uid_map", users) && WriteOnce(directory + "/gid_map", groups)) return "";
-  return std::string("cannot map the users of a user namespace: ") + std::strerror(errno);
+std::string PartMounts() {
+  constexpr unsigned long kApart = MS_PRIVATE | MS_REC;
+  if (mount(nullptr, "/", nullptr, kApart, nullptr) == 0) return "";
+  // The root of a chroot may be no mount. Entering a mount namespace, even one's own, leads to its real root; from
+  // there the directory is made one.
+  const UniqueFd root(open("/", O_PATH | O_DIRECTORY | O_CLOEXEC));
+  const UniqueFd own(open("/proc/self/ns/mnt", O_RDONLY | O_CLOEXEC));
+  std::array<char, PATH_MAX> place{};
+  if (setns(own.Get(), CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, kApart, nullptr) == 0 &&
+      fchdir(root.Get()) == 0 && getcwd(place.data(), place.size()) != nullptr &&
+      mount(place.data(), place.data(), nullptr, MS_BIND | MS_REC, nullptr) == 0 && chroot(place.data()) == 0 &&
+      chdir("/") == 0)
+    return "";
+  return Forbidden("part from its mounts");
 }
 
 std::string Mount(const std::string& source, const std::string& target, const char* type, unsigned long flags,

@@ -9,6 +9,7 @@
 
 #include "device/arm64/arm64_device.h"
 #include "device/native/native_device.h"
+#include "tests/support/private_root.h"
 
 namespace {
 
@@ -37,6 +38,14 @@ std::string WithoutReturns(std::string_view text) {
   std::erase(lines, '\r');
   return lines;
 }
+
+/// Skips all that this program tests where there can be no device.
+class Machine : public testing::Environment {
+  void SetUp() override {
+    if (const char* reason = WhyNoNamespaces()) GTEST_SKIP() << reason;
+  }
+};
+[[maybe_unused]] const testing::Environment* const machine = testing::AddGlobalTestEnvironment(new Machine);
 
 }  // namespace
 

@@ -49,8 +49,8 @@ TEST_F(StartUp, RunsItsToolsInOrderAndGivesTheConsoleToRootAlone) {
 
   // Nobody else exists where the device is an ordinary user's; elsewhere user namespaces may be forbidden.
   const device::CommandResult stranger = Board().Run(
-      "unshare -U true && exec unshare -U /sbin/esh scmd;"
-      "exec start-stop-daemon -S -c 1:1 -p /none -x /sbin/esh -- scmd");
+      "unshare -U true && exec unshare -U /sbin/esh scmd; echo other:x:1:1::/: >> /etc/passwd;"
+      "exec start-stop-daemon -S -c other -p /none -x /sbin/esh -- scmd");
   EXPECT_EQ(stranger.output, "login from a non-root user\n");
   EXPECT_EQ(stranger.status, 255);
 }

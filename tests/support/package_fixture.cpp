@@ -12,7 +12,6 @@
 #include "util/unique_handle.h"
 
 void PackageTest::SetUp() {
-  PrivateRootTest::SetUp();
   AddMedium("flash:");
   WriteFile(kVersionFile, "ProductTag : 0x01020304\nDeviceTag : 0x0A0B0C0D\n");
   const std::pair<const char*, std::size_t> keys[] = {

@@ -23,7 +23,6 @@ constexpr char kIsEmpty[] = "The directory is empty.\r\n";
 /// One medium with a directory; the working directory is the medium's root.
 struct DirTest : PrivateRootTest {
   void SetUp() override {
-    PrivateRootTest::SetUp();
     setenv("TZ", "UTC0", 1);
     unsetenv("SYSPATH");
     AddMedium("flash:");

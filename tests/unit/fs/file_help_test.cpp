@@ -20,7 +20,6 @@ constexpr auto kAny = FS_HELP_FILE_OR_DIRECTORY;
 /// Two media and one that was taken out. The working directory is flash:, which holds a bit of everything.
 struct FileHelp : PrivateRootTest {
   void SetUp() override {
-    PrivateRootTest::SetUp();
     AddMedium("flash:");
     for (const char* directory : {"cfa0:", "slot0#dir:", "flash:/logs/old"})
       fs::create_directories(std::string("/mnt/") + directory);

@@ -43,7 +43,6 @@ Reach ReachOf(const char* name) {
 /// The working directory is flash:/logs.
 struct PathTest : PrivateRootTest {
   void SetUp() override {
-    PrivateRootTest::SetUp();
     unsetenv("SYSPATH");
     AddMedium("flash:");
     MoveTo("/mnt/flash:/logs");

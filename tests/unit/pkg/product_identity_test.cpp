@@ -16,7 +16,6 @@ namespace {
 
 struct ProductIdentity : PrivateRootTest {
   void SetUp() override {
-    PrivateRootTest::SetUp();
     WriteFile(kVersionFile,
               "Vendor: Ostrel\nplatform VERSION: 7.1.9\nProduct version: R6\nPkgTime: Mar 14 2026 10:20:30\n");
   }

@@ -13,7 +13,6 @@ namespace {
 /// All commands of a device with an IP stack.
 struct CommandReference : PrivateRootTest {
   void SetUp() override {
-    PrivateRootTest::SetUp();
     WriteFile("/lib/modules/ipstack.ko", "");
     ESH_View_Init();
     ESH_CMD_Init();
