@@ -9,6 +9,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
 #include "device/arm64/arm64_device.h"
 #include "device/console/console_feed.h"
@@ -20,12 +22,14 @@
 namespace {
 
 constexpr char kUsage[] =
-    "usage: esh-device [--arm64] [--shell PROGRAM] [--tftp DIRECTORY]\n"
+    "usage: esh-device [--arm64] [--shell PROGRAM] [--tftp DIRECTORY] [--keys DIRECTORY]\n"
     "Boots a device in namespaces of this machine and connects its console with the terminal.\n"
     "When standard input is no terminal, its lines are typed on the console one by one.\n"
     "  --arm64           boot an emulated Arm machine\n"
     "  --shell PROGRAM   boot this program instead of the shell of this build\n"
-    "  --tftp DIRECTORY  what the lab's FTP and TFTP servers give out and receive\n";
+    "  --tftp DIRECTORY  what the lab's FTP and TFTP servers give out and receive\n"
+    "  --keys DIRECTORY  whose *.key files stand beside the device's own, or in place of those of the same name\n";
+constexpr char kKeyDirectory[] = "/etc/sign_pub_key/";
 constexpr char kTerminalWithoutName[] = "vt100";
 
 device::BootOptions OperatorOptions() {
@@ -45,7 +49,19 @@ struct Request {
   bool emulated = false;
   std::string shell;          // "": the one that is built here
   std::string lab_directory;  // "": the lab's own
+  std::vector<device::HostFile> keys;
 };
+
+/// The key files of a directory of the host, with their places on the device.
+std::vector<device::HostFile> KeysIn(const std::filesystem::path& directory) {
+  std::vector<device::HostFile> keys;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::absolute(directory), error)) {
+    const std::filesystem::path& file = entry.path();
+    if (file.extension() == ".key") keys.push_back({file.string(), kKeyDirectory + file.filename().string()});
+  }
+  return keys;
+}
 
 std::optional<Request> ReadArguments(std::span<char* const> arguments) {
   Request request;
@@ -60,6 +76,9 @@ std::optional<Request> ReadArguments(std::span<char* const> arguments) {
       request.shell = arguments[++i];
     } else if (name == "--tftp" && has_value) {
       request.lab_directory = std::filesystem::absolute(arguments[++i]).string();
+    } else if (name == "--keys" && has_value) {
+      request.keys = KeysIn(arguments[++i]);
+      if (request.keys.empty()) return std::nullopt;
     } else {
       return std::nullopt;
     }
@@ -72,6 +91,7 @@ std::unique_ptr<device::Device> MakeDevice(const Request& request) {
   if (!request.shell.empty()) options.shell = request.shell;
   options.has_lab_servers = true;
   options.lab_directory = request.lab_directory;
+  options.host_files = request.keys;
   return request.emulated ? device::MakeArm64Device(options) : device::MakeNativeDevice(options);
 }
 
