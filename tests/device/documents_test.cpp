@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/console.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kPassword[] = "harbour";  // is shown as stars
+
+/// The sessions of a document that are played, one behind the other: the blocks ```console, and the blocks ```sh, of
+/// which every line is typed at the prompt of the host and what is printed is nobody's affair.
+std::vector<std::string> SessionsOf(const std::string& document) {
+  const std::regex begins_with_prompt(R"(\s*(\$ |<boot>|\[boot).*)");
+  std::ifstream file(std::string(ESH_SOURCES) + "/" + document);
+  std::vector<std::string> lines;
+  std::string block;  // what the line lies in
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("```")) {
+      block = block.empty() ? line : "";
+    } else if (block == "```console") {
+      lines.push_back(line);
+    } else if (block == "```sh") {
+      lines.push_back("$ " + line);
+      lines.emplace_back("...");
+    } else {
+      EXPECT_FALSE(block.empty() && std::regex_match(line, begins_with_prompt)) << "is it played, or not?\n" << line;
+    }
+  }
+  return lines;
+}
+
+/// What is the same on all days and machines: without dates, times and counts, and without the IPv6 addresses, which
+/// the kernel gives in its own time and order. Blanks at the end of a line do not show in a document, nor does a far
+/// shell's question where the cursor is.
+std::string Lasting(const std::string& text) {
+  const std::regex gone("[ \r]+(?=\n)|\x1b\\[6n|Inet6 Address is [^\n]*\n");
+  const std::regex varies(R"( *\d+  [A-Z][a-z]{2} \d\d \d{4} \d\d:\d\d:\d\d|[\d./]+ ms|\d+(?= KB free)|(In|Out)put:\d+)"
+                          R"(| bytes:\d+|uptime is [^\n]*|\d+ processor)");
+  return std::regex_replace(std::regex_replace(text, gone, ""), varies, "#");
+}
+
+/// @return whether what was printed is what the document shows, where a line "..." stands for any lines.
+bool Fits(const std::string& shown, const std::string& printed) {
+  const std::string any = "\n...\n";
+  const std::size_t head = shown.find(any);
+  if (head == std::string::npos) return shown == printed;
+  if (printed.compare(0, head + 1, shown, 0, head + 1) != 0) return false;
+  const std::string rest = shown.substr(head + any.size() - 1);  // from the end of a line on
+  for (std::size_t end = head; end != std::string::npos; end = printed.find('\n', end + 1))
+    if (Fits(rest, printed.substr(end))) return true;
+  return false;
+}
+
+/// The keys behind a prompt: "<TAB>" and "<Ctrl+Z>" are pressed, and what ends in one of these or, on the device, in
+/// "?" is not followed by Enter.
+std::string KeysOf(const std::string& prompt, const std::string& text) {
+  const std::regex control(R"(<Ctrl\+(.)>)");
+  std::string keys = std::regex_replace(text, std::regex("<TAB>"), "\t");
+  for (std::smatch found; std::regex_search(keys, found, control);)
+    keys.replace(static_cast<std::size_t>(found.position()), found[0].str().size(), 1, *found[1].first & 0x1f);
+  if (prompt == "password:") keys = kPassword;
+  const bool acts = text.ends_with('>') || (prompt != "$ " && text.ends_with('?'));
+  return acts ? keys : keys + "\r";
+}
+
+/// A newcomer with a clone of the project, who types what its documents show.
+class NativeDocuments : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = "/tmp/clone-XXXXXX";
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    clone_ = name;
+    fs::create_directory(clone_ / "build");
+    fs::create_symlink(ESH_BUILD, clone_ / "build/release");
+    fs::create_symlink(ESH_SOURCES "/device", clone_ / "device");
+    std::ofstream(clone_ / "run") << "#!/bin/sh\necho 'Building ...'\nexec " ESH_DEVICE_PROGRAM " \"$@\"\n";
+    fs::permissions(clone_ / "run", fs::perms::owner_all);
+  }
+  void TearDown() override { fs::remove_all(clone_); }
+
+  void Play(const std::string& document) {
+    const std::regex with_keys(
+        R"((\$ |/ # |<boot>|\[boot[^\]]*\]|<Tessaro>|.*\[Y/N\]:|user:|password:|login as:)(.*))");
+    const std::regex key("<[^>]*>$");
+    const Console console({}, [this](const Console::Report&) {
+      for (const char* variable : {"PS1", "PS2"}) setenv(variable, "$ ", 1);
+      unsetenv("ENV");
+      if (chdir(clone_.c_str()) == 0) execl("/bin/sh", "sh", "-i", nullptr);
+    });
+    std::string shown;   // since keys were typed
+    std::string before;  // what the device itself puts behind its next prompt
+    bool is_completed = false;
+    for (const std::string& line : SessionsOf(document)) {
+      std::smatch parts;
+      if (!std::regex_match(line, parts, with_keys)) {
+        shown += line + "\n";
+        continue;
+      }
+      const std::string prompt = parts[1];
+      const std::string text = parts[2];
+      if (is_completed) before = text;
+      ASSERT_TRUE(text.starts_with(before)) << line;
+      shown += prompt + before;
+      const std::string printed = console.ReadUntil(prompt + before);
+      ASSERT_TRUE(Fits(Lasting(shown), Lasting(printed))) << "shown:\n" << shown << "\nprinted:\n" << printed;
+      const std::string typed = text.substr(before.size());
+      console.Type(KeysOf(prompt, typed));
+      shown = std::regex_replace(typed, key, "") + "\n";
+      is_completed = typed.ends_with("<TAB>");
+      before = typed.ends_with('?') ? text.substr(0, text.size() - 1) : "";
+    }
+    EXPECT_EQ(shown.find('\n'), shown.size() - 1) << "not looked at, for no prompt follows: " << shown;
+  }
+
+ private:
+  fs::path clone_;
+};
+
+TEST_F(NativeDocuments, ReadmeIsTrue) { Play("README.md"); }
+TEST_F(NativeDocuments, OperatorGuideIsTrue) { Play("docs/operator-guide.md"); }
+TEST_F(NativeDocuments, MakingPackagesIsTrue) { Play("docs/making-packages.md"); }
+
+}  // namespace
