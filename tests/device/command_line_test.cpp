@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <random>
 
 #include "tests/device/operator_console.h"
@@ -9,66 +8,6 @@ namespace {
 class CommandLine : public OperatorConsole {};
 /// With windows, which a serial line has not, and with more lines than an emulated machine gets through in time.
 class NativeCommandLine : public OperatorConsole {};
-
-TEST_F(CommandLine, TellsWhatIsWrongUnderTheWord) {
-  UseDevice();
-  ExpectAll({
-      {"nothing", "", "      ^\n % Unrecognized command found at '^' position.\n"},
-      {"  pwd x", "", "            ^\n % Too many parameters found at '^' position.\n"},
-      {"dir /mnt", "", "          ^\n % Wrong parameter found at '^' position.\n"},
-      {"  m", "", "        ^\n % Ambiguous command found at '^' position.\n"},
-      {"d /all nothing", "", "The file or directory doesn't exist.\n"},
-      {"", "", ""},
-      {"SYS", "", "System View: return to User View with Ctrl+Z\n"},
-      {"interface", "", "                ^\n % Incomplete command found at '^' position.\n"},
-      {"int M-ETH0", "", ""},
-      {"reboot", "", "             ^\n % Unrecognized command found at '^' position.\n"},
-      {"q", "", ""},
-      {"quit", "", ""},
-      {"quit", "", "      ^\n % Unrecognized command found at '^' position.\n"},
-  });
-}
-
-TEST_F(CommandLine, HelpAndCompletionFollowTheViewThatCtrlZLeaves) {
-  UseDevice();
-  Type("?");
-  EXPECT_NE(Expect("<boot>").find("User view commands:\n"), std::string::npos);
-  Type("sy\t");
-  Expect("<boot>system-view ");
-  Type("\r");
-  Expect("[boot]");
-  Type("?");
-  EXPECT_NE(Expect("[boot]").find("\n  interface  Interface configuration\n"), std::string::npos);
-  Type("int\tm\t\r");
-  Expect("[boot-m-eth0]");
-  Type("?");
-  EXPECT_NE(Expect("[boot-m-eth0]").find("M-th view commands:\n"), std::string::npos);
-  Type("half a line");
-  Type(kCtrlZ);
-  Expect("<boot>");
-  EXPECT_EQ(Command("pwd"), "flash:\n") << "the half line is gone";
-}
-
-TEST_F(CommandLine, TakesLinesOf511Characters) {
-  UseDevice();
-  const std::string longest = "pwd" + std::string(508, ' ');
-  EXPECT_TRUE(Command(longest).ends_with("\nflash:\n"));
-  const std::size_t before = Printed().size();
-  Type(longest + "x\r");
-  Expect("flash:");
-  EXPECT_EQ(std::count(Printed().begin() + static_cast<std::ptrdiff_t>(before), Printed().end(), '\a'), 2)
-      << "the 512th is refused, with two bells";
-  Expect("<boot>");
-}
-
-TEST_F(CommandLine, TakesAPasteLineByLine) {
-  UseDevice();
-  std::string paste;
-  for (int i = 0; i < 50; ++i) paste += "pwd\r";
-  Type(paste);
-  for (int i = 0; i < 50; ++i) Expect("flash:\r\r\n");
-  Expect("<boot>");
-}
 
 TEST_F(CommandLine, SurvivesRubbish) {
   UseDevice();

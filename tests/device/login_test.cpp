@@ -74,25 +74,13 @@ TEST_F(Logins, AndPingsThatBreakLeaveThePrompt) {
   ExpectPrompt();
   EXPECT_NE(Command("display interface m-eth0").find("state: DOWN"), std::string::npos);
   EXPECT_TRUE(Board().PlugCable(true));
-  for (const char* line :
-       {"ping -c 1 10.0.0.1", "ping -c 1 10.1.0.1", "ping ipv6 -c 1 fd00::1", "ping ipv6 -c 1 fd00:1::1"})
-    EXPECT_NE(Command(line).find(" 0% packet loss"), std::string::npos) << line;
+  EXPECT_NE(Command("ping ipv6 -c 1 fd00:1::1").find(" 0% packet loss"), std::string::npos);
 
   Type("ping -c 1000 10.0.0.1\r");
   Expect("seq=1");
   Type(kCtrlC);
   Expect("packets transmitted");
   ExpectPrompt();
-}
-
-TEST_F(Logins, ThatFailShowNoPassword) {
-  UseLab();
-  EXPECT_NE(Command("ftp 10.0.0.2 get b flash:", "me\rseekrit\r").find("Connection refused"), std::string::npos);
-  Type(kUp);
-  EXPECT_EQ(Expect("flash:"), "ftp 10.0.0.2 get b flash:");
-  EXPECT_EQ(Printed().find("seekrit"), std::string::npos);
-  Type(kCtrlZ);
-  Expect("<boot>");
 }
 
 }  // namespace

@@ -38,26 +38,6 @@ TEST_F(NativeMedia, DirTellsTheTruthAboutEveryEntry) {
   Expect("dir gr\xc3\xbc\xc3\x9f ");
 }
 
-TEST_F(NativeMedia, ListingsPageAndAnyOtherKeyEndsThem) {
-  UseDevice();
-  Run("cd /mnt/cfa0:; for i in $(seq 100 149); do : > f$i; done");
-  Type("dir cfa0:\r");
-  EXPECT_NE(Expect("---- More ----     ").find("f122\n"), std::string::npos);
-  Type("\r");
-  EXPECT_EQ(Expect("---- More ----     ").find("f124"), std::string::npos) << "Enter shows one line";
-  Type(" ");
-  EXPECT_NE(Expect("---- More ----     ").find("f146\n"), std::string::npos);
-  Type("q");
-  EXPECT_EQ(Expect("<boot>").find("KB total"), std::string::npos);
-  for (const char* key : {"\x1b[A", "\x1b[3~", "\x03", "\x1a", "\t", "?"}) {
-    Type("dir cfa0:\r");
-    Expect("---- More ----     ");
-    Type(key);
-    EXPECT_EQ(Expect("<boot>").find('f'), std::string::npos) << "more lines follow";
-    EXPECT_EQ(Command("pwd"), "flash:\n") << "the key is used up";
-  }
-}
-
 TEST_F(Media, AFullMediumHasNothingFree) {
   UseDevice();
   ASSERT_TRUE(Board().FillMedium("cfa0:"));
@@ -66,18 +46,6 @@ TEST_F(Media, AFullMediumHasNothingFree) {
   EXPECT_NE(listing.find("    " + Run("stat -c %s /mnt/cfa0:/fill | tr -d '\\n'") + "  "), std::string::npos)
       << listing;
   EXPECT_TRUE(listing.ends_with("\n" + total + " KB total (0 KB free)\n")) << listing;
-}
-
-TEST_F(Media, FilesAreOfferedAndCompleted) {
-  UseDevice();
-  Run("cd /mnt/flash:; mkdir logs; : > logs/one.txt; : > logs/two.txt; : > .hidden");
-  Type("dir l\t");
-  Expect("<boot>dir logs/ ");
-  Type("\x7f?");
-  EXPECT_NE(Expect("<boot>dir logs/").find("  logs/one.txt\n  logs/two.txt\n\n"), std::string::npos);
-  Type("t\t\r");
-  Expect("Directory of flash:/logs");
-  EXPECT_NE(Expect("<boot>").find("two.txt"), std::string::npos);
 }
 
 TEST_F(Media, AMediumMayVanishWhileItIsListed) {

@@ -67,15 +67,6 @@ class NativeRelay : public testing::Test {
   termios before_{};
 };
 
-TEST_F(NativeRelay, LeavesByItsKeyAndGivesTheTerminalBack) {
-  Start();
-  terminal_->Type("pwd\r");
-  Expect("flash:");
-  terminal_->Type("\x1c");
-  EXPECT_EQ(WaitForEnd(), 0);
-  ExpectTerminalAsBefore();
-}
-
 TEST_F(NativeRelay, GivesTheTerminalBackWhenASignalEndsIt) {
   for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
     ASSERT_NO_FATAL_FAILURE(Start());
