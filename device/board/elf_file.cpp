@@ -3,6 +3,7 @@
 #include <elf.h>
 
 #include <bit>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 

@@ -21,8 +21,8 @@ struct ProductIdentity : PrivateRootTest {
   }
 
   /// The record that a device with these files builds.
-  static const OEM_CONSUMER_INFO_S& Record(const std::string& oem, const std::string& object_id = "1.2.3",
-                                           const std::string& corporation = "") {
+  static OEM_CONSUMER_INFO_S Record(const std::string& oem, const std::string& object_id = "1.2.3",
+                                    const std::string& corporation = "") {
     WriteFile("/etc/oem", oem);
     WriteFile("/etc/oemcorp", corporation);
     WriteFile("/proc/sys/61000/1", object_id + "\n");
@@ -72,7 +72,7 @@ TEST_F(ProductIdentity, SectionFollowsTheObjectId) {
       {"no numbers", kOwn, "plain", kMaker},
   };
   for (const auto& [object_id, corporation, name, contact] : kCases) {
-    const OEM_CONSUMER_INFO_S& record = Record(oem, object_id, corporation);
+    const OEM_CONSUMER_INFO_S record = Record(oem, object_id, corporation);
     EXPECT_STREQ(record.sysName, name) << object_id;
     EXPECT_STREQ(record.sysContact, contact) << object_id;
   }
@@ -101,12 +101,12 @@ TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
       {"the next section", "\n[default-Other]\nproductName: n\n"},
   };
   for (const auto& c : cases) {
-    const OEM_CONSUMER_INFO_S& record = Record(std::string("[default]") + c.section);
+    const OEM_CONSUMER_INFO_S record = Record(std::string("[default]") + c.section);
     EXPECT_STREQ(record.productName, c.name) << c.why;
     EXPECT_STREQ(record.sysContact, c.contact) << c.why;
     EXPECT_EQ(record.uiCorpId, c.corporation) << c.why;
   }
-  const OEM_CONSUMER_INFO_S& record =
+  const OEM_CONSUMER_INFO_S record =
       Record("[default]\nsysName: " + std::string(65, 's') + "\ncorpIDMac: 0A-0b-FF-00-1-7f\nbridgeMac: 1-2-3\n");
   EXPECT_EQ(record.sysName, std::string(64, 's'));
   EXPECT_EQ(std::memcmp(record.corpIDMac, "\x0A\x0B\xFF\x00\x01\x7F", 6), 0);
