@@ -25,6 +25,12 @@ begin_package_root() {
   trap 'rm -rf "$work"' EXIT
   root=$work/root
   mkdir -p "$work/apt/lists/partial" "$work/apt/archives/partial" "$work/packages" "$root"
+  # As every Debian has it, whether its packages say /lib or /usr/lib.
+  local directory
+  for directory in bin sbin lib lib64; do
+    mkdir -p "$root/usr/$directory"
+    ln -s "usr/$directory" "$root/$directory"
+  done
   cat > "$work/apt.conf" << TEXT
 APT::Architectures { $(printf '"%s"; ' "$@")};
 APT::Sandbox::User "";
@@ -37,12 +43,24 @@ TEXT
   compgen -G "$work/apt/lists/*_Packages*" > /dev/null || cannot_get "$contents" "$said"
 }
 
+# with_libraries PACKAGE...: prints these and the packages of the libraries that they need, which have other names in
+# other releases.
+# shellcheck disable=SC2086 # one word per package
+with_libraries() {
+  local all=$* before=
+  while [ "$all" != "$before" ]; do
+    before=$all
+    all=$(apt-cache depends --important $all | sed -n 's/^\([^ <]\)/\1/p; s/^  \(Pre\)\?Depends: \(z\?lib\)/\2/p' | sort -u)
+  done
+  echo $all
+}
+
 # unpack_packages PACKAGE...: into $root.
 unpack_packages() {
   local said package
   said=$(cd "$work/packages" && apt-get --quiet download "$@" 2>&1) || cannot_get "$*" "$said"
   for package in "$work"/packages/*.deb; do
-    dpkg-deb --extract "$package" "$root"
+    dpkg-deb --fsys-tarfile "$package" | tar --extract --keep-directory-symlink --directory "$root"
   done
 }
 
