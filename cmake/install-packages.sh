@@ -12,7 +12,7 @@ here=$(dirname "$0")
 
 build_packages=(
   build-essential cmake ninja-build pkg-config
-  libncurses-dev ncurses-base libssl-dev zlib1g-dev liblzma-dev libbz2-dev libarchive-dev
+  libncurses-dev ncurses-base libssl-dev zlib1g-dev liblzma-dev libbz2-dev libzstd-dev libarchive-dev
   libgtest-dev libvterm-dev
   busybox-static openssh-client
 )
