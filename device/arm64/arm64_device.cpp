@@ -17,7 +17,7 @@ namespace device {
 namespace {
 
 constexpr char kBuild[] = ESH_ARM64_BUILD;  // of preset arm64
-/// What /init loads.
+/// What /init loads, as far as it is not built into the kernel.
 constexpr const char* kDrivers[] = {"drivers/virtio/virtio_ring",
                                     "drivers/virtio/virtio",
                                     "drivers/virtio/virtio_mmio",
@@ -44,7 +44,8 @@ class Arm64Kind final : public DeviceKind {
       return problem;
     for (const std::string driver : kDrivers) {
       const std::string name = driver.substr(driver.rfind('/'));
-      AddCopy(packages_ + "/lib/modules/kernel/kernel/" + driver + ".ko", "/lib/modules/drivers" + name + ".ko", plan);
+      const std::string module = packages_ + "/lib/modules/kernel/kernel/" + driver + ".ko";
+      if (access(module.c_str(), R_OK) == 0) AddCopy(module, "/lib/modules/drivers" + name + ".ko", plan);
     }
     for (const char* module : {"ipstack.ko", "addon.ko"})
       AddCopy(Built(module), std::string("/lib/modules/") + module, plan);

@@ -6,8 +6,16 @@
  */
 #include <linux/module.h>
 #include <linux/sysctl.h>
+#include <linux/version.h>
 
 #include "addon_settings.h"
+
+/* Newer kernels know the length of a table and refuse an empty entry, which older ones find its end by. */
+#if LINUX_VERSION_CODE < KERNEL_VERSION(6, 11, 0)
+#define TABLE_END { }
+#else
+#define TABLE_END
+#endif
 
 static char object_id[] = ADDON_OBJECT_ID;
 static char brief_version[] = ADDON_BRIEF_VERSION;
@@ -21,7 +29,7 @@ static struct ctl_table identity[] = {
 	IDENTITY("1", object_id),
 	IDENTITY("2", brief_version),
 	IDENTITY("3", boot_image),
-	{ }
+	TABLE_END
 };
 
 static struct ctl_table console[] = {
@@ -32,7 +40,7 @@ static struct ctl_table console[] = {
 		.mode = 0644,
 		.proc_handler = proc_dointvec,
 	},
-	{ }
+	TABLE_END
 };
 
 static struct ctl_table_header *identity_header;
