@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -21,6 +22,16 @@ std::string Content(std::size_t size) {
   std::string bytes(size, '\0');
   for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7 + i / 512 + i / 131072);
   return bytes;
+}
+
+/// What was printed but for the bar that newer ones of busybox tftp draw, again and again in one line.
+std::string WithoutBar(std::string printed) {
+  const std::size_t bar = printed.find("% |");
+  if (bar == std::string::npos) return printed;
+  const std::size_t begin = printed.rfind('\n', bar) + 1;
+  std::size_t end = printed.rfind(" ETA") + std::strlen(" ETA");
+  if (printed[end] == '\n') ++end;  // otherwise a message has followed in that line
+  return printed.erase(begin, end - begin);
 }
 
 /// With servers that give out and receive a directory of the suite's own.
@@ -83,8 +94,8 @@ TEST_F(Transfers, BringWhatWasSent) {
     for (const std::size_t size : way.sizes) {
       SCOPED_TRACE(command + " " + std::to_string(size));
       Serve("there", Content(size));
-      EXPECT_EQ(Command(command + " get there flash:/here", way.answers), way.printed);
-      EXPECT_EQ(Command(command + " put here back", way.answers), way.printed);
+      EXPECT_EQ(WithoutBar(Command(command + " get there flash:/here", way.answers)), way.printed);
+      EXPECT_EQ(WithoutBar(Command(command + " put here back", way.answers)), way.printed);
       EXPECT_EQ(Received("back"), Content(size));
       Run("rm /mnt/flash:/here");
       std::filesystem::remove(directory_ / "back");
@@ -130,7 +141,7 @@ TEST_F(Transfers, ThatBreakLeaveWhatTheToolLeaves) {
     Type(event.answers);
     ASSERT_TRUE(Eventually([&] { return SizeOf("/mnt/flash:/new") > 50000; }));
     event.happens();
-    EXPECT_EQ(Expect("<boot>"), event.printed + "<boot>");
+    EXPECT_EQ(WithoutBar(Expect("<boot>")), event.printed + "<boot>");
     EXPECT_EQ(Modes(), PromptModes());
     const long size = SizeOf("/mnt/flash:/new");
     EXPECT_GT(size, 0);
@@ -153,11 +164,14 @@ TEST_F(Transfers, ThatAreRefusedLeaveTheOldFileAlone) {
        login + overwrite + "ftpget: unexpected server response to RETR: 550 Failed to open file.\n"},
       {"ftp ipv6 fd00::1 get big cfa0:/new", "operator\rharbor\r",
        "user:operator\npassword:******\nftpget: unexpected server response to PASS: 530 Login incorrect.\n"},
-      // The medium is full: one tool removes the part, the other leaves it.
-      {"tftp 10.0.0.1 get big cfa0:/new", "", "tftp: write error\n"},
+      // The medium is full: this tool leaves the part, the other removes it.
       {"ftp 10.0.0.1 get big cfa0:/part", kLogin, login + "ftpget: write error: No space left on device\n"},
   });
   EXPECT_EQ(Run("cat /mnt/flash:/old; ls /mnt/cfa0:"), "old\nfill\npart\n");
+  Run("rm /mnt/cfa0:/part");
+  const std::string refused = WithoutBar(Command("tftp 10.0.0.1 get big cfa0:/new"));
+  EXPECT_TRUE(refused == "tftp: write error\n" || refused == "tftp: write error\n\n") << refused;  // ends a bar's line
+  EXPECT_EQ(Run("ls /mnt/cfa0:"), "fill\n");
   EXPECT_EQ(Modes(), PromptModes());
 }
 
