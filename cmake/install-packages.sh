@@ -5,6 +5,7 @@
 #   cmake/install-packages.sh test    also to run every check of ./test
 #   cmake/install-packages.sh bench   also to measure with bench/run, besides what build installs
 #   cmake/install-packages.sh arm64   to build for the arm64 device and to run it, besides what build installs
+#   cmake/install-packages.sh fresh   to make a bare Debian for cmake/try-fresh.sh, nothing else
 set -euo pipefail
 here=$(dirname "$0")
 # shellcheck source=SCRIPTDIR/package-root.sh
@@ -19,6 +20,7 @@ build_packages=(
 test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl python3 mandoc)
 bench_packages=(libcli-dev openssl strace valgrind)
 arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm)
+fresh_packages=(debootstrap git)
 
 case ${1-} in
   build) wanted=("${build_packages[@]}") ;;
@@ -28,8 +30,9 @@ case ${1-} in
     wanted=("${build_packages[@]}" "${arm64_packages[@]}")
     recommends=--no-install-recommends # the emulator's are desktops
     ;;
+  fresh) wanted=("${fresh_packages[@]}") ;;
   *)
-    echo "usage: ${0##*/} build|test|bench|arm64" >&2
+    echo "usage: ${0##*/} build|test|bench|arm64|fresh" >&2
     exit 2
     ;;
 esac
@@ -61,6 +64,8 @@ if [ ${#missing[@]} -gt 0 ]; then
     exit 1
   fi
 fi
+
+[ "$1" != fresh ] || exit 0 # the bare Debian fetches its own
 
 # A device without servers to talk to is still a device.
 "$here/fetch-lab.sh" > /dev/null || true
