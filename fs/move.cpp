@@ -20,6 +20,7 @@ namespace {
 
 constexpr char kMoveQuestion[] = "Move %s to %s?[Y/N]:";
 constexpr char kToolFolder[] = "/bin/";
+constexpr char kTool[] = "/bin/mv";
 constexpr char kMoveLine[] = "%smv %s %s";
 
 using TargetName = FixedText<kNameRoom + kComponentRoom>;
@@ -39,40 +40,40 @@ bool IsLink(const char* full) {
 
 /// Whether the tool would destroy the file by moving it onto itself: it puts a link in the place of what it points to,
 /// and between two mounts of one folder it removes the destination first. Within a folder it renames, which is safe.
-bool WouldLose(const char* source, const char* destination) {
-  const bool is_rename = ParentOf(source) == ParentOf(destination) && !IsLink(source);
-  return std::string_view(source) != destination && !is_rename && IsSameEntry(source, destination);
+bool WouldLose(const char* source, const char* target) {
+  const bool is_rename = ParentOf(source) == ParentOf(target) && !IsLink(source);
+  return std::string_view(source) != target && !is_rename && IsSameEntry(source, target);
 }
 
-/// Whether the tool would ask before it replaces the destination, wait for ever for an answer that is not echoed, and
-/// take a "no" for a success. What cannot be written to, on a protected medium, it cannot replace either.
-bool WouldAsk(const char* destination) {
-  return Exists(destination) && !IsLink(destination) && access(destination, W_OK) != 0;
-}
+/// Whether the tool would ask before it replaces the target, wait for ever for an answer that is not echoed, and take a
+/// "no" for a success. What cannot be written to, on a protected medium, it cannot replace either.
+bool WouldAsk(const char* target) { return Exists(target) && !IsLink(target) && access(target, W_OK) != 0; }
 
 /// Takes away a link that leads nowhere: between two media the tool would make the file that it leads to, anywhere.
 /// @return false when it stays.
 bool TakeDeadLinkAway(const char* target) { return !IsLink(target) || Exists(target) || std::remove(target) == 0; }
 
-/// Removes what a failed move left of the destination. Where the source is gone, or is the destination, that is the
-/// file itself: the tool may have been killed when all but its own end was done.
-void RemovePart(const char* source, const char* destination) {
+/// Removes what a failed move left of the target. Where the source is gone, or is the target, that is the file itself:
+/// the tool may have been killed when all but its own end was done.
+void RemovePart(const char* source, const char* target) {
   struct stat status {};
-  if (stat(source, &status) == 0 && !IsSameEntry(source, destination)) {
-    (void)std::remove(destination);  // there may be none
+  if (stat(source, &status) == 0 && !IsSameEntry(source, target)) {
+    (void)std::remove(target);  // there may be none
   }
 }
 
-/// Without the tool nothing is touched: what has the destination's name is no part, it may be wanted.
+/// Whether there is a tool to start. Without it nothing is touched: what has the target's name is no part of this move.
+bool CanRun(const ToolLine& line) { return !line.Truncated() && access(kTool, X_OK) == 0; }
+
 std::uint32_t Move(const char* source, const char* destination, const char* target) {
   ToolLine line;
   line.Append(kMoveLine, kToolFolder, source, destination);
-  if (line.Truncated() || WouldLose(source, destination) || WouldAsk(destination) || !TakeDeadLinkAway(target)) {
+  if (!CanRun(line) || WouldLose(source, target) || WouldAsk(target) || !TakeDeadLinkAway(target)) {
     return ESH_ERR_FAIL;
   }
   const std::uint32_t moved = RunToolLine(line, 1, 0);
   if (moved != kSuccess) {
-    RemovePart(source, destination);
+    RemovePart(source, target);
   }
   return moved;
 }
@@ -97,7 +98,9 @@ std::uint32_t ESH_ProcMove() {
   }
   const std::uint32_t moved = Move(source.full, destination.full, target.Text());
   if (moved == kSuccess) {
-    SyncMediumOf(target.Text());  // the tool does not wait for it: for a while the file could be on neither medium
+    // The tool does not wait for it: for a while the file could be on neither medium. A link would lead elsewhere.
+    target.CutTo(ParentOf(target.View()).size());
+    SyncMediumOf(target.Text());
     return kSuccess;
   }
   sync();

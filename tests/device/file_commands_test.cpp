@@ -160,7 +160,9 @@ TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {
   EXPECT_EQ(OnFlash("cat dir/[aA]"), "both\n");
   if (!IsArm64()) {
     EXPECT_TRUE(Ask("move link a", "y").ends_with(kNoRoom)) << "the link would take the file's place";
-    OnFlash("umount twin");
+    OnFlash("mkdir dir/in && echo deep > dir/in/in");
+    EXPECT_TRUE(Ask("move twin/in/in dir", "y").ends_with(kNoRoom)) << "the folder of that name holds the file itself";
+    EXPECT_EQ(OnFlash("cat dir/in/in; rm -r dir/in; umount twin"), "deep\n");
   }
   EXPECT_EQ(OnFlash("cat a"), "text\n");
 }
