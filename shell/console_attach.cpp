@@ -48,11 +48,10 @@ std::uint32_t AttachConsole() {
   setsid();  // a new session, so that the terminal becomes its controlling terminal when it is opened
   tcdrain(STDIN_FILENO);
   UniqueFd console(open(name, O_RDWR | O_NONBLOCK));  // a serial line without carrier must not hold up the start
-  if (!console || isatty(console.Get()) == 0) {
+  // Opening does not take a terminal that controls the starter's session already, and then no tool could be started.
+  if (!console || isatty(console.Get()) == 0 || ioctl(console.Get(), TIOCSCTTY, 1) != 0) {
     return ESH_ERR_FAIL;
   }
-  // Opening does not take a terminal that controls the starter's session already, and then no tool could be started.
-  (void)ioctl(console.Get(), TIOCSCTTY, 1);
   MoveToStandardDescriptors(console.Release());
   // A file system that cannot change the owner (a read-only one) still has a usable console.
   (void)!chown(name, 0, 0);

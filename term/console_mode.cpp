@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <initializer_list>
 
 #include "term/line_state.h"
@@ -79,9 +80,15 @@ void ESH_LINE_MaskSpecKey() {
 ConsoleKept::ConsoleKept() : known_(tcgetattr(Console(), &settings_) == 0) {}
 
 void ConsoleKept::PutBack() const {
-  if (known_) {
-    LINE_SetTermiosMode(settings_);
+  termios settings{};
+  if (!known_ || tcgetattr(Console(), &settings) != 0) {
+    return;
   }
+  settings.c_iflag = settings_.c_iflag;
+  settings.c_oflag = settings_.c_oflag;
+  settings.c_lflag = settings_.c_lflag;
+  std::memcpy(settings.c_cc, settings_.c_cc, sizeof(settings.c_cc));
+  LINE_SetTermiosMode(settings);
 }
 
 void SetToolMode(std::uint16_t echo) {

@@ -22,7 +22,7 @@ void ESH_LINE_RestoreTermiosMode(std::uint16_t echo);
 void ESH_LINE_MaskSpecKey();
 
 /// The console's settings from before a tool. Whatever mode of its own the tool was killed in, it must not leave a
-/// console without line ends behind.
+/// console without line ends behind. Speed and flow control stay as a tool has set them: the mount script may.
 class ConsoleKept {
  public:
   ConsoleKept();

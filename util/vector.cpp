@@ -8,7 +8,7 @@
 namespace {
 
 constexpr std::uint64_t kMinSlots = 8;
-constexpr std::uint64_t kMostSlots = std::uint64_t{1} << 60;  // with more, the byte count would overflow
+constexpr std::uint64_t kMostSlots = std::uint64_t{1} << 60;  // doubled past this, the byte count would overflow
 
 bool IsHole(const VEC_S& vec, std::uint64_t index) { return vec.ppvArray[index] == nullptr; }
 
