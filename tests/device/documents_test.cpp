@@ -38,9 +38,10 @@ std::vector<std::string> SessionsOf(const std::string& document) {
 }
 
 /// What is the same on all days and machines: no dates, times and counts, and no IPv6 addresses, which the kernel gives
-/// in its own time and order. Blanks at the end of a line do not show, nor does a shell's question where the cursor is.
+/// in its own time and order, nor the bar that some releases' tftp draws again and again in one line. Blanks at the end
+/// of a line do not show, nor does a shell's question where the cursor is.
 std::string Lasting(const std::string& text) {
-  const std::regex gone("[ \r]+(?=\n)|\x1b\\[6n|Inet6 Address is [^\n]*\n");
+  const std::regex gone("[ \r]+(?=\n)|\x1b\\[6n|Inet6 Address is [^\n]*\n|[^\n]*% \\|[^\n]* ETA[ \r]*\n");
   const std::regex varies(R"( *[\d-]+  [A-Z][a-z]{2} \d\d \d{4} \d\d:\d\d:\d\d|[\d./]+ ms|\d+(?= KB free)|)"
                           R"((In|Out)put:\d+| bytes:\d+|uptime is [^\n]*)");
   return std::regex_replace(std::regex_replace(text, gone, ""), varies, "#");
