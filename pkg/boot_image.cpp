@@ -1,8 +1,10 @@
 #include "pkg/boot_image.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,7 +17,7 @@
 #include "pkg/package_text.h"
 #include "pkg/system_identity.h"
 #include "shell/child_process.h"
-#include "shell/result.h"
+#include "term/terminal.h"
 #include "util/fixed_text.h"
 #include "util/new_file.h"
 #include "util/unique_handle.h"
@@ -23,7 +25,7 @@
 namespace {
 
 constexpr std::size_t kPathRoom = kMediaPrefix.size() + kBootImageNameRoom;
-constexpr unsigned kLongestReading = 30;  // seconds
+constexpr int kLongestReading = 30'000;  // milliseconds
 
 UniqueLines OpenDescription(PKG_READER_S* package) {
   const PackageFileEntry* entry = FindFile(*package, kDescriptionFile);
@@ -44,7 +46,6 @@ void ReadVersion(char* version) {
 }
 
 [[noreturn]] void TellVersion(int pipe) {
-  (void)alarm(kLongestReading);
   (void)!std::freopen("/dev/null", "w", stderr);  // last words of the C library are not for the console
   char version[kRunningVersionRoom];
   ReadVersion(version);
@@ -61,14 +62,19 @@ void ReadRunningVersion(char* version) {
   }
   const UniqueFd reading(ends[0]);
   UniqueFd writing(ends[1]);
+  ESH_TERM_OFlush();  // or a decoder that exits would print once more what the shell has said
   const pid_t child = fork();
   if (child == 0) {
     TellVersion(writing.Get());
   }
   writing.Reset();
-  if (child < 0 || ResultOfChild(child) != kSuccess) {
+  if (child < 0) {
     return;
   }
-  const ssize_t length = read(reading.Get(), version, kRunningVersionRoom - 1);
+  // What the child does to itself, its clock included, must not keep the shell: only an answer counts.
+  pollfd answer = {.fd = reading.Get(), .events = POLLIN, .revents = 0};
+  const ssize_t length = poll(&answer, 1, kLongestReading) == 1 ? read(answer.fd, version, kRunningVersionRoom - 1) : 0;
   version[length < 0 ? 0 : length] = '\0';
+  kill(child, SIGKILL);
+  (void)ResultOfChild(child);
 }

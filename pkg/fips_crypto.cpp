@@ -73,9 +73,7 @@ BIGNUM* FIPS_bn_bin2bn(const unsigned char* bytes, int length, BIGNUM* number) {
   return IsSetUp() ? BN_bin2bn(bytes, length, number) : nullptr;
 }
 
-bool IsOddAboveOne(const BIGNUM* number) {
-  return BN_is_odd(number) == 1 && BN_is_one(number) == 0;
-}
+bool IsOddAboveOne(const BIGNUM* number) { return BN_is_odd(number) == 1 && BN_is_one(number) == 0; }
 
 bool IsBelow(const BIGNUM* number, std::uint32_t bound) {
   constexpr int kBoundBits = 32;
@@ -102,8 +100,7 @@ int FIPS_rsa_public_decrypt(int length, const unsigned char* from, unsigned char
   // Without a digest's name set, what was signed comes out as it is, an algorithm prefix included.
   if (length < 0 || context == nullptr || EVP_PKEY_verify_recover_init(context.get()) != 1 ||
       EVP_PKEY_CTX_set_rsa_padding(context.get(), padding) != 1 ||
-      EVP_PKEY_verify_recover(context.get(), to, &signed_length, from, static_cast<std::size_t>(length)) !=
-          1) {
+      EVP_PKEY_verify_recover(context.get(), to, &signed_length, from, static_cast<std::size_t>(length)) != 1) {
     return -1;
   }
   return static_cast<int>(signed_length);

@@ -17,6 +17,9 @@ inline constexpr std::size_t kMaxPackageName = 127;
 /// Whether a name holds "~", with which FAT marks the short form of a long name: a package has one name only.
 [[nodiscard]] bool HoldsAliasMark(const char* name);
 
+/// Room for the name of an image, which is cut there.
+inline constexpr std::size_t kImageNameRoom = 129;
+
 /// Whether an image's name holds nothing but letters, digits, ".", "_", "-" and "+": it becomes part of a command line
-/// of /bin/sh. An empty one is none.
+/// of /bin/sh. An empty one is none, nor is "." or "..".
 [[nodiscard]] bool IsPlainImageName(std::string_view name);

@@ -5,7 +5,6 @@
 #include "pkg/contained_file.h"
 #include "pkg/cpio_unpack.h"
 #include "pkg/package_format.h"
-#include "pkg/package_name.h"
 #include "pkg/package_reader.h"
 #include "pkg/process_runner.h"
 #include "util/fixed_text.h"

@@ -2,11 +2,10 @@
 
 #include <cstdint>
 
+#include "pkg/package_name.h"
 #include "util/unique_handle.h"
 
 struct PKG_READER_S;
-
-inline constexpr std::size_t kImageNameRoom = 129;
 
 /// A system image taken out of a package.
 struct SystemImage {

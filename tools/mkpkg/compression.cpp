@@ -89,14 +89,15 @@ std::string Unpack7z(std::string_view packed, std::size_t size, std::string& dat
       OpenText(packed, archive_read_support_format_7zip, archive_read_support_filter_none);
   archive_entry* entry = nullptr;
   if (!input || archive_read_next_header(input.get(), &entry) != ARCHIVE_OK) return "the data are no 7z archive";
-  data.assign(size, '\0');
-  const la_ssize_t read = archive_read_data(input.get(), data.data(), size);
-  char surplus = 0;
-  if (read <= 0 || archive_read_data(input.get(), &surplus, 1) != 0) {
-    data.clear();
-    return "the 7z data are damaged, or more than the size that the package tells";
+  const la_int64_t length = archive_entry_size(entry);
+  if (length <= 0 || static_cast<std::size_t>(length) > size) {
+    return "the 7z data unpack to nothing, or to more than the size that the package tells";
   }
-  data.resize(static_cast<std::size_t>(read));
+  data.assign(static_cast<std::size_t>(length), '\0');
+  if (archive_read_data(input.get(), data.data(), data.size()) != length) {
+    data = {};
+    return "the 7z data are damaged";
+  }
   return "";
 }
 

@@ -109,7 +109,7 @@ std::string RunningVersion(const std::string& boot_image) {
   if (boot_image.empty() || !ReadPackage(boot_image, boot).empty()) return "";
   const ContainedFile* description = boot.Find(kDescriptionFile);
   const bool is_modest = description != nullptr && description->stored_size <= kMostBootDescription &&
-                         description->data.size() <= kMostBootDescription;
+                         description->told_size <= kMostBootDescription;
   if (!is_modest) return "";
   char version[kRunningVersionRoom];
   ReadBootVersion(OpenText(boot, kDescriptionFile).get(), version);
@@ -135,7 +135,7 @@ DeviceVerdict JudgeImage(const ContainedFile* image) {
   if (!image->problem.empty()) {
     return Refuse("image", "image " + image->name + " gives no data: " + image->problem, kOperationFailed);
   }
-  if (!IsPlainImageName(image->name)) {
+  if (!IsPlainImageName(image->name.substr(0, kImageNameRoom - 1))) {  // a device cuts it there
     return Refuse("image-name", "the image's name holds more than letters, digits, \".\", \"_\", \"-\" and \"+\"",
                   kOperationFailed);
   }

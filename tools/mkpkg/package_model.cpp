@@ -43,6 +43,7 @@ ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry)
   file.device_code = head->device_code;
   file.compression = head->compression;
   file.stored_size = head->stored_size;
+  file.told_size = head->compression == kPacked7z ? head->unpacked_size : head->stored_size;
   file.name = NameIn(*head);
   const std::uint64_t offset = std::uint64_t{entry.head_offset} + kFileHeadSize;
   const UniqueText stored(static_cast<char*>(ReadBlockFromFile(&reader->source, offset, head->stored_size)));

@@ -17,6 +17,7 @@ struct ContainedFile {
   std::uint32_t device_code = 0;
   std::uint32_t compression = kStoredAsIs;
   std::uint64_t stored_size = 0;
+  std::uint64_t told_size = 0;  // of the data, as its head tells
   std::string name;
   std::string data;     // unpacked
   std::string problem;  // why a device gets no data; "": it does

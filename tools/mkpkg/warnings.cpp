@@ -10,7 +10,6 @@
 #include "pkg/package_format.h"
 #include "pkg/package_name.h"
 #include "pkg/product_code.h"
-#include "pkg/system_image.h"
 #include "pkg/version_file.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/package_signer.h"
