@@ -41,7 +41,9 @@ int ExitStatusOf(int wait_status) {
 
 /// @return what the wait status of a device's first process tells.
 Outcome OutcomeOf(int wait_status) {
-  if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGHUP) return Outcome::kRebooted;  // by the kernel itself
+  // What the kernel tells by itself of a PID namespace.
+  if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGHUP) return Outcome::kRebooted;
+  if (WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGINT) return Outcome::kPoweredOff;
   if (!WIFEXITED(wait_status)) return Outcome::kDied;
   if (WEXITSTATUS(wait_status) == kDeviceRestarted) return Outcome::kRebooted;
   return WEXITSTATUS(wait_status) == kDevicePoweredOff ? Outcome::kPoweredOff : Outcome::kDied;
@@ -152,11 +154,13 @@ void BoardDevice::EndBoard() {
 std::string BoardDevice::StartBoard() {
   if (std::string problem = kind_->Plan(options_, plan_); !problem.empty()) return problem;
   std::string problem = StartBoard(true);
-  if (problem.empty() || geteuid() != 0) return problem;
-  // Some machines forbid user namespaces, or to mount in them. Root can do without, with real rights on the machine.
+  if (geteuid() != 0 || !TellsOfForbidding(problem)) return problem;
+  // Some machines forbid user namespaces, or to mount in them. Root can do without.
   EndBoard();
   problem_.clear();
-  return StartBoard(false);
+  problem = StartBoard(false);
+  lab_notice_.insert(0, "No user namespaces on this machine: the device's root has real rights here.\n");
+  return problem;
 }
 
 std::string BoardDevice::StartBoard(bool with_users) {

@@ -22,9 +22,11 @@ namespace {
 
 constexpr unsigned long kMaxIdentities = 65536;
 
+constexpr char kForbidden[] = "this machine does not let us ";
+
 /// @return the line that says what the host forbids, from errno, and what allows it.
 std::string Forbidden(const std::string& what) {
-  return "this machine does not let us " + what + " (" + std::strerror(errno) +
+  return kForbidden + what + " (" + std::strerror(errno) +
          "); root needs CAP_SYS_ADMIN and CAP_NET_ADMIN, anybody else user namespaces: kernel.unprivileged_userns_clone"
          " 1, user.max_user_namespaces above 0, kernel.apparmor_restrict_unprivileged_userns 0";
 }
@@ -51,6 +53,10 @@ unsigned long OwnIdentities(const char* map) {
 std::string LeaveHost(bool with_users) {
   constexpr int kOwn = CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC;
   return unshare(with_users ? kOwn | CLONE_NEWUSER : kOwn) == 0 ? "" : Forbidden("make namespaces");
+}
+
+bool TellsOfForbidding(const std::string& problem) {
+  return problem.starts_with(kForbidden) || problem.ends_with(std::strerror(EPERM));
 }
 
 std::string MapIdentities(pid_t process) {

@@ -13,6 +13,9 @@ namespace device {
 /// @return an empty text, or one line that says what the host forbids.
 [[nodiscard]] std::string LeaveHost(bool with_users);
 
+/// @return whether a line says that the host forbids a step, as these functions' lines do.
+[[nodiscard]] bool TellsOfForbidding(const std::string& problem);
+
 /// Gives a process in a fresh user namespace its users and groups, from the process that made it: root passes on all
 /// ids that it has, up to 65535, where it has the right to; anybody else is root there and nobody else.
 /// @return an empty text, or one line that says what the host forbids.

@@ -18,12 +18,14 @@ namespace fs = std::filesystem;
 /// The sessions of a document that are played, one behind the other: the blocks ```console, and the blocks ```sh, of
 /// which every line is typed at the prompt of the host and what is printed is nobody's affair.
 std::vector<std::string> SessionsOf(const std::string& document) {
-  const std::regex begins_with_prompt(R"(\s*(\$ |<boot>|\[boot).*)");
+  const std::regex begins_with_prompt(R"([\s>*-]*(\$ |<boot>|\[boot|<Tessaro>).*)");
   std::ifstream file(std::string(ESH_SOURCES) + "/" + document);
   std::vector<std::string> lines;
   std::string block;  // what the line lies in
   for (std::string line; std::getline(file, line);) {
     if (line.starts_with("```")) {
+      if (line == "```sh") lines.emplace_back("$ set -e");  // where a line fails, no prompt follows
+      if (block == "```sh") lines.emplace_back("$ set +e");
       block = block.empty() ? line : "";
     } else if (block == "```console") {
       lines.push_back(line);
