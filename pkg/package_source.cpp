@@ -2,10 +2,10 @@
 
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
-#include "util/large_pages.h"
 #include "util/unique_handle.h"
 
 std::uint64_t SizeOfSource(const PackageSource& source) {
@@ -45,7 +45,7 @@ void* ReadBlockFromFile(PackageSource* source, std::uint64_t offset, std::uint64
   if (length == 0 || offset > size || length > size - offset || !SeekSource(*source, offset)) {
     return nullptr;
   }
-  std::unique_ptr<void, MemoryFreer> block(AllocateLargePages(length));
+  std::unique_ptr<void, MemoryFreer> block(std::malloc(length));
   if (block == nullptr || !ReadSource(*source, block.get(), length)) {
     return nullptr;
   }

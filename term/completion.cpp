@@ -8,7 +8,7 @@
 #include "shell/match.h"
 #include "shell/parameter.h"
 #include "shell/words.h"
-#include "term/help_records.h"
+#include "term/help_list.h"
 #include "term/line_state.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
@@ -38,9 +38,9 @@ bool CycleGoesOn(const char* word) {
 }
 
 void DropPlaceholders(VEC_S& list) {
-  ForEachHelpLine(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
+  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
     if (ESH_Variable(line.szKeyWord) == 1 || std::strcmp(line.szKeyWord, kCrWord) == 0) {
-      FreeHelpRecord(static_cast<ESH_HELP_INFO_S*>(VEC_Del(&list, index)));
+      RemoveHelpLine(list, index);
     }
   });
 }
@@ -64,7 +64,7 @@ UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const cha
 /// The first of the shortest candidates.
 std::string_view Shortest(const VEC_S& candidates) {
   std::string_view shortest;
-  ForEachHelpLine(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
+  ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
     const std::string_view keyword(candidate.szKeyWord);
     if (shortest.empty() || keyword.size() < shortest.size()) {
       shortest = keyword;
@@ -78,7 +78,7 @@ std::string_view Shortest(const VEC_S& candidates) {
 std::string_view CommonPrefix(const VEC_S& candidates, std::size_t known) {
   const std::string_view model = Shortest(candidates);
   std::size_t shared = model.size();
-  ForEachHelpLine(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
+  ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
     std::size_t agreed = known;
     while (agreed < shared && LowerCase(candidate.szKeyWord[agreed]) == LowerCase(model[agreed])) {
       ++agreed;

@@ -78,7 +78,7 @@ struct KeywordWidth {
 
 std::size_t WidestColumn(const VEC_S& list) {
   std::size_t widest = 0;
-  ForEachHelpLine(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
+  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
     widest = std::max(widest, KeywordWidth(line.szKeyWord).Column());
   });
   return widest;
@@ -121,7 +121,7 @@ void AddWholeLine(const ESH_HELP_INFO_S& line, std::size_t widest, HelpOutput& o
 }
 
 void PrintNames(const VEC_S& list, HelpOutput& output) {
-  ForEachHelpLine(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
+  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
     output.Add({"  ", line.szKeyWord, "\r\n"});
   });
 }
@@ -201,5 +201,5 @@ void PrintHelpVec(VEC_S* list, std::uint16_t whole) {
 void PrintWholeHelp(const VEC_S* list, char* output) {
   HelpOutput lines(output);
   const std::size_t widest = WidestColumn(*list);
-  ForEachHelpLine(*list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) { AddWholeLine(line, widest, lines); });
+  ForEachSlot<ESH_HELP_INFO_S>(*list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) { AddWholeLine(line, widest, lines); });
 }

@@ -8,7 +8,7 @@
 
 inline constexpr std::size_t kHelpRoom = 513;
 
-/// One line of help. The keyword comes first, so that a record's address is also its keyword's.
+/// One line of help, from malloc. The keyword comes first, so that a record's address is also its keyword's.
 struct ESH_HELP_INFO_S {
   char szKeyWord[kHelpRoom];  ///< a keyword, a placeholder, a file name or "<cr>"
   char szHelp[kHelpRoom];     ///< its description
@@ -37,25 +37,19 @@ void NoteLostHelpLine();
 /// Frees every record and the list. NULL is allowed.
 void ESH_FreeHelpInfoVec(VEC_S* list);
 
-/// The lines of a long list lie far apart: this many ahead are fetched while one is looked at.
-inline constexpr std::uint64_t kLinesAhead = 8;
-
-/// Visits every line in index order.
-/// @param visit called with the index and the record, which it may remove.
-template <typename Visit>
-void ForEachHelpLine(const VEC_S& list, Visit visit) {
-  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
-    if (index + kLinesAhead < list.ulCapacity) {
-      __builtin_prefetch(list.ppvArray[index + kLinesAhead]);
-    }
-    visit(index, line);
-  });
-}
+/// Takes one line out of a list and frees it.
+void RemoveHelpLine(VEC_S& list, std::uint64_t index);
 
 struct HelpListFreer {
   void operator()(VEC_S* list) const { ESH_FreeHelpInfoVec(list); }
 };
 using UniqueHelpList = std::unique_ptr<VEC_S, HelpListFreer>;
 
-/// Sorts the records from index `lo` to index `hi` in place (term/help_order.h). There must be no holes.
+/// The order of help lines: pure numbers come first and by value, then texts by their bytes, and "<cr>" after
+/// everything.
+/// @return negative, zero or positive.
+[[nodiscard]] int CmpHelpString(const char* a, const char* b);
+
+/// Sorts the records from index `lo` to index `hi` in place; equal ones may change their order. There must be no
+/// holes.
 void QuickSortStrVec(VEC_S* list, std::int64_t lo, std::int64_t hi);
