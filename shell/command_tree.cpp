@@ -17,8 +17,6 @@ namespace {
 
 constexpr std::size_t kBoundDigits = 10;  // longest bound that is read
 
-bool g_has_endless_command = false;
-
 /// Reads one bound of a range such as "<1-15>".
 bool ReadBound(std::string_view digits, std::uint64_t& bound) {
   FixedText<kBoundDigits + 1> text;
@@ -49,7 +47,6 @@ bool EndsInCr(const ESH_CMD_THREAD_S& thread) {
 }
 
 void Append(ESH_CMD_THREAD_S& thread, ESH_CMD_ELEMENT_S& element) {
-  g_has_endless_command = g_has_endless_command || EndsInCr(thread);  // what follows the end is an end no more
   element.pstPrev = thread.pstPrev;
   element.pstNext = &thread;
   thread.pstPrev->pstNext = &element;
@@ -108,11 +105,9 @@ void ESH_CmdThread_AddCr(ESH_CMD_THREAD_S* thread) {
 }
 
 void ESH_CmdThread_Reg2View(ESH_VIEW_S* view, ESH_CMD_THREAD_S* thread) {
-  if (view == nullptr) {
-    return;
+  if (view != nullptr && EndsInCr(*thread)) {
+    VEC_Add(view->pstCmdVec, kNoIndex, thread);
   }
-  g_has_endless_command = g_has_endless_command || !EndsInCr(*thread);
-  VEC_Add(view->pstCmdVec, kNoIndex, thread);
 }
 
 void ESH_CmdThread_Reg2AllView(ESH_CMD_THREAD_S* thread) {
@@ -120,8 +115,6 @@ void ESH_CmdThread_Reg2AllView(ESH_CMD_THREAD_S* thread) {
   ESH_CmdThread_Reg2View(g_pstEshSysView, thread);
   ESH_CmdThread_Reg2View(g_pstEshMthView, thread);
 }
-
-bool HasEndlessCommand() { return g_has_endless_command; }
 
 ESH_CMD_ELEMENT_S* NextElement(const ESH_CMD_THREAD_S& thread, const ESH_CMD_ELEMENT_S& element) {
   return element.pstNext == &thread ? nullptr : static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext);

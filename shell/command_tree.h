@@ -82,15 +82,12 @@ void ESH_CmdThread_AddCmdElement(ESH_CMD_THREAD_S* thread, const char* keyword, 
 /// Appends the end of the command, without which it can never be executed.
 void ESH_CmdThread_AddCr(ESH_CMD_THREAD_S* thread);
 
-/// Adds a command to a view; the same command may be added to several. A view that is missing (NULL) misses it.
+/// Adds a command to a view; the same command may be added to several. A view that is missing (NULL) misses it, and so
+/// does every view a command without its end, for want of memory when it was made: it could never be executed.
 void ESH_CmdThread_Reg2View(ESH_VIEW_S* view, ESH_CMD_THREAD_S* thread);
 
 /// Adds a command to the user, system and management-interface views, in that order.
 void ESH_CmdThread_Reg2AllView(ESH_CMD_THREAD_S* thread);
-
-/// Whether some command may lack its end, for want of memory when it was made. Behind the last element of such a
-/// command stands the command itself, which is no element.
-[[nodiscard]] bool HasEndlessCommand();
 
 /// The command's first word position, or NULL when it has none.
 [[nodiscard]] inline ESH_CMD_ELEMENT_S* FirstElement(const ESH_CMD_THREAD_S& thread) {

@@ -138,11 +138,6 @@ bool MayContinue(const ESH_CMD_ELEMENT_S& element, const char* word) {
   }
 }
 
-bool IsCommand(const ESH_CMD_LINK_S* link) {
-  return FindSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec,
-                                    [&](const ESH_CMD_THREAD_S& thread) { return &thread == link; }) != nullptr;
-}
-
 /// @return false when memory is short.
 bool AddFirstElements(VEC_S& candidates) {
   bool complete = true;
@@ -157,7 +152,7 @@ bool AddFirstElements(VEC_S& candidates) {
 bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
   bool complete = true;
   ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
-    if (complete && !IsCr(element) && !(HasEndlessCommand() && IsCommand(element.pstNext))) {
+    if (complete && !IsCr(element)) {
       complete = VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext)) != kNoIndex;
     }
   });

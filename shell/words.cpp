@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 
 #include "util/fixed_text.h"
 #include "util/vector.h"
@@ -18,14 +17,16 @@ struct WordFreer {
 };
 using UniqueWord = std::unique_ptr<ESH_MARK_STR_S, WordFreer>;
 
-/// Makes the record of the word that stands at `start`, with its buffer behind it; NULL when memory is short.
+/// Makes the record of the word that stands at `start`; NULL when memory is short.
 UniqueWord MakeWord(std::string_view text, std::uint64_t start) {
-  void* memory = std::malloc(sizeof(ESH_MARK_STR_S) + kWordRoom);
-  if (memory == nullptr) {
+  UniqueWord word(static_cast<ESH_MARK_STR_S*>(std::calloc(1, sizeof(ESH_MARK_STR_S))));
+  if (word == nullptr) {
     return nullptr;
   }
-  UniqueWord word(new (memory) ESH_MARK_STR_S{});
-  word->pcWord = static_cast<char*>(memory) + sizeof(ESH_MARK_STR_S);
+  word->pcWord = static_cast<char*>(std::malloc(kWordRoom));
+  if (word->pcWord == nullptr) {
+    return nullptr;
+  }
   CopyBounded(word->pcWord, kWordRoom, text);
   word->ulStart = start;
   word->ulEnd = start + text.size() - 1;
@@ -45,7 +46,12 @@ bool AppendWord(VEC_S& words, std::string_view text, std::uint64_t start) {
 
 bool IsBlankLine(std::string_view line) { return line.find_first_not_of(kWhiteSpace) == std::string_view::npos; }
 
-void FreeMarkStr(ESH_MARK_STR_S* word) { std::free(word); }
+void FreeMarkStr(ESH_MARK_STR_S* word) {
+  if (word != nullptr) {
+    std::free(word->pcWord);
+    std::free(word);
+  }
+}
 
 void ESH_FreeMarkStrVec(VEC_S* words) { FreeVectorOf<ESH_MARK_STR_S>(words, FreeMarkStr); }
 

@@ -12,7 +12,7 @@ inline constexpr std::size_t kWordRoom = 513;
 /// Whether a line holds nothing but white space.
 [[nodiscard]] bool IsBlankLine(std::string_view line);
 
-/// One word of an input line.
+/// One word of an input line. Record and buffer are from malloc.
 struct ESH_MARK_STR_S {
   char* pcWord;           ///< the word, in a buffer of kWordRoom bytes that the record owns
   std::uint64_t ulStart;  ///< index in the line of its first character

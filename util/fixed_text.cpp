@@ -34,11 +34,6 @@ void TextBuilder::AppendText(std::string_view text) {
   length_ += std::min(text.size(), room_ - 1 - length_);
 }
 
-void TextBuilder::AppendRight(std::string_view text, std::size_t width) {
-  AppendRepeated(' ', width - std::min(text.size(), width));
-  AppendText(text);
-}
-
 void TextBuilder::AppendRepeated(char character, std::size_t count) {
   const std::size_t copied = std::min(count, room_ - 1 - length_);
   std::memset(buffer_ + length_, character, copied);

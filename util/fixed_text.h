@@ -26,8 +26,6 @@ class TextBuilder {
   void Append(const char* format, ...) __attribute__((format(printf, 2, 3)));
   /// Appends text as it is, cut likewise.
   void AppendText(std::string_view text);
-  /// Appends text with blanks before it, so that it takes at least `width` characters, cut likewise.
-  void AppendRight(std::string_view text, std::size_t width);
   /// Appends one character `count` times, cut likewise.
   void AppendRepeated(char character, std::size_t count);
   void Clear() { CutTo(0); }

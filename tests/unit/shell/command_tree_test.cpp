@@ -34,7 +34,7 @@ constexpr struct {
 
 TEST(CommandTree, TakesRangesOfTextsAndNumbersOnlyWhenTheyAreWellFormed) {
   for (const auto& c : kRanges) {
-    const TestView view("<t>", {c.text});
+    const TestView view("<t>", {(std::string(c.text) + " <cr>").c_str()});
     const ESH_CMD_ELEMENT_S& element = *FirstElement(OnlyCommand());
     EXPECT_EQ(std::to_string(element.ulMin) + "-" + std::to_string(element.ulMax), c.range) << c.text;
   }

@@ -63,7 +63,7 @@ struct ParseCase {
 
 constexpr char kAll[] =
     "\r\nUser view commands:\r\n"
-    "  half  What it is\r\n  one   What it is\r\n  set   What it is\r\n  show  What it is\r\n  twin  What it is\r\n  "
+    "  one   What it is\r\n  set   What it is\r\n  show  What it is\r\n  twin  What it is\r\n  "
     "two   What it is\r\n"
     "\r\n<boot>";
 
@@ -78,7 +78,7 @@ constexpr ParseCase kLines[] = {
     {"TWO ?", "\r\n  ?...  A name\r\n\r\n<boot>", "", "TWO "},
     {"two fl?", "\r\n  fl...\r\n\r\n<boot>", "", "two fl"},
     {"one ?x ?\n", "\r\n  <cr>  \r\n\r\n<boot>", "", "one "},
-    {"half ?", "\r\n<boot>", "", "half "},  // a command without an end
+    {"half\n", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n", "", ""},  // it has no end
     {"set 31?", "\r\n  INTEGER<10-31>\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 31"},
     {"set 1?", "\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 1"},
     {"set 1.2.?", "\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 1.2."},

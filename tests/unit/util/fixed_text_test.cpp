@@ -28,18 +28,6 @@ TEST(FixedText, CutsEveryWayOfAppendingAtTheRoom) {
   EXPECT_TRUE(text.Truncated());
 }
 
-TEST(FixedText, PutsTextToTheRightOfItsColumn) {
-  FixedText<12> text;
-  text.AppendRight("ab", 4);
-  text.AppendRight("", 1);
-  text.AppendRight("cde", 2);
-  EXPECT_EQ(text.View(), "  ab cde");
-  EXPECT_FALSE(text.Truncated());
-  text.AppendRight("f", 4);
-  EXPECT_EQ(text.View(), "  ab cde   ");
-  EXPECT_TRUE(text.Truncated());
-}
-
 TEST(FixedText, CopySaysWhetherItWasCut) {
   char buffer[4];
   EXPECT_TRUE(CopyText(buffer, "abc"));
