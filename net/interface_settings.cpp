@@ -1,5 +1,6 @@
 #include "net/interface_settings.h"
 
+#include <net/if.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
@@ -44,14 +45,8 @@ void AskLinkLayer(Inquiry& inquiry, InterfaceSettings& settings) {
     settings.hardware_family = answer->ifr_hwaddr.sa_family;
     std::memcpy(settings.hardware_address, answer->ifr_hwaddr.sa_data, sizeof(settings.hardware_address));
   }
-  if (const ifreq* answer = inquiry.Ask(SIOCGIFMETRIC)) {
-    settings.metric = answer->ifr_metric;
-  }
   if (const ifreq* answer = inquiry.Ask(SIOCGIFMTU)) {
     settings.mtu = answer->ifr_mtu;
-  }
-  if (const ifreq* answer = inquiry.Ask(SIOCGIFMAP)) {
-    settings.map = answer->ifr_map;
   }
   if (const ifreq* answer = inquiry.Ask(SIOCGIFTXQLEN)) {
     settings.transmit_queue_length = answer->ifr_qlen;
@@ -66,15 +61,11 @@ bool ReadInterfaceSettings(const char* interface, InterfaceSettings& settings) {
     return false;
   }
   Inquiry inquiry(socket.Get(), interface);
-  const ifreq* flags = inquiry.Ask(SIOCGIFFLAGS);
-  if (flags == nullptr) {
-    return false;
+  if (inquiry.Ask(SIOCGIFFLAGS) == nullptr) {
+    return false;  // no such interface
   }
-  settings.flags = flags->ifr_flags;
   AskLinkLayer(inquiry, settings);
   if (inquiry.AskAddress(SIOCGIFADDR, settings.address)) {
-    inquiry.AskAddress(SIOCGIFDSTADDR, settings.peer);
-    inquiry.AskAddress(SIOCGIFBRDADDR, settings.broadcast);
     inquiry.AskAddress(SIOCGIFNETMASK, settings.netmask);
   }
   return true;

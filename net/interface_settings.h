@@ -1,20 +1,14 @@
 #pragma once
 
-#include <net/if.h>
 #include <netinet/in.h>
 
-/// What the kernel tells about an interface. Addresses are 0.0.0.0 where the interface has none.
+/// What is shown of an interface's settings. Addresses are 0.0.0.0 where the interface has none.
 struct InterfaceSettings {
-  short flags = 0;
   unsigned short hardware_family = 0;  ///< an ARPHRD_ number
   unsigned char hardware_address[6] = {};
-  int metric = 0;
   int mtu = 0;
-  ifmap map = {};
   int transmit_queue_length = -1;
   in_addr address = {};
-  in_addr peer = {};
-  in_addr broadcast = {};
   in_addr netmask = {};
 };
 
