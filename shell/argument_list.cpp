@@ -21,12 +21,7 @@ bool AppendCopy(VEC_S& arguments, std::string_view text) {
 
 }  // namespace
 
-void ParserVecFree(VEC_S* vec) {
-  FreeVectorOf<char>(vec, [](char* text) {
-    explicit_bzero(text, std::strlen(text));  // one of a tool's words may be a password
-    std::free(text);
-  });
-}
+void ParserVecFree(VEC_S* vec) { FreeVectorOf<char>(vec, std::free); }
 
 UniqueArguments SplitCommandLine(std::string_view line, std::string_view blanks) {
   UniqueArguments arguments(VEC_Alloc(kUsualSlots));

@@ -7,7 +7,7 @@ struct VEC_S;
 
 /// The arguments of a program, as a vector of text buffers.
 
-/// Frees a vector of plain text buffers and the buffers, whose texts are overwritten. NULL is allowed.
+/// Frees a vector of plain text buffers and the buffers. NULL is allowed.
 void ParserVecFree(VEC_S* vec);
 
 struct ArgumentsFreer {
