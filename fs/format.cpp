@@ -38,7 +38,7 @@ std::uint32_t ESH_ProcFormat() {
   (void)!chdir(kScratchFolder);  // a medium that is the working directory is busy
   ToolLine line;
   line.Append("%s %s", kScript, device.Text());
-  const std::uint32_t verdict = RunToolLine(line, 1, 0);
+  const std::uint32_t verdict = RunTool(line);
   (void)ESH_SetPwd();  // whatever the script said
   return verdict;
 }

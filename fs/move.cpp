@@ -71,7 +71,7 @@ std::uint32_t Move(const char* source, const char* destination, const char* targ
   if (!CanRun(line) || WouldLose(source, target) || WouldAsk(target) || !TakeDeadLinkAway(target)) {
     return ESH_ERR_FAIL;
   }
-  const std::uint32_t moved = RunToolLine(line, 1, 0);
+  const std::uint32_t moved = RunTool(line);
   if (moved != kSuccess) {
     RemovePart(source, target);
   }

@@ -1,7 +1,6 @@
 #include "net/port_tools.h"
 
 #include "net/management_port.h"
-#include "shell/child_process.h"
 #include "shell/result.h"
 #include "shell/tool_line.h"
 
@@ -13,52 +12,48 @@ constexpr char kRemoveIPv6DefaultRoute[] = "/bin/route -A inet6 del ::/0";
 constexpr char kPortUp[] = "/bin/ifconfig m-eth0 up";
 constexpr char kPortDown[] = "/bin/ifconfig m-eth0 down";
 
-std::uint32_t Run(const char* line) { return ESH_ForkProcess(line, 1, 0); }
-
-std::uint32_t Run(const ToolLine& line) { return RunToolLine(line, 1, 0); }
-
 }  // namespace
 
 std::uint32_t ApplyIPv4Address(const char* address, const char* mask) {
   ToolLine line;
   line.Append("/bin/ifconfig m-eth0 %s netmask %s", address, mask);
-  return Run(line);
+  return RunTool(line);
 }
 
-std::uint32_t RemoveIPv4Address() { return Run(kRemoveIPv4Address); }
+std::uint32_t RemoveIPv4Address() { return RunTool(kRemoveIPv4Address); }
 
 std::uint32_t ApplyIPv6Address(const char* address, const char* prefix_length) {
   ToolLine line;
   line.Append("/bin/ifconfig m-eth0 %s/%s", address, prefix_length);
-  return Run(line);
+  return RunTool(line);
 }
 
 std::uint32_t RemoveIPv6Address(const char* address, const char* prefix_length) {
   ToolLine line;
   line.Append("/bin/ifconfig m-eth0 del %s/%s", address, prefix_length);
-  return Run(line);
+  return RunTool(line);
 }
 
 std::uint32_t AddIPv4DefaultRoute(const char* gateway) {
   ToolLine line;
   line.Append("/bin/route add default gw %s", gateway);
-  return Run(line);
+  return RunTool(line);
 }
 
-std::uint32_t RemoveIPv4DefaultRoute() { return Run(kRemoveIPv4DefaultRoute); }
+std::uint32_t RemoveIPv4DefaultRoute() { return RunTool(kRemoveIPv4DefaultRoute); }
 
 std::uint32_t AddIPv6DefaultRoute(const char* gateway) {
   ToolLine line;
   line.Append("/bin/route -A inet6 add ::/0 gw %s dev %s", gateway, kPortName);
-  return Run(line);
+  return RunTool(line);
 }
 
-std::uint32_t RemoveIPv6DefaultRoute() { return Run(kRemoveIPv6DefaultRoute); }
+std::uint32_t RemoveIPv6DefaultRoute() { return RunTool(kRemoveIPv6DefaultRoute); }
 
-std::uint32_t BringPortUp() { return Run(kPortUp); }
+std::uint32_t BringPortUp() { return RunTool(kPortUp); }
 
 std::uint32_t TakePortDown() {
-  const std::uint32_t address_removed = Run(kRemoveIPv4Address);
-  const std::uint32_t down = Run(kPortDown);
+  const std::uint32_t address_removed = RunTool(kRemoveIPv4Address);
+  const std::uint32_t down = RunTool(kPortDown);
   return address_removed == kSuccess && down == kSuccess ? kSuccess : ESH_ERR_FAIL;
 }

@@ -5,8 +5,8 @@
 #include <cstddef>
 
 #include "net/system_proc.h"
-#include "shell/child_process.h"
 #include "shell/result.h"
+#include "shell/tool_line.h"
 #include "term/pager.h"
 #include "util/unique_handle.h"
 #include "util/whole_file.h"
@@ -19,7 +19,7 @@ constexpr char kWriteIPv6Table[] = "/bin/route -A inet6 -n > /etc/pkg/route_tabl
 
 }  // namespace
 
-std::uint32_t ESH_ProcDisIPGateway() { return ESH_ForkProcess(kShowIPv4Table, 1, 0); }
+std::uint32_t ESH_ProcDisIPGateway() { return RunTool(kShowIPv4Table); }
 
 std::uint32_t ESH_ProcDisIPv6Gateway() {
   (void)ESH_SystemProc(kWriteIPv6Table);  // the file tells what came of it

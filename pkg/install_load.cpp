@@ -23,11 +23,11 @@
 #include "pkg/product_code.h"
 #include "pkg/progress_dots.h"
 #include "pkg/system_image.h"
-#include "shell/child_process.h"
 #include "shell/ip_stack.h"
 #include "shell/orderly_exit.h"
 #include "shell/parameter.h"
 #include "shell/result.h"
+#include "shell/tool_line.h"
 #include "term/terminal.h"
 #include "util/fixed_text.h"
 
@@ -119,7 +119,7 @@ std::uint32_t UnloadIpStack() {
   ESH_DeleteIPv4Addr();
   std::uint32_t verdict = kSuccess;
   for (const char* tool : kUnloadIpStack) {
-    verdict += ESH_ForkProcess(tool, 1, 0);
+    verdict += RunTool(tool);
   }
   return verdict;
 }

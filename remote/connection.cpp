@@ -2,11 +2,14 @@
 
 #include <csignal>
 
+#include "shell/child_process.h"
+#include "shell/result.h"
+
 std::uint32_t RunConnection(const ToolLine& line) {
   // "z" at telnet's own prompt makes the tool stop itself. The shell waits for its end and there is nobody to wake it:
   // the console would be lost. A signal that is ignored here stays ignored in the tool.
   const auto before = std::signal(SIGTSTP, SIG_IGN);
-  const std::uint32_t verdict = RunToolLine(line, 1, 1);
+  const std::uint32_t verdict = line.Truncated() ? ESH_ERR_FAIL : ESH_ForkProcess(line.Text(), 1, 1);
   std::signal(SIGTSTP, before);
   return verdict;
 }

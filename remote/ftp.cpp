@@ -19,7 +19,7 @@ using TransferFn = std::uint32_t (*)(const char* address);
 std::uint32_t Transfer(const char* tool, const char* address, const char* first_file, const char* second_file) {
   ToolLine line;
   line.Append("%s -u %s -p %s %s %s %s", tool, g_szUserName, g_szPassword, address, first_file, second_file);
-  const std::uint32_t verdict = RunToolLine(line, 0, 0);
+  const std::uint32_t verdict = RunStoppableTool(line);
   explicit_bzero(line.Text(), line.Length());  // it holds the password
   return verdict;
 }

@@ -16,7 +16,7 @@ std::uint32_t Get(const char* address) {
   }
   ToolLine line;
   line.Append("/bin/tftp -g -r %s -l %s %s", g_szRemoteFile, target.Text(), address);
-  return Stored(RunToolLine(line, 0, 0), target);
+  return Stored(RunStoppableTool(line), target);
 }
 
 std::uint32_t Put(const char* address) {
@@ -26,7 +26,7 @@ std::uint32_t Put(const char* address) {
   }
   ToolLine line;
   line.Append("/bin/tftp -p -l %s -r %s %s", source, g_szRemoteFile, address);
-  return RunToolLine(line, 0, 0);
+  return RunStoppableTool(line);
 }
 
 }  // namespace

@@ -4,9 +4,9 @@
 
 #include <cstdio>
 
-#include "shell/child_process.h"
 #include "shell/command_table.h"
 #include "shell/result.h"
+#include "shell/tool_line.h"
 #include "term/prompts.h"
 
 namespace {
@@ -32,8 +32,8 @@ std::uint32_t ESH_ProcReboot() {
 }
 
 std::uint32_t ESH_Reboot() {
-  (void)ESH_ForkProcess(kLinkReboot, 1, 0);  // fails where the link exists already, which is what is wanted
-  return ESH_ForkProcess(kReboot, 1, 0);
+  (void)RunTool(kLinkReboot);  // fails where the link exists already, which is what is wanted
+  return RunTool(kReboot);
 }
 
 void BecomeReboot() {

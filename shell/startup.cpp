@@ -24,6 +24,7 @@
 #include "shell/parser.h"
 #include "shell/reboot.h"
 #include "shell/result.h"
+#include "shell/tool_line.h"
 #include "shell/view.h"
 #include "shell/view_commands.h"
 #include "term/completion.h"
@@ -45,8 +46,6 @@ constexpr char kLoadIpStack[] = "/bin/insmod /lib/modules/ipstack.ko";
 constexpr char kLoopbackUp[] = "/bin/ifconfig lo up";
 
 /// A tool of start-up: Ctrl+C cannot break it off.
-std::uint32_t RunTool(const char* cmdline) { return ESH_ForkProcess(cmdline, 1, 0); }
-
 /// @return the verdict on the steps that count.
 std::uint32_t LoadModules() {
   if (HasLoadedKo() == 0) {

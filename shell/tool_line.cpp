@@ -3,6 +3,10 @@
 #include "shell/child_process.h"
 #include "shell/result.h"
 
-std::uint32_t RunToolLine(const ToolLine& line, std::uint16_t ignoreInt, std::uint16_t echo) {
-  return line.Truncated() ? ESH_ERR_FAIL : ESH_ForkProcess(line.Text(), ignoreInt, echo);
+std::uint32_t RunTool(const char* line) { return ESH_ForkProcess(line, 1, 0); }
+
+std::uint32_t RunTool(const ToolLine& line) { return line.Truncated() ? ESH_ERR_FAIL : RunTool(line.Text()); }
+
+std::uint32_t RunStoppableTool(const ToolLine& line) {
+  return line.Truncated() ? ESH_ERR_FAIL : ESH_ForkProcess(line.Text(), 0, 0);
 }

@@ -10,7 +10,11 @@ inline constexpr std::size_t kToolLineRoom = 2048;
 /// The command line of a tool: words split at blanks, the first one its absolute path.
 using ToolLine = FixedText<kToolLineRoom>;
 
-/// Runs a tool as ESH_ForkProcess does (shell/child_process.h), unless its line was cut: half a line would be another
-/// command.
+/// Runs a tool without echo (ESH_ForkProcess, shell/child_process.h); Ctrl+C does not end it. A line that was cut is not
+/// run: half a line would be another command.
 /// @return 0 when the tool exited with status 0, otherwise ESH_ERR_FAIL.
-std::uint32_t RunToolLine(const ToolLine& line, std::uint16_t ignoreInt, std::uint16_t echo);
+std::uint32_t RunTool(const char* line);
+std::uint32_t RunTool(const ToolLine& line);
+
+/// Likewise, but Ctrl+C ends the tool.
+std::uint32_t RunStoppableTool(const ToolLine& line);
