@@ -14,8 +14,6 @@ namespace {
 
 constexpr char kFtp[] = "ftp";
 
-using TransferFn = std::uint32_t (*)(const char* address);
-
 std::uint32_t Transfer(const char* tool, const char* address, const char* first_file, const char* second_file) {
   ToolLine line;
   line.Append("%s -u %s -p %s %s %s %s", tool, g_szUserName, g_szPassword, address, first_file, second_file);
@@ -46,29 +44,38 @@ std::uint32_t Put(const char* address) {
   return refusal ? *refusal : Transfer("/bin/ftpput", address, g_szRemoteFile, source);
 }
 
-/// The rest of a transfer, once its host is checked.
-std::uint32_t LogInAndTransfer(const Refusal& host, TransferFn transfer, const char* address) {
-  const PasswordForgotten forgotten;
-  if (host) {
-    return *host;
-  }
-  return GetFTPUserPassword() == kSuccess ? transfer(address) : ESH_ERR_FAIL;
-}
-
-/// In place of Get: only here is an IPv6 address looked at once more behind the credentials.
-std::uint32_t GetFromSpecified(const char* address) {
-  const Refusal refusal = CheckIPv6Specified(kUnrecognizedIPv6Host);
-  return refusal ? *refusal : Get(address);
-}
-
 }  // namespace
 
-std::uint32_t ESH_ProcFtpget() { return LogInAndTransfer(CheckIPv4Host(), Get, g_szIPv4Address); }
+std::uint32_t ESH_ProcFtpget() {
+  const PasswordForgotten forgotten;
+  if (const Refusal refusal = CheckIPv4Host()) {
+    return *refusal;
+  }
+  return GetFTPUserPassword() == kSuccess ? Get(g_szIPv4Address) : ESH_ERR_FAIL;
+}
 
-std::uint32_t ESH_ProcFtpput() { return LogInAndTransfer(CheckIPv4Host(), Put, g_szIPv4Address); }
+std::uint32_t ESH_ProcFtpput() {
+  const PasswordForgotten forgotten;
+  if (const Refusal refusal = CheckIPv4Host()) {
+    return *refusal;
+  }
+  return GetFTPUserPassword() == kSuccess ? Put(g_szIPv4Address) : ESH_ERR_FAIL;
+}
 
-std::uint32_t ESH_ProcFtpIPv6get() { return LogInAndTransfer(CheckIPv6Text(), GetFromSpecified, g_szIPv6Address); }
+std::uint32_t ESH_ProcFtpIPv6get() {
+  const PasswordForgotten forgotten;
+  if (CheckIPv6Text() || GetFTPUserPassword() != kSuccess) {
+    return ESH_ERR_FAIL;
+  }
+  // Only here is "::" refused behind the credentials.
+  const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host);
+  return refusal ? *refusal : Get(g_szIPv6Address);
+}
 
 std::uint32_t ESH_ProcFtpIPv6put() {
-  return LogInAndTransfer(CheckIPv6Host(kUnrecognizedIPv6Host), Put, g_szIPv6Address);
+  const PasswordForgotten forgotten;
+  if (const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host)) {
+    return *refusal;
+  }
+  return GetFTPUserPassword() == kSuccess ? Put(g_szIPv6Address) : ESH_ERR_FAIL;
 }

@@ -23,19 +23,17 @@ Refusal CheckIPv4Host() {
   return ESH_ERR_FAIL;
 }
 
-Refusal CheckIPv6Host(const char* message) {
-  const Refusal refusal = CheckIPv6Text();
-  return refusal ? refusal : CheckIPv6Specified(message);
-}
-
 Refusal CheckIPv6Text() {
   in6_addr address;
   return ReadAddress(address) ? Refusal() : ESH_ERR_FAIL;
 }
 
-Refusal CheckIPv6Specified(const char* message) {
+Refusal CheckIPv6Host(const char* message) {
   in6_addr address;
-  if (!ReadAddress(address) || !IN6_IS_ADDR_UNSPECIFIED(&address)) {
+  if (!ReadAddress(address)) {
+    return ESH_ERR_FAIL;
+  }
+  if (!IN6_IS_ADDR_UNSPECIFIED(&address)) {
     return std::nullopt;
   }
   std::puts(message);

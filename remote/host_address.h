@@ -9,10 +9,9 @@ inline constexpr char kUnrecognizedIPv6Host[] = "Unrecognized IPv6 host or wrong
 /// Refuses an IPv4 address that is no single host's, and says so.
 [[nodiscard]] Refusal CheckIPv4Host();
 
-/// Refuses an IPv6 address that does not convert, silently, and the unspecified one ("::") with a message.
+/// Refuses an IPv6 address that does not convert, silently.
+[[nodiscard]] Refusal CheckIPv6Text();
+
+/// Likewise, and the unspecified one ("::") with a message.
 /// @param message printed with puts(3).
 [[nodiscard]] Refusal CheckIPv6Host(const char* message);
-
-/// The two halves of CheckIPv6Host.
-[[nodiscard]] Refusal CheckIPv6Text();
-[[nodiscard]] Refusal CheckIPv6Specified(const char* message);

@@ -7,9 +7,7 @@
 
 namespace {
 
-std::uint32_t Ping(const Refusal& refusal, const ToolLine& line) {
-  return refusal ? *refusal : RunStoppableTool(line);
-}
+std::uint32_t Ping(const Refusal& refusal, const ToolLine& line) { return refusal ? *refusal : RunStoppableTool(line); }
 
 std::uint32_t PingIPv4(const ToolLine& line) { return Ping(CheckIPv4Host(), line); }
 
