@@ -29,10 +29,24 @@ std::uint32_t JoinWorkingDirectory(const char* name, JoinedName& joined) {
   return kSuccess;
 }
 
-std::uint32_t ExpandWithoutDevice(const char* name, char* full) {
+/// expandMnt2DiskFullFileName with a floor for "..".
+std::uint32_t ExpandWithDevice(std::string_view name, std::uint32_t floor, char* full) {
+  if (name.starts_with(kMediaRoot)) {
+    name.remove_prefix(kMediaPrefix.size());
+  }
+  if (!IsValidDeviceName(DeviceNameOf(name))) {
+    return ESH_ERR_FAIL;
+  }
+  JoinedName joined;
+  joined.AppendText(kMediaPrefix);
+  joined.AppendText(name);
+  return eliminatePoint(joined.Text(), floor, kNameRoom, full);
+}
+
+std::uint32_t ExpandWithoutDevice(const char* name, std::uint32_t floor, char* full) {
   JoinedName joined;
   if (JoinWorkingDirectory(name, joined) != kSuccess ||
-      eliminatePoint(joined.Text(), kRootFloor, kNameRoom, full) != kSuccess) {
+      eliminatePoint(joined.Text(), floor, kNameRoom, full) != kSuccess) {
     return ESH_ERR_FAIL;
   }
   if (!HoldsDevice(full)) {
@@ -40,19 +54,24 @@ std::uint32_t ExpandWithoutDevice(const char* name, char* full) {
   }
   JoinedName with_device;
   with_device.AppendText(full);
-  return expandMnt2DiskFullFileName(with_device.View(), full);
+  return ExpandWithDevice(with_device.View(), floor, full);
 }
 
-/// Whether ".." stays below "/mnt/<device>".
-bool StaysInsideMedium(const char* name) {
-  JoinedName joined;
-  if (HoldsDevice(name)) {
-    joined.Append("%s/%s", kMediaRoot, name);
-  } else if (JoinWorkingDirectory(name, joined) != kSuccess) {
-    return false;
+/// Converts a user or full name, whose ".." may not climb above the floor.
+/// @param size room of `output` in bytes, which on a refusal holds whatever was built so far.
+std::uint32_t Convert(const char* name, std::uint32_t floor, std::size_t size, char* output) {
+  char full[kNameRoom];
+  full[0] = '\0';
+  std::uint32_t verdict = ESH_ERR_FAIL;
+  if (name != nullptr && ESH_FS_IsValidFileName(name) == kSuccess) {
+    verdict = HoldsDevice(name) ? ExpandWithDevice(name, floor, full) : ExpandWithoutDevice(name, floor, full);
   }
-  char resolved[2 * kNameRoom];
-  return eliminatePoint(joined.Text(), kMediumFloor, sizeof(resolved), resolved) == kSuccess;
+  return CopyBounded(output, size, full) ? verdict : ESH_ERR_FAIL;
+}
+
+/// A typed name stays inside its medium, and where that is mounted is not the user's business.
+std::uint32_t ConvertTyped(const char* name, std::size_t size, char* output) {
+  return Convert(name != nullptr && name[0] != '/' ? name : nullptr, kMediumFloor, size, output);
 }
 
 /// What stands behind "/mnt/<device>/" of a full name.
@@ -67,26 +86,11 @@ std::string_view BehindDevice(std::string_view full) {
 }  // namespace
 
 std::uint32_t expandMnt2DiskFullFileName(std::string_view name, char* full) {
-  if (name.starts_with(kMediaRoot)) {
-    name.remove_prefix(kMediaPrefix.size());
-  }
-  if (!IsValidDeviceName(DeviceNameOf(name))) {
-    return ESH_ERR_FAIL;
-  }
-  JoinedName joined;
-  joined.AppendText(kMediaPrefix);
-  joined.AppendText(name);
-  return eliminatePoint(joined.Text(), kRootFloor, kNameRoom, full);
+  return ExpandWithDevice(name, kRootFloor, full);
 }
 
 std::uint32_t ESH_FS_GetFullFileName(const char* name, std::size_t size, char* output) {
-  char full[kNameRoom];
-  full[0] = '\0';
-  std::uint32_t verdict = ESH_ERR_FAIL;
-  if (name != nullptr && ESH_FS_IsValidFileName(name) == kSuccess) {
-    verdict = HoldsDevice(name) ? expandMnt2DiskFullFileName(name, full) : ExpandWithoutDevice(name, full);
-  }
-  return CopyBounded(output, size, full) ? verdict : ESH_ERR_FAIL;
+  return Convert(name, kRootFloor, size, output);
 }
 
 std::uint32_t ESH_FS_GetUserFileName(const char* name, std::size_t size, char* output) {
@@ -104,12 +108,8 @@ std::uint32_t ESH_FS_GetUserFileNameByFullName(const char* name, std::size_t siz
 }
 
 std::uint32_t ESH_FS_IsValidEshInputFileName(const char* name) {
-  if (name == nullptr || name[0] == '/') {
-    return ESH_ERR_FAIL;  // where media are mounted is not the user's business
-  }
   char full[kNameRoom];
-  const bool valid = ESH_FS_GetFullFileName(name, sizeof(full), full) == kSuccess && StaysInsideMedium(name);
-  return valid ? kSuccess : ESH_ERR_FAIL;
+  return ConvertTyped(name, sizeof(full), full);
 }
 
 std::uint32_t ESH_FS_IsValidUserFileName(const char* name) {
@@ -119,10 +119,7 @@ std::uint32_t ESH_FS_IsValidUserFileName(const char* name) {
   JoinedName with_root;
   with_root.Append("%s/%s", kMediaRoot, name);
   char full[kNameRoom];
-  const bool valid = !with_root.Truncated() &&
-                     ESH_FS_GetFullFileName(with_root.Text(), sizeof(full), full) == kSuccess &&
-                     StaysInsideMedium(name);
-  return valid ? kSuccess : ESH_ERR_FAIL;
+  return with_root.Truncated() ? ESH_ERR_FAIL : Convert(with_root.Text(), kMediumFloor, sizeof(full), full);
 }
 
 std::uint32_t ESH_FS_IsValidFullFileName(const char* name) {
@@ -131,9 +128,8 @@ std::uint32_t ESH_FS_IsValidFullFileName(const char* name) {
 }
 
 std::uint32_t ESH_InputName2FullValidName(const char* name, std::uint16_t expectFile, std::size_t size, char* output) {
-  const bool is_legal =
-      ESH_FS_IsValidEshInputFileName(name) == kSuccess && (expectFile != 1 || ESH_IsExpectFile(name) == 1);
-  return ESH_FS_GetFullFileName(is_legal ? name : nullptr, size, output);
+  const bool is_legal = name != nullptr && (expectFile != 1 || ESH_IsExpectFile(name) == 1);
+  return ConvertTyped(is_legal ? name : nullptr, size, output);
 }
 
 std::uint32_t ESH_FS_AnalyseFileName(const char* name, char* directory, char* file) {
