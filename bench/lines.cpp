@@ -13,11 +13,11 @@
 
 #include "bench/measure.h"
 #include "bench/own_shell.h"
-#include "shell/command_table.h"
+#include "shell/command/command_table.h"
 #include "shell/parser.h"
-#include "shell/result.h"
 #include "term/line_editor.h"
 #include "tests/support/private_root.h"
+#include "util/result.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <fstream>
 
 #include "bench/measure.h"
-#include "pkg/install_load.h"
-#include "shell/result.h"
+#include "pkg/install/install_load.h"
+#include "util/result.h"
 
 int main(int argc, char** argv) {
   Require(argc == 3 && ESH_PKG_InstallLoadSystem(argv[1]) == kSuccess, "a package is not loaded");

@@ -11,9 +11,9 @@
 
 #include "bench/booted_shell.h"
 #include "bench/measure.h"
-#include "pkg/boot_image.h"
-#include "pkg/product_code.h"
-#include "pkg/signature.h"
+#include "pkg/format/product_code.h"
+#include "pkg/format/signature.h"
+#include "pkg/install/boot_image.h"
 #include "tests/support/private_root.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/device_key.h"

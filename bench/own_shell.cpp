@@ -3,10 +3,10 @@
 #include <cstdlib>
 
 #include "bench/measure.h"
+#include "shell/command/view.h"
 #include "shell/parser.h"
 #include "shell/startup.h"
-#include "shell/view.h"
-#include "term/completion.h"
+#include "term/help/completion.h"
 #include "term/history.h"
 #include "term/line_editor.h"
 #include "term/line_state.h"

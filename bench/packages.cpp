@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "bench/measure.h"
-#include "pkg/signature.h"
+#include "pkg/format/signature.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/package_signer.h"
 #include "tools/mkpkg/package_writer.h"

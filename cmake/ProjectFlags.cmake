@@ -37,9 +37,14 @@ add_library(esh_test_flags INTERFACE)
 target_link_libraries(esh_test_flags INTERFACE esh_flags)
 target_compile_options(esh_test_flags INTERFACE -O0 -fPIE)
 
-# One layer of the shell. It uses only layers below it, which its unit test proves by linking nothing else.
+# One layer of the shell: what stands in a folder, or the sources named. It uses only layers below it, which its unit test
+# proves by linking nothing else.
 function(esh_layer name)
-  cmake_parse_arguments(LAYER "" "" "SOURCES;USES" ${ARGN})
+  cmake_parse_arguments(LAYER "" "FOLDER" "SOURCES;USES" ${ARGN})
+  if(LAYER_FOLDER)
+    file(GLOB LAYER_SOURCES CONFIGURE_DEPENDS ${LAYER_FOLDER}/*.cpp)
+    list(FILTER LAYER_SOURCES EXCLUDE REGEX "/main\\.cpp$") # of the program that is linked with it
+  endif()
   add_library(${name} STATIC ${LAYER_SOURCES})
   target_link_libraries(${name} PRIVATE esh_product_flags PUBLIC ${LAYER_USES})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})

@@ -10,9 +10,9 @@
 
 #include "fs/file_messages.h"
 #include "fs/named_file.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "term/prompts.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

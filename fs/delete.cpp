@@ -6,14 +6,14 @@
 #include <cstdio>
 
 #include "fs/file_messages.h"
-#include "fs/name_rules.h"
 #include "fs/named_file.h"
+#include "fs/names/name_rules.h"
 #include "fs/path.h"
 #include "fs/user_file.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "term/prompts.h"
 #include "term/terminal.h"
+#include "util/result.h"
 
 namespace {
 

@@ -11,14 +11,14 @@
 #include <string_view>
 
 #include "fs/file_messages.h"
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "fs/path.h"
 #include "fs/working_directory.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "term/pager.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

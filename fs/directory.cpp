@@ -8,14 +8,14 @@
 #include <cstring>
 
 #include "fs/file_messages.h"
-#include "fs/name_rules.h"
 #include "fs/named_file.h"
+#include "fs/names/name_rules.h"
 #include "fs/path.h"
 #include "fs/user_file.h"
 #include "fs/working_directory.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "term/prompts.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

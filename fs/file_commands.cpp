@@ -10,8 +10,8 @@
 #include "fs/move.h"
 #include "fs/pwd.h"
 #include "fs/user_file.h"
-#include "shell/command_table.h"
-#include "shell/parameter.h"
+#include "shell/command/command_table.h"
+#include "shell/command/parameter.h"
 
 namespace {
 

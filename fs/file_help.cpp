@@ -10,12 +10,12 @@
 #include <string_view>
 
 #include "fs/medium.h"
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "fs/path.h"
-#include "shell/result.h"
-#include "term/help_list.h"
+#include "term/help/help_list.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

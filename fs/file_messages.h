@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "shell/result.h"
+#include "util/result.h"
 
 /// Messages that more than one command on files prints. Those that end in "\r" are written with puts(3).
 

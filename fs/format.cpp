@@ -4,13 +4,13 @@
 
 #include <cstdio>
 
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "fs/working_directory.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
-#include "shell/tool_line.h"
+#include "shell/command/parameter.h"
+#include "shell/tool/tool_line.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 
 namespace {
 

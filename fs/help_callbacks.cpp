@@ -4,9 +4,9 @@
 
 #include "fs/file_help.h"
 #include "fs/medium.h"
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "fs/path.h"
-#include "shell/result.h"
+#include "util/result.h"
 
 std::uint32_t HelpMore(const char* word, VEC_S* help, const ESH_CMD_ELEMENT_S* /*element*/) {
   return FS_HelpBaseEx(word, FS_HELP_EXISTING_FILE, nullptr, help);

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "util/fixed_text.h"
 #include "util/unique_handle.h"
 #include "util/vector.h"

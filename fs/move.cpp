@@ -7,14 +7,14 @@
 #include <string_view>
 
 #include "fs/file_messages.h"
-#include "fs/name_rules.h"
 #include "fs/named_file.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
-#include "shell/tool_line.h"
+#include "fs/names/name_rules.h"
+#include "shell/command/parameter.h"
+#include "shell/tool/tool_line.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
 #include "util/new_file.h"
+#include "util/result.h"
 
 namespace {
 

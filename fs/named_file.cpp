@@ -9,9 +9,9 @@
 #include <string_view>
 
 #include "fs/path.h"
-#include "shell/result.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 
 /// A file or directory that a command works on.
 struct NamedFile {

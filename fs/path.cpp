@@ -3,11 +3,11 @@
 #include <cstring>
 #include <string_view>
 
-#include "fs/dot_elimination.h"
-#include "fs/name_rules.h"
+#include "fs/names/dot_elimination.h"
+#include "fs/names/name_rules.h"
 #include "fs/working_directory.h"
-#include "shell/result.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 
 namespace {
 

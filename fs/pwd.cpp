@@ -2,10 +2,10 @@
 
 #include <cstdio>
 
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "fs/path.h"
 #include "fs/working_directory.h"
-#include "shell/result.h"
+#include "util/result.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "fs/medium.h"
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "fs/path.h"
-#include "shell/result.h"
+#include "util/result.h"
 
 namespace {
 

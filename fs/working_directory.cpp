@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "fs/name_rules.h"
-#include "shell/result.h"
+#include "fs/names/name_rules.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "fs/dot_elimination.h"
+#include "fs/names/dot_elimination.h"
 
 #include <string>
 
 #include "fuzz/require.h"
-#include "shell/result.h"
+#include "util/result.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string name(reinterpret_cast<const char*>(data), size);

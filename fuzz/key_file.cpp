@@ -1,5 +1,5 @@
 #include "fuzz/require.h"
-#include "pkg/public_key.h"
+#include "pkg/format/public_key.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   PublicKey key;

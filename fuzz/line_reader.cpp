@@ -1,4 +1,4 @@
-#include "pkg/line_reader.h"
+#include "pkg/format/line_reader.h"
 
 #include <cstdint>
 #include <cstring>

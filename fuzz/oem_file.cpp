@@ -1,10 +1,10 @@
-#include "pkg/oem_file.h"
+#include "pkg/identity/oem_file.h"
 
 #include <cstdint>
 #include <cstring>
 
 #include "fuzz/require.h"
-#include "pkg/corporation_tables.h"
+#include "pkg/identity/corporation_tables.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   OEM_CONSUMER_INFO_S info = {};

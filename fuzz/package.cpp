@@ -7,10 +7,10 @@
 #include <string_view>
 
 #include "fuzz/require.h"
-#include "pkg/contained_file.h"
-#include "pkg/fingerprint_trailer.h"
-#include "pkg/head_check.h"
-#include "pkg/signature.h"
+#include "pkg/format/contained_file.h"
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/head_check.h"
+#include "pkg/format/signature.h"
 #include "util/unique_handle.h"
 #include "util/whole_file.h"
 

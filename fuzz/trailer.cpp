@@ -2,8 +2,8 @@
 #include <string>
 
 #include "fuzz/require.h"
-#include "pkg/fingerprint_trailer.h"
-#include "pkg/package_format.h"
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/package_format.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);

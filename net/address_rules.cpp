@@ -4,7 +4,7 @@
 
 #include <bit>
 
-#include "shell/parameter.h"
+#include "shell/command/parameter.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include "net/interface_settings.h"
 #include "net/ipv6_listing.h"
 #include "net/management_port.h"
-#include "shell/result.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include "net/address_rules.h"
 #include "net/management_port.h"
 #include "net/port_tools.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 #include "net/management_port.h"
 #include "net/port_tools.h"
 #include "net/shutdown.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "util/decimal.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 #include "net/management_port.h"
 #include "net/port_tools.h"
 #include "net/shutdown.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "util/decimal.h"
+#include "util/result.h"
 
 std::uint32_t ESH_ProcIPv6AddrPreLen() {
   in6_addr address{};

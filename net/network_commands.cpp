@@ -6,8 +6,8 @@
 #include "net/ipv6_address.h"
 #include "net/routing_table.h"
 #include "net/shutdown.h"
-#include "shell/command_table.h"
-#include "shell/parameter.h"
+#include "shell/command/command_table.h"
+#include "shell/command/parameter.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "net/port_tools.h"
 
 #include "net/management_port.h"
-#include "shell/result.h"
-#include "shell/tool_line.h"
+#include "shell/tool/tool_line.h"
+#include "util/result.h"
 
 namespace {
 

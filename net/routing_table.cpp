@@ -5,9 +5,9 @@
 #include <cstddef>
 
 #include "net/system_proc.h"
-#include "shell/result.h"
-#include "shell/tool_line.h"
+#include "shell/tool/tool_line.h"
 #include "term/pager.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 #include "util/whole_file.h"
 

@@ -4,7 +4,7 @@
 
 #include "net/management_port.h"
 #include "net/port_tools.h"
-#include "shell/result.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "net/system_proc.h"
 
-#include "shell/script_file.h"
-#include "shell/tool_line.h"
+#include "shell/tool/script_file.h"
+#include "shell/tool/tool_line.h"
 
 namespace {
 

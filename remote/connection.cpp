@@ -2,8 +2,8 @@
 
 #include <csignal>
 
-#include "shell/child_process.h"
-#include "shell/result.h"
+#include "shell/tool/child_process.h"
+#include "util/result.h"
 
 std::uint32_t RunConnection(const ToolLine& line) {
   // "z" at telnet's own prompt makes the tool stop itself. The shell waits for its end and there is nobody to wake it:

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "shell/tool_line.h"
+#include "shell/tool/tool_line.h"
 
 /// Runs a tool through which the operator works on another host. Keys that elsewhere would end or stop it are the other
 /// host's; the terminal echoes as it did before the shell started.

@@ -3,12 +3,12 @@
 #include <cstring>
 #include <string_view>
 
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "term/line_editor.h"
 #include "term/line_state.h"
 #include "term/terminal.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include "remote/credentials.h"
 #include "remote/host_address.h"
 #include "remote/local_file.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
-#include "shell/tool_line.h"
+#include "shell/command/parameter.h"
+#include "shell/tool/tool_line.h"
+#include "util/result.h"
 
 namespace {
 

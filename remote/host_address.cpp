@@ -6,8 +6,8 @@
 #include <cstdio>
 
 #include "net/address_rules.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
+#include "util/result.h"
 
 namespace {
 

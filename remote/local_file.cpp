@@ -11,10 +11,10 @@
 #include "fs/named_file.h"
 #include "fs/path.h"
 #include "fs/user_file.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "term/prompts.h"
 #include "util/new_file.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "remote/refusal.h"
 #include "util/fixed_text.h"
 

@@ -2,8 +2,8 @@
 
 #include "net/address_rules.h"
 #include "remote/host_address.h"
-#include "shell/parameter.h"
-#include "shell/tool_line.h"
+#include "shell/command/parameter.h"
+#include "shell/tool/tool_line.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "remote/ssh.h"
 #include "remote/telnet.h"
 #include "remote/tftp.h"
-#include "shell/command_table.h"
-#include "shell/parameter.h"
+#include "shell/command/command_table.h"
+#include "shell/command/parameter.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "remote/remote_file.h"
 
-#include "fs/name_rules.h"
-#include "shell/result.h"
-#include "term/help_list.h"
+#include "fs/names/name_rules.h"
+#include "term/help/help_list.h"
+#include "util/result.h"
 
 std::uint16_t CheckRemoteFile(const char* word) { return ESH_FS_IsValidFileName(word) == kSuccess ? 1 : 0; }
 

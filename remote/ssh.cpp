@@ -7,8 +7,8 @@
 #include "remote/connection.h"
 #include "remote/credentials.h"
 #include "remote/host_address.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
+#include "util/result.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "remote/connection.h"
 #include "remote/host_address.h"
-#include "shell/parameter.h"
+#include "shell/command/parameter.h"
 
 namespace {
 

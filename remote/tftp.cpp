@@ -2,8 +2,8 @@
 
 #include "remote/host_address.h"
 #include "remote/local_file.h"
-#include "shell/parameter.h"
-#include "shell/tool_line.h"
+#include "shell/command/parameter.h"
+#include "shell/tool/tool_line.h"
 
 namespace {
 

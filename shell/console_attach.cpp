@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <initializer_list>
 
-#include "shell/result.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

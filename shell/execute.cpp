@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <optional>
 
-#include "shell/command_tree.h"
-#include "shell/match.h"
-#include "shell/match_error.h"
-#include "shell/words.h"
+#include "shell/command/command_tree.h"
+#include "shell/command/match.h"
+#include "shell/command/match_error.h"
+#include "shell/command/words.h"
 #include "util/vector.h"
 
 namespace {

@@ -3,12 +3,12 @@
 #include <cstdint>
 #include <cstring>
 
-#include "shell/command_tree.h"
+#include "shell/command/command_tree.h"
+#include "shell/command/view.h"
+#include "shell/command/words.h"
 #include "shell/execute.h"
-#include "shell/view.h"
-#include "shell/words.h"
-#include "term/completion.h"
-#include "term/help.h"
+#include "term/help/completion.h"
+#include "term/help/help.h"
 #include "term/line_editor.h"
 #include "term/line_state.h"
 #include "term/terminal.h"

@@ -4,10 +4,10 @@
 
 #include <cstdio>
 
-#include "shell/command_table.h"
-#include "shell/result.h"
-#include "shell/tool_line.h"
+#include "shell/command/command_table.h"
+#include "shell/tool/tool_line.h"
 #include "term/prompts.h"
+#include "util/result.h"
 
 namespace {
 

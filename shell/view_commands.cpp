@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "shell/command_table.h"
-#include "shell/command_tree.h"
-#include "shell/ip_stack.h"
-#include "shell/result.h"
-#include "shell/view.h"
+#include "net/ip_stack.h"
+#include "shell/command/command_table.h"
+#include "shell/command/command_tree.h"
+#include "shell/command/view.h"
+#include "util/result.h"
 
 namespace {
 

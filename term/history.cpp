@@ -5,8 +5,8 @@
 #include <new>
 #include <string_view>
 
-#include "shell/result.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 ESH_HIS_REC_S g_stEShHisRec;

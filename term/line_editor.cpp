@@ -6,7 +6,6 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "shell/result.h"
 #include "term/console_mode.h"
 #include "term/history.h"
 #include "term/key_handlers.h"
@@ -15,6 +14,7 @@
 #include "term/redisplay.h"
 #include "term/terminal.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "shell/result.h"
 #include "term/key_input.h"
 #include "term/line_state.h"
 #include "term/redisplay.h"
 #include "term/terminal.h"
+#include "util/result.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <cerrno>
 #include <cstring>
 
-#include "shell/result.h"
 #include "util/decimal.h"
 #include "util/fixed_text.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "shell/result.h"
+#include "util/result.h"
 
 namespace {
 

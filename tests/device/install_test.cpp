@@ -1,6 +1,6 @@
 #include <functional>
 
-#include "pkg/package_format.h"
+#include "pkg/format/package_format.h"
 #include "tests/device/operator_console.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/device_key.h"

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string>
 
-#include "pkg/contained_file.h"
-#include "pkg/head_check.h"
+#include "pkg/format/contained_file.h"
+#include "pkg/format/head_check.h"
 #include "tools/mkpkg/verdict_text.h"
 #include "util/unique_handle.h"
 

@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <iterator>
 
-#include "pkg/contained_file.h"
-#include "pkg/head_check.h"
-#include "pkg/product_code.h"
-#include "pkg/signature.h"
+#include "pkg/format/contained_file.h"
+#include "pkg/format/head_check.h"
+#include "pkg/format/product_code.h"
+#include "pkg/format/signature.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/package_bytes.h"
 #include "util/unique_handle.h"

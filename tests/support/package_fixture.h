@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "pkg/package_reader.h"
+#include "pkg/format/package_reader.h"
 #include "tests/support/private_root.h"
 #include "tools/mkpkg/package_signer.h"
 #include "tools/mkpkg/package_writer.h"

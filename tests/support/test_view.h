@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "shell/command_tree.h"
+#include "shell/command/command_tree.h"
 
 /// What the parameters of a command call.
 struct TestCallbacks {

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <optional>
 
-#include "pkg/package_format.h"
+#include "pkg/format/package_format.h"
 #include "util/ascii.h"
 
 namespace mkpkg {

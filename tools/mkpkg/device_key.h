@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "pkg/public_key.h"
+#include "pkg/format/public_key.h"
 #include "tools/mkpkg/rsa_key.h"
 
 namespace mkpkg {

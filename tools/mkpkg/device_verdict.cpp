@@ -4,23 +4,23 @@
 #include <iterator>
 #include <string_view>
 
-#include "fs/dot_elimination.h"
-#include "fs/name_rules.h"
-#include "pkg/compatibility.h"
-#include "pkg/fingerprint_trailer.h"
-#include "pkg/head_check.h"
-#include "pkg/line_reader.h"
-#include "pkg/package_format.h"
-#include "pkg/package_name.h"
-#include "pkg/package_reader.h"
-#include "pkg/product_code.h"
-#include "pkg/public_key.h"
-#include "pkg/signature.h"
-#include "shell/result.h"
+#include "fs/names/dot_elimination.h"
+#include "fs/names/name_rules.h"
+#include "pkg/format/compatibility.h"
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/head_check.h"
+#include "pkg/format/line_reader.h"
+#include "pkg/format/package_format.h"
+#include "pkg/format/package_name.h"
+#include "pkg/format/package_reader.h"
+#include "pkg/format/product_code.h"
+#include "pkg/format/public_key.h"
+#include "pkg/format/signature.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/verdict_text.h"
 #include "util/ascii.h"
+#include "util/result.h"
 
 namespace mkpkg {
 namespace {

@@ -1,6 +1,6 @@
 #include <sys/stat.h>
 
-#include "pkg/public_key.h"
+#include "pkg/format/public_key.h"
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/exit_status.h"

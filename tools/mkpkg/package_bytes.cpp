@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "pkg/crc16.h"
-#include "pkg/package_format.h"
+#include "pkg/format/crc16.h"
+#include "pkg/format/package_format.h"
 
 namespace mkpkg {
 

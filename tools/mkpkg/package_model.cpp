@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
-#include "pkg/contained_file.h"
-#include "pkg/line_reader.h"
-#include "pkg/package_reader.h"
-#include "pkg/package_seal.h"
-#include "pkg/package_text.h"
+#include "pkg/format/contained_file.h"
+#include "pkg/format/line_reader.h"
+#include "pkg/format/package_reader.h"
+#include "pkg/format/package_seal.h"
+#include "pkg/format/package_text.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/package_signer.h"

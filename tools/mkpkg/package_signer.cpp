@@ -6,8 +6,8 @@
 #include <array>
 #include <string_view>
 
-#include "pkg/fingerprint_trailer.h"
-#include "pkg/package_format.h"
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/package_format.h"
 #include "tools/mkpkg/package_bytes.h"
 #include "util/ascii.h"
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "pkg/package_format.h"
+#include "pkg/format/package_format.h"
 #include "tools/mkpkg/package_bytes.h"
 
 namespace mkpkg {

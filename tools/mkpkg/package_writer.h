@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "pkg/package_format.h"
+#include "pkg/format/package_format.h"
 
 namespace mkpkg {
 

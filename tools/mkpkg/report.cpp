@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
-#include "pkg/fingerprint_trailer.h"
-#include "pkg/package_format.h"
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/package_format.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/json_writer.h"

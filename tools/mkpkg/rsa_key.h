@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "pkg/public_key.h"
+#include "pkg/format/public_key.h"
 
 namespace mkpkg {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pkg/verdict.h"
+#include "pkg/format/verdict.h"
 
 namespace mkpkg {
 

@@ -5,12 +5,12 @@
 #include <iterator>
 #include <string_view>
 
-#include "pkg/compatibility.h"
-#include "pkg/fingerprint_trailer.h"
-#include "pkg/package_format.h"
-#include "pkg/package_name.h"
-#include "pkg/product_code.h"
-#include "pkg/version_file.h"
+#include "pkg/format/compatibility.h"
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/package_format.h"
+#include "pkg/format/package_name.h"
+#include "pkg/format/package_text.h"
+#include "pkg/format/product_code.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/package_signer.h"
 #include "util/ascii.h"

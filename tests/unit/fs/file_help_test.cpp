@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "term/help_list.h"
+#include "term/help/help_list.h"
 #include "tests/support/private_root.h"
 #include "util/vector.h"
 

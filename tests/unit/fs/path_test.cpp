@@ -9,11 +9,11 @@
 #include <string_view>
 #include <tuple>
 
-#include "fs/name_rules.h"
+#include "fs/names/name_rules.h"
 #include "fs/user_file.h"
 #include "fs/working_directory.h"
-#include "shell/result.h"
 #include "tests/support/private_root.h"
+#include "util/result.h"
 
 namespace {
 

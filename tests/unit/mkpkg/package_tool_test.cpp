@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <utility>
 
-#include "pkg/fingerprint_trailer.h"
-#include "pkg/product_code.h"
-#include "pkg/signature.h"
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/product_code.h"
+#include "pkg/format/signature.h"
 #include "tests/support/package_fixture.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/description.h"

@@ -5,7 +5,7 @@
 
 #include <tuple>
 
-#include "shell/parameter.h"
+#include "shell/command/parameter.h"
 #include "util/fixed_text.h"
 
 namespace {

@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "remote/ftp.h"
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
+#include "util/result.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <tuple>
 #include <utility>
 
-#include "shell/parameter.h"
-#include "shell/result.h"
+#include "shell/command/parameter.h"
 #include "tests/support/private_root.h"
 #include "tests/support/scripted_stdio.h"
+#include "util/result.h"
 
 namespace {
 

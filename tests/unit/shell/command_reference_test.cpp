@@ -2,9 +2,9 @@
 #include <set>
 #include <string>
 
-#include "shell/command_tree.h"
+#include "shell/command/command_tree.h"
+#include "shell/command/view.h"
 #include "shell/startup.h"
-#include "shell/view.h"
 #include "tests/support/private_root.h"
 #include "util/vector.h"
 

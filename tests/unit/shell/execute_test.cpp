@@ -5,8 +5,8 @@
 #include <initializer_list>
 #include <string>
 
-#include "shell/parameter.h"
-#include "shell/words.h"
+#include "shell/command/parameter.h"
+#include "shell/command/words.h"
 #include "tests/support/test_view.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "shell/view.h"
-#include "term/completion.h"
+#include "shell/command/view.h"
+#include "term/help/completion.h"
 #include "term/line_editor.h"
 #include "term/line_state.h"
 #include "tests/support/test_view.h"

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "shell/ip_stack.h"
+#include "net/ip_stack.h"
 #include "tests/support/private_root.h"
 
 namespace {

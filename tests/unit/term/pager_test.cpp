@@ -8,10 +8,10 @@
 #include <cstring>
 #include <string>
 
-#include "shell/result.h"
 #include "term/line_editor.h"
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 
 namespace {

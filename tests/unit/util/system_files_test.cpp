@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "shell/result.h"
 #include "tests/support/private_root.h"
 #include "util/kernel_setting.h"
+#include "util/result.h"
 #include "util/unique_handle.h"
 #include "util/whole_file.h"
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "pkg/format/line_reader.h"
+
+/// Room for a package's product version.
+inline constexpr std::size_t kProductVersionRoom = 65;
+
+/// Room for the version of a boot image.
+inline constexpr std::size_t kRunningVersionRoom = 129;
+
+/// Most bytes of a boot image's description, packed and unpacked. Nobody has verified its package: the description may
+/// claim, or unpack to, more than the device's memory.
+inline constexpr std::uint32_t kMostBootDescription = 1 << 20;
+
+/// The product version that a package's description gives; when there are several, the last.
+/// @param description may be none.
+/// @param version     room for kProductVersionRoom bytes; empty when there is none.
+void ReadProductVersion(READ_BUFF_S* description, char* version);
+
+/// The version of a boot image as its package's description gives it: platform version, a hyphen, product version.
+/// @param description may be none.
+/// @param version     room for kRunningVersionRoom bytes; empty when there is none.
+void ReadBootVersion(READ_BUFF_S* description, char* version);
+
+/// Whether a compatibility list allows a boot image: one of the lines from "[boot]" on is its version, or that less
+/// the hyphen and the package's own product version. The line "[boot]" itself counts.
+/// @param running version of the boot image; an unknown one, which is empty, is never allowed.
+[[nodiscard]] bool IsCompliant(READ_BUFF_S* list, const char* product_version, const char* running);

@@ -1,0 +1,45 @@
+#include "pkg/install/package_lookup.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "fs/medium.h"
+#include "fs/names/name_rules.h"
+#include "fs/path.h"
+#include "fs/user_file.h"
+#include "pkg/format/package_name.h"
+#include "util/result.h"
+
+namespace {
+
+constexpr char kInvalidName[] = "%s: Invalid file name.\r\n";
+constexpr char kNoPackage[] = "The package %s doesn't exist. \r\n";  // with its blank
+
+/// Whether a name, which may be relative to the working directory, leads to a present medium.
+bool IsOnMedium(const char* name) {
+  char directory[kNameRoom];
+  char file[kComponentRoom];
+  char full[kNameRoom];
+  return ESH_FS_AnalyseFileName(name, directory, file) == kSuccess &&
+         ESH_InputName2FullValidName(name, 0, sizeof(full), full) == kSuccess && IsOnPresentMedium(full);
+}
+
+bool IsExistingPackage(const char* name, char* full) {
+  return ESH_InputName2FullValidName(name, 1, kNameRoom, full) == kSuccess &&
+         ESH_IsUserManipulatedFile(full) == kSuccess && access(full, F_OK) == 0;
+}
+
+}  // namespace
+
+std::uint32_t PackageNameProcess(const char* name, char* fullPath) {
+  if (!IsOnMedium(name) || ESH_FilterFile(name, kPackageSuffix, kMaxPackageName) == 0 || HoldsAliasMark(name)) {
+    std::printf(kInvalidName, name);
+    return ESH_ERR_FAIL;
+  }
+  if (!IsExistingPackage(name, fullPath)) {
+    std::printf(kNoPackage, name);
+    return ESH_ERR_FAIL;
+  }
+  return kSuccess;
+}

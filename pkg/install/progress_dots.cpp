@@ -1,0 +1,59 @@
+#include "pkg/install/progress_dots.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+
+#include "pkg/format/head_check.h"
+#include "term/terminal.h"
+
+std::atomic<std::uint8_t> g_bEshDone{0};
+
+namespace {
+
+constexpr char kVerifying[] = "Verifying the file %s ...";
+constexpr char kDone[] = "Done.\r\n";
+constexpr std::uint64_t kNanosecondsPerSecond = 1000000000;
+constexpr std::uint64_t kSilentStep = kNanosecondsPerSecond / 10;
+constexpr unsigned kSilentSteps = 20;
+
+}  // namespace
+
+pthread_t ESH_PKG_CreateDotThrd(const char* name) {
+  std::printf(kVerifying, name);
+  ESH_TERM_OFlush();
+  pthread_t thread{};
+  return pthread_create(&thread, nullptr, Esh_ThreadPrintDot, nullptr) == 0 ? thread : kNoThread;
+}
+
+void* Esh_ThreadPrintDot(void* /*unused*/) {
+  for (unsigned step = 0; step < kSilentSteps && g_bEshDone == 0; ++step) {
+    ESH_Pkg_NanoSleep(kSilentStep);
+  }
+  while (g_bEshDone == 0) {
+    ESH_Pkg_NanoSleep(kNanosecondsPerSecond);
+    std::printf(".");
+    ESH_TERM_OFlush();
+  }
+  std::printf(kDone);
+  return nullptr;
+}
+
+void ESH_Pkg_NanoSleep(std::uint64_t nanoseconds) {
+  timespec rest{};
+  rest.tv_sec = static_cast<time_t>(nanoseconds / kNanosecondsPerSecond);
+  rest.tv_nsec = static_cast<long>(nanoseconds % kNanosecondsPerSecond);
+  while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
+  }
+}
+
+std::uint32_t VerifyWithDots(const char* name, PKG_READER_S* package) {
+  const pthread_t dots = ESH_PKG_CreateDotThrd(name);
+  const std::uint32_t result = CheckPackageHead(package);
+  g_bEshDone = 1;
+  if (dots != kNoThread) {
+    pthread_join(dots, nullptr);
+  }
+  g_bEshDone = 0;
+  return result;
+}

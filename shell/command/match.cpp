@@ -1,0 +1,228 @@
+#include "shell/command/match.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "shell/command/command_tree.h"
+#include "shell/command/parameter.h"
+#include "shell/command/words.h"
+#include "util/ascii.h"
+#include "util/vector.h"
+
+namespace {
+
+struct Verdict {
+  std::uint32_t level;
+  bool keep;
+};
+
+bool IsKeyword(const ESH_CMD_ELEMENT_S& element) { return element.ulType == ESH_ELEM_KEYWORD; }
+
+bool IsCr(const ESH_CMD_ELEMENT_S& element) { return element.ulType == ESH_ELEM_CR; }
+
+bool BeginsWith(const ESH_CMD_ELEMENT_S& keyword, std::string_view word) {
+  return BeginsIgnoringCase({keyword.pcKeyWord, keyword.ulKeyLen}, word);
+}
+
+bool Equals(const ESH_CMD_ELEMENT_S& keyword, std::string_view word) {
+  return keyword.ulKeyLen == word.size() && BeginsWith(keyword, word);
+}
+
+/// The value rule of a parameter's type, on a complete word.
+bool IsValidValue(const ESH_CMD_ELEMENT_S& element, const char* word) {
+  switch (element.ulType) {
+    case ESH_ELEM_STRING:
+      return ESH_CheckString(word, element.ulMin, element.ulMax) == 1;
+    case ESH_ELEM_IPV4:
+    case ESH_ELEM_IPV4MASK:
+      return ESH_CheckIPv4(word) == 1;
+    case ESH_ELEM_IPV6:
+      return ESH_CheckIPv6(word) == 1;
+    case ESH_ELEM_IPV6PREFIX:
+      return ESH_CheckIPv6Prefix(word) == 1;
+    case ESH_ELEM_INTEGER:
+      return ESH_CheckInteger(word, element.ulMin, element.ulMax) == 1;
+    default:
+      return false;
+  }
+}
+
+Verdict JudgeKeyword(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
+  if (!BeginsWith(element, word)) {
+    return {ESH_MATCH_NONE, false};
+  }
+  return {word.size() == element.ulKeyLen ? ESH_MATCH_EXACT : ESH_MATCH_PARTIAL, true};
+}
+
+Verdict JudgeParameter(const ESH_CMD_ELEMENT_S& element, const char* word) {
+  if (!IsValidValue(element, word)) {
+    return {ESH_MATCH_WRONG_PARAM, false};
+  }
+  if (element.pfnCheck == nullptr) {
+    return {ESH_MATCH_PARAM, true};
+  }
+  switch (element.pfnCheck(word)) {
+    case 1:
+      return {ESH_MATCH_PARAM, true};
+    case 0:
+      return {ESH_MATCH_WRONG_PARAM, false};
+    default:
+      return {ESH_MATCH_WRONG_PARAM, true};  // an answer that is neither yes nor no: not valid, yet not ruled out
+  }
+}
+
+/// @param word terminated.
+Verdict Judge(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
+  switch (element.ulType) {
+    case ESH_ELEM_KEYWORD:
+      return JudgeKeyword(element, word);
+    case ESH_ELEM_CR:
+      return {ESH_MATCH_TOO_MANY, false};
+    case ESH_ELEM_STRING:
+    case ESH_ELEM_IPV4:
+    case ESH_ELEM_IPV4MASK:
+    case ESH_ELEM_IPV6:
+    case ESH_ELEM_IPV6PREFIX:
+    case ESH_ELEM_INTEGER:
+      return JudgeParameter(element, word.data());
+    default:
+      return {ESH_MATCH_NONE, false};
+  }
+}
+
+template <typename Keep>
+void KeepOnly(VEC_S& candidates, Keep keep) {
+  ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t index, const ESH_CMD_ELEMENT_S& element) {
+    if (!keep(element)) {
+      VEC_Del(&candidates, index);
+    }
+  });
+}
+
+/// The same keyword in several commands is one choice; different texts are several.
+bool HoldsDifferentTexts(const VEC_S& candidates) {
+  const char* first = nullptr;
+  return FindSlot<ESH_CMD_ELEMENT_S>(candidates, [&](const ESH_CMD_ELEMENT_S& element) {
+           first = first == nullptr ? element.pcKeyWord : first;
+           return first != element.pcKeyWord && !EqualsIgnoringCase(first, element.pcKeyWord);
+         }) != nullptr;
+}
+
+bool HoldsOnly(std::string_view word, bool (*allowed)(char)) { return std::all_of(word.begin(), word.end(), allowed); }
+
+bool IsIPv4Character(char c) { return IsDigit(c) || c == '.'; }
+
+bool IsIPv6Character(char c) { return IsHexDigit(c) || c == ':' || c == '.'; }
+
+bool IsIPv6PrefixCharacter(char c) { return IsIPv6Character(c) || c == '/'; }
+
+/// Whether a word that is still being typed may become a value of this element.
+bool MayContinue(const ESH_CMD_ELEMENT_S& element, const char* word) {
+  switch (element.ulType) {
+    case ESH_ELEM_KEYWORD:
+      return BeginsWith(element, word);
+    case ESH_ELEM_STRING:
+      return HoldsOnly(word, IsPrintable);
+    case ESH_ELEM_IPV4:
+    case ESH_ELEM_IPV4MASK:
+      return HoldsOnly(word, IsIPv4Character);
+    case ESH_ELEM_IPV6:
+      return HoldsOnly(word, IsIPv6Character);
+    case ESH_ELEM_IPV6PREFIX:
+      return HoldsOnly(word, IsIPv6PrefixCharacter);
+    case ESH_ELEM_INTEGER:
+      return IsValidValue(element, word);
+    default:
+      return false;
+  }
+}
+
+/// @return false when memory is short.
+bool AddFirstElements(VEC_S& candidates) {
+  bool complete = true;
+  ForEachSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec, [&](std::uint64_t, const ESH_CMD_THREAD_S& thread) {
+    ESH_CMD_ELEMENT_S* first = FirstElement(thread);
+    complete = complete && (first == nullptr || VEC_Add(&candidates, kNoIndex, first) != kNoIndex);
+  });
+  return complete;
+}
+
+/// @return false when memory is short.
+bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
+  bool complete = true;
+  ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
+    if (complete && !IsCr(element)) {
+      complete = VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext)) != kNoIndex;
+    }
+  });
+  return complete;
+}
+
+}  // namespace
+
+void KeepCommandEnds(VEC_S& candidates) { KeepOnly(candidates, IsCr); }
+
+void ESH_SelectNextCmdElment(VEC_S* candidates) {
+  const std::uint64_t count = VEC_GetCount(candidates);
+  const bool is_first_word = count == 0;
+  // As many as there can be, so that the vector need not grow again and again.
+  const std::uint64_t most = is_first_word ? g_pstEshCurrentView->pstCmdVec->ulMaxIndex + 1 : count;
+  UniqueVector next(VEC_Alloc(static_cast<std::int64_t>(most)));
+  const bool complete =
+      next != nullptr && (is_first_word ? AddFirstElements(*next) : AddSuccessors(*candidates, *next));
+  if (!complete) {
+    // With a candidate missing an ambiguous word could look settled and the wrong command run: rather none.
+    VEC_Release(candidates);
+    return;
+  }
+  std::swap(*candidates, *next);
+}
+
+std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* typed) {
+  const std::string_view word(typed);
+  std::uint32_t level = ESH_MATCH_NONE;
+  KeepOnly(*candidates, [&](const ESH_CMD_ELEMENT_S& element) {
+    const Verdict verdict = Judge(element, word);
+    level = std::max(level, verdict.level);
+    return verdict.keep;
+  });
+  if (level == ESH_MATCH_PARTIAL) {
+    KeepOnly(*candidates, IsKeyword);
+  }
+  if (level == ESH_MATCH_EXACT) {
+    KeepOnly(*candidates,
+             [&](const ESH_CMD_ELEMENT_S& element) { return IsKeyword(element) && Equals(element, word); });
+  }
+  const bool several_are_possible = level == ESH_MATCH_PARAM || level == ESH_MATCH_PARTIAL;
+  return several_are_possible && HoldsDifferentTexts(*candidates) ? std::uint32_t{ESH_MATCH_AMBIGUOUS} : level;
+}
+
+std::uint32_t ESH_GetCmdElementVec(const VEC_S* words, std::uint64_t count, std::uint32_t mode, VEC_S* candidates,
+                                   std::uint64_t* errIndex) {
+  std::uint32_t level = ESH_MATCH_PARAM;
+  const std::uint64_t finished = mode == ESH_WORD_FINISHED || count == 0 ? count : count - 1;
+  for (std::uint64_t i = 0; i < finished; ++i) {
+    ESH_SelectNextCmdElment(candidates);
+    level = ESH_FilterCmdElment(candidates, WordAt(*words, i)->pcWord);
+    if (level < ESH_MATCH_PARAM) {
+      *errIndex = i;
+      return level;
+    }
+  }
+  if (mode == ESH_WORD_FINISHED) {
+    ESH_SelectNextCmdElment(candidates);
+    return level;
+  }
+  if (count == 0) {
+    return level;
+  }
+  ESH_SelectNextCmdElment(candidates);
+  const char* partial = WordAt(*words, finished)->pcWord;
+  KeepOnly(*candidates, [&](const ESH_CMD_ELEMENT_S& element) { return MayContinue(element, partial); });
+  if (VEC_GetCount(candidates) == 0) {
+    *errIndex = finished;
+    return ESH_MATCH_NONE;
+  }
+  return level;
+}

@@ -1,0 +1,135 @@
+#include "shell/tool/child_process.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <initializer_list>
+
+#include "shell/tool/argument_list.h"
+#include "term/console_mode.h"
+#include "term/terminal.h"
+#include "util/result.h"
+
+std::int32_t g_EShSubPid = -1;
+std::int32_t g_iShellGid = -1;
+
+namespace {
+
+/// Holds all signals back. One that comes before the shell knows its child's process id could not be passed on.
+class SignalsHeld {
+ public:
+  SignalsHeld() {
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+  ~SignalsHeld() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_;
+};
+
+/// No signal is held back from a tool, whatever the shell does.
+void SetToolSignals(std::uint16_t ignoreInt) {
+  std::signal(SIGINT, ignoreInt == 1 ? SIG_IGN : SIG_DFL);
+  for (const int signal : {SIGTERM, SIGHUP, SIGPIPE, SIGTTOU}) {
+    std::signal(signal, SIG_DFL);
+  }
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+/// Becomes the tool. A step that fails before there is a tool to start counts as success, for the shell's caller
+/// could not tell the operator anything about it.
+[[noreturn]] void BecomeTool(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo) {
+  if (setpgid(0, 0) != 0 || SetPgtp(getpid()) != kSuccess) {
+    _exit(EXIT_SUCCESS);
+  }
+  SetToolSignals(ignoreInt);
+  SetToolMode(echo);
+  const UniqueArguments words = cmdline == nullptr ? nullptr : SplitCommandLine(cmdline, " ");
+  char* const* arguments = ArgumentsOf(words.get());
+  if (arguments == nullptr) {
+    _exit(EXIT_SUCCESS);
+  }
+  execv(arguments[0], arguments);
+  _exit(EXIT_FAILURE);
+}
+
+/// @return the child's process id, which is noted, or -1.
+pid_t StartTool(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo) {
+  const SignalsHeld held;
+  const pid_t child = fork();
+  if (child == 0) {
+    BecomeTool(cmdline, ignoreInt, echo);
+  }
+  g_EShSubPid = child;
+  return child;
+}
+
+}  // namespace
+
+std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo) {
+  g_iShellGid = getpgrp();
+  const ConsoleKept console;
+  ESH_TERM_OFlush();  // or the tool's output would come before what the shell has already said
+  const pid_t child = StartTool(cmdline, ignoreInt, echo);
+  if (child < 0) {
+    return ESH_ERR_FAIL;
+  }
+  setpgid(child, child);  // also here, so that the group exists whichever process runs first
+  const std::uint32_t result = ResultOfChild(child);
+  g_EShSubPid = -1;
+  SetPgtp(g_iShellGid);
+  console.PutBack();
+  ESH_LINE_SetTermiosMode();
+  return result;
+}
+
+std::uint32_t ResultOfChild(pid_t child) {
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) {
+      return ESH_ERR_FAIL;
+    }
+  }
+  return status == 0 ? kSuccess : ESH_ERR_FAIL;
+}
+
+std::uint32_t SetPgtp(pid_t pgrp) {
+  sigset_t blocked;
+  sigset_t before;
+  sigemptyset(&blocked);
+  // A background process that takes the terminal is stopped by the terminal, unless it blocks the signal.
+  for (const int signal : {SIGTTOU, SIGTTIN, SIGTSTP, SIGCHLD}) {
+    sigaddset(&blocked, signal);
+  }
+  sigprocmask(SIG_BLOCK, &blocked, &before);
+  const int answer = tcsetpgrp(STDERR_FILENO, pgrp);
+  sigprocmask(SIG_SETMASK, &before, nullptr);
+  return answer == 0 ? kSuccess : ESH_ERR_FAIL;
+}
+
+std::uint16_t ESH_IsForkSubProcess() { return g_EShSubPid == -1 ? 0 : 1; }
+
+void ESH_Sig2SubProcess(int sig) {
+  if (ESH_IsForkSubProcess() == 1) {
+    kill(g_EShSubPid, sig);
+  }
+}
+
+void ESH_CloseSubProcess() {
+  if (ESH_IsForkSubProcess() == 0) {
+    return;
+  }
+  killpg(g_EShSubPid, SIGTERM);
+  killpg(g_EShSubPid, SIGHUP);
+  SetPgtp(g_iShellGid);
+  g_EShSubPid = -1;
+}

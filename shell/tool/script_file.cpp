@@ -1,0 +1,36 @@
+#include "shell/tool/script_file.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstring>
+
+#include "util/fixed_text.h"
+#include "util/new_file.h"
+#include "util/result.h"
+
+namespace {
+
+constexpr char kInterpreter[] = "/bin/sh";
+constexpr char kFirstLine[] = "#!/bin/sh\r\n";  // written with its NUL, which the interpreter skips
+constexpr std::size_t kCommandRoom = 512;
+constexpr mode_t kScriptMode = 0666;
+
+bool WriteScript(const char* path, const char* command) {
+  UniqueFd script(CreateAnew(path, kScriptMode));
+  // The mode also counts where the file-creation mask would cut it. A full medium may show only at the end.
+  return script && fchmod(script.Get(), kScriptMode) == 0 && WriteAll(script.Get(), kFirstLine, sizeof(kFirstLine)) &&
+         WriteAll(script.Get(), command, std::strlen(command)) && close(script.Release()) == 0;
+}
+
+}  // namespace
+
+std::uint32_t RunAsScript(const char* path, const char* command, RunProgramFn run) {
+  FixedText<kCommandRoom> line;
+  line.Append("%s %s", kInterpreter, path);
+  // Half a script is never run.
+  const std::uint32_t result = WriteScript(path, command) ? run(line.Text()) : ESH_ERR_FAIL;
+  (void)unlink(path);  // an absent script is what is wanted
+  return result;
+}

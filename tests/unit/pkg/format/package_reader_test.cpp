@@ -1,0 +1,141 @@
+#include "pkg/format/package_reader.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+#include "pkg/format/contained_file.h"
+#include "pkg/format/head_check.h"
+#include "pkg/format/product_code.h"
+#include "tests/support/package_fixture.h"
+#include "tools/mkpkg/package_bytes.h"
+#include "util/result.h"
+#include "util/unique_handle.h"
+
+namespace {
+
+using enum PackageVerdict;
+
+using ReaderTest = PackageTest;
+
+constexpr std::size_t kImageRow = 3;  // of PackageTest::Contents()
+
+TEST_F(ReaderTest, FindsFilesInTableOrderInBothByteOrders) {
+  for (const bool host_order : {false, true}) {
+    mkpkg::PackageContents contents = Contents();
+    contents.host_order = host_order;
+    const std::string package = Compose(contents);
+    const UniquePackage reader = Open(package);
+    ASSERT_NE(reader, nullptr);
+    const std::size_t head = reader->head.files[kImageRow].head_offset;
+    for (const auto& [field, value] : {std::pair(offsetof(PackageFileHead, device_code), kTestDeviceTag),
+                                       {offsetof(PackageFileHead, unpacked_size), 9U}})
+      EXPECT_EQ(mkpkg::GetWord(package, head + field, host_order), value) << field;
+    EXPECT_EQ(FindFile(*reader, kSystemImageFile), &reader->head.files[2]) << "the first of two";
+    std::uint32_t size = 0;
+    EXPECT_EQ(GetFileFromReaderHeadByFileID(0x04000001, reader.get(), &size), nullptr);
+    for (std::size_t row = 0; row <= kImageRow; ++row) EXPECT_EQ(FileOf(reader, row), contents.files[row].data);
+    char name[sizeof("system.")];
+    const UniqueText image(static_cast<char*>(
+        GetFileFromReadHeadByFileDesc(&reader->head.files[kImageRow], reader.get(), sizeof(name), &size, name)));
+    EXPECT_STREQ(name, "system.") << "cut to its room";
+    EXPECT_EQ(MainHeadCheck(0, reader.get()), kSuccess);
+  }
+}
+
+TEST_F(ReaderTest, RefusesWhatIsNoPackage) {
+  constexpr std::size_t kOrderWord = offsetof(PackageMainHead, byte_order);
+  constexpr std::size_t kCountWord = offsetof(PackageMainHead, file_count);
+  constexpr std::size_t kAttributeWord = offsetof(PackageMainHead, attributes);
+  constexpr std::size_t kCrcWord = offsetof(PackageMainHead, crc);
+  const std::string good = Compose(Contents());
+  const std::tuple<std::size_t, std::uint32_t, PackageVerdict> cases[] = {
+      {kOrderWord, 1, kByteOrder},
+      {kOrderWord, kHostOrder, kTooManyFiles},
+      {kCountWord, 129, kTooManyFiles},
+      {kCountWord, 0xFFFFFFFF, kTooManyFiles},
+      {kCountWord, 128, kHeadCrc},
+      {kAttributeWord, 1, kHeadCrc},
+      {kAttributeWord, 3, kKind},
+      {offsetof(PackageMainHead, product_tag), 1, kProductTag},
+      {kCrcWord, mkpkg::GetWord(good, kCrcWord) | 0x10000, kHeadCrc},
+      {kCrcWord, mkpkg::GetWord(good, kCrcWord), kNoTrailer},  // unchanged, and not signed
+  };
+  const std::size_t descriptors = OpenDescriptors();
+  for (const auto& [offset, value, verdict] : cases) {
+    std::string package = good;
+    mkpkg::PutWord(package, offset, value);
+    EXPECT_EQ(Judge(package), verdict) << offset << " " << value;
+  }
+  EXPECT_EQ(Judge(""), kNoMainHead);
+  EXPECT_EQ(Judge(good.substr(0, kMainHeadSize - 1)), kNoMainHead);
+  ASSERT_EQ(mkfifo("/mnt/flash:/fifo.bin", 0600), 0);
+  EXPECT_EQ(PackageReadFileCreateByFile("/mnt/flash:/fifo.bin"), nullptr) << "nobody waits for its writer";
+  EXPECT_EQ(PackageReadFileCreateByFile("/mnt/flash:"), nullptr);
+  EXPECT_EQ(OpenDescriptors(), descriptors);
+}
+
+TEST_F(ReaderTest, DeviceThatDoesNotKnowItsProductFitsNoPackage) {
+  WriteFile(kVersionFile, "");
+  mkpkg::PackageContents contents = Contents();
+  contents.product_tag = kUnknownTag;
+  const UniquePackage reader = Open(Compose(contents));
+  EXPECT_EQ(MainHeadCheck(0, reader.get()), kErrPackageMismatch);
+  WriteFile(kVersionFile, "ProductTag : 0x01020304\n");
+  reader->head.product_tag = kTestProductTag;
+  EXPECT_EQ(MainHeadCheck(1, reader.get()), kErrPackageKind);
+  EXPECT_EQ(CheckPackageHead(reader.get()), ESH_ERR_FAIL) << "not signed";
+  reader->head.crc ^= 1;
+  EXPECT_EQ(CheckPackageHead(reader.get()), kErrPackageCrc);
+}
+
+TEST_F(ReaderTest, ForgedNumbersYieldNoData) {
+  const std::string good = Compose(Contents());
+  const std::size_t row = offsetof(PackageMainHead, files) + kImageRow * sizeof(PackageFileEntry);
+  const std::size_t head = mkpkg::GetWord(good, row + offsetof(PackageFileEntry, head_offset));
+  const std::size_t stored_size = head + offsetof(PackageFileHead, stored_size);
+  const std::size_t compression = head + offsetof(PackageFileHead, compression);
+  const auto size = static_cast<std::uint32_t>(good.size());
+  for (const std::size_t field :
+       {row + offsetof(PackageFileEntry, head_offset), row + offsetof(PackageFileEntry, total_length),
+        row + offsetof(PackageFileEntry, check_a), row + offsetof(PackageFileEntry, check_b), stored_size,
+        head + offsetof(PackageFileHead, data_length), compression, head + offsetof(PackageFileHead, check_a)}) {
+    for (const std::uint32_t value :
+         {0U, 1U, 339U, size - 1, size, size + 1, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFEACU, 0xFFFFFFFFU}) {
+      std::string package = good;
+      mkpkg::PutWord(package, field, value);
+      const UniquePackage reader = Open(package);
+      const bool is_unchanged = field == compression && value == kStoredAsIs;
+      const bool stores_less = field == stored_size && value == 1;
+      EXPECT_EQ(FileOf(reader, kImageRow), is_unchanged  ? "the image"
+                                           : stores_less ? "t"
+                                                         : "")
+          << field << " " << value;
+      EXPECT_EQ(FileOf(reader, 2), "for another device") << "the others stay readable";
+    }
+  }
+  for (const std::uint32_t unpacked_size : {0U, 1U, 4096U}) {
+    std::string package = good;
+    mkpkg::PutWord(package, compression, kPacked7z);
+    mkpkg::PutWord(package, head + offsetof(PackageFileHead, unpacked_size), unpacked_size);
+    EXPECT_EQ(FileOf(Open(package), kImageRow), "") << "there is no library for it";
+  }
+}
+
+TEST_F(ReaderTest, ReadsFromMemoryLikeFromAFile) {
+  const std::string good = Compose(Contents());
+  const UniquePackage reader = Open(good);
+  std::fclose(reader->source.stream);
+  auto* memory = static_cast<std::uint8_t*>(std::malloc(good.size()));
+  std::copy(good.begin(), good.end(), memory);
+  reader->source = {0, nullptr, memory, memory + good.size(), memory};
+  EXPECT_EQ(FileOf(reader, kImageRow), "the image");
+  EXPECT_EQ(MainHeadCheck(0, reader.get()), kSuccess);
+  EXPECT_EQ(CheckPackageHead(reader.get()), ESH_ERR_FAIL) << "it has no path whose file could be genuine";
+  EXPECT_EQ(ReadBlockFromFile(&reader->source, good.size(), 1), nullptr);
+  EXPECT_EQ(ReadBlockFromFile(&reader->source, 1, UINT64_MAX), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,219 @@
+#include "pkg/format/signature.h"
+
+#include <filesystem>
+#include <tuple>
+#include <utility>
+
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/head_check.h"
+#include "pkg/format/product_code.h"
+#include "pkg/format/public_key.h"
+#include "tests/support/package_fixture.h"
+#include "tools/mkpkg/device_key.h"
+#include "tools/mkpkg/package_bytes.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using enum PackageVerdict;
+
+constexpr std::size_t kDescriptionRow = 1;  // of PackageTest::Contents()
+constexpr std::size_t kImageRow = 3;
+constexpr std::size_t kDescriptionHead = kMainHeadSize + kFileHeadSize + 13;
+constexpr std::size_t kDescriptionData = kDescriptionHead + kFileHeadSize;
+
+std::string KeyPath(const std::string& name) { return std::string(kSignKeyDirectory) + "/" + name + kKeySuffix; }
+
+/// A key file of these numbers, given as the tail of their 256 bytes.
+std::string KeyOf(std::size_t header, std::string modulus, std::string exponent) {
+  modulus.insert(0, kKeyNumberSize - modulus.size(), '\0');
+  exponent.insert(0, kKeyNumberSize - exponent.size(), '\0');
+  return std::string(header, '\x7F') + modulus + exponent;
+}
+
+struct SignatureTest : PackageTest {
+  static PackageVerdict JudgeOpen(const UniquePackage& reader) {
+    return JudgePackage(reader.get(), kTestProductTag, kSignKeyDirectory);
+  }
+};
+
+TEST_F(SignatureTest, AcceptsEveryFormOfAGenuinePackage) {
+  const struct {
+    mkpkg::SignatureForm form;
+    PackageVerdict verdict = kGood;
+  } cases[] = {
+      {{.key_name = "maker"}},
+      {{.key_name = "maker", .vendor_markers = true}},
+      {{.key_name = "prefixed"}},
+      {{.key_name = "prefixed", .digest_info = true}},
+      {{.key_name = "maker", .digest_info = true}, kWrongSignature},
+      {{.in_head = true, .key_name = ""}},
+      {{.in_head = true, .key_name = "", .digest_info = true}, kWrongSignature},
+      {{.key_name = "absent"}, kKeyFile},
+  };
+  for (const bool host_order : {false, true}) {
+    mkpkg::PackageContents contents = Contents();
+    contents.host_order = host_order;
+    for (const auto& [form, verdict] : cases) {
+      const UniquePackage reader = Open(Sign(Compose(contents), form));
+      EXPECT_EQ(JudgeOpen(reader), verdict) << form.key_name << host_order;
+      EXPECT_EQ(PKG_IsOnePkgAuthOK(kTestPackage), verdict == kGood ? 1U : 0U);
+      EXPECT_EQ(PKG_GetSignFormat(kTestPackage), form.in_head ? 0U : 1U);
+      EXPECT_EQ(FileOf(reader, kDescriptionRow), contents.files[kDescriptionRow].data);
+    }
+  }
+  EXPECT_EQ(PKG_IsOnePkgAuthOK(""), 0U);
+  EXPECT_EQ(PKG_GetSignFormat("/mnt/flash:/none.bin"), 2U);
+}
+
+TEST_F(SignatureTest, NoSingleByteCanBeChanged) {
+  const std::size_t descriptors = OpenDescriptors();
+  for (const bool in_head : {false, true}) {
+    const std::string good = GoodPackage(in_head);
+    // 0x20 changes the case of letters and makes other digits. In the head's long zeroes one byte in seven must do.
+    std::size_t step = 1;
+    for (std::size_t i = 0; i < good.size(); i += step) {
+      std::string damaged = good;
+      damaged[i] = static_cast<char>(damaged[i] ^ 0x20);
+      EXPECT_NE(Judge(damaged), kGood) << "byte " << i;
+      step = i > 300 && i + 8 < kMainHeadSize ? 7 : 1;
+    }
+  }
+  EXPECT_EQ(OpenDescriptors(), descriptors);
+}
+
+TEST_F(SignatureTest, LengthsMustBeThoseOfTheFile) {
+  const std::string good = GoodPackage();
+  const std::size_t last_length = good.rfind(kLengthLabel) + kLengthLabel.size();
+  const std::string whole = std::to_string(good.size());
+  std::string with_nul = good;
+  with_nul[good.find(kKeyLabel) + 2] = '\0';
+  const auto with_length = [&](const char* digits) { return std::string(good).replace(last_length, 6, digits); };
+  const std::tuple<const char*, std::string, PackageVerdict> cases[] = {
+      {"what is signed would be less than a main head", with_length("006180"), kTrailerLength},
+      {"all is trailer", with_length(("00" + whole).c_str()), kTrailerLength},
+      {"no trailer", with_length("000000"), kTrailerLength},
+      {"another length", with_length("000100"), kTrailerForm},
+      {"NUL in the trailer", with_nul, kTrailerHoldsNul},
+      {"short", WithHeadWord(good, offsetof(PackageMainHead, minimum_payload), 0xFFFFFFFF), kShorterThanPayload},
+      {"long signature", WithHeadWord(GoodPackage(true), offsetof(PackageMainHead, signature_length), 2049),
+       kSignatureLength},
+  };
+  for (const auto& [what, package, verdict] : cases) EXPECT_EQ(Judge(package), verdict) << what;
+}
+
+TEST_F(SignatureTest, KeyWithWhichAnybodyCanSignIsRefused) {
+  const std::string maker = ReadFile(KeyPath("maker"));
+  const std::string modulus = maker.substr(2, kKeyNumberSize);
+  std::string even = modulus;
+  even.back() = static_cast<char>(even.back() ^ 1);
+  const std::string f4("\1\0\1", 3);
+  const std::tuple<const char*, std::string, PackageVerdict> cases[] = {
+      {"as made", maker, kGood},
+      {"exponent 3, the digest alone", KeyOf(2, modulus, "\3"), kGood},
+      {"exponent 3, the digest at the end", KeyOf(4, modulus, "\3"), kKeyValue},
+      {"exponent 65535, likewise", KeyOf(4, modulus, "\xFF\xFF"), kKeyValue},
+      {"exponent 65537, likewise", KeyOf(4, modulus, f4), kGood},
+      {"exponent 1", KeyOf(2, modulus, "\1"), kKeyValue},
+      {"exponent 0", KeyOf(2, modulus, ""), kKeyValue},
+      {"exponent even", KeyOf(2, modulus, "\2"), kKeyValue},
+      {"modulus 0", KeyOf(2, "", f4), kKeyValue},
+      {"modulus 1", KeyOf(2, "\1", f4), kKeyValue},
+      {"modulus even", KeyOf(2, even, f4), kKeyValue},
+      {"513 bytes", maker.substr(1), kKeyFile},
+      {"515 bytes", maker + "x", kKeyFile},
+      {"517 bytes", maker + "xyz", kKeyFile},
+      {"empty", "", kKeyFile},
+  };
+  for (const auto& [what, file, verdict] : cases) {
+    WriteFile(KeyPath("k"), file);
+    PublicKey key;
+    EXPECT_EQ(ReadPublicKey(kSignKeyDirectory, "k", key), verdict) << what;
+  }
+}
+
+TEST_F(SignatureTest, KeyIsAPlainFileOfItsDirectory) {
+  const std::string maker = ReadFile(KeyPath("maker"));
+  fs::create_directory(KeyPath("directory"));
+  fs::create_symlink("maker.key", KeyPath("link"));
+  constexpr std::pair<const char*, PackageVerdict> kCases[] = {
+      {"../outside", kKeyName}, {".hidden", kKeyName},   {"below/it", kKeyName},
+      {"", kKeyName},           {"directory", kKeyFile}, {"link", kKeyFile},
+  };
+  for (const auto& [name, verdict] : kCases) {
+    if (verdict == kKeyName) WriteFile(KeyPath(name), maker);
+    PublicKey key;
+    EXPECT_EQ(ReadPublicKey(kSignKeyDirectory, name, key), verdict) << name;
+  }
+}
+
+TEST_F(SignatureTest, PathMustNameTheOpenFile) {
+  for (const bool in_head : {false, true}) {
+    const std::string good = GoodPackage(in_head);
+    const UniquePackage reader = Open(good);
+    fs::rename(kTestPackage, "/mnt/flash:/aside.bin");
+    EXPECT_EQ(JudgeOpen(reader), kReplaced);
+    WriteFile(kTestPackage, good);
+    EXPECT_EQ(JudgeOpen(reader), kReplaced);
+    fs::remove(kTestPackage);
+    fs::create_symlink("/mnt/flash:/aside.bin", kTestPackage);
+    EXPECT_EQ(JudgeOpen(reader), kLink);
+    EXPECT_EQ(PKG_IsOnePkgAuthOK(kTestPackage), 0U);
+    fs::remove(kTestPackage);
+  }
+}
+
+TEST_F(SignatureTest, VerifiedPackageHandsOutOnlyWhatWasVerified) {
+  mkpkg::PackageContents contents = Contents();
+  contents.files[kImageRow].data.resize(100000);  // so that no stream still holds the description when it is asked for
+  for (const bool in_head : {false, true}) {
+    for (const std::size_t changed : {kDescriptionData, kDescriptionHead + 50}) {
+      std::string package = Sign(Compose(contents), {.in_head = in_head, .key_name = "maker"});
+      const UniquePackage verified = Open(package);
+      const UniquePackage unverified(PackageReadFileCreateByFile(kTestPackage));
+      ASSERT_EQ(JudgeOpen(verified), kGood);
+      EXPECT_EQ(FileOf(verified, kDescriptionRow), contents.files[kDescriptionRow].data);
+      EXPECT_EQ(FileOf(verified, kImageRow), contents.files[kImageRow].data);
+      package[changed] = 'F';
+      WriteFile(kTestPackage, package);  // in place: the same file
+      EXPECT_EQ(FileOf(verified, kDescriptionRow), "");
+      EXPECT_NE(FileOf(unverified, kDescriptionRow), "") << "readable, if nobody had asked for the signature";
+    }
+  }
+  const UniquePackage early = Open(GoodPackage());
+  early->head.files[kDescriptionRow].head_offset += 1;
+  EXPECT_EQ(JudgeOpen(early), kUnreadable) << "the main head in use is the one that was signed";
+}
+
+TEST_F(SignatureTest, UnsignedBytesAreNoContainedFile) {
+  // In the head form the head is not signed: a forger can hide a file in its reserved words and add a row for it.
+  constexpr std::size_t kReserved = offsetof(PackageMainHead, reserved);
+  constexpr std::size_t kRow = offsetof(PackageMainHead, files) + kDescriptionRow * sizeof(PackageFileEntry);
+  std::string package = GoodPackage(true);
+  package.replace(kReserved, 2 * kFileHeadSize, package.substr(kDescriptionHead, 2 * kFileHeadSize));
+  const UniquePackage reader = Open(WithHeadWord(package, kRow + offsetof(PackageFileEntry, head_offset), kReserved));
+  EXPECT_EQ(FileOf(reader, kDescriptionRow), Contents().files[kDescriptionRow].data);
+  EXPECT_EQ(JudgeOpen(reader), kGood);
+  EXPECT_EQ(FileOf(reader, kDescriptionRow), "");
+}
+
+TEST_F(SignatureTest, SignatureOfATrailerIsNoneInTheHead) {
+  // One key serves both forms: behind a head of the forger's own, another product's package would fit.
+  for (const bool host_order : {false, true}) {
+    mkpkg::PackageContents contents = Contents();
+    contents.product_tag = kTestProductTag + 1;
+    contents.host_order = host_order;
+    const std::string foreign = Sign(Compose(contents), {.key_name = "maker"});
+    EXPECT_EQ(Judge(foreign), kProductTag);
+    const std::size_t trailer = foreign.rfind("--=</Begin");
+    std::uint8_t signature[kHeadSignatureRoom] = {};
+    std::uint32_t length = 0;
+    ASSERT_EQ(PKG_GetCSS_Signture(foreign.c_str() + trailer, signature, &length), 0U);
+    std::string head = GoodPackage(true).substr(0, kMainHeadSize);
+    head.replace(offsetof(PackageMainHead, signature), length, reinterpret_cast<char*>(signature), length);
+    mkpkg::RenewHeadCrc(head);
+    EXPECT_EQ(Judge(head + foreign.substr(0, trailer)), kWrongSignature);
+  }
+}
+
+}  // namespace

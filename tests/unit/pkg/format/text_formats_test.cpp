@@ -1,0 +1,94 @@
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "pkg/format/base64.h"
+#include "pkg/format/fingerprint_trailer.h"
+#include "pkg/format/line_reader.h"
+#include "pkg/format/package_format.h"
+#include "pkg/format/product_code.h"
+#include "tests/support/private_root.h"
+#include "tools/mkpkg/package_signer.h"
+
+namespace {
+
+using namespace std::literals;
+
+TEST(LineReader, EndsLinesAtLfCrAndBothTogether) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"", ""},          {"a", "a|"},          {"a\n", "a|"}, {"a\r\nb\rc\nd", "a|b|c|d|"}, {"\n\r\r\n\n", "||||"},
+      {" a \r", " a |"}, {"a\0b\nc"s, "a|c|"},  // a line is a C string
+  };
+  for (const auto& [text, lines] : cases) {
+    // Exactly as long as the text, so that reading past its end is seen.
+    const std::vector<char> exact(text.begin(), text.end());
+    const UniqueLines reader(ReadBuffCreateByMem(exact.empty() ? "" : exact.data(), exact.size()));
+    std::string found;
+    while (const char* line = ReadBuffGets(reader.get())) found += std::string(line) + "|";
+    EXPECT_EQ(found, lines) << text;
+  }
+}
+
+TEST(Base64, HasOneFormOnly) {
+  constexpr std::pair<const char*, const char*> kGood[] = {
+      {"", ""}, {"TWFu", "Man"}, {"TWE=", "Ma"}, {"TQ==", "M"}, {"TWFuTWFu", "ManMan"}, {"+/+/", "\xFB\xFF\xBF"}};
+  std::uint8_t out[9];
+  for (const auto& [text, bytes] : kGood)
+    EXPECT_EQ(std::string(out, out + DecodeBase64(text, out).value_or(0)), bytes) << text;
+  for (const char* bad : {"T===", "====", "TQ==TWFu", "TW=u", "TWF", "TWFuT", "TW u", " TWF", "TWF\n", "TWF-", "TWF_",
+                          "    TWFu", "TWFu    ", "TW\tF", "TWFuTWFuTWFuTWFu" /* no room */})
+    EXPECT_FALSE(DecodeBase64(bad, out)) << bad;
+}
+
+TEST(Trailer, SignatureHasARoomThatIsKeptTo) {
+  for (const auto& [digits, length] : {std::pair(kMostSignatureText, 1536U), {kMostSignatureText + 4, 0U}}) {
+    const std::string trailer = mkpkg::Trailer({.key_name = "k"}, std::string(digits / 4 * 3, '\0'));
+    std::uint8_t signature[kHeadSignatureRoom];
+    std::uint32_t found = 0;
+    EXPECT_EQ(PKG_GetCSS_Signture(trailer.c_str(), signature, &found) == 0, length != 0) << digits;
+    EXPECT_EQ(found, length) << digits;
+  }
+}
+
+TEST(Trailer, EachFunctionAsksForItsOwnPartOnly) {
+  std::string trailer = mkpkg::Trailer({.key_name = "k"}, "Man");
+  for (const char* digits : {"000001", "00001x"}) {  // of no file, and of none that there can be
+    for (const std::size_t at : {trailer.find(kLengthLabel), trailer.rfind(kLengthLabel)})
+      trailer.replace(at + kLengthLabel.size(), kTrailerLengthDigits, digits);
+    EXPECT_EQ(PKG_CSSCheck_IsFixFormat(trailer.c_str()), digits[5] == '1' ? 1U : 0U);
+  }
+  std::uint8_t signature[kHeadSignatureRoom];
+  std::uint32_t length = 0;
+  EXPECT_EQ(PKG_GetCSS_Signture("Signature: TWFu\nFingerprint Length: ", signature, &length), 0U);
+  EXPECT_EQ(length, 3U);
+  EXPECT_NE(PKG_GetCSS_Signture("Signature: TWFu\n", signature, &length), 0U);
+}
+
+struct VersionFileTest : PrivateRootTest {};
+
+TEST_F(VersionFileTest, TellsATagOnItsFirstLineOnly) {
+  constexpr std::pair<const char*, std::uint32_t> kCases[] = {
+      {"ProductTag : 0x12ab\n", 0x12AB},
+      {"Name : x\nProductTag:0xFFFFFFFE", 0xFFFFFFFE},
+      {"ProductTag  :\t0x1\nProductTag : 0x2\n", 1},
+      {"# ProductTag follows\nProductTag : 0x2\n", kUnknownTag},
+      {"PRODUCTTAG : 0x1\nProductTag : 0x2\n", kUnknownTag},  // found in any case, read in one
+      {"ProductTag : 12\n", kUnknownTag},
+      {"ProductTag : 0x\n", kUnknownTag},
+      {"ProductTag : 0x 12\n", 0x12},
+      {"ProductTag : 0x+5\n", 5},
+      {"DeviceTag : 0x3\n", kUnknownTag},
+      {"", kUnknownTag},
+  };
+  for (const auto& [text, tag] : kCases) {
+    WriteFile("/etc/version", text);
+    EXPECT_EQ(ReadVersionTag("/etc/version", kProductTagName), tag) << text;
+  }
+  EXPECT_EQ(DeviceCode(), kUnknownTag);
+  for (const char* text : {"DeviceTag : 0x3\n", "DeviceTag : 0x4\n"}) {
+    WriteFile(kVersionFile, text);
+    EXPECT_EQ(DeviceCode(), 3U) << "what is not known yet is looked for again, what is known is not";
+  }
+}
+
+}  // namespace

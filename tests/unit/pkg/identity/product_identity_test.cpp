@@ -1,0 +1,178 @@
+#include "pkg/identity/product_identity.h"
+
+#include <unistd.h>
+
+#include <cstring>
+#include <tuple>
+#include <utility>
+
+#include "pkg/format/product_code.h"
+#include "pkg/identity/version_display.h"
+#include "pkg/identity/version_file.h"
+#include "tests/support/private_root.h"
+#include "tests/support/scripted_stdio.h"
+
+namespace {
+
+struct ProductIdentity : PrivateRootTest {
+  void SetUp() override {
+    WriteFile(kVersionFile,
+              "Vendor: Ostrel\nplatform VERSION: 7.1.9\nProduct version: R6\nPkgTime: Mar 14 2026 10:20:30\n");
+  }
+
+  /// The record that a device with these files builds.
+  static OEM_CONSUMER_INFO_S Record(const std::string& oem, const std::string& object_id = "1.2.3",
+                                    const std::string& corporation = "") {
+    WriteFile("/etc/oem", oem);
+    WriteFile("/etc/oemcorp", corporation);
+    WriteFile("/proc/sys/61000/1", object_id + "\n");
+    setGlobalOemDataLocked();
+    return g_stOemConsumerInfo;
+  }
+
+  template <typename Getter>
+  static std::string TextOf(Getter get) {
+    char text[kIdentityRoom] = "not touched";
+    get(text);
+    return text;
+  }
+  static std::string SoftVersion() {
+    return TextOf([](char* text) { ESH_GetSoftVersion(kIdentityRoom, text); });
+  }
+};
+
+TEST_F(ProductIdentity, IsTheMakersWithoutFiles) {
+  unlink(kVersionFile);
+  setGlobalOemDataLocked();
+  EXPECT_EQ(g_stOemConsumerInfo.uiCorpId, 0U);
+  EXPECT_STREQ(g_stOemConsumerInfo.sysDescr, "Ostrel Tessaro Platform Software Version 7.1");
+  EXPECT_EQ(TextOf(ESH_GetCorpName), "Ostrel");
+  EXPECT_EQ(TextOf(ESH_GetSoftwareName), "Tessaro");
+  EXPECT_EQ(TextOf(ESH_GetCopyright), "Copyright (c) 2004- Ostrel Networks Ltd. All rights reserved.");
+  EXPECT_EQ(SoftVersion(), "7.10");
+}
+
+TEST_F(ProductIdentity, SectionFollowsTheObjectId) {
+  const std::string oem =
+      "[default]\nsysName: plain\n[default-Kelvane]\nsysName: Kelvane\n[default-Durell]\nsysName: Durell\n"
+      "[default-Sorvik]\nsysName: Sorvik\n[default-Talvo]\nsysName: Talvo\n[default-Own]\nsysName: own\n"
+      "[1.3.6.1.4.1.206.1.7]\nsysContact: of the device\n[1.3.6.1.4.1.206.1.70]\nsysContact: of a neighbour\n";
+  constexpr const char* kOwn = "Default-OEM: [default-Own]\n";
+  constexpr const char* kMaker = "Ostrel Networks Ltd.";
+  constexpr std::tuple<const char*, const char*, const char*, const char*> kCases[] = {
+      {"1.3.6.1.4.1.47213.11.4", "", "Kelvane", kMaker},
+      {"1.3.6.1.4.1.38.2.3.7.15.1", "", "Kelvane", kMaker},
+      {"1.3.6.1.4.1.206.1.7", "", "Durell", "of the device"},
+      {"1.3.6.1.4.1.206.1", kOwn, "Durell", kMaker},
+      {"1.3.6.1.4.1.47213.12.1.1.5", "", "Sorvik", kMaker},
+      {"1.3.6.1.4.1.47213.12.1.1", "", "plain", kMaker},
+      {"1.3.6.1.4.1.47213.12.1.4.18446744073709551615", "", "Talvo", kMaker},
+      {"1.3.6.1.4.1.9", kOwn, "own", kMaker},
+      {"1.3.6.1.4.1.9", "default-oem: [default-Gone]\n", "Ostrel", kMaker},
+      {"no numbers", kOwn, "plain", kMaker},
+  };
+  for (const auto& [object_id, corporation, name, contact] : kCases) {
+    const OEM_CONSUMER_INFO_S record = Record(oem, object_id, corporation);
+    EXPECT_STREQ(record.sysName, name) << object_id;
+    EXPECT_STREQ(record.sysContact, contact) << object_id;
+  }
+}
+
+TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
+  const struct {
+    const char* why;
+    const char* section;
+    const char* name = "Ostrel";
+    const char* contact = "Ostrel Networks Ltd.";
+    std::uint32_t corporation = 0;
+  } cases[] = {
+      {"the key is not at the start of a line", "\nx productName: y\n"},
+      {"behind the header", "productName: y\n"},
+      {"blanks around the colon", "\r\nproductName  :   A B  \r\n", "A B"},
+      {"no colon", "\nproductName A\n"},
+      {"a longer key", "\nproductNames: A\n"},
+      {"an empty contact", "\nsysContact:\nproductName:\n", "Ostrel", ""},
+      {"a value over lines", "\nsysContact: a\nb: c\r\n\r\nproductName: n", "n", "a\nb: c"},
+      {"a written line break", "\nsysContact: a\\r\\nb\\r\\\\r\\n\n", "Ostrel", "a\r\nb\\r\\\r\n"},
+      {"a corporation in any case", "\noem: dURELL\n", "Ostrel", "Ostrel Networks Ltd.", 2},
+      {"only the first letters of a corporation", "\noem: Ilver\n", "Ostrel", "Ostrel Networks Ltd.", 42},
+      {"no such corporation", "\noem: Durells\n"},
+      {"a header inside a line", "\nsysContact: x [default-y]\nproductName: n\n", "n", "x [default-y]"},
+      {"the next section", "\n[default-Other]\nproductName: n\n"},
+  };
+  for (const auto& c : cases) {
+    const OEM_CONSUMER_INFO_S record = Record(std::string("[default]") + c.section);
+    EXPECT_STREQ(record.productName, c.name) << c.why;
+    EXPECT_STREQ(record.sysContact, c.contact) << c.why;
+    EXPECT_EQ(record.uiCorpId, c.corporation) << c.why;
+  }
+  const OEM_CONSUMER_INFO_S record =
+      Record("[default]\nsysName: " + std::string(65, 's') + "\ncorpIDMac: 0A-0b-FF-00-1-7f\nbridgeMac: 1-2-3\n");
+  EXPECT_EQ(record.sysName, std::string(64, 's'));
+  EXPECT_EQ(std::memcmp(record.corpIDMac, "\x0A\x0B\xFF\x00\x01\x7F", 6), 0);
+  EXPECT_EQ(std::memcmp(record.bridgeMac, "\x02\x5A\xC1\x07\xF2\x0E", 6), 0) << "half an address is none";
+}
+
+TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
+  const std::string version = "Version 7.1.9, R6";
+  const std::string copyright = "Copyright (c) 2004-2026 Ostrel Networks Ltd. All rights reserved.";
+  const std::pair<std::string, std::string> cases[] = {
+      {"a [VERSION] b", "a " + version + " b"},
+      {"a [COPYRIGHT] c [PRODUCTNAME] p [VERSION] v", "a " + version + " vOstrel p " + copyright + " c "},
+      {"[VERSION][VERSION]", version + "[VERSION]"},
+      {"none", "none"},
+      {std::string(512, 'x') + "[COPYRIGHT]", std::string(512, 'x')},
+  };
+  for (const auto& [written, expanded] : cases)
+    EXPECT_EQ(Record("[default]\nsysDescr: " + written).sysDescr, expanded) << written;
+  EXPECT_STREQ(Record("[default]\noem: Vantrel\nsysDescr: [COPYRIGHT]", "1.2", "copyright: (c) %s%n%s\n").sysDescr,
+               "(c) 2026%n%s")
+      << "a text of a file is no format";
+}
+
+TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
+  const std::tuple<std::string, const char*, const char*, const char*> cases[] = {
+      {"Durell", "Durell Tessaro", "Copyright (c) 2010-2026 Durell Communications. All rights reserved.", "R6"},
+      {"Talvo", "Talvo RouteOS", "Copyright (c) 2014-2026 Talvo Technologies. All rights reserved.", "7.1.9"},
+      {"Halden", "Halden OS", "Copyright (c) 2015-2026 Halden Data. All rights reserved.", "7.1.9"},
+      {"Quintrel", "From File", "", "7.1.9"},
+      {"Vantrel", "From File", "Copyright (c) 2016-2026 Vantrel Corporation. All rights reserved.", "7.1.9"},
+  };
+  for (const auto& [corporation, software, copyright, version] : cases) {
+    (void)Record("[default]\noem: " + corporation, "1.2", "SoftwareName: From File\n");
+    EXPECT_EQ(TextOf(ESH_GetSoftwareName), software);
+    EXPECT_EQ(TextOf(ESH_GetCopyright), copyright);
+    EXPECT_EQ(SoftVersion(), version);
+  }
+  (void)Record("[default]\noem: Talvo");
+  WriteFile(kVersionFile, "PkgTime: Fri Mar 14 2014 10:20:30\n");
+  EXPECT_EQ(TextOf(ESH_GetCopyright), "Copyright (c) 2014 Talvo Technologies. All rights reserved.");
+}
+
+TEST_F(ProductIdentity, UptimeCountsInWholeUnits) {
+  constexpr std::pair<const char*, const char*> kCases[] = {
+      {"694860.99 1.0\n", "Ostrel uptime is 1 week, 1 day, 1 hour, 1 minute\r\n"},
+      {"0.59 0.1\n", "Ostrel uptime is 0 weeks, 0 days, 0 hours, 0 minutes\r\n"},
+      {"694859.99 1.0\n", "Ostrel uptime is 1 week, 1 day, 1 hour, 0 minutes\r\n"},
+      {"1814399 7", "Ostrel uptime is 2 weeks, 6 days, 23 hours, 59 minutes\r\n"},
+  };
+  (void)Record("");
+  WriteFile("/proc/sys/61000/2", "two\nlines\n");
+  WriteFile("/proc/sys/61000/3", "flash:/boot.bin\n");
+  unlink("/proc/uptime");  // the private root's link to the machine's
+  ScriptedStdio stdio;
+  for (const auto& [uptime, line] : kCases) {
+    WriteFile("/proc/uptime", uptime);
+    (void)ESH_ProcDisVersion();
+    const std::string printed = stdio.TakeOutput();
+    EXPECT_NE(printed.find(line), std::string::npos) << printed;
+    EXPECT_TRUE(
+        printed.ends_with("\r\n\r\nBoot image: flash:/boot.bin\r\nBoot image version: 7.1.9\r\n\r\ntwo\nlines\r\n"))
+        << printed;
+  }
+  unlink("/proc/uptime");
+  (void)ESH_ProcDisVersion();
+  EXPECT_NE(stdio.TakeOutput().find("reserved.\r\n\r\nBoot image: "), std::string::npos);
+}
+
+}  // namespace

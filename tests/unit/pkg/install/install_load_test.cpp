@@ -1,0 +1,147 @@
+#include "pkg/install/install_load.h"
+
+#include <malloc.h>
+
+#include <filesystem>
+#include <tuple>
+#include <utility>
+
+#include "pkg/format/compatibility.h"
+#include "pkg/format/package_name.h"
+#include "pkg/format/verdict.h"
+#include "pkg/install/boot_image.h"
+#include "pkg/install/process_runner.h"
+#include "shell/tool/argument_list.h"
+#include "tests/support/package_fixture.h"
+#include "util/result.h"
+#include "util/vector.h"
+
+#ifdef __SANITIZE_ADDRESS__  // its allocator stands in for the C library's
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+static std::size_t MemoryInUse() { return __sanitizer_get_current_allocated_bytes(); }
+#else
+static std::size_t MemoryInUse() { return mallinfo2().uordblks; }
+#endif
+
+namespace {
+
+UniqueLines Lines(const std::string& text) { return UniqueLines(ReadBuffCreateByMem(text.data(), text.size())); }
+
+TEST(Compatibility, WantsTheBootImagesVersionBehindTheBootLine) {
+  constexpr std::tuple<const char*, const char*, const char*, bool> kCases[] = {
+      {"[boot]\nV1\n", "R1", "V1-R1", true},  {"[boot]\nV1\n", "", "V1", true},
+      {"[boot]\nV1\n", "R1", "V1", false},    {"[boot]\nV1\n", "R1", "V1-R10", false},
+      {"[boot]\nV1-R1\n", "", "V1-R1", true}, {"[boot]\nV1-R\n", "R1", "V1-R1", false},
+      {"[boot]\n\t V1 \r\n", "", "V1", true}, {"V1\n[boot]\nV2\n", "", "V1", false},
+      {"[Boot]\nV1\n", "", "V1", false},      {"[boot]\n[other]\nV1", "", "V1", true},
+      {"[boot]", "", "[boot]", true},         {"[boot]\n\nV1\n", "", "", false},
+      {"[boot]\n\nV1\n", "R1", "-R1", true},
+  };
+  for (const auto& [list, product, running, complies] : kCases)
+    EXPECT_EQ(IsCompliant(Lines(list).get(), product, running), complies) << list << running;
+}
+
+TEST(Compatibility, VersionsComeFromTheDescription) {
+  constexpr std::tuple<const char*, const char*, const char*> kCases[] = {
+      {"Platform version: V1\nProduct version: R1\nPlatform version: V2\nProduct version: R2\n", "V1-R1", "R2"},
+      {"Platform version: V1\nPlatform version: V2\n", "V1", ""},
+      {"Product version: R1\nPlatform version: V1\n", "-R1", "R1"},
+      {"Platform version: V1\n  PRODUCT version: R1 \n", "V1", "R1"},
+      {"Platform version:V1\n", "", ""},
+  };
+  for (const auto& [text, running, product] : kCases) {
+    char found_running[kRunningVersionRoom];
+    char found_product[kProductVersionRoom];
+    ReadBootVersion(Lines(text).get(), found_running);
+    ReadProductVersion(Lines(text).get(), found_product);
+    EXPECT_STREQ(found_running, running) << text;
+    EXPECT_STREQ(found_product, product) << text;
+  }
+}
+
+TEST(PackageName, NeedsItsSuffixAndMore) {
+  constexpr std::tuple<const char*, std::size_t, std::uint16_t> kCases[] = {
+      {"a.bin", 5, 1},  {"a.bin", 4, 0}, {"A.BiN", 9, 1}, {".bin", 9, 0},      {"", 9, 0},
+      {"a.bin.", 9, 0}, {"a.bi", 9, 0},  {"abin", 9, 0},  {"a.bin.bin", 9, 1}, {"flash:/.bin", 99, 1}};
+  for (const auto& [name, longest, fits] : kCases) EXPECT_EQ(ESH_FilterFile(name, ".bin", longest), fits) << name;
+}
+
+TEST(ProcessRunner, SplitsAtBlanksAndTabsOnly) {
+  const UniqueArguments words(PKG_ParserVecAlloc(" \t/bin/true \"a  b\"\t\tc\\ "));
+  ASSERT_EQ(VEC_GetCount(words.get()), 4U);
+  EXPECT_STREQ(static_cast<char*>(words->ppvArray[1]), "\"a");
+  EXPECT_STREQ(static_cast<char*>(words->ppvArray[3]), "c\\");
+  EXPECT_EQ(PKG_System("/bin/true"), kSuccess);
+  for (const char* line : {"/bin/false", "true", "", " \t", "/bin/no-such-tool"})
+    EXPECT_EQ(PKG_System(line), ESH_ERR_FAIL) << line;
+}
+
+struct InstallLoad : PackageTest {
+  /// The version of a device whose boot image this is.
+  static std::string RunningVersion(const mkpkg::PackageContents& boot_image) {
+    WriteFile("/proc/sys/61000/3", "flash:/good.bin\n");
+    WriteFile(kTestPackage, Compose(boot_image));
+    char version[kRunningVersionRoom];
+    ReadRunningVersion(version);
+    return version;
+  }
+};
+
+TEST_F(InstallLoad, BootImageDescriptionHasALimit) {
+  mkpkg::PackageContents contents = Contents();
+  std::string& description = contents.files[1].data;
+  description = "Platform version: V\nProduct version: R1\n";
+  for (const auto& [size, version] : {std::pair(1U << 20, "V-R1"), {(1U << 20) + 1, ""}}) {
+    description.resize(size, '\n');
+    EXPECT_EQ(RunningVersion(contents), version) << size;
+  }
+}
+
+TEST_F(InstallLoad, BootImageThatCrashesItsDecoderHasNoVersion) {
+  std::filesystem::create_symlink(ESH_WILD_DECODER, "/lib/libun7z.so");
+  mkpkg::PackageContents contents = Contents();
+  contents.files[1].packing = kPacked7z;
+  contents.files[1].unpacked_size = 16;
+  EXPECT_EQ(RunningVersion(contents), "");
+}
+
+/// Refuses by every code, many times: what one refusal keeps, an evening of tries would use up.
+TEST_F(InstallLoad, RefusalsLeaveNothingOpen) {
+  const std::string good = GoodPackage();
+  std::string crc = good;
+  crc[16] = static_cast<char>(crc[16] ^ 1);
+  std::string forged = good;
+  forged[kMainHeadSize + kFileHeadSize] ^= 1;
+  mkpkg::PackageContents foreign = Contents();
+  foreign.product_tag = 1;
+  mkpkg::PackageContents without_list = Contents();
+  without_list.files.erase(without_list.files.begin());
+  const std::pair<std::string, std::uint32_t> cases[] = {
+      {"short", ESH_ERR_FAIL},
+      {Sign(Compose(foreign), {.key_name = "maker"}), kErrPackageMismatch},
+      {crc, kErrPackageCrc},
+      {forged, ESH_ERR_FAIL},
+      {Sign(Compose(without_list), {.key_name = "maker"}), ESH_ERR_FAIL},
+      {good, ESH_ERR_FAIL},  // for another boot image than this device's, which has none
+  };
+  testing::internal::CaptureStdout();
+  std::size_t descriptors = 0;
+  std::size_t memory = 0;
+  for (int round = 0; round <= 50; ++round) {
+    for (const auto& [package, code] : cases) {
+      WriteFile(kTestPackage, package);
+      EXPECT_EQ(ESH_PKG_InstallLoadSystem("flash:/good.bin"), code);
+    }
+    if (round == 0) {
+      descriptors = OpenDescriptors();
+      memory = MemoryInUse();
+    }
+  }
+  const std::size_t descriptors_now = OpenDescriptors();
+  const std::size_t memory_now = MemoryInUse();
+  (void)testing::internal::GetCapturedStdout();
+  EXPECT_EQ(descriptors_now, descriptors);
+  EXPECT_LE(memory_now, memory + 16384) << "less than a main head for each";
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+#include "shell/command/parameter.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <iterator>
+#include <string>
+
+#include "util/result.h"
+
+namespace {
+
+using Texts = std::initializer_list<std::string>;
+
+struct CheckCase {
+  const char* why;
+  std::uint16_t (*check)(const char* text);
+  Texts accepted;
+  Texts refused;
+};
+
+std::uint16_t OneTo31(const char* text) { return ESH_CheckInteger(text, 1, 31); }
+std::uint16_t AnyNumber(const char* text) { return ESH_CheckInteger(text, 0, ~std::uint64_t{0}); }
+std::uint16_t ThreeTo15Letters(const char* text) { return ESH_CheckString(text, 3, 15); }
+std::uint16_t AnyText(const char* text) { return ESH_CheckString(text, 0, 1000); }
+
+TEST(ParameterCheck, TakesWhatHasAMeaningOnly) {
+  const std::string zeros = "0000:0000:0000:0000:0000:";
+  const CheckCase kChecks[] = {
+      {"four decimal parts",
+       ESH_CheckIPv4,
+       {"1.2.3.4", "255.255.255.255"},
+       {"256.1.1.1", "1.2.3", "1.2.3.4 ", "010.1.1.1", ""}},
+      {"no prefix length",
+       ESH_CheckIPv6,
+       {"::1", "2001:DB8::1", "::ffff:1.2.3.4", zeros + "ffff:255.255.255.255"},
+       {"2001::1/64", "1::2::3", "12345::", "1.2.3.4", ""}},
+      {"a prefix length of 1 to 128",
+       ESH_CheckIPv6Prefix,
+       {"2001::1/128", "::/1", "2001::1/064", zeros + "ffff:255.255.255.255/128"},
+       {"2001::1/0", "2001::1/129", "2001::1/", "2001::1/64x", "2001::1/+64", "2001::1/6/4", "2001::1", "/64",
+        "1.2.3.4/24", "::1/18446744073709551680", zeros + "0000:ffff:255.255.255.255/64"}},
+      {"digits within bounds",
+       OneTo31,
+       {"1", "31", "00000000000000000031"},
+       {"0", "000", "32", "-1", "+1", "1a", " 1", "", "18446744073709551617"}},
+      {"ten digits at most", AnyNumber, {"", "000", "9999999999"}, {"10000000000"}},
+      {"printable text of its length",
+       ThreeTo15Letters,
+       {"a z", "a\x7ez", std::string(15, 'x')},
+       {"ab", std::string(16, 'x'), "a\x1fz", "a\x7fz", "a\xc3\xa9"}},
+      {"512 characters at most", AnyText, {"", std::string(512, 'x')}, {std::string(513, 'x')}},
+      {"placeholders are no keywords",
+       ESH_Variable,
+       {"X.X.X.X", "X:X::X:X", "X:X::X:X/M", "INTEGER<1-31>", "STRING"},
+       {"string", "X.X.X", "X.X.X.X.", "Reboot", "<cr>", ""}},
+  };
+  for (const CheckCase& c : kChecks) {
+    for (const std::string& text : c.accepted) EXPECT_EQ(c.check(text.c_str()), 1) << c.why << ": " << text;
+    for (const std::string& text : c.refused) EXPECT_EQ(c.check(text.c_str()), 0) << c.why << ": " << text;
+  }
+}
+
+TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
+  const std::string long_word(512, '7');
+  const struct {
+    std::uint32_t (*record)(const char* word);
+    const char* buffer;
+    std::string word;
+    std::string recorded;  // nothing: the word is refused
+  } kRecords[] = {
+      {ESH_RecordUserName, g_szUserName, long_word, std::string(15, '7')},
+      {ESH_RecordPassword, g_szPassword, long_word, std::string(15, '7')},
+      {ESH_RecordLocalFile, g_szLocalFile, long_word, std::string(511, '7')},
+      {ESH_RecordRemoteFile, g_szRemoteFile, long_word, std::string(511, '7')},
+      {ESH_RecordSourceFile, g_szSourceFile, long_word, std::string(511, '7')},
+      {ESH_RecordDestFile, g_szDestFile, long_word, std::string(511, '7')},
+      {ESH_RecordCount, g_szCount, long_word, std::string(10, '7')},
+      {ESH_RecordSize, g_szSize, long_word, std::string(10, '7')},
+      {ESH_RecordDiskName, g_szDiskName, long_word, std::string(15, '7')},
+      {ESH_RecordPkgFile, g_szPkgFlie, long_word, std::string(127, '7')},
+      {ESH_RecordIPv4, g_szIPv4Address, "192.168.100.200", "192.168.100.200"},
+      {ESH_RecordIPv4, g_szIPv4Address, "1.1.1", ""},
+      {ESH_RecordIPv4Mask, g_szIPv4Mask, "255.255.255.255", "255.255.255.255"},
+      {ESH_RecordIPv6, g_szIPv6Address, "0:0::0:1", "::1"},
+      {ESH_RecordIPv6, g_szIPv6Address, "2001:0DB8:1:2222:3333:4444:5555:6666", "2001:db8:1:2222:3333:4444:5555:6666"},
+      {ESH_RecordIPv6, g_szIPv6Address, "::1/64", ""},
+      {ESH_RecordIPv4MaskLen, g_szIPv4MaskLen, "031", "31"},
+      {ESH_RecordIPv6PreLen, g_szIPv6PreLen, "128", "128"},
+  };
+  for (const auto& c : kRecords) {
+    EXPECT_EQ(c.record(c.word.c_str()), c.recorded.empty() ? ESH_ERR_FAIL : kSuccess) << c.word;
+    EXPECT_EQ(c.buffer, c.recorded);
+  }
+  EXPECT_EQ(ESH_RecordPassword("short"), kSuccess);
+  EXPECT_EQ(std::string(std::begin(g_szPassword), std::end(g_szPassword)), "short" + std::string(11, '\0'));
+}
+
+}  // namespace

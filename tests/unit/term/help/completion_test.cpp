@@ -1,0 +1,108 @@
+#include "term/help/completion.h"
+
+#include <gtest/gtest.h>
+#include <strings.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "shell/command/command_tree.h"
+#include "shell/command/words.h"
+#include "tests/support/test_view.h"
+#include "util/fixed_text.h"
+
+namespace {
+
+std::uint32_t ListNames(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* /*element*/) {
+  for (const char* name : {"flash:/b.cfg", "cfa0:/", "flash:/a.cfg", "STRING<1-511>", "<cr>"}) {
+    if (strncasecmp(name, word, std::strlen(word)) == 0) ESH_NewHelpInfo(name, "", list);
+  }
+  return 0;
+}
+
+/// @return the line after TAB behind it.
+std::string Tab(const std::string& typed) {
+  char line[2048];
+  CopyText(line, typed);
+  const UniqueWords words = SplitLine(line);
+  ESH_TabComplete(words.get(), line);
+  return line;
+}
+
+struct TabCase {
+  const char* why;
+  std::vector<const char*> commands;
+  std::string typed;
+  std::vector<const char*> lines;  // after each TAB
+};
+
+const std::vector<const char*> kDeleteDisplay = {"delete <cr>", "display <cr>"};
+const std::vector<const char*> kRebootReset = {"reboot <cr>", "reset <cr>"};
+const std::vector<const char*> kDisplay = {"display version <cr>", "display interface <cr>"};
+const std::vector<const char*> kMore = {"more STRING<1-511> <cr>"};
+
+const TabCase kTabs[] = {
+    {"the only one, with a blank", kDeleteDisplay, "di", {"display ", "display "}},
+    {"nothing in common: one after the other", kDeleteDisplay, "d", {"delete", "display", "delete"}},
+    {"in the order of the tree", {"display <cr>", "delete <cr>"}, "D", {"display", "delete", "display"}},
+    {"the tree's spelling", kDeleteDisplay, "DI", {"display "}},
+    {"first what they share", kRebootReset, "r", {"re", "reboot", "reset", "reboot"}},
+    {"what they share is typed already", kRebootReset, "RE", {"reboot", "reset"}},
+    {"what they share but for case", {"Reboot <cr>", "reset <cr>"}, "r", {"re", "Reboot"}},
+    {"the typed word comes last", {"reset <cr>", "resetall <cr>"}, "Reset", {"resetall", "reset", "resetall"}},
+    {"the shared word is a candidate itself", {"reset <cr>", "resetall <cr>"}, "r", {"reset", "resetall", "reset"}},
+    {"in another case alone", {"A <cr>", "a <cr>", "ab <cr>"}, "a", {"ab", "A", "a", "ab"}},
+    {"the same word twice is one", kDisplay, "dis", {"display "}},
+    {"only the last word", kDisplay, "dis v", {"dis version "}},
+    {"a finished word", kDisplay, "dis ", {"display "}},
+    {"leading blanks are dropped", kDeleteDisplay, "  d", {"delete", "display"}},
+    {"no match: the line stays as typed", kDeleteDisplay, "  delete x", {"  delete x"}},
+    {"no word: the blanks go", kDeleteDisplay, "   ", {""}},
+    {"an address", {"ping X.X.X.X <cr>"}, "ping 1.2", {"ping 1.2"}},
+    {"a placeholder is nothing to type", kMore, "more S", {"more S"}},
+    {"the end of the command is nothing to type", kMore, "more <", {"more <"}},
+    {"names", kMore, "more f", {"more flash:/", "more flash:/b.cfg", "more flash:/a.cfg"}},
+    {"the only name", kMore, "more C", {"more cfa0:/ "}},
+    {"room for the blank", kDeleteDisplay, std::string(503, ' ') + "dis", {"display "}},
+    {"room for the word", kDeleteDisplay, std::string(504, ' ') + "dis", {"display"}},
+    {"the word is cut", kDeleteDisplay, std::string(505, ' ') + "dis", {"displa"}},
+};
+
+TEST(Completion, CompletesOrStepsThroughTheCandidates) {
+  for (const TabCase& c : kTabs) {
+    TestView view("<boot>");
+    for (const char* command : c.commands) view.Add(command, {.help = ListNames});
+    ESH_ResetTabState();
+    std::string line = c.typed;
+    for (const char* expected : c.lines) {
+      line = Tab(line);
+      EXPECT_EQ(line, expected) << c.why;
+    }
+  }
+}
+
+TEST(Completion, ACycleEndsWhenSomethingElseIsTyped) {
+  constexpr struct {
+    const char* why;
+    const char* typed;
+    const char* completed;
+  } kSteps[] = {
+      {"a cycle begins", "r", "re"},
+      {"and goes on", "re", "reboot"},
+      {"a finished word", "re ", "reboot"},
+      {"another word", "res", "reset "},
+      {"the first word again", "r", "re"},
+      {"another number of words, one of which is the same", "copy re", "copy res"},
+      {"another number of words", "reset a", "reset all"},
+      {"which go on", "reset all", "reset any"},
+      {"no match", "reset all x", "reset all x"},
+      {"after which everything begins anew", "reset a", "reset all"},
+  };
+  const TestView view("<boot>", {"reboot <cr>", "reset <cr>", "reset all now <cr>", "reset any <cr>",
+                                 "copy resume <cr>", "copy rescan <cr>"});
+  ESH_ResetTabState();
+  for (const auto& step : kSteps) EXPECT_EQ(Tab(step.typed), step.completed) << step.why;
+}
+
+}  // namespace

@@ -1,0 +1,96 @@
+#include "term/help/help.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "term/help/help_list.h"
+#include "tests/support/scripted_stdio.h"
+
+namespace {
+
+using Lines = std::vector<std::pair<std::string, std::string>>;
+
+UniqueHelpList MakeList(const Lines& lines) {
+  UniqueHelpList list(VEC_Alloc(kUsualSlots));
+  for (const auto& [keyword, help] : lines) ESH_NewHelpInfo(keyword.c_str(), help.c_str(), list.get());
+  return list;
+}
+
+std::string Print(const Lines& lines, std::uint16_t whole) {
+  const UniqueHelpList list = MakeList(lines);
+  ScriptedStdio stdio;
+  PrintHelpVec(list.get(), whole);
+  return stdio.TakeOutput();
+}
+
+std::string Many(std::size_t count, char character) { return std::string(count, character); }
+
+TEST(WholeHelp, IsLaidOutInTwoColumns) {
+  const struct {
+    const char* why;
+    Lines lines;
+    std::string output;
+  } kLayouts[] = {
+      {"sorted, below each other",
+       {{"<cr>", " "}, {"display", "Show"}, {"copy", "  Copy a file "}},
+       "  copy     Copy a file \r\n  display  Show\r\n  <cr>     \r\n"},
+      {"cut behind a blank",
+       {{"k", Many(70, 'a') + "  " + Many(9, 'b')}},
+       "  k  " + Many(70, 'a') + "  \r\n     " + Many(9, 'b') + "\r\n"},
+      {"as wide as its room", {{"k", "aa " + Many(72, 'b')}}, "  k  aa " + Many(72, 'b') + "\r\n"},
+      {"a blank behind its room",
+       {{"k", "aa " + Many(72, 'b') + "  c"}},
+       "  k  aa " + Many(72, 'b') + "\r\n     c\r\n"},
+      {"one letter more than its room", {{"k", "aa " + Many(73, 'b')}}, "  k  aa \r\n     " + Many(73, 'b') + "\r\n"},
+      {"a word wider than its room",
+       {{"k", Many(100, 'a') + " b"}},
+       "  k  " + Many(75, 'a') + "\r\n     " + Many(25, 'a') + " b\r\n"},
+      {"nothing", {}, ""},
+      // At the screen's edge the arithmetic wraps round.
+      {"up to two columns before the edge",
+       {{Many(75, 'k'), "abcd"}},
+       "  " + Many(75, 'k') + "  a\r\n" + Many(79, ' ') + "b\r\n" + Many(79, ' ') + "c\r\n" + Many(79, ' ') + "d\r\n"},
+      {"up to the edge but two",
+       {{"ab", "c"}, {Many(76, 'k'), "d"}},
+       "  ab  c\r\n  " + Many(76, 'k') + Many(8, ' ') + "d\r\n"},
+      {"up to the edge but one", {{Many(77, 'k'), "d"}}, "  " + Many(77, 'k') + "    d\r\n"},
+      {"up to the edge", {{Many(78, 'k'), "d"}}, "  " + Many(78, 'k') + "    d\r\n"},
+      {"over the edge", {{Many(79, 'k'), "d"}}, "  " + Many(79, 'k') + "  d\r\n"},
+  };
+  for (const auto& c : kLayouts) EXPECT_EQ(Print(c.lines, 1), c.output + (c.lines.empty() ? "" : "\r\n")) << c.why;
+}
+
+TEST(WholeHelp, FillsItsBufferToTheLastByte) {
+  for (const std::size_t over : {0U, 1U}) {
+    Lines lines;
+    std::string expected;
+    for (int i = 100; i < 152; ++i) {
+      // 51 lines of 79 bytes, and one that makes it 4087 or one more.
+      lines.emplace_back("k" + std::to_string(i), i == 151 ? Many(48 + over, 'z') : Many(69, 'x'));
+      expected += "  " + lines.back().first + "  " + lines.back().second + "\r\n";
+    }
+    ASSERT_EQ(expected.size(), kHelpOutputRoom - 1 + over);
+    const UniqueHelpList list = MakeList(lines);
+    char buffer[kHelpOutputRoom];
+    ScriptedStdio stdio;
+    PrintWholeHelp(list.get(), buffer);
+    const std::string printed = stdio.TakeOutput();
+    EXPECT_EQ(printed + buffer, expected);
+    EXPECT_EQ(printed.empty(), over == 0) << "printed before it was full";
+  }
+}
+
+TEST(NamesOnly, AreSortedAndComplete) {
+  Lines lines = {{"<cr>", ""}, {Many(512, 'z'), "as long as it gets"}};
+  std::string expected;
+  for (int i = 1000; i > 0; --i) {
+    lines.emplace_back(std::to_string(i), "not shown");
+    expected.insert(0, "  " + lines.back().first + "\r\n");
+  }
+  EXPECT_EQ(Print(lines, 0), expected + "  " + Many(512, 'z') + "\r\n  <cr>\r\n\r\n");
+}
+
+}  // namespace
