@@ -1,5 +1,3 @@
-#include "fs/copy.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,6 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "fs/file_commands.h"
 #include "fs/file_messages.h"
 #include "fs/named_file.h"
 #include "shell/command/parameter.h"

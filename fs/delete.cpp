@@ -1,10 +1,9 @@
-#include "fs/delete.h"
-
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
 
+#include "fs/file_commands.h"
 #include "fs/file_messages.h"
 #include "fs/named_file.h"
 #include "fs/names/name_rules.h"

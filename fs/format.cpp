@@ -1,13 +1,12 @@
-#include "fs/format.h"
-
 #include <unistd.h>
 
 #include <cstdio>
 
+#include "fs/file_commands.h"
 #include "fs/names/name_rules.h"
 #include "fs/working_directory.h"
 #include "shell/command/parameter.h"
-#include "shell/tool/tool_line.h"
+#include "shell/tool/child_process.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
 #include "util/result.h"

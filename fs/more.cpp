@@ -1,5 +1,3 @@
-#include "fs/more.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,6 +8,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "fs/file_commands.h"
 #include "fs/file_messages.h"
 #include "fs/names/name_rules.h"
 #include "fs/path.h"

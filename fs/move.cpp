@@ -1,16 +1,15 @@
-#include "fs/move.h"
-
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <string_view>
 
+#include "fs/file_commands.h"
 #include "fs/file_messages.h"
 #include "fs/named_file.h"
 #include "fs/names/name_rules.h"
 #include "shell/command/parameter.h"
-#include "shell/tool/tool_line.h"
+#include "shell/tool/child_process.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
 #include "util/new_file.h"

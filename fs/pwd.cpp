@@ -1,7 +1,6 @@
-#include "fs/pwd.h"
-
 #include <cstdio>
 
+#include "fs/file_commands.h"
 #include "fs/names/name_rules.h"
 #include "fs/path.h"
 #include "fs/working_directory.h"

@@ -1,5 +1,3 @@
-#include "net/display_interface.h"
-
 #include <arpa/inet.h>
 #include <net/if_arp.h>
 
@@ -11,6 +9,7 @@
 #include "net/interface_settings.h"
 #include "net/ipv6_listing.h"
 #include "net/management_port.h"
+#include "net/network_commands.h"
 #include "util/fixed_text.h"
 #include "util/result.h"
 #include "util/unique_handle.h"

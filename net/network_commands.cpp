@@ -1,10 +1,8 @@
 #include "net/network_commands.h"
 
-#include "net/display_interface.h"
 #include "net/gateway.h"
 #include "net/ipv4_address.h"
 #include "net/ipv6_address.h"
-#include "net/routing_table.h"
 #include "net/shutdown.h"
 #include "shell/command/command_table.h"
 #include "shell/command/parameter.h"

@@ -1,11 +1,9 @@
-#include "net/routing_table.h"
-
 #include <unistd.h>
 
 #include <cstddef>
 
-#include "net/system_proc.h"
-#include "shell/tool/tool_line.h"
+#include "net/network_commands.h"
+#include "shell/tool/child_process.h"
 #include "term/pager.h"
 #include "util/result.h"
 #include "util/unique_handle.h"

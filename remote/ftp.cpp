@@ -1,13 +1,12 @@
-#include "remote/ftp.h"
-
 #include <cstring>
 
 #include "fs/file_messages.h"
 #include "remote/credentials.h"
 #include "remote/host_address.h"
 #include "remote/local_file.h"
+#include "remote/remote_commands.h"
 #include "shell/command/parameter.h"
-#include "shell/tool/tool_line.h"
+#include "shell/tool/child_process.h"
 #include "util/result.h"
 
 namespace {

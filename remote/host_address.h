@@ -1,6 +1,11 @@
 #pragma once
 
-#include "remote/refusal.h"
+#include <cstdint>
+#include <optional>
+
+/// What a step on the way to a connection or transfer decides: nothing while the command goes on, otherwise the
+/// command's result, which ends it there.
+using Refusal = std::optional<std::uint32_t>;
 
 /// Checks of the recorded host address, before anything is run with it.
 

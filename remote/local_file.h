@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "fs/names/name_rules.h"
-#include "remote/refusal.h"
+#include "remote/host_address.h"
 #include "util/fixed_text.h"
 
 /// The local side of a transfer, named by g_szLocalFile. `tool`, "ftp" or "tftp", is what the messages begin with.

@@ -1,9 +1,8 @@
-#include "remote/ping.h"
-
 #include "net/address_rules.h"
 #include "remote/host_address.h"
+#include "remote/remote_commands.h"
 #include "shell/command/parameter.h"
-#include "shell/tool/tool_line.h"
+#include "shell/tool/child_process.h"
 
 namespace {
 

@@ -2,12 +2,7 @@
 
 #include "fs/help_callbacks.h"
 #include "fs/user_file.h"
-#include "remote/ftp.h"
-#include "remote/ping.h"
 #include "remote/remote_file.h"
-#include "remote/ssh.h"
-#include "remote/telnet.h"
-#include "remote/tftp.h"
 #include "shell/command/command_table.h"
 #include "shell/command/parameter.h"
 

@@ -1,13 +1,12 @@
-#include "remote/ssh.h"
-
 #include <unistd.h>
 
 #include "fs/named_file.h"
-#include "net/known_hosts.h"
-#include "remote/connection.h"
+#include "net/ip_stack.h"
 #include "remote/credentials.h"
 #include "remote/host_address.h"
+#include "remote/remote_commands.h"
 #include "shell/command/parameter.h"
+#include "shell/tool/child_process.h"
 #include "util/result.h"
 
 namespace {

@@ -1,8 +1,7 @@
-#include "remote/telnet.h"
-
-#include "remote/connection.h"
 #include "remote/host_address.h"
+#include "remote/remote_commands.h"
 #include "shell/command/parameter.h"
+#include "shell/tool/child_process.h"
 
 namespace {
 

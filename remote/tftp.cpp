@@ -1,9 +1,8 @@
-#include "remote/tftp.h"
-
 #include "remote/host_address.h"
 #include "remote/local_file.h"
+#include "remote/remote_commands.h"
 #include "shell/command/parameter.h"
-#include "shell/tool/tool_line.h"
+#include "shell/tool/child_process.h"
 
 namespace {
 

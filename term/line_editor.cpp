@@ -16,6 +16,10 @@
 #include "util/fixed_text.h"
 #include "util/result.h"
 
+ESH_LINE_S g_stESh_Line;
+ESH_DISPLAY_S g_stESh_Display;
+std::uint16_t g_bESh_SynInput = 0;
+
 namespace {
 
 constexpr std::uint64_t kInitialMaxLen = 512;

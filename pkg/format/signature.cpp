@@ -3,16 +3,18 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <new>
 #include <span>
 
 #include "pkg/format/byte_order.h"
-#include "pkg/format/file_status.h"
 #include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/package_digest.h"
 #include "pkg/format/package_seal.h"
 #include "pkg/format/public_key.h"
+#include "pkg/format/verdict.h"
+#include "util/regular_file.h"
 #include "util/result.h"
 
 namespace {
@@ -185,4 +187,16 @@ std::uint32_t PKG_IsOnePkgAuthOK(const char* path) {
 std::uint32_t PKG_GetSignFormat(const char* path) {
   PackageMainHead head;
   return PKG_GetMainHeadByFileName(path, &head) == kSuccess ? FormOf(head) : kNoForm;
+}
+
+std::uint32_t PKG_Fstat(const char* path, struct stat* stat) {
+  if (OpenRegularFile(path, Links::kRefuse, stat) != nullptr) {
+    return kSuccess;
+  }
+  return errno == ELOOP ? kErrPackageMismatch : ESH_ERR_FAIL;
+}
+
+std::uint64_t PKG_GetFileSizeByUserPath(const char* path) {
+  struct stat stat;
+  return PKG_Fstat(path, &stat) == kSuccess ? static_cast<std::uint64_t>(stat.st_size) : 0;
 }

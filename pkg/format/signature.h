@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdint>
 
 #include "pkg/format/package_reader.h"
@@ -19,3 +21,9 @@ inline constexpr char kHeadFormKey[] = "digital_sign_old_public";
 
 /// @return 1: signed with a trailer; 0: in the main head; 2: the main head cannot be read.
 [[nodiscard]] std::uint32_t PKG_GetSignFormat(const char* path);
+
+/// Tells what a file is. @return 0, kErrPackageMismatch for a symbolic link, ESH_ERR_FAIL when it cannot be opened.
+[[nodiscard]] std::uint32_t PKG_Fstat(const char* path, struct stat* stat);
+
+/// @return the size of a file in bytes, 0 for one that PKG_Fstat refuses.
+[[nodiscard]] std::uint64_t PKG_GetFileSizeByUserPath(const char* path);

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <ctime>
 
-#include "pkg/format/head_check.h"
 #include "term/terminal.h"
 
 std::atomic<std::uint8_t> g_bEshDone{0};
@@ -45,15 +44,4 @@ void ESH_Pkg_NanoSleep(std::uint64_t nanoseconds) {
   rest.tv_nsec = static_cast<long>(nanoseconds % kNanosecondsPerSecond);
   while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
   }
-}
-
-std::uint32_t VerifyWithDots(const char* name, PKG_READER_S* package) {
-  const pthread_t dots = ESH_PKG_CreateDotThrd(name);
-  const std::uint32_t result = CheckPackageHead(package);
-  g_bEshDone = 1;
-  if (dots != kNoThread) {
-    pthread_join(dots, nullptr);
-  }
-  g_bEshDone = 0;
-  return result;
 }

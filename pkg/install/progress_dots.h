@@ -23,10 +23,3 @@ void* Esh_ThreadPrintDot(void* unused);
 
 /// Sleeps, also when signals interrupt the sleep.
 void ESH_Pkg_NanoSleep(std::uint64_t nanoseconds);
-
-struct PKG_READER_S;
-
-/// Verifies a package with the dots beside it, which have ended when this returns.
-/// @param name as typed.
-/// @return 0 or the code of what is wrong with the package.
-[[nodiscard]] std::uint32_t VerifyWithDots(const char* name, PKG_READER_S* package);

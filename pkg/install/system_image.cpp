@@ -1,5 +1,6 @@
 #include "pkg/install/system_image.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "pkg/format/contained_file.h"
@@ -9,6 +10,7 @@
 #include "pkg/install/process_runner.h"
 #include "util/fixed_text.h"
 #include "util/new_file.h"
+#include "util/unique_handle.h"
 
 namespace {
 
@@ -63,4 +65,11 @@ std::uint32_t UnpackSystemImage(SystemImage& image) {
     (void)unlink(path.Text());  // an absent file is what is wanted
   }
   return RemoveWithTool(path.Text());
+}
+
+void DropCaches() {
+  const UniqueFd setting(open("/proc/sys/vm/drop_caches", O_WRONLY | O_CLOEXEC));
+  if (setting) {
+    (void)!write(setting.Get(), "3", 1);  // memory that stays in use is no failure
+  }
 }

@@ -22,3 +22,6 @@ struct SystemImage {
 /// not told: the image of another kind of archive is left packed.
 /// @return 0, or ESH_ERR_FAIL when the file in /tmp could not be removed again.
 [[nodiscard]] std::uint32_t UnpackSystemImage(SystemImage& image);
+
+/// Has the kernel give back the memory in which it keeps files: the system that starts next needs it.
+void DropCaches();

@@ -2,7 +2,10 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <cstdint>
+
+#include "util/fixed_text.h"
 
 /// Process id of the running tool, -1 when none runs. Read by the SIGINT handler.
 extern std::int32_t g_EShSubPid;
@@ -31,3 +34,25 @@ void ESH_Sig2SubProcess(int sig);
 
 /// Ends a running tool with its whole group and takes the terminal back.
 void ESH_CloseSubProcess();
+
+/// Ends a running tool and puts the terminal back as it was found. The caller then ends the process.
+void ESH_Exit();
+
+inline constexpr std::size_t kToolLineRoom = 2048;
+
+/// The command line of a tool: words split at blanks, the first one its absolute path.
+using ToolLine = FixedText<kToolLineRoom>;
+
+/// Runs a tool without echo (ESH_ForkProcess); Ctrl+C does not end it. A line that was cut is
+/// not run: half a line would be another command.
+/// @return 0 when the tool exited with status 0, otherwise ESH_ERR_FAIL.
+std::uint32_t RunTool(const char* line);
+std::uint32_t RunTool(const ToolLine& line);
+
+/// Likewise, but Ctrl+C ends the tool.
+std::uint32_t RunStoppableTool(const ToolLine& line);
+
+/// Runs a tool through which the operator works on another host. Keys that elsewhere would end or stop it are the other
+/// host's; the terminal echoes as it did before the shell started.
+/// @return 0 when the tool exited with status 0, otherwise ESH_ERR_FAIL.
+std::uint32_t RunConnection(const ToolLine& line);

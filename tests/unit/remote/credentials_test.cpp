@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "remote/ftp.h"
+#include "remote/remote_commands.h"
 #include "shell/command/parameter.h"
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"

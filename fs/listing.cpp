@@ -1,4 +1,4 @@
-#include "fs/dir.h"
+#include "fs/listing.h"
 
 #include <dirent.h>
 #include <glob.h>

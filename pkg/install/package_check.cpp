@@ -1,5 +1,6 @@
-#include "pkg/install/package_lookup.h"
+#include "pkg/install/package_check.h"
 
+#include <pthread.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -8,7 +9,9 @@
 #include "fs/names/name_rules.h"
 #include "fs/path.h"
 #include "fs/user_file.h"
+#include "pkg/format/head_check.h"
 #include "pkg/format/package_name.h"
+#include "pkg/install/progress_dots.h"
 #include "util/result.h"
 
 namespace {
@@ -42,4 +45,15 @@ std::uint32_t PackageNameProcess(const char* name, char* fullPath) {
     return ESH_ERR_FAIL;
   }
   return kSuccess;
+}
+
+std::uint32_t VerifyWithDots(const char* name, PKG_READER_S* package) {
+  const pthread_t dots = ESH_PKG_CreateDotThrd(name);
+  const std::uint32_t result = CheckPackageHead(package);
+  g_bEshDone = 1;
+  if (dots != kNoThread) {
+    pthread_join(dots, nullptr);
+  }
+  g_bEshDone = 0;
+  return result;
 }

@@ -1,5 +1,3 @@
-#include "fs/directory.h"
-
 #include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "fs/file_commands.h"
 #include "fs/file_messages.h"
 #include "fs/named_file.h"
 #include "fs/names/name_rules.h"

@@ -1,4 +1,4 @@
-#include "fs/dir.h"
+#include "fs/listing.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
