@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr char kFile[] = "[drive][path][file name]";
-constexpr char kDirectory[] = "[drive][path]";
+constexpr char kFileHelp[] = "[drive][path][file name]";
+constexpr char kDirectoryHelp[] = "[drive][path]";
 
 constexpr CommandWord FileName(const char* help, ESH_CMD_HELP_F list_values, ESH_CMD_CHECK_F check,
                                ESH_CMD_RECORD_F record) {
@@ -23,15 +23,15 @@ constexpr CommandWord Source(const char* help, ESH_CMD_HELP_F list_values) {
 
 /// Any place on a medium.
 constexpr CommandWord Destination(ESH_CMD_HELP_F list_values) {
-  return FileName(kFile, list_values, ESH_FS_CheckInvalidFileDir, ESH_RecordDestFile);
+  return FileName(kFileHelp, list_values, ESH_FS_CheckInvalidFileDir, ESH_RecordDestFile);
 }
 
 constexpr CommandWord kDir = Word("dir", "List files or folders");
 constexpr CommandWord kAll = Word("/all", "List all files on storage media");
-constexpr CommandWord kListed = FileName(kFile, HelpDir, ESH_FS_CheckInvalidFileDir, ESH_RecordSourceFile);
+constexpr CommandWord kListed = FileName(kFileHelp, HelpDir, ESH_FS_CheckInvalidFileDir, ESH_RecordSourceFile);
 // "mkdir" records into the destination, "rmdir" into the source.
 constexpr CommandWord kNewDirectory =
-    FileName(kDirectory, HelpMkdir, ESH_FS_CheckUserManipulatedFile, ESH_RecordDestFile);
+    FileName(kDirectoryHelp, HelpMkdir, ESH_FS_CheckUserManipulatedFile, ESH_RecordDestFile);
 constexpr CommandWord kDrive =
     Param(ESH_ELEM_STRING, "STRING<1-15>", "[drive]", ESH_RecordDiskName, CheckFormat, HelpFormat);
 
@@ -41,12 +41,16 @@ constexpr CommandRow kFileCommands[] = {
     {ESH_ProcDirFile, kUserView, {kDir, kListed}},
     {ESH_ProcDirAllFile, kUserView, {kDir, kAll, kListed}},
     {ESH_ProcPwd, kUserView, {Word("pwd", "Display the current path")}},
-    {ESH_ProcCopy, kUserView, {Word("copy", "Copy a file"), Source(kFile, HelpCopySource), Destination(HelpCopyDest)}},
-    {ESH_ProcDelete, kUserView, {Word("delete", "Delete a file"), Source(kFile, HelpDelete)}},
+    {ESH_ProcCopy,
+     kUserView,
+     {Word("copy", "Copy a file"), Source(kFileHelp, HelpCopySource), Destination(HelpCopyDest)}},
+    {ESH_ProcDelete, kUserView, {Word("delete", "Delete a file"), Source(kFileHelp, HelpDelete)}},
     {ESH_ProcMkdir, kUserView, {Word("mkdir", "Create a new directory"), kNewDirectory}},
-    {ESH_ProcRmdir, kUserView, {Word("rmdir", "Remove an existing directory"), Source(kDirectory, HelpRmdir)}},
-    {ESH_ProcMove, kUserView, {Word("move", "Move a file"), Source(kFile, HelpMoveSource), Destination(HelpMoveDest)}},
-    {ESH_ProcMore, kUserView, {Word("more", "Display the contents of a file"), Source(kFile, HelpMore)}},
+    {ESH_ProcRmdir, kUserView, {Word("rmdir", "Remove an existing directory"), Source(kDirectoryHelp, HelpRmdir)}},
+    {ESH_ProcMove,
+     kUserView,
+     {Word("move", "Move a file"), Source(kFileHelp, HelpMoveSource), Destination(HelpMoveDest)}},
+    {ESH_ProcMore, kUserView, {Word("more", "Display the contents of a file"), Source(kFileHelp, HelpMore)}},
     {ESH_ProcFormat, kUserView, {Word("format", "Format the storage medium"), kDrive}},
 };
 static_assert(WellFormed(kFileCommands));
