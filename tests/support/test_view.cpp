@@ -14,6 +14,7 @@ constexpr std::size_t kMaxCommands = 32;
 
 std::deque<std::string> g_texts;  // the elements keep pointers into them
 std::vector<std::string> g_commands;
+std::vector<ESH_CMD_THREAD_S*> g_threads;  // of them; a view does not take every one
 std::string g_ran;
 
 template <std::size_t kIndex>
@@ -61,13 +62,15 @@ TestView::TestView(const char* prompt, std::initializer_list<const char*> comman
 }
 
 TestView::~TestView() {
-  FreeVectorOf<ESH_CMD_THREAD_S>(g_pstEshCurrentView->pstCmdVec, FreeCommand);
+  for (ESH_CMD_THREAD_S* thread : std::exchange(g_threads, {})) FreeCommand(thread);
+  VEC_Free(g_pstEshCurrentView->pstCmdVec);
   delete std::exchange(g_pstEshCurrentView, before_);
 }
 
 void TestView::Add(const std::string& words, const TestCallbacks& callbacks) {
   ESH_CMD_THREAD_S* thread = ESH_CmdThread_Init(kHandlers.at(g_commands.size()));
   g_commands.push_back(words);
+  g_threads.push_back(thread);
   const auto* record = callbacks.records.begin();
   std::istringstream stream(words);
   for (std::string word; stream >> word;) {
