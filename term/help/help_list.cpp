@@ -74,6 +74,9 @@ struct Number {
 };
 
 Number LeadingNumber(const char* text) {
+  if (*text > '9') {
+    return {0, text};  // no number begins like this, but nearly every name does, and a sort asks often
+  }
   char* rest = nullptr;
   const unsigned long value = std::strtoul(text, &rest, 10);
   return {value, rest};
