@@ -30,9 +30,7 @@ std::string ShellOnDevice(const char* program) { return kMachine + fs::absolute(
 void Execute(std::vector<std::string> words) {
   std::vector<char*> arguments;
   arguments.reserve(words.size() + 1);
-  for (std::string& word : words) {
-    arguments.push_back(word.data());
-  }
+  for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   execv(arguments[0], arguments.data());
 }
@@ -49,8 +47,6 @@ void BecomeShell(const std::vector<std::string>& command) {
 void EndFamily(pid_t process) {
   const std::string id = std::to_string(process);
   std::ifstream children(kMachine + ("/proc/" + id) + "/task/" + id + "/children");
-  for (pid_t child = 0; children >> child;) {
-    EndFamily(child);
-  }
+  for (pid_t child = 0; children >> child;) EndFamily(child);
   kill(process, SIGKILL);
 }

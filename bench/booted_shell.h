@@ -7,7 +7,7 @@
 
 /// The shell as a program of its own, started from its first line to its prompt, on a Console.
 
-inline constexpr char kMachine[] = "/host";  // where the private root keeps the machine's
+inline constexpr char kMachine[] = "/host";  ///< where the private root keeps the machine's
 inline constexpr char kPrompt[] = "<boot>";
 
 /// Enters a private root that is a device whose start-up script is empty, whose modules are loaded, whose one medium is

@@ -43,7 +43,8 @@ void MeasureStart(const std::string& shell) {
   std::vector<double> ours;
   std::vector<double> peer;
   for (int i = 0; i < kStarts; ++i) {
-    ours.push_back(MillisToPrompt(kPrompt, [&](const Console::Report&) { BecomeShell({shell}); }));
+    ours.push_back(MillisToPrompt(
+        kPrompt, [&](const Console::Report&) { BecomeShell({shell}); }));
     peer.push_back(MillisToPrompt(kPeerPrompt, [](const Console::Report&) { BecomePeer(); }));
   }
   Report("from exec to prompt / ash (ms)", Median(ours), Median(peer), 2.3);
@@ -60,9 +61,7 @@ std::string TypedKeys() {
 /// What the terminal gets for what the editor writes: the console puts a "\r" before each "\n".
 std::string OnTheLine(std::string_view written) {
   std::string line;
-  for (const char byte : written) {
-    line += byte == '\n' ? std::string("\r\n") : std::string(1, byte);
-  }
+  for (const char byte : written) line += byte == '\n' ? std::string("\r\n") : std::string(1, byte);
   return line;
 }
 

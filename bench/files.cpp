@@ -41,9 +41,7 @@ std::string MakeText(std::size_t bytes) {
   std::string name = "text" + std::to_string(bytes / kMegabyte);
   std::ofstream file("/mnt/flash:/" + name, std::ios::binary);
   const std::string line(71, 'x');
-  for (std::size_t written = 0; written < bytes; written += line.size() + 1) {
-    file << line << '\n';
-  }
+  for (std::size_t written = 0; written < bytes; written += line.size() + 1) file << line << '\n';
   Require(file.good(), "cannot make a text");
   return name;
 }
@@ -108,9 +106,11 @@ double MillisOfMore(const Console& console, const std::string& name, std::size_t
 
 double MillisOfPeersMore(const std::string& name, std::size_t bytes) {
   return Millis([&] {
-    const Console console({}, [&](const Console::Report&) {
-      Execute({"/bin/busybox", "sh", "-c", "/bin/busybox more '/mnt/flash:/" + name + "'; echo -n " + kPeerEnd});
-    });
+    const Console console(
+        {},
+        [&](const Console::Report&) {
+          Execute({"/bin/busybox", "sh", "-c", "/bin/busybox more '/mnt/flash:/" + name + "'; echo -n " + kPeerEnd});
+        });
     Require(PageThrough(console, kPeerMore, kPeerEnd) > bytes, "the peer does not show all");
   });
 }

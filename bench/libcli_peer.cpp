@@ -27,9 +27,7 @@ cli_command* Add(cli_def* cli, cli_command* parent, const char* word, int number
 void AddCommands(cli_def* cli) {
   for (int topic = 0; topic < kTopics; ++topic) {
     cli_command* first = Add(cli, nullptr, "topic", topic, false);
-    for (int thing = 0; thing < kCommandsOfTopic - 1; ++thing) {
-      Add(cli, first, "thing", thing, true);
-    }
+    for (int thing = 0; thing < kCommandsOfTopic - 1; ++thing) Add(cli, first, "thing", thing, true);
     Add(cli, Add(cli, first, "more", topic, false), "thing", topic, true);
   }
 }
@@ -38,9 +36,7 @@ void AddCommands(cli_def* cli) {
 
 /// Callgrind counts while this runs.
 extern "C" __attribute__((noinline)) void RunMeasuredLines(cli_def* cli, int count) {
-  for (int i = 0; i < count; ++i) {
-    cli_run_command(cli, kLine);
-  }
+  for (int i = 0; i < count; ++i) cli_run_command(cli, kLine);
 }
 
 int main(int argc, char** argv) {

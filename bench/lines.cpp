@@ -90,9 +90,7 @@ void MeasureLeaks() {
 
 /// Callgrind counts while this runs.
 extern "C" __attribute__((noinline)) void RunMeasuredLines(int count) {
-  for (int i = 0; i < count; ++i) {
-    RunLine(kMeasuredLine);
-  }
+  for (int i = 0; i < count; ++i) RunLine(kMeasuredLine);
 }
 
 int main(int argc, char** argv) {

@@ -40,9 +40,7 @@ constexpr char kUnpackImage[] = "cd / && /bin/gunzip -c '/mnt/flash:/image.gz' |
 std::string MakeImage() {
   std::minstd_rand random(1);
   std::string data(kUnpacked, 'a');
-  for (char& letter : data) {
-    letter = static_cast<char>('a' + random() % 16);
-  }
+  for (char& letter : data) letter = static_cast<char>('a' + random() % 16);
   WriteFile("/tmp/image/loaded", data);
   std::string archive;
   std::string image;
@@ -69,9 +67,7 @@ void StorePackage(const char* path, const std::vector<mkpkg::PackageFile>& files
 /// A device with an image on its medium, alone and in a package. @return the image's size.
 std::size_t PreparePackages() {
   PrepareDevice();
-  for (const char* tool : {"sh", "gunzip", "cpio", "rm"}) {
-    fs::create_symlink("busybox", std::string("/bin/") + tool);
-  }
+  for (const char* tool : {"sh", "gunzip", "cpio", "rm"}) fs::create_symlink("busybox", std::string("/bin/") + tool);
   fs::create_directories("/var/pkg");
   WriteFile(kVersionFile, "ProductTag : 0x01020304\nDeviceTag : 0x0A0B0C0D\n");
   WriteFile("/proc/sys/61000/3", "flash:/boot.bin");

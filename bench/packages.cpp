@@ -70,9 +70,7 @@ class Packages {
 /// keys.
 int Verify(const char* package, const fs::path& keys) {
   const UniquePackage reader(PackageReadFileCreateByFile(package));
-  if (reader == nullptr || JudgeSignature(reader.get(), keys.c_str()) != PackageVerdict::kGood) {
-    return EXIT_FAILURE;
-  }
+  if (reader == nullptr || JudgeSignature(reader.get(), keys.c_str()) != PackageVerdict::kGood) return EXIT_FAILURE;
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   std::ofstream(keys / "peak") << usage.ru_maxrss;
@@ -108,9 +106,7 @@ void MeasureVerifying(const Packages& packages) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc == 3) {
-    return Verify(argv[1], argv[2]);
-  }
+  if (argc == 3) return Verify(argv[1], argv[2]);
   const Packages packages;
   MeasureVerifying(packages);
   return EXIT_SUCCESS;

@@ -82,13 +82,11 @@ bool Device::PlugCable(bool in) {
 
 std::string ShellQuoted(const std::string& text) {
   std::string quoted = "'";
-  for (const char character : text) {
-    if (character == '\'') {
+  for (const char character : text)
+    if (character == '\'')
       quoted += "'\\''";
-    } else {
+    else
       quoted += character;
-    }
-  }
   return quoted + "'";
 }
 

@@ -10,42 +10,42 @@ namespace device {
 
 /// A storage medium, empty unless it starts with a copy of a directory.
 struct Medium {
-  std::string name;         // device name with its colon, such as "flash:"
-  std::uint64_t bytes = 0;  // size of the file system on it
-  std::string contents;     // directory of the host that is copied onto it when it is made; "": none
+  std::string name;         ///< device name with its colon, such as "flash:"
+  std::uint64_t bytes = 0;  ///< size of the file system on it
+  std::string contents;     ///< directory of the host that is copied onto it when it is made; "": none
   bool operator==(const Medium&) const = default;
 };
 
 /// A text that stands on the device in place of what the root file system holds. One that starts with "#!" is
 /// executable.
 struct FileText {
-  std::string path;                 // absolute, on the device; missing directories are made
-  std::optional<std::string> text;  // nullopt: the file is removed
+  std::string path;                 ///< absolute, on the device; missing directories are made
+  std::optional<std::string> text;  ///< nullopt: the file is removed
   bool operator==(const FileText&) const = default;
 };
 
 /// A file of the host that is copied onto the device. A program brings the shared libraries it needs.
 struct HostFile {
   std::string host_path;
-  std::string path;  // absolute, on the device
+  std::string path;  ///< absolute, on the device
   bool operator==(const HostFile&) const = default;
 };
 
 /// What a device is made of and how its shell is started.
 struct BootOptions {
-  std::string shell;                              // the program on the host; it stands as /sbin/esh on the device
-  std::string root_files;                         // directory of the host with the device's own files
-  std::string lab_script;                         // run with busybox sh on the far side of m-eth0 before each boot
-  bool has_lab_servers = false;                   // FTP, TFTP, telnet and SSH servers run there, see LabNotice
-  std::string lab_directory;                      // of the host: what FTP and TFTP give out and receive; "": their own
-  std::vector<std::string> arguments = {"scmd"};  // of the shell, without its name
-  std::optional<std::string> term = "xterm";      // TERM of the shell; nullopt: not set
-  std::vector<std::string> environment;           // "NAME=value", added to the shell's environment
-  unsigned short columns = 80;                    // window of the console; 0 by 0: the size is not known
+  std::string shell;             ///< the program on the host; it stands as /sbin/esh on the device
+  std::string root_files;        ///< directory of the host with the device's own files
+  std::string lab_script;        ///< run with busybox sh on the far side of m-eth0 before each boot
+  bool has_lab_servers = false;  ///< FTP, TFTP, telnet and SSH servers run there, see LabNotice
+  std::string lab_directory;     ///< of the host: what FTP and TFTP give out and receive; "": their own
+  std::vector<std::string> arguments = {"scmd"};  ///< of the shell, without its name
+  std::optional<std::string> term = "xterm";      ///< TERM of the shell; nullopt: not set
+  std::vector<std::string> environment;           ///< "NAME=value", added to the shell's environment
+  unsigned short columns = 80;                    ///< window of the console; 0 by 0: the size is not known
   unsigned short rows = 24;
-  bool has_ip_stack = true;   // /lib/modules/ipstack.ko exists
-  bool has_addon = true;      // /lib/modules/addon.ko exists
-  std::vector<Medium> media;  // see DefaultMedia
+  bool has_ip_stack = true;   ///< /lib/modules/ipstack.ko exists
+  bool has_addon = true;      ///< /lib/modules/addon.ko exists
+  std::vector<Medium> media;  ///< see DefaultMedia
   std::vector<FileText> files;
   std::vector<HostFile> host_files;
   bool operator==(const BootOptions&) const = default;
@@ -62,19 +62,19 @@ BootOptions DefaultBootOptions();
 
 /// What a command left behind.
 struct CommandResult {
-  bool finished = false;  // false: it could not be started, or ran longer than it was given
-  int status = -1;        // exit status; 128 + number when a signal ended it
-  std::string output;     // what it wrote to standard output
-  std::string errors;     // what it wrote to standard error
+  bool finished = false;  ///< false: it could not be started, or ran longer than it was given
+  int status = -1;        ///< exit status; 128 + number when a signal ended it
+  std::string output;     ///< what it wrote to standard output
+  std::string errors;     ///< what it wrote to standard error
 };
 
 /// What became of a device, or of the shell on it.
 enum class Outcome {
-  kRunning,     // the shell runs
-  kHandedOver,  // the shell ended and /sbin/scmd has the console; the device is up
-  kShellEnded,  // the shell ended and nothing followed it; the device is up
-  kRebooted,    // the device restarted itself: it is down until Boot is called again
-  kPoweredOff,  // the device halted itself, or PowerOff was called
+  kRunning,     ///< the shell runs
+  kHandedOver,  ///< the shell ended and /sbin/scmd has the console; the device is up
+  kShellEnded,  ///< the shell ended and nothing followed it; the device is up
+  kRebooted,    ///< the device restarted itself: it is down until Boot is called again
+  kPoweredOff,  ///< the device halted itself, or PowerOff was called
   kDied         // the device stopped in another way
 };
 

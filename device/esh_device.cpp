@@ -97,9 +97,8 @@ std::unique_ptr<device::Device> MakeDevice(const Request& request) {
 
 /// A descriptor that the caller closed would be given to the next thing that is opened.
 void OpenStandardDescriptors() {
-  for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+  for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     if (fcntl(number, F_GETFD) < 0) (void)open("/dev/null", O_RDWR);
-  }
 }
 
 }  // namespace

@@ -33,12 +33,8 @@ bool EntryExists(const char* full) {
 bool CopyBlocks(int source, int destination, char* block) {
   for (;;) {
     const ssize_t length = read(source, block, kBlock);
-    if (length <= 0) {
-      return true;
-    }
-    if (write(destination, block, static_cast<std::size_t>(length)) != length) {
-      return false;
-    }
+    if (length <= 0) return true;
+    if (write(destination, block, static_cast<std::size_t>(length)) != length) return false;
   }
 }
 
@@ -58,9 +54,7 @@ bool CopyFile(const char* source_name, const char* destination_name, mode_t mode
 
 /// Asks when the destination exists. @return false when the user keeps it.
 bool MayWrite(const NamedFile& destination) {
-  if (!EntryExists(destination.full)) {
-    return true;
-  }
+  if (!EntryExists(destination.full)) return true;
   std::printf(kOverwriteQuestion, destination.display);
   return IsConfirmed();
 }
@@ -76,20 +70,12 @@ std::uint32_t ESH_ProcCopy() {
   NamedFile source;
   NamedFile destination;
   struct stat status {};
-  if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) {
-    return Refuse(kDoesNotExist);
-  }
-  if (IsSameEntry(source.full, destination.full)) {
-    return Refuse(kSameFile);
-  }
+  if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) return Refuse(kDoesNotExist);
+  if (IsSameEntry(source.full, destination.full)) return Refuse(kSameFile);
   std::printf(kCopyQuestion, source.display, destination.display);
-  if (!IsConfirmed() || !MayWrite(destination)) {
-    return kSuccess;
-  }
+  if (!IsConfirmed() || !MayWrite(destination)) return kSuccess;
   // What cannot be removed is not written into either: a fifo would never let the shell go.
-  if (EntryExists(destination.full) && std::remove(destination.full) != 0) {
-    return FailWithoutRoom();
-  }
+  if (EntryExists(destination.full) && std::remove(destination.full) != 0) return FailWithoutRoom();
   if (!CopyFile(source.full, destination.full, status.st_mode)) {
     (void)std::remove(destination.full);  // a part is of no use; there may be none
     return FailWithoutRoom();

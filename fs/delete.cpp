@@ -27,26 +27,18 @@ std::uint32_t ESH_ProcDelete() {
   NamedFile file;
   struct stat status {};
   if (ESH_InputName2FullValidName(g_szSourceFile, 1, sizeof(file.full), file.full) != kSuccess ||
-      ESH_IsUserManipulatedFile(file.full) != kSuccess || stat(file.full, &status) != 0 || !LiesOnMedium(file.full)) {
+      ESH_IsUserManipulatedFile(file.full) != kSuccess || stat(file.full, &status) != 0 || !LiesOnMedium(file.full))
     return Refuse(kDoesNotExist);
-  }
-  if (S_ISDIR(status.st_mode)) {
-    return Refuse(kIsDirectory);
-  }
-  if (ESH_FS_GetUserFileNameByFullName(file.full, sizeof(file.display), file.display) != kSuccess) {
+  if (S_ISDIR(status.st_mode)) return Refuse(kIsDirectory);
+  if (ESH_FS_GetUserFileNameByFullName(file.full, sizeof(file.display), file.display) != kSuccess)
     return Refuse(kDoesNotExist);
-  }
   std::printf(kDeleteQuestion, file.display);
-  if (!IsConfirmed()) {
-    return ESH_ERR_FAIL;
-  }
+  if (!IsConfirmed()) return ESH_ERR_FAIL;
   std::puts(kPleaseWait);
   ESH_TERM_OFlush();  // it is to be read while the medium works
   const bool removed = std::remove(file.full) == 0;
   sync();
-  if (!removed) {
-    return Refuse(kExecutionFailure);
-  }
+  if (!removed) return Refuse(kExecutionFailure);
   std::printf(kDeleted, file.display);
   return kSuccess;
 }

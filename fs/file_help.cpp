@@ -52,12 +52,8 @@ std::string_view DirectoryPart(std::string_view word) { return word.substr(0, wo
 /// A link counts as what it leads to.
 EntryKind KindOf(const char* full) {
   struct stat status {};
-  if (lstat(full, &status) != 0 || (S_ISLNK(status.st_mode) && stat(full, &status) != 0)) {
-    return EntryKind::kOther;
-  }
-  if (S_ISDIR(status.st_mode)) {
-    return EntryKind::kDirectory;
-  }
+  if (lstat(full, &status) != 0 || (S_ISLNK(status.st_mode) && stat(full, &status) != 0)) return EntryKind::kOther;
+  if (S_ISDIR(status.st_mode)) return EntryKind::kDirectory;
   return S_ISREG(status.st_mode) ? EntryKind::kFile : EntryKind::kOther;
 }
 
@@ -70,22 +66,16 @@ bool IsOffered(EntryKind entry_kind, std::uint32_t kind) {
 /// Opens a directory whose entries shall be offered; NULL when it cannot be read.
 UniqueDir OpenForHelp(const char* path) {
   UniqueDir directory(opendir(path));
-  if (directory == nullptr && errno == ENOMEM) {
-    NoteLostHelpLine();
-  }
+  if (directory == nullptr && errno == ENOMEM) NoteLostHelpLine();
   return directory;
 }
 
 /// Offers one candidate, whose medium is present.
 void OfferCandidate(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter, std::uint32_t mode,
                     VEC_S* help) {
-  if (ESH_FS_IsValidFullFileName(full) != kSuccess || !Passes(filter, full)) {
-    return;
-  }
+  if (ESH_FS_IsValidFullFileName(full) != kSuccess || !Passes(filter, full)) return;
   const EntryKind entry_kind = KindOf(full);
-  if (!IsOffered(entry_kind, kind)) {
-    return;
-  }
+  if (!IsOffered(entry_kind, kind)) return;
   FixedText<kMaxHelpWord + kComponentRoom + 1> text;
   if (mode == FS_OFFER_EXACT) {
     text.AppendText(word);
@@ -104,9 +94,8 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
   FixedText<kNameRoom + kComponentRoom> full;
   full.AppendText(directory);
   const UniqueDir entries = OpenForHelp(full.Text());
-  if (entries == nullptr || !IsOnPresentMedium(full.Text())) {  // asked once: there may be 100,000 entries
+  if (entries == nullptr || !IsOnPresentMedium(full.Text()))  // asked once: there may be 100,000 entries
     return;
-  }
   full.AppendText("/");
   const std::size_t start = full.Length();
   for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get())) {
@@ -121,29 +110,21 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
 
 void OfferWhatIsNamed(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
   struct stat status {};
-  if (stat(full, &status) != 0) {
-    return;
-  }
-  if (S_ISDIR(status.st_mode) && EndsInSlash(word)) {
+  if (stat(full, &status) != 0) return;
+  if (S_ISDIR(status.st_mode) && EndsInSlash(word))
     OfferEntries(word, full, "", kind, filter, help);
-  } else {
+  else
     ESH_HelpStatSwitch(word, full, kind, filter, FS_OFFER_EXACT, help);
-  }
 }
 
 void AddGenericLine(std::uint32_t kind, VEC_S* help) {
-  for (const GenericLine& line : kGenericLines) {
-    if (line.kind == kind) {
-      ESH_NewHelpInfo(line.keyword, line.help, help);
-    }
-  }
+  for (const GenericLine& line : kGenericLines)
+    if (line.kind == kind) ESH_NewHelpInfo(line.keyword, line.help, help);
 }
 
 /// The device name that a slot link stands for.
 std::string_view DeviceOfEntry(std::string_view entry) {
-  if (BeginsIgnoringCase(entry, kSlotPrefix)) {
-    entry.remove_prefix(std::strlen(kSlotPrefix));
-  }
+  if (BeginsIgnoringCase(entry, kSlotPrefix)) entry.remove_prefix(std::strlen(kSlotPrefix));
   return entry;
 }
 
@@ -173,55 +154,36 @@ bool OfferDevice(std::string_view device, std::string_view word, VEC_S* help) {
 }  // namespace
 
 std::uint32_t FS_HelpBaseEx(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
-  if (word == nullptr || kind > FS_HELP_LAST) {
-    return ESH_ERR_FAIL;
-  }
-  if (word[0] == '/' || std::strlen(word) > kMaxHelpWord) {
-    return kSuccess;
-  }
-  if (word[0] == '?') {
+  if (word == nullptr || kind > FS_HELP_LAST) return ESH_ERR_FAIL;
+  if (word[0] == '/' || std::strlen(word) > kMaxHelpWord) return kSuccess;
+  if (word[0] == '?')
     ESH_HelpMntDir("", help);
-  } else {
+  else
     PartlyHelp(word, kind, filter, help);
-  }
   return kSuccess;
 }
 
 void ESH_HelpMntDir(const char* word, VEC_S* help) {
   const UniqueDir root = OpenForHelp(kMediaRoot);
-  if (root == nullptr) {
-    return;
-  }
+  if (root == nullptr) return;
   for (const dirent* entry = readdir(root.get()); entry != nullptr; entry = readdir(root.get())) {
-    if (entry->d_name[0] == '.' || !IsLinkThatLeadsSomewhere(entry->d_name)) {
-      continue;
-    }
-    if (!OfferDevice(DeviceOfEntry(entry->d_name), word, help)) {
-      return;
-    }
+    if (entry->d_name[0] == '.' || !IsLinkThatLeadsSomewhere(entry->d_name)) continue;
+    if (!OfferDevice(DeviceOfEntry(entry->d_name), word, help)) return;
   }
 }
 
 void PartlyHelp(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
   ESH_HelpMntDir(word, help);
   char full[kNameRoom];
-  if (ESH_InputName2FullValidName(word, 0, sizeof(full), full) != kSuccess) {
-    return;
-  }
+  if (ESH_InputName2FullValidName(word, 0, sizeof(full), full) != kSuccess) return;
   const std::string_view typed(word);
-  if (kind == FS_HELP_PACKAGE && std::count(typed.begin(), typed.end(), '/') > 1) {
-    return;
-  }
+  if (kind == FS_HELP_PACKAGE && std::count(typed.begin(), typed.end(), '/') > 1) return;
   OfferWhatIsNamed(word, full, kind, filter, help);
-  if (!EndsInSlash(word)) {
-    OfferEntries(word, ParentOf(full), LastComponent(typed), kind, filter, help);
-  }
+  if (!EndsInSlash(word)) OfferEntries(word, ParentOf(full), LastComponent(typed), kind, filter, help);
   AddGenericLine(kind, help);
 }
 
 void ESH_HelpStatSwitch(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter,
                         std::uint32_t mode, VEC_S* help) {
-  if (IsOnPresentMedium(full)) {
-    OfferCandidate(word, full, kind, filter, mode, help);
-  }
+  if (IsOnPresentMedium(full)) OfferCandidate(word, full, kind, filter, mode, help);
 }

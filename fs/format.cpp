@@ -31,9 +31,7 @@ std::uint32_t ESH_ProcFormat() {
     return ESH_ERR_FAIL;
   }
   std::printf(kFormatQuestion, device.Text());
-  if (!IsConfirmed()) {
-    return ESH_ERR_FAIL;
-  }
+  if (!IsConfirmed()) return ESH_ERR_FAIL;
   (void)!chdir(kScratchFolder);  // a medium that is the working directory is busy
   ToolLine line;
   line.Append("%s %s", kScript, device.Text());

@@ -93,37 +93,31 @@ void FillAttributes(const struct stat& status, const char* name, char (&attribut
 
 void FormatDate(std::time_t time, char (&date)[kDateRoom]) {
   std::tm local{};
-  if (localtime_r(&time, &local) == nullptr || std::strftime(date, sizeof(date), kDateFormat, &local) == 0) {
+  if (localtime_r(&time, &local) == nullptr || std::strftime(date, sizeof(date), kDateFormat, &local) == 0)
     date[0] = '\0';
-  }
 }
 
 /// Formats an entry's line. @return false when the entry has vanished.
 bool FormatLine(const char* path, std::uint32_t index, ListingLine& line) {
   struct stat status {};
-  if (stat(path, &status) != 0) {
-    return false;
-  }
+  if (stat(path, &status) != 0) return false;
   FixedText<kComponentRoom> name;
   name.AppendText(LastComponent(path));
   char attributes[5];
   FillAttributes(status, name.Text(), attributes);
   char date[kDateRoom];
   FormatDate(status.st_mtime, date);
-  if (S_ISDIR(status.st_mode)) {
+  if (S_ISDIR(status.st_mode))
     line.Append(kDirectoryLine, index, attributes, kNoSize, date, name.Text());
-  } else {
+  else
     line.Append(kFileLine, index, attributes, static_cast<long>(status.st_size), date, name.Text());
-  }
   return true;
 }
 
 /// The heading, for a directory that has a display name.
 bool FormatHeading(const char* full, TextBuilder& heading) {
   char name[kNameRoom];
-  if (ESH_FS_GetUserFileNameByFullName(full, sizeof(name), name) != kSuccess) {
-    return false;
-  }
+  if (ESH_FS_GetUserFileNameByFullName(full, sizeof(name), name) != kSuccess) return false;
   heading.Append(kDirectoryOf, name);
   return true;
 }
@@ -141,21 +135,13 @@ std::uint32_t ListMatches(const Matches& matches, bool all, const Heading& headi
   std::uint32_t verdict = kSuccess;
   std::uint32_t index = 0;
   for (std::size_t i = 0; verdict == kSuccess && i < matches.Count(); ++i) {
-    if (!IsShown(matches.At(i), all)) {
-      continue;
-    }
-    if (index == 0) {
-      verdict = listing.Add(heading.View());
-    }
+    if (!IsShown(matches.At(i), all)) continue;
+    if (index == 0) verdict = listing.Add(heading.View());
     ListingLine line;
-    if (verdict == kSuccess && FormatLine(matches.At(i), index, line)) {
-      verdict = listing.Add(line.View());
-    }
+    if (verdict == kSuccess && FormatLine(matches.At(i), index, line)) verdict = listing.Add(line.View());
     ++index;  // also for an entry that has vanished
   }
-  if (verdict == kSuccess && index == 0) {
-    verdict = listing.Add(kIsEmpty);
-  }
+  if (verdict == kSuccess && index == 0) verdict = listing.Add(kIsEmpty);
   return verdict == kSuccess ? listing.Show() : verdict;
 }
 
@@ -163,9 +149,7 @@ std::uint32_t ListMatches(const Matches& matches, bool all, const Heading& headi
 /// a name does not count. @return false when there is no such entry.
 bool FindSpelling(const char* directory, std::string_view name, TextBuilder& spelling) {
   const UniqueDir entries(opendir(directory));
-  if (entries == nullptr) {
-    return false;
-  }
+  if (entries == nullptr) return false;
   for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get())) {
     const std::string_view candidate(entry->d_name);
     if (candidate == name) {
@@ -173,9 +157,7 @@ bool FindSpelling(const char* directory, std::string_view name, TextBuilder& spe
       spelling.AppendText(candidate);
       return true;
     }
-    if (spelling.Length() == 0 && EqualsIgnoringCase(candidate, name)) {
-      spelling.AppendText(candidate);
-    }
+    if (spelling.Length() == 0 && EqualsIgnoringCase(candidate, name)) spelling.AppendText(candidate);
   }
   return spelling.Length() > 0;
 }
@@ -196,9 +178,8 @@ std::uint32_t ListOneFile(const char* full) {
   file.AppendText(parent.View());
   file.AppendText("/");
   file.AppendText(found ? spelling.View() : name);
-  if (ESH_OutString(heading.Text()) != kSuccess || ESH_DirOneFileOfList(file.Text(), 0) != kSuccess) {
+  if (ESH_OutString(heading.Text()) != kSuccess || ESH_DirOneFileOfList(file.Text(), 0) != kSuccess)
     return ESH_ERR_FAIL;
-  }
   ESH_DirFsInfo(full);
   return kSuccess;
 }
@@ -206,9 +187,7 @@ std::uint32_t ListOneFile(const char* full) {
 /// Lists a directory and its medium's space.
 std::uint32_t ListDirectory(const char* full, bool all) {
   const std::uint32_t verdict = ESH_ListFileInfoInDir(full, all);
-  if (verdict == kSuccess) {
-    ESH_DirFsInfo(full);
-  }
+  if (verdict == kSuccess) ESH_DirFsInfo(full);
   return verdict;
 }
 
@@ -230,9 +209,7 @@ std::uint32_t ESH_DirFileInHomePath(bool all) {
 std::uint32_t ESH_DirFileInDirectory(const char* name, bool all) {
   char full[kNameRoom];
   struct stat status {};
-  if (ESH_GetFulleDirName(name, sizeof(full), full) != kSuccess || stat(full, &status) != 0) {
-    return ESH_ERR_FAIL;
-  }
+  if (ESH_GetFulleDirName(name, sizeof(full), full) != kSuccess || stat(full, &status) != 0) return ESH_ERR_FAIL;
   return S_ISDIR(status.st_mode) ? ListDirectory(full, all) : ListOneFile(full);
 }
 
@@ -240,16 +217,11 @@ std::uint32_t ESH_ListFileInfoInDir(const char* full, bool all) {
   Heading heading;
   const bool has_name = FormatHeading(full, heading);
   const WorkingDirectoryKept kept;
-  if (chdir(full) != 0) {
-    return ESH_ERR_FAIL;
-  }
+  if (chdir(full) != 0) return ESH_ERR_FAIL;
   Matches matches;
-  if (has_name) {  // a place without a display name shows no entries
+  if (has_name)  // a place without a display name shows no entries
     matches.Add("*");
-  }
-  if (has_name && all) {
-    matches.Add(".*");
-  }
+  if (has_name && all) matches.Add(".*");
   return ListMatches(matches, all, heading);
 }
 
@@ -261,9 +233,7 @@ std::uint32_t ESH_DirOneFileOfList(const char* full, std::uint32_t index) {
 
 void ESH_DirFsInfo(const char* full) {
   struct statfs space {};
-  if (statfs(full, &space) != 0) {
-    return;
-  }
+  if (statfs(full, &space) != 0) return;
   const long units = static_cast<long>(space.f_bsize) / kSpaceUnit;
   FixedText<kLineRoom> line;
   line.Append(kSpace, units * static_cast<long>(space.f_blocks) / 2, units * static_cast<long>(space.f_bfree) / 2);
@@ -271,9 +241,7 @@ void ESH_DirFsInfo(const char* full) {
 }
 
 std::uint32_t ESH_GetFulleDirName(const char* name, std::size_t size, char* full) {
-  if (ESH_InputName2FullValidName(name, 0, size, full) == kSuccess && access(full, F_OK) == 0) {
-    return kSuccess;
-  }
+  if (ESH_InputName2FullValidName(name, 0, size, full) == kSuccess && access(full, F_OK) == 0) return kSuccess;
   std::puts(kDoesNotExist);
   return ESH_ERR_FAIL;
 }

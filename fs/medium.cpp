@@ -18,35 +18,24 @@ using MediumPath = FixedText<kNameRoom>;
 
 void AppendCopy(VEC_S& names, const char* name) {
   UniqueText copy(static_cast<char*>(std::malloc(kComponentRoom)));
-  if (copy == nullptr) {
-    return;
-  }
+  if (copy == nullptr) return;
   CopyBounded(copy.get(), kComponentRoom, name);
-  if (VEC_Add(&names, kNoIndex, copy.get()) != kNoIndex) {
-    (void)copy.release();  // the vector's now
-  }
+  if (VEC_Add(&names, kNoIndex, copy.get()) != kNoIndex) (void)copy.release();  // the vector's now
 }
 
 /// Gathers the media first: the links are made in the very directory that is read.
 void GatherMedia(VEC_S& names) {
   const UniqueDir root(opendir(kMediaRoot));
-  if (root == nullptr) {
-    return;
-  }
-  for (const dirent* entry = readdir(root.get()); entry != nullptr; entry = readdir(root.get())) {
-    if (!IsDotOrDotDot(entry->d_name) && IsDirPath(entry->d_name) == 1) {
-      AppendCopy(names, entry->d_name);
-    }
-  }
+  if (root == nullptr) return;
+  for (const dirent* entry = readdir(root.get()); entry != nullptr; entry = readdir(root.get()))
+    if (!IsDotOrDotDot(entry->d_name) && IsDirPath(entry->d_name) == 1) AppendCopy(names, entry->d_name);
 }
 
 }  // namespace
 
 std::uint16_t ESH_CheckDevice(const char* name) {
   const std::string_view device = DeviceNameOf(name);
-  if (device.empty() || device.size() > kMaxComponent) {
-    return 0;
-  }
+  if (device.empty() || device.size() > kMaxComponent) return 0;
   MediumPath link;
   link.Append("%s/%s%.*s", kMediaRoot, kSlotPrefix, static_cast<int>(device.size()), device.data());
   struct stat status {};
@@ -59,12 +48,8 @@ bool IsOnPresentMedium(const char* full) {
 
 std::uint16_t ESH_IsDeviceForPkgm(const char* name) {
   std::string_view rest(name);
-  if (rest.starts_with(kMediaPrefix)) {
-    rest.remove_prefix(kMediaPrefix.size());
-  }
-  if (ESH_CheckDevice(rest.data()) == 0) {
-    return 0;
-  }
+  if (rest.starts_with(kMediaPrefix)) rest.remove_prefix(kMediaPrefix.size());
+  if (ESH_CheckDevice(rest.data()) == 0) return 0;
   return IsFirstUnit(DeviceNameOf(rest)) ? 1 : 0;
 }
 
@@ -86,9 +71,7 @@ void SymLinkDiskAddFree(char* entry) {
 
 void LinkMedia() {
   const UniqueVector names(VEC_Alloc(kUsualSlots));
-  if (names == nullptr) {
-    return;
-  }
+  if (names == nullptr) return;
   GatherMedia(*names);
   ForEachSlot<char>(*names, [](std::uint64_t, char& name) { SymLinkDiskAddFree(&name); });
 }

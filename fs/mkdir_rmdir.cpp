@@ -43,26 +43,18 @@ bool MakeDisplayName(NamedFile& file) {
 }
 
 bool IsEmpty(DIR* directory) {
-  for (const dirent* entry = readdir(directory); entry != nullptr; entry = readdir(directory)) {
-    if (!IsDotOrDotDot(entry->d_name)) {
-      return false;
-    }
-  }
+  for (const dirent* entry = readdir(directory); entry != nullptr; entry = readdir(directory))
+    if (!IsDotOrDotDot(entry->d_name)) return false;
   return true;
 }
 
 /// Refuses what the question need not be asked for. @return NULL, or the message.
 const char* WhyNotRemovable(NamedFile& file) {
-  if (!ResolveBelowRoot(g_szSourceFile, file) || !IsDirectory(file.full) || !LiesOnMedium(file.full)) {
+  if (!ResolveBelowRoot(g_szSourceFile, file) || !IsDirectory(file.full) || !LiesOnMedium(file.full))
     return kNoDirectory;
-  }
   char current[kNameRoom];
-  if (ESH_GetCwd(sizeof(current), current) != kSuccess) {
-    return kNoDirectory;
-  }
-  if (std::strcmp(current, file.full) == 0) {
-    return kIsCurrent;
-  }
+  if (ESH_GetCwd(sizeof(current), current) != kSuccess) return kNoDirectory;
+  if (std::strcmp(current, file.full) == 0) return kIsCurrent;
   return MakeDisplayName(file) ? nullptr : kNoDirectory;
 }
 
@@ -70,19 +62,12 @@ const char* WhyNotRemovable(NamedFile& file) {
 
 std::uint32_t ESH_ProcMkdir() {
   NamedFile file;
-  if (!ResolveBelowRoot(g_szDestFile, file)) {  // "mkdir" records into the destination
+  if (!ResolveBelowRoot(g_szDestFile, file))  // "mkdir" records into the destination
     return Refuse(kWrongName);
-  }
-  if (!LiesOnMedium(file.full)) {
-    return Refuse(kDoesNotExist);
-  }
+  if (!LiesOnMedium(file.full)) return Refuse(kDoesNotExist);
   struct stat status {};
-  if (stat(file.full, &status) == 0) {
-    return Refuse(S_ISDIR(status.st_mode) ? kDirectoryExists : kFileExists);
-  }
-  if (!MakeDisplayName(file) || mkdir(file.full, kDirectoryMode) != 0) {
-    return Refuse(kExecutionFailure);
-  }
+  if (stat(file.full, &status) == 0) return Refuse(S_ISDIR(status.st_mode) ? kDirectoryExists : kFileExists);
+  if (!MakeDisplayName(file) || mkdir(file.full, kDirectoryMode) != 0) return Refuse(kExecutionFailure);
   sync();
   std::printf(kCreated, file.display);
   return kSuccess;
@@ -91,22 +76,14 @@ std::uint32_t ESH_ProcMkdir() {
 std::uint32_t ESH_ProcRmdir() {
   NamedFile file;
   const char* refusal = WhyNotRemovable(file);
-  if (refusal != nullptr) {
-    return Refuse(refusal);
-  }
+  if (refusal != nullptr) return Refuse(refusal);
   std::printf(kRemoveQuestion, file.display);
-  if (!IsConfirmed()) {
-    return ESH_ERR_FAIL;
-  }
+  if (!IsConfirmed()) return ESH_ERR_FAIL;
   UniqueDir directory(opendir(file.full));
-  if (directory == nullptr) {
-    return Refuse(kNoDirectory);
-  }
+  if (directory == nullptr) return Refuse(kNoDirectory);
   const bool is_empty = IsEmpty(directory.get());
   directory.reset();  // some file systems do not remove what is open
-  if (!is_empty) {
-    return Refuse(kNotEmpty);
-  }
+  if (!is_empty) return Refuse(kNotEmpty);
   if (rmdir(file.full) != 0) {
     std::puts(kNotRemoved);
     return kSuccess;  // the message says all there is; the result is success

@@ -52,9 +52,7 @@ void ReadText(int file, char* text, std::size_t room) {
       std::puts(kNotText);
       break;
     }
-    for (std::size_t at = 0; at < bytes.size(); at += kChunk) {
-      end = AppendChunk(end, last, bytes.substr(at, kChunk));
-    }
+    for (std::size_t at = 0; at < bytes.size(); at += kChunk) end = AppendChunk(end, last, bytes.substr(at, kChunk));
   }
   *end = '\0';
 }
@@ -65,18 +63,13 @@ std::uint32_t ESH_ProcMore() {
   char full[kNameRoom];
   struct stat status {};
   if (ESH_InputName2FullValidName(g_szSourceFile, 1, sizeof(full), full) != kSuccess || stat(full, &status) != 0 ||
-      S_ISDIR(status.st_mode) || status.st_size < 1) {  // a fifo has no size, so it is never waited on
+      S_ISDIR(status.st_mode) || status.st_size < 1)  // a fifo has no size, so it is never waited on
     return Refuse(kDoesNotExist);
-  }
   const UniqueFd file(open(full, O_RDONLY | O_CLOEXEC));
-  if (!file) {
-    return Refuse(kExecutionFailure);
-  }
+  if (!file) return Refuse(kExecutionFailure);
   const std::size_t room = static_cast<std::size_t>(status.st_size) + 1;
   const UniqueText text(static_cast<char*>(std::malloc(room)));
-  if (text == nullptr) {
-    return kSuccess;
-  }
+  if (text == nullptr) return kSuccess;
   ReadText(file.Get(), text.get(), room);
   (void)ESH_OutString(text.get());  // a reader who has seen enough is no failure
   return kSuccess;

@@ -27,9 +27,7 @@ using TargetName = FixedText<kNameRoom + kComponentRoom>;
 /// Finds where the tool writes to: into a directory that has the destination's name.
 void FindTarget(const char* source, const char* destination, TargetName& target) {
   target.AppendText(destination);
-  if (IsDirectory(destination)) {
-    target.Append("/%s", LastComponent(source).data());  // the end of a terminated text
-  }
+  if (IsDirectory(destination)) target.Append("/%s", LastComponent(source).data());  // the end of a terminated text
 }
 
 bool IsLink(const char* full) {
@@ -56,9 +54,7 @@ bool TakeDeadLinkAway(const char* target) { return !IsLink(target) || Exists(tar
 /// the tool may have been killed when all but its own end was done.
 void RemovePart(const char* source, const char* target) {
   struct stat status {};
-  if (stat(source, &status) == 0 && !IsSameEntry(source, target)) {
-    (void)std::remove(target);  // there may be none
-  }
+  if (stat(source, &status) == 0 && !IsSameEntry(source, target)) (void)std::remove(target);  // there may be none
 }
 
 /// Whether there is a tool to start. Without it nothing is touched: what has the target's name is no part of this move.
@@ -67,13 +63,9 @@ bool CanRun(const ToolLine& line) { return !line.Truncated() && access(kTool, X_
 std::uint32_t Move(const char* source, const char* destination, const char* target) {
   ToolLine line;
   line.Append(kMoveLine, kToolFolder, source, destination);
-  if (!CanRun(line) || WouldLose(source, target) || WouldAsk(target) || !TakeDeadLinkAway(target)) {
-    return ESH_ERR_FAIL;
-  }
+  if (!CanRun(line) || WouldLose(source, target) || WouldAsk(target) || !TakeDeadLinkAway(target)) return ESH_ERR_FAIL;
   const std::uint32_t moved = RunTool(line);
-  if (moved != kSuccess) {
-    RemovePart(source, target);
-  }
+  if (moved != kSuccess) RemovePart(source, target);
   return moved;
 }
 
@@ -83,18 +75,12 @@ std::uint32_t ESH_ProcMove() {
   NamedFile source;
   NamedFile destination;
   struct stat status {};
-  if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) {
-    return Refuse(kDoesNotExist);
-  }
+  if (!ResolveTransfer(g_szSourceFile, g_szDestFile, source, destination, status)) return Refuse(kDoesNotExist);
   TargetName target;
   FindTarget(source.full, destination.full, target);
-  if (!LiesOnMedium(source.full) || !LiesOnMedium(target.Text())) {
-    return Refuse(kDoesNotExist);
-  }
+  if (!LiesOnMedium(source.full) || !LiesOnMedium(target.Text())) return Refuse(kDoesNotExist);
   std::printf(kMoveQuestion, source.display, destination.display);
-  if (!IsConfirmed()) {
-    return ESH_ERR_FAIL;
-  }
+  if (!IsConfirmed()) return ESH_ERR_FAIL;
   const std::uint32_t moved = Move(source.full, destination.full, target.Text());
   if (moved == kSuccess) {
     // The tool does not wait for it: for a while the file could be on neither medium. A link would lead elsewhere.

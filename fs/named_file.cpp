@@ -26,9 +26,7 @@ struct Parent {
 
 /// Whether a path without links is a medium's directory or below it.
 bool IsOfMedium(std::string_view real) {
-  if (!real.starts_with(kMediaPrefix)) {
-    return false;
-  }
+  if (!real.starts_with(kMediaPrefix)) return false;
   real.remove_prefix(kMediaPrefix.size());
   return real.substr(0, real.find('/')).ends_with(':');
 }
@@ -36,36 +34,26 @@ bool IsOfMedium(std::string_view real) {
 /// Whether a directory lists an entry in exactly this spelling.
 bool ListsExactly(const char* directory, std::string_view name) {
   const UniqueDir entries(opendir(directory));
-  if (entries == nullptr) {
-    return false;
-  }
-  for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get())) {
-    if (name == entry->d_name) {
-      return true;
-    }
-  }
+  if (entries == nullptr) return false;
+  for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get()))
+    if (name == entry->d_name) return true;
   return false;
 }
 
 /// Whether two names of one file that has several links are the same link.
 bool IsSameLink(const char* source, const char* destination) {
   const UniqueText real_source(realpath(source, nullptr));
-  if (real_source == nullptr) {
-    return false;
-  }
+  if (real_source == nullptr) return false;
   const Parent source_parent(real_source.get());
   const Parent parent(destination);
   struct stat source_directory {};
   struct stat directory {};
   if (stat(source_parent.path, &source_directory) != 0 || stat(parent.path, &directory) != 0 ||
-      !IsOneInode(source_directory, directory)) {
+      !IsOneInode(source_directory, directory))
     return false;
-  }
   const std::string_view source_name = LastComponent(real_source.get());
   const std::string_view name = LastComponent(destination);
-  if (source_name == name) {
-    return true;
-  }
+  if (source_name == name) return true;
   return EqualsIgnoringCase(source_name, name) && !ListsExactly(parent.path, name);
 }
 
@@ -94,25 +82,20 @@ bool LiesOnMedium(const char* full) {
 
 std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseName, char* output) {
   char full[kNameRoom];
-  if (ESH_InputName2FullValidName(typed, 0, sizeof(full), full) != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
+  if (ESH_InputName2FullValidName(typed, 0, sizeof(full), full) != kSuccess) return ESH_ERR_FAIL;
   FixedText<kNameRoom> destination;
   destination.AppendText(full);
-  if (IsDirectory(full)) {
+  if (IsDirectory(full))
     destination.Append("/%s", sourceBaseName);
-  } else if (ESH_IsExpectFile(typed) == 0 || !(Exists(full) || IsDirectory(Parent(full).path))) {
+  else if (ESH_IsExpectFile(typed) == 0 || !(Exists(full) || IsDirectory(Parent(full).path)))
     return ESH_ERR_FAIL;
-  }
   CopyBounded(output, kNameRoom, destination.View());
   return destination.Truncated() ? ESH_ERR_FAIL : kSuccess;
 }
 
 bool ResolveTransfer(const char* typed_source, const char* typed_destination, NamedFile& source, NamedFile& destination,
                      struct stat& status) {
-  if (!ResolveRegularFile(typed_source, source, status)) {
-    return false;
-  }
+  if (!ResolveRegularFile(typed_source, source, status)) return false;
   const char* base_name = LastComponent(typed_source).data();  // the end of a terminated text
   return ESH_CopyGetDestFullName(typed_destination, base_name, destination.full) == kSuccess &&
          ESH_FS_GetUserFileNameByFullName(destination.full, sizeof(destination.display), destination.display) ==
@@ -121,14 +104,11 @@ bool ResolveTransfer(const char* typed_source, const char* typed_destination, Na
 }
 
 bool IsSameEntry(const char* source, const char* destination) {
-  if (std::strcmp(source, destination) == 0) {
-    return true;
-  }
+  if (std::strcmp(source, destination) == 0) return true;
   struct stat source_status {};
   struct stat status {};
   if (stat(source, &source_status) != 0 || lstat(destination, &status) != 0 || S_ISLNK(status.st_mode) ||
-      !IsOneInode(source_status, status)) {
+      !IsOneInode(source_status, status))
     return false;
-  }
   return status.st_nlink == 1 || IsSameLink(source, destination);
 }

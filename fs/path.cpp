@@ -20,9 +20,7 @@ bool HoldsDevice(const char* name) { return std::strchr(name, ':') != nullptr; }
 std::uint32_t JoinWorkingDirectory(const char* name, JoinedName& joined) {
   if (name[0] != '/') {
     char directory[kNameRoom];
-    if (ESH_GetCwd(sizeof(directory), directory) != kSuccess) {
-      return ESH_ERR_FAIL;
-    }
+    if (ESH_GetCwd(sizeof(directory), directory) != kSuccess) return ESH_ERR_FAIL;
     joined.Append("%s/", directory);
   }
   joined.AppendText(name);
@@ -31,12 +29,8 @@ std::uint32_t JoinWorkingDirectory(const char* name, JoinedName& joined) {
 
 /// expandMnt2DiskFullFileName with a floor for "..".
 std::uint32_t ExpandWithDevice(std::string_view name, std::uint32_t floor, char* full) {
-  if (name.starts_with(kMediaRoot)) {
-    name.remove_prefix(kMediaPrefix.size());
-  }
-  if (!IsValidDeviceName(DeviceNameOf(name))) {
-    return ESH_ERR_FAIL;
-  }
+  if (name.starts_with(kMediaRoot)) name.remove_prefix(kMediaPrefix.size());
+  if (!IsValidDeviceName(DeviceNameOf(name))) return ESH_ERR_FAIL;
   JoinedName joined;
   joined.AppendText(kMediaPrefix);
   joined.AppendText(name);
@@ -46,12 +40,9 @@ std::uint32_t ExpandWithDevice(std::string_view name, std::uint32_t floor, char*
 std::uint32_t ExpandWithoutDevice(const char* name, std::uint32_t floor, char* full) {
   JoinedName joined;
   if (JoinWorkingDirectory(name, joined) != kSuccess ||
-      eliminatePoint(joined.Text(), floor, kNameRoom, full) != kSuccess) {
+      eliminatePoint(joined.Text(), floor, kNameRoom, full) != kSuccess)
     return ESH_ERR_FAIL;
-  }
-  if (!HoldsDevice(full)) {
-    return kSuccess;  // outside the media; the commands refuse it by its missing device
-  }
+  if (!HoldsDevice(full)) return kSuccess;  // outside the media; the commands refuse it by its missing device
   JoinedName with_device;
   with_device.AppendText(full);
   return ExpandWithDevice(with_device.View(), floor, full);
@@ -63,9 +54,8 @@ std::uint32_t Convert(const char* name, std::uint32_t floor, std::size_t size, c
   char full[kNameRoom];
   full[0] = '\0';
   std::uint32_t verdict = ESH_ERR_FAIL;
-  if (name != nullptr && ESH_FS_IsValidFileName(name) == kSuccess) {
+  if (name != nullptr && ESH_FS_IsValidFileName(name) == kSuccess)
     verdict = HoldsDevice(name) ? ExpandWithDevice(name, floor, full) : ExpandWithoutDevice(name, floor, full);
-  }
   return CopyBounded(output, size, full) ? verdict : ESH_ERR_FAIL;
 }
 
@@ -77,9 +67,7 @@ std::uint32_t ConvertTyped(const char* name, std::size_t size, char* output) {
 /// What stands behind "/mnt/<device>/" of a full name.
 std::string_view BehindDevice(std::string_view full) {
   full.remove_prefix(full.find(':') + 1);
-  if (full.starts_with('/')) {
-    full.remove_prefix(1);
-  }
+  if (full.starts_with('/')) full.remove_prefix(1);
   return full;
 }
 
@@ -113,9 +101,7 @@ std::uint32_t ESH_FS_IsValidEshInputFileName(const char* name) {
 }
 
 std::uint32_t ESH_FS_IsValidUserFileName(const char* name) {
-  if (name == nullptr || !HoldsDevice(name)) {
-    return ESH_ERR_FAIL;
-  }
+  if (name == nullptr || !HoldsDevice(name)) return ESH_ERR_FAIL;
   JoinedName with_root;
   with_root.Append("%s/%s", kMediaRoot, name);
   char full[kNameRoom];
@@ -136,13 +122,9 @@ std::uint32_t ESH_FS_AnalyseFileName(const char* name, char* directory, char* fi
   FixedText<kNameRoom + 1> full;
   char converted[kNameRoom];
   const bool has_room = CopyBounded(directory, kNameRoom, "") && CopyBounded(file, kComponentRoom, "");
-  if (!has_room || ESH_FS_GetFullFileName(name, sizeof(converted), converted) != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
+  if (!has_room || ESH_FS_GetFullFileName(name, sizeof(converted), converted) != kSuccess) return ESH_ERR_FAIL;
   full.AppendText(converted);
-  if (ESH_IsExpectFile(name) == 0 && ESH_IsExpectFile(converted) == 1) {
-    full.AppendText("/");
-  }
+  if (ESH_IsExpectFile(name) == 0 && ESH_IsExpectFile(converted) == 1) full.AppendText("/");
   const bool on_medium = HoldsDevice(converted);
   const std::string_view rest =
       on_medium ? BehindDevice(full.View()) : full.View().substr(full.View().starts_with('/') ? 1 : 0);

@@ -27,9 +27,7 @@ bool ReadTypedName(const char* typed, TypedName& name) {
 std::uint32_t ESH_IsUserManipulatedFile(const char* name) {
   char directory[kNameRoom];
   char file[kComponentRoom];
-  if (ESH_FS_AnalyseFileName(name, directory, file) != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
+  if (ESH_FS_AnalyseFileName(name, directory, file) != kSuccess) return ESH_ERR_FAIL;
   return directory[0] == '\0' && file[0] == '\0' ? ESH_ERR_FAIL : kSuccess;
 }
 

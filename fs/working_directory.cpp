@@ -23,9 +23,8 @@ constexpr std::size_t kPatternRoom = 32;
 bool IsMediumOfKind(const char* path, std::string_view kind) {
   const std::string_view name = LastComponent(path);
   if (name.size() > kMaxComponent || !name.ends_with(':') || !name.starts_with(kind) ||
-      std::string_view(path).find('#') != std::string_view::npos) {
+      std::string_view(path).find('#') != std::string_view::npos)
     return false;
-  }
   struct stat status {};
   return lstat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
@@ -46,26 +45,19 @@ bool MoveToMediumOfKind(const char* kind) {
 std::uint32_t ESH_GetCwd(std::size_t size, char* output) {
   char directory[kNameRoom];
   const char* found = getcwd(directory, sizeof(directory));
-  if (found == nullptr) {
-    found = std::getenv(kStandIn);
-  }
+  if (found == nullptr) found = std::getenv(kStandIn);
   CopyBounded(output, size, found == nullptr ? "" : found);
   return found == nullptr || output == nullptr || size == 0 ? ESH_ERR_FAIL : kSuccess;
 }
 
 std::uint32_t ESH_SetPwd() {
-  for (const char* kind : kMediaKinds) {
-    if (MoveToMediumOfKind(kind)) {
-      return kSuccess;
-    }
-  }
+  for (const char* kind : kMediaKinds)
+    if (MoveToMediumOfKind(kind)) return kSuccess;
   return ESH_ERR_FAIL;
 }
 
 WorkingDirectoryKept::WorkingDirectoryKept() : directory_(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
 
 WorkingDirectoryKept::~WorkingDirectoryKept() {
-  if (directory_) {
-    (void)!fchdir(directory_.Get());  // there is nowhere else to go back to
-  }
+  if (directory_) (void)!fchdir(directory_.Get());  // there is nowhere else to go back to
 }

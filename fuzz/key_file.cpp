@@ -3,9 +3,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   PublicKey key;
-  if (ParsePublicKey({data, size}, key) != PackageVerdict::kGood) {
-    return 0;
-  }
+  if (ParsePublicKey({data, size}, key) != PackageVerdict::kGood) return 0;
   Require(size == kDigestKeySize || size == kPrefixedKeySize);
   // What needs no private key: numbers whose power is known whatever the key.
   constexpr std::uint8_t kDigest[kDigestSize] = {};

@@ -31,9 +31,7 @@ int SetUp() {
 void TypeKeys(const std::uint8_t* data, std::size_t size) {
   Require(ftruncate(STDIN_FILENO, 0) == 0 && lseek(STDIN_FILENO, 0, SEEK_SET) == 0);
   Require(write(STDIN_FILENO, data, size) == static_cast<ssize_t>(size));
-  for (int i = 0; i < 4; ++i) {
-    Require(write(STDIN_FILENO, kEndOfLine, sizeof(kEndOfLine)) == sizeof(kEndOfLine));
-  }
+  for (int i = 0; i < 4; ++i) Require(write(STDIN_FILENO, kEndOfLine, sizeof(kEndOfLine)) == sizeof(kEndOfLine));
   lseek(STDIN_FILENO, 0, SEEK_SET);
 }
 
@@ -42,9 +40,7 @@ void TypeKeys(const std::uint8_t* data, std::size_t size) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const int ready = SetUp();
   (void)ready;
-  if (size == 0) {
-    return 0;
-  }
+  if (size == 0) return 0;
   const std::uint32_t mode = data[0] % 4;
   const std::uint32_t max = 1 + data[0] / 4;
   TypeKeys(data + 1, size - 1);

@@ -11,9 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::size_t lines = 0;
   while (reader != nullptr) {
     const char* line = ReadBuffGets(reader.get());
-    if (line == nullptr) {
-      break;
-    }
+    if (line == nullptr) break;
     ++lines;
     Require(std::strpbrk(line, "\r\n") == nullptr && line + std::strlen(line) <= reader->end);
   }

@@ -14,9 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ExpandMarkers({.version = "[PRODUCTNAME]", .product_name = "name", .copyright = "(c)"}, info);
   }
   Require(info.uiCorpId < kCorporations);
-  for (const char* field : {info.sysDescr, info.sysContact, info.sysLocation}) {
+  for (const char* field : {info.sysDescr, info.sysContact, info.sysLocation})
     Require(std::memchr(field, '\0', sizeof(info.sysDescr)) != nullptr);
-  }
   Require(std::memchr(info.sysName, '\0', sizeof(info.sysName)) != nullptr);
   Require(std::memchr(info.productName, '\0', sizeof(info.productName)) != nullptr);
   Require(std::memchr(info.corpName, '\0', sizeof(info.corpName)) != nullptr);

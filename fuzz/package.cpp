@@ -32,9 +32,7 @@ std::string Seed(const std::string& name) {
 bool IsGenuine(std::string_view package, bool in_head) {
   static const std::string head_seed = Seed("signed_in_head");
   static const std::string trailer_seed = Seed("signed_with_trailer");
-  if (in_head) {
-    return package.substr(kMainHeadSize) == std::string_view(head_seed).substr(kMainHeadSize);
-  }
+  if (in_head) return package.substr(kMainHeadSize) == std::string_view(head_seed).substr(kMainHeadSize);
   const std::string_view signed_part = std::string_view(trailer_seed).substr(0, trailer_seed.find(kTrailerStart));
   return package.starts_with(signed_part) && package.substr(signed_part.size()).starts_with(kTrailerStart);
 }
@@ -74,9 +72,7 @@ class PackageFile {
 bool IsAccepted(std::string_view package) {
   static PackageFile file;
   const UniquePackage reader(PackageReadFileCreateByFile(file.Write(package)));
-  if (reader == nullptr) {
-    return false;
-  }
+  if (reader == nullptr) return false;
   Require(reader->head.file_count <= kMaxPackageFiles);
   ReadAll(reader.get(), package.size());
   PKG_CSS_S css = {};
@@ -85,9 +81,7 @@ bool IsAccepted(std::string_view package) {
     CssFreer()(&css);
   }
   (void)JudgeMainHead(reader->head.attributes, reader.get(), reader->head.product_tag);
-  if (JudgeSignature(reader.get(), kKeys) != PackageVerdict::kGood) {
-    return false;
-  }
+  if (JudgeSignature(reader.get(), kKeys) != PackageVerdict::kGood) return false;
   Require(IsGenuine(package, reader->head.signature_format != kTrailerSigned));
   ReadAll(reader.get(), package.size());
   return true;

@@ -14,8 +14,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   std::uint8_t signature[kHeadSignatureRoom];
   std::uint32_t length = 0;
-  if (PKG_GetCSS_Signture(text.c_str(), signature, &length) == 0) {
-    Require(length <= sizeof(signature));
-  }
+  if (PKG_GetCSS_Signture(text.c_str(), signature, &length) == 0) Require(length <= sizeof(signature));
   return 0;
 }

@@ -15,9 +15,7 @@ constexpr unsigned kIPv6Bits = 128;
 /// @param address in host order. @return false for a text that is no address.
 bool ReadIPv4(const char* text, std::uint32_t& address) {
   in_addr parsed{};
-  if (inet_pton(AF_INET, text, &parsed) != 1) {
-    return false;
-  }
+  if (inet_pton(AF_INET, text, &parsed) != 1) return false;
   address = ntohl(parsed.s_addr);
   return true;
 }
@@ -41,11 +39,8 @@ bool IsHostOfSubnet(std::uint32_t address, std::uint32_t mask) {
 
 /// @param prefix_length less than 128.
 bool HasHostBits(const in6_addr& address, std::uint64_t prefix_length) {
-  for (std::uint64_t bit = prefix_length; bit < kIPv6Bits; ++bit) {
-    if ((address.s6_addr[bit / 8] & (0x80U >> bit % 8)) != 0) {
-      return true;
-    }
-  }
+  for (std::uint64_t bit = prefix_length; bit < kIPv6Bits; ++bit)
+    if ((address.s6_addr[bit / 8] & (0x80U >> bit % 8)) != 0) return true;
   return false;
 }
 
@@ -59,12 +54,8 @@ std::uint16_t ESH_IsValidUCAddr(const char* text) {
 std::uint16_t IsValidIPAddr(const char* mask) {
   std::uint32_t address = 0;
   std::uint32_t mask_bits = 0;
-  if (!ReadIPv4(g_szIPv4Address, address) || !ReadIPv4(mask, mask_bits)) {
-    return 0;
-  }
-  if (!IsUnicast(address) || FirstOctet(address) == kLoopbackOctet) {
-    return 0;
-  }
+  if (!ReadIPv4(g_szIPv4Address, address) || !ReadIPv4(mask, mask_bits)) return 0;
+  if (!IsUnicast(address) || FirstOctet(address) == kLoopbackOctet) return 0;
   return IsSubnetMask(mask_bits) && IsHostOfSubnet(address, mask_bits) ? 1 : 0;
 }
 

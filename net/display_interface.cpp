@@ -21,9 +21,7 @@ constexpr char kShutDown[] = "Administratively DOWN";
 /// @return what the carrier file says in a word; empty when it says nothing.
 const char* CarrierState(std::FILE* file) {
   char line[kCarrierLineRoom];
-  if (std::fgets(line, sizeof(line), file) == nullptr) {
-    return "";
-  }
+  if (std::fgets(line, sizeof(line), file) == nullptr) return "";
   return std::strtol(line, nullptr, 10) == 1 ? "UP" : "DOWN";
 }
 
@@ -31,9 +29,7 @@ void PrintState(int mtu) {
   const char* state = kShutDown;
   if (!IsPortShut()) {
     const UniqueFile carrier(std::fopen(kCarrierFile, "re"));
-    if (carrier == nullptr) {
-      return;
-    }
+    if (carrier == nullptr) return;
     state = CarrierState(carrier.get());
   }
   std::printf("%s%s\r\n", "m-eth0 current state: ", state);
@@ -42,13 +38,9 @@ void PrintState(int mtu) {
 }
 
 void PrintIPv4Address(const InterfaceSettings& settings) {
-  if (settings.address.s_addr == INADDR_ANY) {
-    return;
-  }
+  if (settings.address.s_addr == INADDR_ANY) return;
   int prefix_length = 0;
-  for (std::uint32_t mask = ntohl(settings.netmask.s_addr); mask != 0; mask <<= 1) {
-    ++prefix_length;
-  }
+  for (std::uint32_t mask = ntohl(settings.netmask.s_addr); mask != 0; mask <<= 1) ++prefix_length;
   char address[INET_ADDRSTRLEN] = "";
   (void)inet_ntop(AF_INET, &settings.address, address, sizeof(address));  // there is room for every address
   std::printf("Inet4 Address is %s/%d\r\n", address, prefix_length);
@@ -74,9 +66,7 @@ const char* ScopeName(unsigned scope) {
 
 void PrintIPv6Addresses(std::string_view interface) {
   const UniqueFile listing(std::fopen(kIPv6ListingFile, "re"));
-  if (listing == nullptr) {
-    return;  // a kernel without IPv6
-  }
+  if (listing == nullptr) return;  // a kernel without IPv6
   IPv6Entry entry;
   while (ReadIPv6Entry(listing.get(), entry)) {
     if (entry.interface == interface) {

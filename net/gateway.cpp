@@ -20,9 +20,7 @@ constexpr char kNotLinkLocal[] = "The gateway address must be link-local address
 
 std::uint32_t ESH_ProcIPGateway() {
   const char* gateway = g_szIPv4Address;
-  if (std::strcmp(gateway, g_szMth0IPv4Gateway) == 0) {
-    return kSuccess;
-  }
+  if (std::strcmp(gateway, g_szMth0IPv4Gateway) == 0) return kSuccess;
   if (IsValidIPAddr(g_szMth0IPv4Mask) == 0) {  // without a saved address there is no mask either
     std::puts(kInvalidGateway);
     return kSuccess;
@@ -33,9 +31,7 @@ std::uint32_t ESH_ProcIPGateway() {
   }
   (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
   const std::uint32_t applied = IsPortShut() ? kSuccess : AddIPv4DefaultRoute(gateway);
-  if (applied != kSuccess) {
-    return applied;
-  }
+  if (applied != kSuccess) return applied;
   CopyText(g_szMth0IPv4Gateway, gateway);
   return kSuccess;
 }
@@ -46,40 +42,28 @@ std::uint32_t ESH_ProcIPv6Gateway() {
     std::puts(kNotLinkLocal);
     return kSuccess;
   }
-  if (std::strcmp(gateway, g_szMth0IPv6Gateway) == 0) {
-    return kSuccess;
-  }
+  if (std::strcmp(gateway, g_szMth0IPv6Gateway) == 0) return kSuccess;
   if (!IsPortShut()) {
     (void)ESH_DeleteIPv6Gateway();  // likewise
     const std::uint32_t applied = AddIPv6DefaultRoute(gateway);
-    if (applied != kSuccess) {
-      return applied;
-    }
+    if (applied != kSuccess) return applied;
   }
   CopyText(g_szMth0IPv6Gateway, gateway);
   return kSuccess;
 }
 
 std::uint32_t ESH_DeleteIPv4Gateway() {
-  if (!IsSaved(g_szMth0IPv4Gateway)) {
-    return kSuccess;
-  }
+  if (!IsSaved(g_szMth0IPv4Gateway)) return kSuccess;
   const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv4DefaultRoute();
-  if (removed != kSuccess) {
-    return removed;
-  }
+  if (removed != kSuccess) return removed;
   ForgetIPv4Gateway();
   return kSuccess;
 }
 
 std::uint32_t ESH_DeleteIPv6Gateway() {
-  if (!IsSaved(g_szMth0IPv6Gateway)) {
-    return kSuccess;
-  }
+  if (!IsSaved(g_szMth0IPv6Gateway)) return kSuccess;
   const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv6DefaultRoute();
-  if (removed != kSuccess) {
-    return removed;
-  }
+  if (removed != kSuccess) return removed;
   ForgetIPv6Gateway();
   return kSuccess;
 }

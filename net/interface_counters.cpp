@@ -19,9 +19,7 @@ constexpr std::size_t kLineRoom = 512;
 const char* NumbersOf(std::string_view interface, const char* line) {
   std::string_view rest(line);
   rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
-  if (!rest.starts_with(interface) || rest.substr(interface.size(), 1) != ":") {
-    return nullptr;
-  }
+  if (!rest.starts_with(interface) || rest.substr(interface.size(), 1) != ":") return nullptr;
   return rest.data() + interface.size() + 1;
 }
 
@@ -38,9 +36,7 @@ void ReadNumbers(const char* text, InterfaceCounters& counters) {
 
 bool ReadInterfaceCounters(const char* interface, InterfaceCounters& counters) {
   const UniqueFile file(std::fopen(kCountersFile, "re"));
-  if (file == nullptr) {
-    return false;
-  }
+  if (file == nullptr) return false;
   char line[kLineRoom];
   for (unsigned number = 1; std::fgets(line, sizeof(line), file.get()) != nullptr; ++number) {
     const char* numbers = number > kHeadingLines ? NumbersOf(interface, line) : nullptr;

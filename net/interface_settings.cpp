@@ -25,9 +25,7 @@ class Inquiry {
 
   bool AskAddress(unsigned long question, in_addr& address) {
     const ifreq* answer = Ask(question);
-    if (answer == nullptr) {
-      return false;
-    }
+    if (answer == nullptr) return false;
     sockaddr_in internet{};
     std::memcpy(&internet, &answer->ifr_addr, sizeof(internet));
     address = internet.sin_addr;
@@ -45,28 +43,18 @@ void AskLinkLayer(Inquiry& inquiry, InterfaceSettings& settings) {
     settings.hardware_family = answer->ifr_hwaddr.sa_family;
     std::memcpy(settings.hardware_address, answer->ifr_hwaddr.sa_data, sizeof(settings.hardware_address));
   }
-  if (const ifreq* answer = inquiry.Ask(SIOCGIFMTU)) {
-    settings.mtu = answer->ifr_mtu;
-  }
-  if (const ifreq* answer = inquiry.Ask(SIOCGIFTXQLEN)) {
-    settings.transmit_queue_length = answer->ifr_qlen;
-  }
+  if (const ifreq* answer = inquiry.Ask(SIOCGIFMTU)) settings.mtu = answer->ifr_mtu;
+  if (const ifreq* answer = inquiry.Ask(SIOCGIFTXQLEN)) settings.transmit_queue_length = answer->ifr_qlen;
 }
 
 }  // namespace
 
 bool ReadInterfaceSettings(const char* interface, InterfaceSettings& settings) {
   const UniqueFd socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-  if (!socket) {
-    return false;
-  }
+  if (!socket) return false;
   Inquiry inquiry(socket.Get(), interface);
-  if (inquiry.Ask(SIOCGIFFLAGS) == nullptr) {
-    return false;  // no such interface
-  }
+  if (inquiry.Ask(SIOCGIFFLAGS) == nullptr) return false;  // no such interface
   AskLinkLayer(inquiry, settings);
-  if (inquiry.AskAddress(SIOCGIFADDR, settings.address)) {
-    inquiry.AskAddress(SIOCGIFNETMASK, settings.netmask);
-  }
+  if (inquiry.AskAddress(SIOCGIFADDR, settings.address)) inquiry.AskAddress(SIOCGIFNETMASK, settings.netmask);
   return true;
 }

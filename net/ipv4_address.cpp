@@ -19,17 +19,13 @@ constexpr unsigned kAddressBits = 32;
 using DottedText = FixedText<16>;
 
 std::uint32_t MaskOf(std::uint64_t length) {
-  if (length >= kAddressBits) {
-    return 0xFFFFFFFF;
-  }
+  if (length >= kAddressBits) return 0xFFFFFFFF;
   return length == 0 ? 0 : 0xFFFFFFFF << (kAddressBits - length);
 }
 
 std::uint32_t SetIPv4Address(const char* mask) {
   const char* address = g_szIPv4Address;
-  if (std::strcmp(address, g_szMth0IPv4Add) == 0 && std::strcmp(mask, g_szMth0IPv4Mask) == 0) {
-    return kSuccess;
-  }
+  if (std::strcmp(address, g_szMth0IPv4Add) == 0 && std::strcmp(mask, g_szMth0IPv4Mask) == 0) return kSuccess;
   if (IsValidIPAddr(mask) == 0) {
     std::puts(kInvalidIPv4Address);
     return kSuccess;
@@ -37,9 +33,7 @@ std::uint32_t SetIPv4Address(const char* mask) {
   if (!IsPortShut()) {
     (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
     const std::uint32_t applied = ApplyIPv4Address(address, mask);
-    if (applied != kSuccess) {
-      return applied;
-    }
+    if (applied != kSuccess) return applied;
   }
   ForgetIPv4Gateway();  // the routes of the old address go with it
   SaveIPv4Address(address, mask);
@@ -60,9 +54,7 @@ std::uint32_t ESH_ProcIPAddrMaskLen() {
 std::uint32_t ESH_ProcIPAddrMask() { return SetIPv4Address(g_szIPv4Mask); }
 
 std::uint32_t ESH_ProcUndoIPAddr() {
-  if (!IsSaved(g_szMth0IPv4Add)) {
-    return kSuccess;
-  }
+  if (!IsSaved(g_szMth0IPv4Add)) return kSuccess;
   (void)ESH_DeleteIPv4Addr();
   (void)RecoverIfShut();
   return kSuccess;
@@ -71,9 +63,7 @@ std::uint32_t ESH_ProcUndoIPAddr() {
 std::uint32_t ESH_DeleteIPv4Addr() {
   (void)ESH_DeleteIPv4Gateway();  // the kernel drops a route with the address that it needs
   const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv4Address();
-  if (removed != kSuccess) {
-    return removed;
-  }
+  if (removed != kSuccess) return removed;
   ForgetIPv4Address();
   return kSuccess;
 }

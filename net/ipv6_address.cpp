@@ -15,12 +15,9 @@
 
 std::uint32_t ESH_ProcIPv6AddrPreLen() {
   in6_addr address{};
-  if (inet_pton(AF_INET6, g_szIPv6Address, &address) != 1) {
-    return ESH_ERR_FAIL;
-  }
-  if (std::strcmp(g_szIPv6Address, g_szMth0IPv6Add) == 0 && std::strcmp(g_szIPv6PreLen, g_szMth0IPv6Per) == 0) {
+  if (inet_pton(AF_INET6, g_szIPv6Address, &address) != 1) return ESH_ERR_FAIL;
+  if (std::strcmp(g_szIPv6Address, g_szMth0IPv6Add) == 0 && std::strcmp(g_szIPv6PreLen, g_szMth0IPv6Per) == 0)
     return kSuccess;
-  }
   std::uint64_t prefix_length = 0;
   if (!ReadDecimal(g_szIPv6PreLen, prefix_length) || !IsUsableIPv6Address(address, prefix_length)) {
     std::puts(kInvalidIPv6Address);
@@ -29,31 +26,23 @@ std::uint32_t ESH_ProcIPv6AddrPreLen() {
   if (!IsPortShut()) {
     (void)ESH_DeleteIPv6Addr();  // the kernel may have lost it
     const std::uint32_t applied = ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
-    if (applied != kSuccess) {
-      return applied;
-    }
+    if (applied != kSuccess) return applied;
   }
   SaveIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
   return RecoverIfShut();
 }
 
 std::uint32_t ESH_ProcUndoIPv6Addr() {
-  if (!IsSaved(g_szMth0IPv6Add)) {
-    return kSuccess;
-  }
+  if (!IsSaved(g_szMth0IPv6Add)) return kSuccess;
   (void)ESH_DeleteIPv6Addr();
   (void)RecoverIfShut();
   return kSuccess;
 }
 
 std::uint32_t ESH_DeleteIPv6Addr() {
-  if (!IsSaved(g_szMth0IPv6Add)) {
-    return kSuccess;
-  }
+  if (!IsSaved(g_szMth0IPv6Add)) return kSuccess;
   const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per);
-  if (removed != kSuccess) {
-    return removed;
-  }
+  if (removed != kSuccess) return removed;
   ForgetIPv6Address();
   return kSuccess;
 }

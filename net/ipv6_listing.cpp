@@ -18,9 +18,8 @@ unsigned ReadHex(const char* digits) { return static_cast<unsigned>(std::strtoul
 /// @param digits all 32 digits of an address, without colons.
 bool WriteCanonical(const char (&digits)[kGroups * kGroupDigits + 1], char (&text)[INET6_ADDRSTRLEN]) {
   FixedText<INET6_ADDRSTRLEN> grouped;
-  for (std::size_t group = 0; group < kGroups; ++group) {
+  for (std::size_t group = 0; group < kGroups; ++group)
     grouped.Append("%s%.4s", group == 0 ? "" : ":", digits + group * kGroupDigits);
-  }
   in6_addr address{};
   return inet_pton(AF_INET6, grouped.Text(), &address) == 1 &&
          inet_ntop(AF_INET6, &address, text, sizeof(text)) != nullptr;
@@ -36,9 +35,7 @@ bool ReadIPv6Entry(std::FILE* listing, IPv6Entry& entry) {
   char flags[3];
   const int fields =
       std::fscanf(listing, "%32s %8s %2s %2s %2s %20s\n", digits, index, prefix_length, scope, flags, entry.interface);
-  if (fields != 6 || !WriteCanonical(digits, entry.address)) {
-    return false;
-  }
+  if (fields != 6 || !WriteCanonical(digits, entry.address)) return false;
   entry.prefix_length = ReadHex(prefix_length);
   entry.scope = ReadHex(scope);
   return true;

@@ -23,9 +23,7 @@ std::uint32_t ESH_ProcDisIPv6Gateway() {
   (void)ESH_SystemProc(kWriteIPv6Table);  // the file tells what came of it
   std::size_t size = 0;
   const UniqueText table(FileReadWhole(kIPv6Table, &size));
-  if (table != nullptr) {
-    (void)ESH_OutString(table.get());  // a reader who has seen enough is no failure
-  }
+  if (table != nullptr) (void)ESH_OutString(table.get());  // a reader who has seen enough is no failure
   (void)unlink(kIPv6Table);
   return kSuccess;
 }

@@ -17,31 +17,19 @@ bool IsCarrierKnown() {
 }
 
 void ReapplySettings() {
-  if (IsSaved(g_szMth0IPv4Add) && ApplyIPv4Address(g_szMth0IPv4Add, g_szMth0IPv4Mask) != kSuccess) {
-    ForgetIPv4Address();
-  }
-  if (IsSaved(g_szMth0IPv6Add) && ApplyIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per) != kSuccess) {
-    ForgetIPv6Address();
-  }
+  if (IsSaved(g_szMth0IPv4Add) && ApplyIPv4Address(g_szMth0IPv4Add, g_szMth0IPv4Mask) != kSuccess) ForgetIPv4Address();
+  if (IsSaved(g_szMth0IPv6Add) && ApplyIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per) != kSuccess) ForgetIPv6Address();
   // The gateway lies in the subnet of the address.
-  if (IsSaved(g_szMth0IPv4Add) && IsSaved(g_szMth0IPv4Gateway) &&
-      AddIPv4DefaultRoute(g_szMth0IPv4Gateway) != kSuccess) {
+  if (IsSaved(g_szMth0IPv4Add) && IsSaved(g_szMth0IPv4Gateway) && AddIPv4DefaultRoute(g_szMth0IPv4Gateway) != kSuccess)
     ForgetIPv4Gateway();
-  }
-  if (IsSaved(g_szMth0IPv6Gateway) && AddIPv6DefaultRoute(g_szMth0IPv6Gateway) != kSuccess) {
-    ForgetIPv6Gateway();
-  }
+  if (IsSaved(g_szMth0IPv6Gateway) && AddIPv6DefaultRoute(g_szMth0IPv6Gateway) != kSuccess) ForgetIPv6Gateway();
 }
 
 }  // namespace
 
 std::uint32_t ESH_ProcShutdown() {
-  if (IsPortShut()) {
-    return kSuccess;
-  }
-  if (TakePortDown() != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
+  if (IsPortShut()) return kSuccess;
+  if (TakePortDown() != kSuccess) return ESH_ERR_FAIL;
   g_enMethStatus = ESH_METH_SHUT;
   return kSuccess;
 }

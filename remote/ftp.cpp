@@ -29,9 +29,7 @@ bool CouldNameAnotherTarget() {
 }
 
 std::uint32_t Get(const char* address) {
-  if (CouldNameAnotherTarget()) {
-    return Refuse(kWrongName);
-  }
+  if (CouldNameAnotherTarget()) return Refuse(kWrongName);
   TargetName target;
   const Refusal refusal = ChooseTarget(kFtp, target);
   return refusal ? *refusal : Stored(Transfer("/bin/ftpget", address, target.Text(), g_szRemoteFile), target);
@@ -47,25 +45,19 @@ std::uint32_t Put(const char* address) {
 
 std::uint32_t ESH_ProcFtpget() {
   const PasswordForgotten forgotten;
-  if (const Refusal refusal = CheckIPv4Host()) {
-    return *refusal;
-  }
+  if (const Refusal refusal = CheckIPv4Host()) return *refusal;
   return GetFTPUserPassword() == kSuccess ? Get(g_szIPv4Address) : ESH_ERR_FAIL;
 }
 
 std::uint32_t ESH_ProcFtpput() {
   const PasswordForgotten forgotten;
-  if (const Refusal refusal = CheckIPv4Host()) {
-    return *refusal;
-  }
+  if (const Refusal refusal = CheckIPv4Host()) return *refusal;
   return GetFTPUserPassword() == kSuccess ? Put(g_szIPv4Address) : ESH_ERR_FAIL;
 }
 
 std::uint32_t ESH_ProcFtpIPv6get() {
   const PasswordForgotten forgotten;
-  if (CheckIPv6Text() || GetFTPUserPassword() != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
+  if (CheckIPv6Text() || GetFTPUserPassword() != kSuccess) return ESH_ERR_FAIL;
   // Only here is "::" refused behind the credentials.
   const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host);
   return refusal ? *refusal : Get(g_szIPv6Address);
@@ -73,8 +65,6 @@ std::uint32_t ESH_ProcFtpIPv6get() {
 
 std::uint32_t ESH_ProcFtpIPv6put() {
   const PasswordForgotten forgotten;
-  if (const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host)) {
-    return *refusal;
-  }
+  if (const Refusal refusal = CheckIPv6Host(kUnrecognizedIPv6Host)) return *refusal;
   return GetFTPUserPassword() == kSuccess ? Put(g_szIPv6Address) : ESH_ERR_FAIL;
 }

@@ -16,9 +16,7 @@ bool ReadAddress(in6_addr& address) { return inet_pton(AF_INET6, g_szIPv6Address
 }  // namespace
 
 Refusal CheckIPv4Host() {
-  if (ESH_IsValidUCAddr(g_szIPv4Address) == 1) {
-    return std::nullopt;
-  }
+  if (ESH_IsValidUCAddr(g_szIPv4Address) == 1) return std::nullopt;
   std::puts(kInvalidIPv4Address);
   return ESH_ERR_FAIL;
 }
@@ -30,12 +28,8 @@ Refusal CheckIPv6Text() {
 
 Refusal CheckIPv6Host(const char* message) {
   in6_addr address;
-  if (!ReadAddress(address)) {
-    return ESH_ERR_FAIL;
-  }
-  if (!IN6_IS_ADDR_UNSPECIFIED(&address)) {
-    return std::nullopt;
-  }
+  if (!ReadAddress(address)) return ESH_ERR_FAIL;
+  if (!IN6_IS_ADDR_UNSPECIFIED(&address)) return std::nullopt;
   std::puts(message);
   return kSuccess;  // unlike an IPv4 address that is refused
 }

@@ -32,9 +32,7 @@ const char* DisplayName(const TargetName& target) { return target.Text() + kMedi
 
 /// From the last "/" on, that one included; a "/" at the end is dropped first.
 std::string_view LastPart(std::string_view remote) {
-  if (remote.ends_with('/')) {
-    remote.remove_suffix(1);
-  }
+  if (remote.ends_with('/')) remote.remove_suffix(1);
   const std::size_t slash = remote.rfind('/');
   return slash == std::string_view::npos ? remote : remote.substr(slash);
 }
@@ -42,12 +40,8 @@ std::string_view LastPart(std::string_view remote) {
 /// The tools write through a link, one that leads nowhere too, and to a device.
 bool IsWrittenOnMedium(const char* target) {
   struct stat status {};
-  if (stat(target, &status) == 0 && (S_ISBLK(status.st_mode) || S_ISCHR(status.st_mode))) {
-    return false;
-  }
-  if (lstat(target, &status) != 0 || !S_ISLNK(status.st_mode)) {
-    return LiesOnMedium(target);
-  }
+  if (stat(target, &status) == 0 && (S_ISBLK(status.st_mode) || S_ISCHR(status.st_mode))) return false;
+  if (lstat(target, &status) != 0 || !S_ISLNK(status.st_mode)) return LiesOnMedium(target);
   const UniqueText real(realpath(target, nullptr));
   return real != nullptr && LiesOnMedium(real.get());
 }
@@ -57,9 +51,7 @@ bool IsWrittenOnMedium(const char* target) {
 Refusal CheckLocalFile(const char* tool) {
   const std::string_view local(g_szLocalFile);
   const std::size_t slash = local.rfind('/');
-  if (slash == std::string_view::npos) {
-    return std::nullopt;
-  }
+  if (slash == std::string_view::npos) return std::nullopt;
   FixedText<kNameRoom> directory;
   directory.AppendText(kMediaPrefix);
   directory.AppendText(local.substr(0, slash));
@@ -73,9 +65,7 @@ Refusal GetFullLocalName(const char* local, const char* remote, TargetName& targ
     target.AppendText(target.View().ends_with('/') ? "" : "/");
     target.AppendText(LastPart(remote));  // its own "/" may double the one before, which is harmless
   }
-  if (!target.Truncated()) {
-    return std::nullopt;
-  }
+  if (!target.Truncated()) return std::nullopt;
   std::printf(kTooLong, DisplayName(target));
   return ESH_ERR_FAIL;
 }
@@ -86,30 +76,20 @@ Refusal CheckTarget(const char* tool, const TargetName& target) {
 }
 
 bool IsLineGetConfirm(const TargetName& target) {
-  if (!Exists(target.Text())) {
-    return true;
-  }
+  if (!Exists(target.Text())) return true;
   std::printf(kOverwriteQuestion, DisplayName(target));
   return IsConfirmed();
 }
 
 Refusal ChooseTarget(const char* tool, TargetName& target) {
-  if (const Refusal refusal = CheckLocalFile(tool)) {
-    return refusal;
-  }
-  if (const Refusal refusal = GetFullLocalName(g_szLocalFile, g_szRemoteFile, target)) {
-    return refusal;
-  }
-  if (const Refusal refusal = CheckTarget(tool, target)) {
-    return refusal;
-  }
+  if (const Refusal refusal = CheckLocalFile(tool)) return refusal;
+  if (const Refusal refusal = GetFullLocalName(g_szLocalFile, g_szRemoteFile, target)) return refusal;
+  if (const Refusal refusal = CheckTarget(tool, target)) return refusal;
   return IsLineGetConfirm(target) ? Refusal() : kSuccess;
 }
 
 std::uint32_t Stored(std::uint32_t result, const TargetName& target) {
-  if (result == kSuccess) {
-    SyncMediumOf(target.Text());
-  }
+  if (result == kSuccess) SyncMediumOf(target.Text());
   return result;
 }
 

@@ -13,9 +13,7 @@ namespace {
 
 std::uint32_t Connect(const char* address) {
   const char* user = GetSSHUserName();
-  if (user == nullptr) {
-    return kSuccess;
-  }
+  if (user == nullptr) return kSuccess;
   ToolLine line;
   line.Append("/bin/ssh %s -l %s", address, user);
   return RunConnection(line);

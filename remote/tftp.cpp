@@ -10,9 +10,7 @@ constexpr char kTftp[] = "tftp";
 
 std::uint32_t Get(const char* address) {
   TargetName target;
-  if (const Refusal refusal = ChooseTarget(kTftp, target)) {
-    return *refusal;
-  }
+  if (const Refusal refusal = ChooseTarget(kTftp, target)) return *refusal;
   ToolLine line;
   line.Append("/bin/tftp -g -r %s -l %s %s", g_szRemoteFile, target.Text(), address);
   return Stored(RunStoppableTool(line), target);
@@ -20,9 +18,7 @@ std::uint32_t Get(const char* address) {
 
 std::uint32_t Put(const char* address) {
   char source[kNameRoom];
-  if (const Refusal refusal = GetLocalFileFullName(kTftp, source)) {
-    return *refusal;
-  }
+  if (const Refusal refusal = GetLocalFileFullName(kTftp, source)) return *refusal;
   ToolLine line;
   line.Append("/bin/tftp -p -l %s -r %s %s", source, g_szRemoteFile, address);
   return RunStoppableTool(line);

@@ -19,12 +19,8 @@ bool MatchWords(const VEC_S& words, std::uint64_t count, VEC_S& candidates, Ambi
   for (std::uint64_t i = 0; i < count; ++i) {
     ESH_SelectNextCmdElment(&candidates);
     const std::uint32_t level = ESH_FilterCmdElment(&candidates, WordAt(words, i)->pcWord);
-    if (level == ESH_MATCH_AMBIGUOUS && !ambiguous) {
-      ambiguous = i;
-    }
-    if (level >= ESH_MATCH_AMBIGUOUS) {
-      continue;
-    }
+    if (level == ESH_MATCH_AMBIGUOUS && !ambiguous) ambiguous = i;
+    if (level >= ESH_MATCH_AMBIGUOUS) continue;
     ESH_PrintErrorInfo(ambiguous ? std::uint32_t{ESH_MATCH_AMBIGUOUS} : level, ambiguous.value_or(i), &words);
     return false;
   }
@@ -32,22 +28,20 @@ bool MatchWords(const VEC_S& words, std::uint64_t count, VEC_S& candidates, Ambi
 }
 
 void ReportUnfinished(const VEC_S& words, std::uint64_t count, std::uint64_t ends, AmbiguousPosition ambiguous) {
-  if (ambiguous) {
+  if (ambiguous)
     ESH_PrintErrorInfo(ESH_MATCH_AMBIGUOUS, *ambiguous, &words);
-  } else if (ends > 1) {
+  else if (ends > 1)
     ESH_PrintErrorInfo(ESH_MATCH_AMBIGUOUS, count, &words);
-  } else {
+  else
     ESH_PrintErrorInfo(ESH_MATCH_INCOMPLETE, count - 1, &words);
-  }
 }
 
 void RecordParameters(const ESH_CMD_THREAD_S& thread, const VEC_S& words) {
   std::uint64_t index = 0;
   for (const ESH_CMD_ELEMENT_S* element = FirstElement(thread); element != nullptr && element->ulType != ESH_ELEM_CR;
        element = NextElement(thread, *element)) {
-    if (element->pfnRecord != nullptr) {
+    if (element->pfnRecord != nullptr)
       (void)element->pfnRecord(WordAt(words, index)->pcWord);  // the word has been checked; the handler looks again
-    }
     ++index;
   }
 }
@@ -58,9 +52,7 @@ void ESH_CmdExecute(const VEC_S* words) {
   const UniqueVector candidates(VEC_Alloc(kNoSlots));
   const std::uint64_t count = VEC_GetCount(words);
   AmbiguousPosition ambiguous;
-  if (candidates == nullptr || count == 0 || !MatchWords(*words, count, *candidates, ambiguous)) {
-    return;
-  }
+  if (candidates == nullptr || count == 0 || !MatchWords(*words, count, *candidates, ambiguous)) return;
   ESH_SelectNextCmdElment(candidates.get());
   KeepCommandEnds(*candidates);
   const std::uint64_t ends = VEC_GetCount(candidates.get());

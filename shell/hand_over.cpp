@@ -34,9 +34,7 @@ void WaitAndHandOver(pid_t shell) {
   while (waitpid(shell, nullptr, 0) < 0 && errno == EINTR) {
   }
   SetTtySwich(0);
-  for (const char* link : kRemovedLinks) {
-    (void)unlink(link);  // an absent link is what is wanted
-  }
+  for (const char* link : kRemovedLinks) (void)unlink(link);  // an absent link is what is wanted
   RestoreHotplugHelper();
   execl(kCommandProgram, "scmd", nullptr);
 }

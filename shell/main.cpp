@@ -20,18 +20,12 @@ int main(int argc, char** argv) {
     std::puts(kNotRoot);
     return -1;
   }
-  if (argc == 2 && std::strcmp(argv[1], kFromCommandDaemon) == 0) {
-    g_bIsLoadFromScmd = 1;
-  }
+  if (argc == 2 && std::strcmp(argv[1], kFromCommandDaemon) == 0) g_bIsLoadFromScmd = 1;
   // Whoever starts the shell may ignore the end of children; then no wait would tell how a tool ended.
   std::signal(SIGCHLD, SIG_DFL);
   const pid_t shell = fork();
-  if (shell < 0) {
-    std::exit(EXIT_FAILURE);
-  }
-  if (shell == 0) {
-    RunShell();
-  }
+  if (shell < 0) std::exit(EXIT_FAILURE);
+  if (shell == 0) RunShell();
   WaitAndHandOver(shell);
   return EXIT_SUCCESS;
 }

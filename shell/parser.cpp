@@ -19,26 +19,20 @@ namespace {
 /// What was typed behind a "?" plays no part.
 void CutBehindQuestionMark(char* line) {
   char* question_mark = std::strchr(line, '?');
-  if (question_mark != nullptr) {
-    question_mark[1] = '\0';
-  }
+  if (question_mark != nullptr) question_mark[1] = '\0';
 }
 
 bool HoldsWords(const VEC_S& words) { return VEC_GetCount(&words) > 0; }
 
 void Execute(const VEC_S& words, char* line) {
   ESH_ResetTabState();
-  if (HoldsWords(words)) {
-    ESH_CmdExecute(&words);
-  }
+  if (HoldsWords(words)) ESH_CmdExecute(&words);
   line[0] = '\0';
 }
 
 void CompleteLine(VEC_S& words, char* line, std::size_t last) {
   line[last] = '\0';
-  if (HoldsWords(words)) {
-    ESH_TabComplete(&words, line);
-  }
+  if (HoldsWords(words)) ESH_TabComplete(&words, line);
   ESH_LINE_SetCmdString();
 }
 
@@ -61,13 +55,9 @@ void ESH_CmdParser(char* line) {
     ESH_SetCmdMode(g_pstEshUserView);
     return;
   }
-  if (IsBlankLine(line)) {
-    return;
-  }
+  if (IsBlankLine(line)) return;
   const UniqueWords words = SplitLine(line);
-  if (words == nullptr) {
-    return;
-  }
+  if (words == nullptr) return;
   CutEndKey(*words);
   switch (last) {
     case '\r':

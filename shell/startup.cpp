@@ -47,17 +47,13 @@ constexpr char kLoopbackUp[] = "/bin/ifconfig lo up";
 /// A tool of start-up: Ctrl+C cannot break it off.
 /// @return the verdict on the steps that count.
 std::uint32_t LoadModules() {
-  if (HasLoadedKo() == 0) {
-    (void)RunTool(kLoadAddon);  // the shell can do without what the add-on tells
-  }
+  if (HasLoadedKo() == 0) (void)RunTool(kLoadAddon);  // the shell can do without what the add-on tells
   return ESH_IsExistIpstackKo() == 1 ? RunTool(kLoadIpStack) : kSuccess;
 }
 
 /// @return the verdict on both interfaces.
 std::uint32_t BringInterfacesUp() {
-  if (ESH_IsExistIpstackKo() == 0) {
-    return kSuccess;
-  }
+  if (ESH_IsExistIpstackKo() == 0) return kSuccess;
   std::uint32_t verdict = RunTool(kLoopbackUp);
   verdict += BringPortUp();
   return verdict;
@@ -72,9 +68,7 @@ void UnblockSignals() {
 
 void SetSignals() {
   std::signal(SIGINT, ESH_SigInt);
-  for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) {
-    std::signal(signal, SIG_IGN);
-  }
+  for (const int signal : {SIGHUP, SIGPIPE, SIGTTOU}) std::signal(signal, SIG_IGN);
 }
 
 /// Only a shell with a controlling terminal can: a tool that cannot take the foreground ends before it is started.
@@ -82,9 +76,7 @@ bool CanStartTools() { return SetPgtp(getpgrp()) == kSuccess; }
 
 /// The device cannot be used like this.
 [[noreturn]] void RebootAfterFailure() {
-  if (!CanStartTools()) {
-    BecomeReboot();
-  }
+  if (!CanStartTools()) BecomeReboot();
   ESH_Reboot();
   std::exit(EXIT_SUCCESS);
 }
@@ -100,35 +92,24 @@ void RunShell() {
   verdict += ESH_LINE_Init();
   (void)RunTool(kMountScript);  // a device without media still has a shell
   verdict += LoadModules();
-  if (g_bIsLoadFromScmd == 1) {
-    LinkMedia();
-  }
+  if (g_bIsLoadFromScmd == 1) LinkMedia();
   verdict += BringInterfacesUp();
   ESH_View_Init();
   (void)ESH_FsPwd_Init();  // without a medium the working directory stays where it is
   ESH_CMD_Init();
   SetSignals();
   ESH_ResetTabState();
-  if (verdict != kSuccess || g_pstEshCurrentView == nullptr) {
-    RebootAfterFailure();
-  }
+  if (verdict != kSuccess || g_pstEshCurrentView == nullptr) RebootAfterFailure();
   SetTtySwich(1);
-  for (;;) {
-    ESH_CmdParser(ESH_LINE_GetCmdLine());
-  }
+  for (;;) ESH_CmdParser(ESH_LINE_GetCmdLine());
 }
 
 std::uint16_t HasLoadedKo() {
   const UniqueFile modules(std::fopen(kLoadedModules, "re"));
-  if (modules == nullptr) {
-    return 0;
-  }
+  if (modules == nullptr) return 0;
   char line[kModuleLineRoom];
-  while (std::fgets(line, sizeof(line), modules.get()) != nullptr) {
-    if (std::strstr(line, kAddonEntry) != nullptr) {
-      return 1;
-    }
-  }
+  while (std::fgets(line, sizeof(line), modules.get()) != nullptr)
+    if (std::strstr(line, kAddonEntry) != nullptr) return 1;
   return 0;
 }
 

@@ -39,11 +39,10 @@ bool IsCurrentView(const char* prompt) { return std::strcmp(g_pstEshCurrentView-
 
 void ESH_ChangeView_Init() {
   RegisterCommands(kSystemViewCommand);
-  if (ESH_IsExistIpstackKo() == 1) {
+  if (ESH_IsExistIpstackKo() == 1)
     RegisterCommands(kWithIpStack);
-  } else {
+  else
     RegisterCommands(kWithoutIpStack);
-  }
 }
 
 std::uint32_t ESH_ProcSysView() {
@@ -58,10 +57,9 @@ std::uint32_t ESH_ProcMthView() {
 }
 
 std::uint32_t ESH_ProcQuit() {
-  if (IsCurrentView(kInterfacePrompt)) {
+  if (IsCurrentView(kInterfacePrompt))
     ESH_SetCmdMode(g_pstEshSysView);
-  } else if (IsCurrentView(kSystemPrompt)) {
+  else if (IsCurrentView(kSystemPrompt))
     ESH_SetCmdMode(g_pstEshUserView);
-  }
   return kSuccess;
 }

@@ -17,9 +17,7 @@ constexpr cc_t kReadTimeoutTenths = 1;
 int Console() { return fileno(stdout); }
 
 void DisableSpecialKeys(termios& settings) {
-  for (const int key : {VQUIT, VSTART, VSTOP, VSUSP}) {
-    settings.c_cc[key] = _POSIX_VDISABLE;
-  }
+  for (const int key : {VQUIT, VSTART, VSTOP, VSUSP}) settings.c_cc[key] = _POSIX_VDISABLE;
 }
 
 /// Output that a Ctrl+S has stopped goes on: the key that would start it is disabled. The terminal heeds a start only
@@ -36,12 +34,8 @@ termios SettingsAsSaved(std::uint16_t echo) {
   termios settings{};
   tcgetattr(Console(), &settings);
   settings.c_lflag = saved.c_lflag;
-  for (const int key : {VTIME, VMIN, VSUSP, VSTART, VSTOP, VQUIT}) {
-    settings.c_cc[key] = saved.c_cc[key];
-  }
-  if (echo != 1) {
-    settings.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
-  }
+  for (const int key : {VTIME, VMIN, VSUSP, VSTART, VSTOP, VQUIT}) settings.c_cc[key] = saved.c_cc[key];
+  if (echo != 1) settings.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
   return settings;
 }
 
@@ -70,9 +64,7 @@ void ESH_LINE_RestoreTermiosMode(std::uint16_t echo) { LINE_SetTermiosMode(Setti
 
 void ESH_LINE_MaskSpecKey() {
   termios settings{};
-  if (tcgetattr(Console(), &settings) != 0) {
-    return;
-  }
+  if (tcgetattr(Console(), &settings) != 0) return;
   DisableSpecialKeys(settings);
   LINE_SetTermiosMode(settings);
 }
@@ -81,9 +73,7 @@ ConsoleKept::ConsoleKept() : known_(tcgetattr(Console(), &settings_) == 0) {}
 
 void ConsoleKept::PutBack() const {
   termios settings{};
-  if (!known_ || tcgetattr(Console(), &settings) != 0) {
-    return;
-  }
+  if (!known_ || tcgetattr(Console(), &settings) != 0) return;
   settings.c_iflag = settings_.c_iflag;
   settings.c_oflag = settings_.c_oflag;
   settings.c_lflag = settings_.c_lflag;

@@ -72,12 +72,8 @@ std::uint32_t ESH_HIS_Init() {
 
 void ESH_HIS_Add(const char* line) {
   g_stEShHisRec.pstCur = nullptr;
-  if (!IsWorthRemembering(line)) {
-    return;
-  }
-  if (g_stEShHisRec.ulCurNum >= g_stEShHisRec.ulMaxNum) {
-    DropOldest();
-  }
+  if (!IsWorthRemembering(line)) return;
+  if (g_stEShHisRec.ulCurNum >= g_stEShHisRec.ulMaxNum) DropOldest();
   Append(line);
 }
 
@@ -87,12 +83,8 @@ std::uint16_t ESH_HIS_ArrowUp(std::uint64_t room, char* buffer) {
 }
 
 std::uint16_t ESH_HIS_ArrowDown(std::uint64_t room, char* buffer) {
-  if (g_stEShHisRec.pstCur == nullptr) {
-    return 0;
-  }
-  if (!IsSentinel(g_stEShHisRec.pstCur->pstNext)) {
-    return Recall(g_stEShHisRec.pstCur->pstNext, room, buffer);
-  }
+  if (g_stEShHisRec.pstCur == nullptr) return 0;
+  if (!IsSentinel(g_stEShHisRec.pstCur->pstNext)) return Recall(g_stEShHisRec.pstCur->pstNext, room, buffer);
   g_stEShHisRec.pstCur = nullptr;
   buffer[0] = '\0';
   return 1;

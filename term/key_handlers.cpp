@@ -40,12 +40,8 @@ void EndWithByte(char byte, std::uint32_t end_key) {
 }
 
 std::uint16_t RecallHistory(std::uint16_t (*recall)(std::uint64_t, char*)) {
-  if (!InCommandMode()) {
-    return kAccepted;
-  }
-  if (recall(kLineRoom, g_stESh_Line.pcBuf) != 1) {
-    return kRefused;
-  }
+  if (!InCommandMode()) return kAccepted;
+  if (recall(kLineRoom, g_stESh_Line.pcBuf) != 1) return kRefused;
   g_stESh_Line.ulLen = std::strlen(g_stESh_Line.pcBuf);
   g_stESh_Line.ulCursor = g_stESh_Line.ulLen;
   return kAccepted;
@@ -54,12 +50,8 @@ std::uint16_t RecallHistory(std::uint16_t (*recall)(std::uint64_t, char*)) {
 /// ESC [ 3 ~ is Delete. When nothing follows the 3 there is nothing to read away.
 std::uint16_t DeleteSequence(int key) {
   const int last = GetChar(1);
-  if (last == '~') {
-    return LINE_KeyDelete(key);
-  }
-  if (last != -1) {
-    LINE_EscapeSequenceNULL();
-  }
+  if (last == '~') return LINE_KeyDelete(key);
+  if (last != -1) LINE_EscapeSequenceNULL();
   return kRefused;
 }
 
@@ -96,33 +88,25 @@ std::uint16_t LINE_KeyCtrlE(int /*key*/) {
 }
 
 std::uint16_t LINE_KeyLeft(int /*key*/) {
-  if (g_stESh_Line.ulCursor == 0) {
-    return kRefused;
-  }
+  if (g_stESh_Line.ulCursor == 0) return kRefused;
   --g_stESh_Line.ulCursor;
   return kAccepted;
 }
 
 std::uint16_t LINE_KeyRight(int /*key*/) {
-  if (g_stESh_Line.ulCursor >= g_stESh_Line.ulLen) {
-    return kRefused;
-  }
+  if (g_stESh_Line.ulCursor >= g_stESh_Line.ulLen) return kRefused;
   ++g_stESh_Line.ulCursor;
   return kAccepted;
 }
 
 std::uint16_t LINE_KeyBackspace(int /*key*/) {
-  if (g_stESh_Line.ulCursor == 0) {
-    return kRefused;
-  }
+  if (g_stESh_Line.ulCursor == 0) return kRefused;
   --g_stESh_Line.ulCursor;
   return LINE_DeleteText(g_stESh_Line.ulCursor, g_stESh_Line.ulCursor);
 }
 
 std::uint16_t LINE_KeyDelete(int /*key*/) {
-  if (g_stESh_Line.ulCursor >= g_stESh_Line.ulLen) {
-    return kRefused;
-  }
+  if (g_stESh_Line.ulCursor >= g_stESh_Line.ulLen) return kRefused;
   return LINE_DeleteText(g_stESh_Line.ulCursor, g_stESh_Line.ulCursor);
 }
 
@@ -132,9 +116,7 @@ std::uint16_t LINE_KeyEnter(int /*key*/) {
 }
 
 std::uint16_t LINE_KeyTab(int /*key*/) {
-  if (InCommandMode()) {
-    g_stESh_Line.ulEndKey = ESH_LINE_END_TAB;
-  }
+  if (InCommandMode()) g_stESh_Line.ulEndKey = ESH_LINE_END_TAB;
   return kAccepted;
 }
 
@@ -148,23 +130,17 @@ std::uint16_t LINE_KeyHelp(int key) {
 }
 
 std::uint16_t LINE_KeyCtrlC(int /*key*/) {
-  if (!InCommandMode()) {
-    EndWithByte(kKeyCtrlC, ESH_LINE_END_CTRL_C);
-  }
+  if (!InCommandMode()) EndWithByte(kKeyCtrlC, ESH_LINE_END_CTRL_C);
   return kAccepted;
 }
 
 std::uint16_t LINE_KeyCtrlZ(int /*key*/) {
-  if (InCommandMode()) {
-    EndWithByte(kKeyCtrlZ, ESH_LINE_END_CTRL_Z);
-  }
+  if (InCommandMode()) EndWithByte(kKeyCtrlZ, ESH_LINE_END_CTRL_Z);
   return kAccepted;
 }
 
 std::uint16_t LINE_KeyEscape(int key) {
-  if (GetChar(1) != '[') {
-    return RefuseSequence();
-  }
+  if (GetChar(1) != '[') return RefuseSequence();
   switch (GetChar(1)) {
     case 'A':
       return RecallHistory(ESH_HIS_ArrowUp);
@@ -191,7 +167,5 @@ std::uint16_t LINE_DeleteText(std::uint64_t a, std::uint64_t b) {
 
 void BindKeys() {
   std::fill(std::begin(g_stESh_Line.apfnKeyProc), std::end(g_stESh_Line.apfnKeyProc), LINE_KeyDefault);
-  for (const KeyBinding& binding : kKeyBindings) {
-    g_stESh_Line.apfnKeyProc[binding.key] = binding.handler;
-  }
+  for (const KeyBinding& binding : kKeyBindings) g_stESh_Line.apfnKeyProc[binding.key] = binding.handler;
 }

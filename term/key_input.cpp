@@ -25,9 +25,7 @@ std::int64_t NowNanos() {
 /// shell would spin until the line comes back.
 void WaitOutTheTry(std::int64_t started) {
   const std::int64_t elapsed = NowNanos() - started;
-  if (elapsed >= kEarlyNanos) {
-    return;
-  }
+  if (elapsed >= kEarlyNanos) return;
   const timespec rest{0, kTryNanos - elapsed};
   nanosleep(&rest, nullptr);
 }
@@ -37,25 +35,19 @@ void WaitOutTheTry(std::int64_t started) {
 int ReadByte() {
   const std::int64_t started = NowNanos();
   unsigned char byte = 0;
-  if (read(STDIN_FILENO, &byte, 1) == 1) {
-    return byte;
-  }
+  if (read(STDIN_FILENO, &byte, 1) == 1) return byte;
   WaitOutTheTry(started);
   return 0;
 }
 
 void RedrawConfirmation() {
   std::fputs("\r\n[Y/N]:", stdout);
-  if (g_stESh_Line.usConfirmChosen == 1) {
-    std::putchar(g_stESh_Line.usConfirmYes == 1 ? 'y' : 'n');
-  }
+  if (g_stESh_Line.usConfirmChosen == 1) std::putchar(g_stESh_Line.usConfirmYes == 1 ? 'y' : 'n');
   ESH_TERM_OFlush();
 }
 
 void RedrawLine() {
-  if (g_stESh_Line.pcBuf[0] == '\0') {
-    return;
-  }
+  if (g_stESh_Line.pcBuf[0] == '\0') return;
   std::puts("\r");
   std::fputs(g_stESh_Line.pcPrompt, stdout);
   LINE_Printf(g_stESh_Line.pcBuf);
@@ -64,14 +56,11 @@ void RedrawLine() {
 }
 
 void RedrawIfAsked() {
-  if (g_bESh_SynInput == 0) {
-    return;
-  }
-  if (g_stESh_Line.ulMode == ESH_LINE_MODE_CONFIRM) {
+  if (g_bESh_SynInput == 0) return;
+  if (g_stESh_Line.ulMode == ESH_LINE_MODE_CONFIRM)
     RedrawConfirmation();
-  } else {
+  else
     RedrawLine();
-  }
   g_bESh_SynInput = 0;
 }
 
@@ -82,9 +71,7 @@ int GetChar(std::uint32_t tries) {
   for (std::uint32_t empty = 0; tries == 0 || empty < tries; ++empty) {
     RedrawIfAsked();
     const int byte = ReadByte();
-    if (byte != 0) {
-      return byte;
-    }
+    if (byte != 0) return byte;
   }
   return -1;
 }

@@ -44,9 +44,8 @@ bool AllocateBuffers() {
   g_stESh_Line.pcLastBuf = static_cast<char*>(std::calloc(1, kLineRoom));
   g_stESh_Line.pcBuf = static_cast<char*>(std::calloc(1, kLineRoom));
   g_stESh_Line.pcPrompt = static_cast<char*>(std::calloc(1, kPromptRoom));
-  if (g_stESh_Line.pcLastBuf != nullptr && g_stESh_Line.pcBuf != nullptr && g_stESh_Line.pcPrompt != nullptr) {
+  if (g_stESh_Line.pcLastBuf != nullptr && g_stESh_Line.pcBuf != nullptr && g_stESh_Line.pcPrompt != nullptr)
     return true;
-  }
   FreeBuffers();
   return false;
 }
@@ -78,9 +77,7 @@ void TerminateAt(std::uint64_t position, char end) {
 std::uint32_t ESH_LINE_Init() {
   g_stESh_Line = ESH_LINE_S{};
   SaveTermiosMode();
-  if (!AllocateBuffers()) {
-    return ESH_ERR_FAIL;
-  }
+  if (!AllocateBuffers()) return ESH_ERR_FAIL;
   g_stESh_Line.ulMaxLen = kInitialMaxLen;
   g_stESh_Display.ulScrLines = kPageLines;
   BindKeys();
@@ -100,25 +97,20 @@ char* ESH_LINE_GetLine(std::uint32_t mode, std::uint32_t max) {
   g_stESh_Line.ulMaxLen = max;
   g_stESh_Line.ulMode = mode;
   g_stESh_Line.ulEndKey = ESH_LINE_END_NONE;
-  if (g_stESh_Line.usKeepBuf == 1) {
+  if (g_stESh_Line.usKeepBuf == 1)
     g_stESh_Line.usKeepBuf = 0;
-  } else {
+  else
     StartEmpty();
-  }
   while (g_stESh_Line.ulEndKey == ESH_LINE_END_NONE) {
     LINE_Redisplay();
     const int key = GetChar(0);
-    if (g_stESh_Line.apfnKeyProc[key](key) != 1) {
-      ESH_TERM_Bell();
-    }
+    if (g_stESh_Line.apfnKeyProc[key](key) != 1) ESH_TERM_Bell();
   }
   return g_stESh_Line.pcBuf;
 }
 
 void ForgetLine() {
-  for (char* buffer : {g_stESh_Line.pcBuf, g_stESh_Line.pcLastBuf}) {
-    explicit_bzero(buffer, kLineRoom);
-  }
+  for (char* buffer : {g_stESh_Line.pcBuf, g_stESh_Line.pcLastBuf}) explicit_bzero(buffer, kLineRoom);
   g_stESh_Line.ulCursor = 0;
   g_stESh_Line.ulLen = 0;
   ForgetShown();
@@ -149,9 +141,7 @@ void ESH_LINE_SetCmdString() {
 }
 
 void ESH_SetPrompt(const char* prompt) {
-  if (g_stESh_Line.pcPrompt == nullptr) {
-    return;  // the editor could not be made ready: start-up goes on to the reboot
-  }
+  if (g_stESh_Line.pcPrompt == nullptr) return;  // the editor could not be made ready: start-up goes on to the reboot
   CopyBounded(g_stESh_Line.pcPrompt, kPromptRoom, prompt);
   g_stESh_Line.ulPromptLen = std::strlen(g_stESh_Line.pcPrompt);
 }

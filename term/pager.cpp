@@ -19,9 +19,7 @@ constexpr std::uint32_t kMoreTries = 6000;  // 600 s
 /// @return what follows it, or NULL when no line end is left. A "\r" swallows whatever byte follows it.
 char* CutLine(char* text) {
   char* end = text + std::strcspn(text, "\r\n");
-  if (*end == '\0') {
-    return nullptr;
-  }
+  if (*end == '\0') return nullptr;
   const bool swallow_next = *end == '\r' ? end[1] != '\0' : end[1] == '\r';
   *end = '\0';
   return end + (swallow_next ? 2 : 1);
@@ -33,9 +31,7 @@ bool AskForMore() {
   g_stESh_Display.ulMoreLines = g_stESh_Display.ulScrLines;
   g_stESh_Display.ulCurLines = 1;
   const int key = GetChar(kMoreTries);
-  if (key == kKeyEscape) {
-    LINE_EscapeSequenceNULL();
-  }
+  if (key == kKeyEscape) LINE_EscapeSequenceNULL();
   ESH_TERM_CursorBack(kMorePromptWidth);
   ESH_TERM_Erase2LineEnd();
   if (key == '\r' || key == '\n') {
@@ -47,9 +43,7 @@ bool AskForMore() {
 
 /// Counts a line that was written. @return false when the user stops here.
 bool CountLine() {
-  if (g_stESh_Display.ulScrLines == 0) {
-    return true;
-  }
+  if (g_stESh_Display.ulScrLines == 0) return true;
   ++g_stESh_Display.ulCurLines;
   return g_stESh_Display.ulCurLines < g_stESh_Display.ulMoreLines || AskForMore();
 }

@@ -12,9 +12,7 @@ constexpr std::uint32_t kTriesPerSecond = 10;
 constexpr char kChooseFirst[] = "\r\nBefore pressing ENTER you must choose 'YES' or 'NO'[Y/N]:";
 
 void Choose(int letter, std::uint16_t yes) {
-  if (g_stESh_Line.usConfirmChosen == 1) {
-    return;
-  }
+  if (g_stESh_Line.usConfirmChosen == 1) return;
   std::putchar(letter);
   ESH_TERM_OFlush();
   g_stESh_Line.usConfirmChosen = 1;
@@ -22,9 +20,7 @@ void Choose(int letter, std::uint16_t yes) {
 }
 
 void TakeBack() {
-  if (g_stESh_Line.usConfirmChosen == 0) {
-    return;
-  }
+  if (g_stESh_Line.usConfirmChosen == 0) return;
   ESH_TERM_CursorBack(1);
   ESH_TERM_Erase2LineEnd();
   g_stESh_Line.usConfirmChosen = 0;
@@ -59,9 +55,7 @@ std::uint16_t ESH_LINE_GetConfirm(std::uint32_t seconds) {
         break;
       case '\r':
       case '\n':
-        if (g_stESh_Line.usConfirmChosen == 1) {
-          return g_stESh_Line.usConfirmYes;
-        }
+        if (g_stESh_Line.usConfirmChosen == 1) return g_stESh_Line.usConfirmYes;
         std::fputs(kChooseFirst, stdout);
         break;
       default:

@@ -28,19 +28,17 @@ bool ColumnIsLostInVerticalMove() {
 }
 
 void MoveColumn(std::uint64_t from, std::uint64_t to) {
-  if (from > to) {
+  if (from > to)
     ESH_TERM_CursorBack(from - to);
-  } else if (from < to) {
+  else if (from < to)
     ESH_TERM_CursorForward(to - from);
-  }
 }
 
 void MoveRow(std::uint64_t from, std::uint64_t to) {
-  if (from > to) {
+  if (from > to)
     ESH_TERM_CursorUp(from - to);
-  } else if (from < to) {
+  else if (from < to)
     ESH_TERM_CursorDown(to - from);
-  }
 }
 
 void NoteAsShown() {
@@ -52,20 +50,14 @@ void NoteAsShown() {
 }  // namespace
 
 int LINE_Printf(const char* text) {
-  if (g_stESh_Line.ulMode != ESH_LINE_MODE_MASKED) {
-    return std::printf("%s", text);
-  }
+  if (g_stESh_Line.ulMode != ESH_LINE_MODE_MASKED) return std::printf("%s", text);
   const std::size_t length = std::strlen(text);
-  for (std::size_t i = 0; i < length; ++i) {
-    std::putchar('*');
-  }
+  for (std::size_t i = 0; i < length; ++i) std::putchar('*');
   return static_cast<int>(length);
 }
 
 void LINE_MoveCurses(std::uint64_t from, std::uint64_t to) {
-  if (from == to) {
-    return;
-  }
+  if (from == to) return;
   const std::uint64_t width = ESH_TERM_GetScrCols();
   const ScreenPlace start = PlaceOf(from, width);
   const ScreenPlace goal = PlaceOf(to, width);
@@ -82,9 +74,7 @@ void LINE_DisplayPerLine(const char* text, std::uint64_t position) {
   std::string_view rest(text);
   const std::uint64_t width = ESH_TERM_GetScrCols();
   const UniqueText row(static_cast<char*>(std::malloc(rest.size() + 1)));
-  if (row == nullptr) {
-    return;
-  }
+  if (row == nullptr) return;
   std::uint64_t free_columns = width - PlaceOf(position, width).column;
   while (!rest.empty()) {
     const bool fills_row = width != 0 && rest.size() >= free_columns;
@@ -92,9 +82,7 @@ void LINE_DisplayPerLine(const char* text, std::uint64_t position) {
     std::memcpy(row.get(), piece.data(), piece.size());
     row.get()[piece.size()] = '\0';
     LINE_Printf(row.get());
-    if (fills_row) {
-      std::fputs("\r\n", stdout);
-    }
+    if (fills_row) std::fputs("\r\n", stdout);
     rest.remove_prefix(piece.size());
     free_columns = width;
   }
@@ -124,9 +112,7 @@ void LINE_Redisplay() {
 }
 
 void MoveCursorToEnd() {
-  if (g_stESh_Line.ulLen == 0 || g_stESh_Line.ulCursor == g_stESh_Line.ulLen) {
-    return;
-  }
+  if (g_stESh_Line.ulLen == 0 || g_stESh_Line.ulCursor == g_stESh_Line.ulLen) return;
   LINE_MoveCurses(g_stESh_Line.ulCursor, g_stESh_Line.ulLen);
   g_stESh_Line.ulCursor = g_stESh_Line.ulLen;
   g_stESh_Line.ulLastCursor = g_stESh_Line.ulLen;

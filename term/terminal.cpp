@@ -22,9 +22,7 @@ const char* FindString(const char* name) {
 
 bool Write(const char* name) {
   const char* capability = FindString(name);
-  if (capability == nullptr) {
-    return false;
-  }
+  if (capability == nullptr) return false;
   putp(tparm(capability));
   return true;
 }
@@ -36,11 +34,8 @@ void Move(const char* counted, const char* single, std::uint64_t count) {
     putp(tparm(capability, static_cast<long>(count)));
     return;
   }
-  for (std::uint64_t i = 0; i < count; ++i) {
-    if (!Write(single)) {
-      return;
-    }
-  }
+  for (std::uint64_t i = 0; i < count; ++i)
+    if (!Write(single)) return;
 }
 
 std::uint64_t ZeroExtended(int number) { return static_cast<std::uint32_t>(number); }
@@ -53,9 +48,7 @@ bool LoadDescription(const char* type) {
 }  // namespace
 
 void SetUpTerminal() {
-  if (LoadDescription(nullptr)) {
-    return;
-  }
+  if (LoadDescription(nullptr)) return;
   const char* wanted = std::getenv("TERM");
   wanted = wanted == nullptr ? "" : wanted;
   for (const char* type : kStandInTerminals) {
@@ -90,9 +83,7 @@ void ESH_TERM_EraseLine() {
 void ESH_TERM_Erase2ScrEnd() { Write("ed"); }
 
 void ESH_TERM_EraseScreen() {
-  if (Write("clear")) {
-    return;
-  }
+  if (Write("clear")) return;
   const char* home = FindString("cup");
   if (home != nullptr) {
     putp(tparm(home, 0L, 0L));

@@ -22,9 +22,9 @@ constexpr char LowerCase(char letter) {
 }
 
 constexpr bool BeginsIgnoringCase(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), text.begin(), [](char a, char b) {
-           return a == b || LowerCase(a) == LowerCase(b);
-         });
+  return text.size() >= prefix.size() && std::equal(
+                                             prefix.begin(), prefix.end(), text.begin(),
+                                             [](char a, char b) { return a == b || LowerCase(a) == LowerCase(b); });
 }
 
 constexpr bool EqualsIgnoringCase(std::string_view a, std::string_view b) {

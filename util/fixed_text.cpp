@@ -6,9 +6,7 @@
 #include <cstring>
 
 bool CopyBounded(char* dest, std::size_t room, std::string_view text) {
-  if (dest == nullptr || room == 0) {
-    return false;
-  }
+  if (dest == nullptr || room == 0) return false;
   const std::size_t copied = std::min(text.size(), room - 1);
   std::memcpy(dest, text.data(), copied);
   dest[copied] = '\0';

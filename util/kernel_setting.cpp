@@ -37,9 +37,7 @@ struct SysctlCall {
 CallResult CallSysctl(std::span<const int> path, SysctlCall& call) {
   call.name = const_cast<int*>(path.data());  // the kernel reads the name only
   call.name_length = static_cast<int>(path.size());
-  if (syscall(SYS__sysctl, &call) == 0) {
-    return CallResult::kDone;
-  }
+  if (syscall(SYS__sysctl, &call) == 0) return CallResult::kDone;
   // A filter of system calls answers EPERM for a call that it does not know.
   return errno == ENOSYS || errno == EPERM ? CallResult::kNoSuchCall : CallResult::kRefused;
 }
@@ -65,9 +63,7 @@ CallResult ReadBySystemCall(std::span<const int>, std::size_t&, void*) { return 
 
 void AppendSettingPath(std::span<const int> path, TextBuilder& file_name) {
   file_name.AppendText(kSettingsRoot);
-  for (const int number : path) {
-    file_name.Append("/%d", number);
-  }
+  for (const int number : path) file_name.Append("/%d", number);
 }
 
 /// Reads the file of a setting, without its line end, cut to `size` - 1 bytes.
@@ -76,13 +72,9 @@ std::uint32_t ReadSettingFile(std::span<const int> path, std::size_t size, char*
   AppendSettingPath(path, file_name);
   const UniqueFd file(open(file_name.Text(), O_RDONLY | O_CLOEXEC));
   text[0] = '\0';
-  if (file_name.Truncated() || !file) {
-    return ESH_ERR_FAIL;
-  }
+  if (file_name.Truncated() || !file) return ESH_ERR_FAIL;
   const ssize_t length = read(file.Get(), text, size - 1);
-  if (length < 0) {
-    return ESH_ERR_FAIL;
-  }
+  if (length < 0) return ESH_ERR_FAIL;
   const bool has_line_end = length > 0 && text[length - 1] == '\n';
   text[has_line_end ? length - 1 : length] = '\0';
   return kSuccess;
@@ -101,9 +93,7 @@ bool ReadDotted(const char* text, std::size_t& count, std::uint64_t* numbers) {
       return false;
     }
     ++count;
-    if (text[length] == '\0' || count == room) {
-      return true;
-    }
+    if (text[length] == '\0' || count == room) return true;
     text += length + 1;
   }
 }
@@ -112,17 +102,13 @@ bool ReadDotted(const char* text, std::size_t& count, std::uint64_t* numbers) {
 
 std::uint32_t WriteKernelSetting(std::span<const int> path, int value) {
   const CallResult result = WriteBySystemCall(path, value);
-  if (result != CallResult::kNoSuchCall) {
-    return result == CallResult::kDone ? kSuccess : ESH_ERR_FAIL;
-  }
+  if (result != CallResult::kNoSuchCall) return result == CallResult::kDone ? kSuccess : ESH_ERR_FAIL;
   FixedText<kPathRoom> file_name;
   AppendSettingPath(path, file_name);
   FixedText<16> text;
   text.Append("%d\n", value);
   const UniqueFd file(open(file_name.Text(), O_WRONLY | O_CLOEXEC));
-  if (file_name.Truncated() || !file) {
-    return ESH_ERR_FAIL;
-  }
+  if (file_name.Truncated() || !file) return ESH_ERR_FAIL;
   const ssize_t written = write(file.Get(), text.Text(), text.Length());
   return written == static_cast<ssize_t>(text.Length()) ? kSuccess : ESH_ERR_FAIL;
 }
@@ -130,9 +116,7 @@ std::uint32_t WriteKernelSetting(std::span<const int> path, int value) {
 std::uint32_t ReadKernelText(std::span<const int> path, std::size_t size, char* text) {
   std::size_t length = size - 1;
   const CallResult result = ReadBySystemCall(path, length, text);
-  if (result == CallResult::kNoSuchCall) {
-    return ReadSettingFile(path, size, text);
-  }
+  if (result == CallResult::kNoSuchCall) return ReadSettingFile(path, size, text);
   text[result == CallResult::kDone ? std::min(length, size - 1) : 0] = '\0';
   return result == CallResult::kDone ? kSuccess : ESH_ERR_FAIL;
 }

@@ -14,12 +14,8 @@ bool WriteAll(int fd, const void* bytes, std::size_t length) {
   const char* rest = static_cast<const char*>(bytes);
   while (length > 0) {
     const ssize_t written = write(fd, rest, length);
-    if (written < 0 && errno == EINTR) {
-      continue;
-    }
-    if (written <= 0) {
-      return false;
-    }
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
     rest += written;
     length -= static_cast<std::size_t>(written);
   }
@@ -28,7 +24,5 @@ bool WriteAll(int fd, const void* bytes, std::size_t length) {
 
 void SyncMediumOf(const char* path) {
   const UniqueFd file(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));  // what is no file must not be waited for either
-  if (file) {
-    (void)syncfs(file.Get());  // there is nobody to tell: the tool that wrote has ended well
-  }
+  if (file) (void)syncfs(file.Get());  // there is nobody to tell: the tool that wrote has ended well
 }

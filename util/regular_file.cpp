@@ -9,9 +9,7 @@ UniqueFile OpenRegularFile(const char* path, Links links, struct stat* stat) {
   // Non-blocking matters only for what is no regular file: opening a FIFO would wait for a writer.
   UniqueFd fd(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | refuse));
   struct stat found;
-  if (!fd || fstat(fd.Get(), &found) != 0) {
-    return nullptr;
-  }
+  if (!fd || fstat(fd.Get(), &found) != 0) return nullptr;
   if (!S_ISREG(found.st_mode)) {
     errno = EINVAL;
     return nullptr;
@@ -19,9 +17,7 @@ UniqueFile OpenRegularFile(const char* path, Links links, struct stat* stat) {
   UniqueFile file(fdopen(fd.Get(), "r"));
   if (file != nullptr) {
     (void)fd.Release();  // the stream's from now on
-    if (stat != nullptr) {
-      *stat = found;
-    }
+    if (stat != nullptr) *stat = found;
   }
   return file;
 }

@@ -27,9 +27,7 @@ class UniqueFd {
   /// Gives the descriptor to the caller, who closes it.
   [[nodiscard]] int Release() { return std::exchange(fd_, -1); }
   void Reset(int fd = -1) {
-    if (fd_ >= 0) {
-      close(fd_);
-    }
+    if (fd_ >= 0) close(fd_);
     fd_ = fd;
   }
 

@@ -60,11 +60,8 @@ void VEC_Release(VEC_S* vec);
 /// @param visit called with the slot's index and the record.
 template <typename Record, typename Visit>
 void ForEachSlot(const VEC_S& vec, Visit visit) {
-  for (std::uint64_t i = 0; i < vec.ulCapacity && i <= vec.ulMaxIndex; ++i) {
-    if (vec.ppvArray[i] != nullptr) {
-      visit(i, *static_cast<Record*>(vec.ppvArray[i]));
-    }
-  }
+  for (std::uint64_t i = 0; i < vec.ulCapacity && i <= vec.ulMaxIndex; ++i)
+    if (vec.ppvArray[i] != nullptr) visit(i, *static_cast<Record*>(vec.ppvArray[i]));
 }
 
 /// Finds the first record in index order for which `test` holds.
@@ -72,9 +69,7 @@ template <typename Record, typename Test>
 [[nodiscard]] Record* FindSlot(const VEC_S& vec, Test test) {
   for (std::uint64_t i = 0; i < vec.ulCapacity && i <= vec.ulMaxIndex; ++i) {
     auto* record = static_cast<Record*>(vec.ppvArray[i]);
-    if (record != nullptr && test(*record)) {
-      return record;
-    }
+    if (record != nullptr && test(*record)) return record;
   }
   return nullptr;
 }
@@ -82,9 +77,7 @@ template <typename Record, typename Test>
 /// Frees every element with `free_element` and then the vector itself. NULL is allowed.
 template <typename Record, typename FreeElement>
 void FreeVectorOf(VEC_S* vec, FreeElement free_element) {
-  if (vec == nullptr) {
-    return;
-  }
+  if (vec == nullptr) return;
   ForEachSlot<Record>(*vec, [&](std::uint64_t, Record& record) { free_element(&record); });
   VEC_Free(vec);
 }

@@ -14,9 +14,8 @@ constexpr const char* kProgramDirectories[] = {"/bin/", "/usr/bin/"};
 constexpr const char* kLibraryDirectories[] = {"/lib/aarch64-linux-gnu/", "/usr/lib/aarch64-linux-gnu/"};
 
 bool IsPlanned(const std::string& path, const RootPlan& plan) {
-  for (const HostFile& file : plan.copies) {
+  for (const HostFile& file : plan.copies)
     if (file.path == path) return true;
-  }
   return false;
 }
 

@@ -35,10 +35,10 @@ class ConsoleLine {
   bool TakePrinted();
 
   UniqueFd serial_;
-  UniqueFd terminal_;  // the near end of the pseudo terminal, raw
+  UniqueFd terminal_;  ///< the near end of the pseudo terminal, raw
   UniqueFd operator_end_;
-  std::string printed_;  // on its way to the operator
-  std::string typed_;    // on its way to the machine
+  std::string printed_;  ///< on its way to the operator
+  std::string typed_;    ///< on its way to the machine
   std::string last_words_;
 };
 

@@ -26,7 +26,7 @@ class CpioArchive {
 
  private:
   struct Entry {
-    std::string path;  // without a leading '/'
+    std::string path;  ///< without a leading '/'
     std::uint32_t mode = 0;
     std::uint32_t links = 1;
     std::uint32_t major = 0;

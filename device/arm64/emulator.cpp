@@ -60,11 +60,10 @@ std::vector<std::string> EmulatorWords(const MachineParts& parts) {
   std::vector<std::string> words{FindEmulator()};
   const auto add = [&words](std::initializer_list<std::string> more) { words.insert(words.end(), more); };
   add({"-nodefaults", "-no-user-config", "-display", "none", "-no-reboot"});
-  if (HasArmHardware()) {
+  if (HasArmHardware())
     add({"-M", "virt,gic-version=host", "-cpu", "host", "-accel", "kvm"});
-  } else {
+  else
     add({"-M", "virt", "-cpu", "cortex-a57", "-accel", "tcg"});
-  }
   add({"-smp", "1", "-m", kMegabytes, "-kernel", parts.kernel, "-initrd", parts.first_root, "-append", kKernelLine});
   add({"-chardev", SocketLine("serial", kSerial), "-serial", "chardev:serial"});
   add({"-chardev", SocketLine("monitor", kMonitor), "-mon", "chardev=monitor,mode=control"});

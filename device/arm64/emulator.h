@@ -13,22 +13,22 @@ namespace device {
 /// What an emulated machine is made of.
 struct MachineParts {
   struct Disk {
-    std::string image;          // file of the host with the disk's bytes
-    std::string serial_number;  // at most 20 characters
+    std::string image;          ///< file of the host with the disk's bytes
+    std::string serial_number;  ///< at most 20 characters
   };
 
-  std::string kernel;      // file of the host, likewise below
-  std::string first_root;  // archive that the kernel unpacks as its root file system
+  std::string kernel;      ///< file of the host, likewise below
+  std::string first_root;  ///< archive that the kernel unpacks as its root file system
   std::vector<Disk> disks;
-  LabCable::Address port_address{};  // Ethernet address of its only network port
+  LabCable::Address port_address{};  ///< Ethernet address of its only network port
 };
 
 /// This side's ends of what leads into an emulated machine. All are sockets.
 struct MachineLines {
   UniqueFd serial;
-  UniqueFd guest;    // to the program that serves the host inside
-  UniqueFd monitor;  // the emulator's own, in QMP
-  UniqueFd network;  // frames of the machine's port
+  UniqueFd guest;    ///< to the program that serves the host inside
+  UniqueFd monitor;  ///< the emulator's own, in QMP
+  UniqueFd network;  ///< frames of the machine's port
 };
 
 /// @return the emulator's path; "" when it is not installed.

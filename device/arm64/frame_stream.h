@@ -11,13 +11,13 @@ namespace device {
 
 /// What the two ends of the line into an emulated machine tell each other.
 enum class FrameKind : std::uint32_t {
-  kHello,         // guest -> host: the machine is up
-  kStartShell,    // host -> guest: bytes are words and environment, see PackTexts; value counts the words
-  kRun,           // host -> guest: bytes are a command
-  kKill,          // host -> guest: the command `id` ran too long
-  kStream,        // both ways: bytes of stream `value` (0, 1, 2) of command `id`; none: the stream has ended
-  kCommandEnded,  // guest -> host: value is the wait status; all of its streams came before
-  kHandedOver,    // guest -> host: /sbin/scmd has the console
+  kHello,         ///< guest -> host: the machine is up
+  kStartShell,    ///< host -> guest: bytes are words and environment, see PackTexts; value counts the words
+  kRun,           ///< host -> guest: bytes are a command
+  kKill,          ///< host -> guest: the command `id` ran too long
+  kStream,        ///< both ways: bytes of stream `value` (0, 1, 2) of command `id`; none: the stream has ended
+  kCommandEnded,  ///< guest -> host: value is the wait status; all of its streams came before
+  kHandedOver,    ///< guest -> host: /sbin/scmd has the console
   kShellEnded     // guest -> host: value is the wait status
 };
 

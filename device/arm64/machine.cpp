@@ -136,9 +136,8 @@ class Machine {
   }
 
   static bool HasEnded(pid_t emulator) {
-    for (pid_t ended = 0; (ended = waitpid(-1, nullptr, WNOHANG)) > 0;) {
+    for (pid_t ended = 0; (ended = waitpid(-1, nullptr, WNOHANG)) > 0;)
       if (ended == emulator) return true;
-    }
     return false;
   }
 
@@ -209,12 +208,14 @@ class Machine {
 
   /// An answer waits until all that its command wrote has been passed on.
   void AnswerCommands() {
-    std::erase_if(ended_commands_, [this](const auto& ended) {
-      if (streams_.HasUnwritten(ended.first)) return false;
-      streams_.Drop(ended.first);
-      channel_.Send(MessageKind::kCommandEnded, ended.first, ended.second);
-      return true;
-    });
+    std::erase_if(
+        ended_commands_,
+        [this](const auto& ended) {
+          if (streams_.HasUnwritten(ended.first)) return false;
+          streams_.Drop(ended.first);
+          channel_.Send(MessageKind::kCommandEnded, ended.first, ended.second);
+          return true;
+        });
   }
 
   int GoDown() {

@@ -65,13 +65,16 @@ void StreamCarrier::FinishSources(std::uint32_t command) {
 }
 
 bool StreamCarrier::HasUnwritten(std::uint32_t command) const {
-  return std::any_of(streams_.begin(), streams_.end(), [command](const Stream& stream) {
-    return stream.command == command && stream.descriptor && !stream.unwritten.empty();
-  });
+  return std::any_of(
+      streams_.begin(), streams_.end(),
+      [command](const Stream& stream) {
+        return stream.command == command && stream.descriptor && !stream.unwritten.empty();
+      });
 }
 
 void StreamCarrier::Drop(std::uint32_t command) {
-  std::erase_if(streams_, [command](const Stream& stream) { return stream.command == command; });
+  std::erase_if(
+      streams_, [command](const Stream& stream) { return stream.command == command; });
 }
 
 /// Sends one block of a source, or its end.

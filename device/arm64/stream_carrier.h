@@ -41,8 +41,8 @@ class StreamCarrier {
     int number = 0;
     bool is_source = false;
     UniqueFd descriptor;
-    std::string unwritten;  // of a sink
-    bool ended = false;     // of a sink: nothing comes after `unwritten`
+    std::string unwritten;  ///< of a sink
+    bool ended = false;     ///< of a sink: nothing comes after `unwritten`
   };
 
   void Add(std::uint32_t command, int number, bool is_source, UniqueFd descriptor);
@@ -50,7 +50,7 @@ class StreamCarrier {
   static void Write(Stream& sink);
 
   FrameStream& frames_;
-  std::vector<Stream> streams_;  // one without a descriptor is over
+  std::vector<Stream> streams_;  ///< one without a descriptor is over
 };
 
 }  // namespace device

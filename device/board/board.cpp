@@ -123,13 +123,12 @@ class Board {
   }
 
   void Handle(Message& message) {
-    if (message.kind == MessageKind::kPowerOn && message.descriptors.size() == 1) {
+    if (message.kind == MessageKind::kPowerOn && message.descriptors.size() == 1)
       PowerOn(Channel(std::move(message.descriptors[0])), message.id);
-    } else if (message.kind == MessageKind::kPowerOff && device_ > 0) {
+    else if (message.kind == MessageKind::kPowerOff && device_ > 0)
       kill(device_, SIGKILL);
-    } else {
+    else
       lab_commands_.Handle(message);
-    }
   }
 
   /// Boots a device. The channel is the device's; when it cannot be started, the problem is told there.

@@ -12,19 +12,19 @@ namespace device {
 
 /// What the launcher, the board and the device's first process tell each other.
 enum class MessageKind : std::uint32_t {
-  kProblem,       // something could not be set up: text
-  kLeftHost,      // keeper -> launcher: its user namespace wants its identities
-  kIdentities,    // launcher -> keeper: they are mapped
-  kBoardReady,    // board -> launcher: media and lab are there; text is for the operator
-  kPowerOn,       // launcher -> board: boot a device that answers on the descriptor that comes along
-  kPowerOff,      // launcher -> board
-  kDeviceDown,    // board -> launcher: value is the wait status of the device's first process
-  kConsole,       // device -> launcher: the device has power; its console comes along
-  kShellStarts,   // device -> launcher: the device is up
-  kRun,           // launcher -> device or board: text is a command, its descriptors 0, 1 and 2 come along
-  kKill,          // launcher -> device or board: the command `id` ran too long
-  kCommandEnded,  // answer to kRun: value is the wait status
-  kHandedOver,    // device -> launcher: /sbin/scmd has the console
+  kProblem,       ///< something could not be set up: text
+  kLeftHost,      ///< keeper -> launcher: its user namespace wants its identities
+  kIdentities,    ///< launcher -> keeper: they are mapped
+  kBoardReady,    ///< board -> launcher: media and lab are there; text is for the operator
+  kPowerOn,       ///< launcher -> board: boot a device that answers on the descriptor that comes along
+  kPowerOff,      ///< launcher -> board
+  kDeviceDown,    ///< board -> launcher: value is the wait status of the device's first process
+  kConsole,       ///< device -> launcher: the device has power; its console comes along
+  kShellStarts,   ///< device -> launcher: the device is up
+  kRun,           ///< launcher -> device or board: text is a command, its descriptors 0, 1 and 2 come along
+  kKill,          ///< launcher -> device or board: the command `id` ran too long
+  kCommandEnded,  ///< answer to kRun: value is the wait status
+  kHandedOver,    ///< device -> launcher: /sbin/scmd has the console
   kShellEnded     // device -> launcher: value is the wait status
 };
 

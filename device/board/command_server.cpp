@@ -55,9 +55,8 @@ CommandServer::CommandServer(Answer answer, std::vector<std::string> environment
 void CommandServer::Handle(const Message& message) {
   if (message.kind == MessageKind::kRun) Start(message);
   if (message.kind != MessageKind::kKill) return;
-  for (const auto& [process, id] : running_) {
+  for (const auto& [process, id] : running_)
     if (id == message.id) kill(-process, SIGKILL);
-  }
 }
 
 void CommandServer::Start(const Message& message) {

@@ -32,7 +32,7 @@ class CommandServer {
 
   Answer answer_;
   std::vector<std::string> environment_;
-  std::map<pid_t, std::uint32_t> running_;  // request number by process
+  std::map<pid_t, std::uint32_t> running_;  ///< request number by process
 };
 
 /// Replaces this process, a fresh child, by a program. Returns only by ending the process.

@@ -12,9 +12,9 @@ namespace device {
 
 /// What the first process of a device gets from the board it is on.
 struct PowerSupply {
-  std::string empty_directory;  // where its root file system is made
-  std::string media_directory;  // holds each medium under its name
-  Channel channel;              // to the launcher
+  std::string empty_directory;  ///< where its root file system is made
+  std::string media_directory;  ///< holds each medium under its name
+  Channel channel;              ///< to the launcher
 };
 
 /// Exit statuses of a device's first process; any other is an accident.

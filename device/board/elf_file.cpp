@@ -48,10 +48,9 @@ class ElfBytes {
   }
   /// @return where in the file stands what is loaded at an address.
   [[nodiscard]] std::uint64_t OffsetOf(Elf64_Addr address) const {
-    for (const Elf64_Phdr& segment : Segments(PT_LOAD)) {
+    for (const Elf64_Phdr& segment : Segments(PT_LOAD))
       if (address >= segment.p_vaddr && address - segment.p_vaddr < segment.p_filesz)
         return segment.p_offset + (address - segment.p_vaddr);
-    }
     return bytes_.size();
   }
 

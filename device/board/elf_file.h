@@ -8,8 +8,8 @@ namespace device {
 
 /// What a 64-bit ELF program or library says it needs to run.
 struct ElfNeeds {
-  std::string loader;                  // path; "" for a library and for a static program
-  std::vector<std::string> libraries;  // file names without a directory
+  std::string loader;                  ///< path; "" for a library and for a static program
+  std::vector<std::string> libraries;  ///< file names without a directory
 };
 
 /// Reads what a program or library needs, whatever processor it is for.

@@ -31,9 +31,8 @@ std::string ReadToEnd(int descriptor) {
   std::string text;
   std::array<char, 4096> block{};
   ssize_t length = 0;
-  while ((length = read(descriptor, block.data(), block.size())) > 0 || (length < 0 && errno == EINTR)) {
+  while ((length = read(descriptor, block.data(), block.size())) > 0 || (length < 0 && errno == EINTR))
     if (length > 0) text.append(block.data(), static_cast<std::size_t>(length));
-  }
   return text;
 }
 
@@ -53,9 +52,8 @@ std::optional<std::string> OutputOf(const std::vector<std::string>& words) {
   writing.Reset();
   std::string output = ReadToEnd(reading.Get());
   int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
+  while (waitpid(child, &status, 0) < 0)
     if (errno != EINTR) return std::nullopt;
-  }
   if (status != 0) return std::nullopt;
   return output;
 }

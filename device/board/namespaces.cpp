@@ -42,9 +42,8 @@ unsigned long OwnIdentities(const char* map) {
   unsigned long first = 0;
   unsigned long outside = 0;
   unsigned long count = 0;
-  while (lines >> first >> outside >> count) {
+  while (lines >> first >> outside >> count)
     if (first == 0) return std::min(count, kMaxIdentities);
-  }
   return 1;
 }
 
@@ -97,11 +96,10 @@ std::string Mount(const std::string& source, const std::string& target, const ch
 std::string BindMount(const std::string& source, const std::string& target) {
   struct stat status {};
   if (stat(source.c_str(), &status) != 0) return source + " is missing";
-  if (S_ISDIR(status.st_mode)) {
+  if (S_ISDIR(status.st_mode))
     (void)mkdir(target.c_str(), 0755);  // it may stand there already; the mount tells
-  } else {
+  else
     const UniqueFd file(open(target.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
-  }
   return Mount(source, target, nullptr, MS_BIND | MS_REC);
 }
 

@@ -56,9 +56,8 @@ std::string AddBusybox(const ProgramSource& programs, RootPlan& plan) {
   const std::optional<std::string> names = OutputOf({hosts_own, "--list"});
   if (!names) return hosts_own + " --list failed";
   std::istringstream lines(*names);
-  for (std::string name; std::getline(lines, name);) {
+  for (std::string name; std::getline(lines, name);)
     if (name != "busybox" && name != kMissingApplet) plan.applets.push_back(name);
-  }
   return AddProgram(programs.Find("busybox"), "/bin/busybox", programs, plan);
 }
 
@@ -96,9 +95,8 @@ void LinkApplets(const RootPlan& plan, const std::string& root) {
 }  // namespace
 
 void AddCopy(const std::string& host_path, const std::string& path, RootPlan& plan) {
-  for (const HostFile& file : plan.copies) {
+  for (const HostFile& file : plan.copies)
     if (file.path == path) return;  // a library that another program brought already
-  }
   plan.copies.push_back({host_path, path});
 }
 
@@ -113,9 +111,8 @@ std::string PlanRoot(const BootOptions& options, const std::string& kind_files, 
                      RootPlan& plan) {
   plan = RootPlan{};
   plan.layers = {options.root_files, ESH_DEVICE_PACKAGES "/root", kind_files};
-  for (const std::string& layer : plan.layers) {
+  for (const std::string& layer : plan.layers)
     if (!fs::is_directory(layer)) return "the device's files are missing: " + layer;
-  }
   if (std::string problem = AddBusybox(programs, plan); !problem.empty()) return problem;
   if (std::string problem = AddProgram(options.shell, kShellPath, programs, plan); !problem.empty()) return problem;
   if (const std::string ssh = programs.Find("ssh"); !ssh.empty()) {
@@ -123,9 +120,8 @@ std::string PlanRoot(const BootOptions& options, const std::string& kind_files, 
   }
   for (const char* name : kTerminals) AddTerminal(name, plan);
   if (options.term) AddTerminal(*options.term, plan);
-  for (const HostFile& file : options.host_files) {
+  for (const HostFile& file : options.host_files)
     if (std::string problem = AddProgram(file.host_path, file.path, programs, plan); !problem.empty()) return problem;
-  }
   if (!options.has_ip_stack) plan.texts.push_back({"/lib/modules/ipstack.ko", std::nullopt});
   if (!options.has_addon) plan.texts.push_back({"/lib/modules/addon.ko", std::nullopt});
   plan.texts.insert(plan.texts.end(), options.files.begin(), options.files.end());
@@ -141,13 +137,11 @@ std::string ComposeRoot(const RootPlan& plan, const std::string& root) {
     if (error) return "cannot copy " + layer + ": " + error.message();
   }
   for (const char* directory : kEmptyDirectories) fs::create_directories(root + "/" + directory, error);
-  for (const HostFile& file : plan.copies) {
+  for (const HostFile& file : plan.copies)
     if (std::string problem = CopyFile(file, root); !problem.empty()) return problem;
-  }
   LinkApplets(plan, root);
-  for (const FileText& file : plan.texts) {
+  for (const FileText& file : plan.texts)
     if (std::string problem = PlaceText(file, root); !problem.empty()) return problem;
-  }
   if (chmod((root + "/tmp").c_str(), 01777) != 0) return "cannot open /tmp to everyone";
   return "";
 }

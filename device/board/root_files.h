@@ -14,10 +14,10 @@ inline constexpr char kUn7zPath[] = "/lib/libun7z.so";
 
 /// What a device's root file system is made from. The host is looked at once; each boot composes from it.
 struct RootPlan {
-  std::vector<std::string> layers;   // directories whose contents are copied first, in this order
-  std::vector<HostFile> copies;      // programs, libraries, terminfo entries, files that were asked for
-  std::vector<std::string> applets;  // names of busybox's tools, linked in /bin where nothing else stands
-  std::vector<FileText> texts;       // replacements, last
+  std::vector<std::string> layers;   ///< directories whose contents are copied first, in this order
+  std::vector<HostFile> copies;      ///< programs, libraries, terminfo entries, files that were asked for
+  std::vector<std::string> applets;  ///< names of busybox's tools, linked in /bin where nothing else stands
+  std::vector<FileText> texts;       ///< replacements, last
 };
 
 /// Finds everything that the root file system needs on the host.

@@ -47,18 +47,16 @@ class PromptWatch {
  private:
   /// Keeps the text and drops escape sequences: ESC, a '[' or nothing, parameters, and a final letter.
   void See(char character) {
-    if (character == '\033') {
+    if (character == '\033')
       in_sequence_ = true;
-    } else if (in_sequence_) {
+    else if (in_sequence_)
       in_sequence_ = character == '[' || character < '@';
-    } else {
+    else
       tail_ += character;
-    }
   }
   [[nodiscard]] bool EndsWithPrompt() const {
-    for (const std::string_view prompt : kPrompts) {
+    for (const std::string_view prompt : kPrompts)
       if (std::string_view(tail_).ends_with(prompt)) return true;
-    }
     return false;
   }
 

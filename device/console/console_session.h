@@ -56,7 +56,7 @@ class ConsoleSession {
   std::string typed_;
   std::optional<int> ended_;
   std::chrono::steady_clock::time_point last_boot_ = std::chrono::steady_clock::now();
-  int idle_reboots_ = 0;  // in a row, each soon after its boot
+  int idle_reboots_ = 0;  ///< in a row, each soon after its boot
 };
 
 }  // namespace device

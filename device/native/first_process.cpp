@@ -189,9 +189,8 @@ void GoDown(int reboots) {
     std::array<pollfd, 3> waiting{{{channel.Descriptor(), POLLIN, 0}, {signals, POLLIN, 0}, {reboots, POLLIN, 0}}};
     if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) _exit(1);
     signalfd_siginfo received{};
-    while (read(signals, &received, sizeof(received)) == static_cast<ssize_t>(sizeof(received))) {
+    while (read(signals, &received, sizeof(received)) == static_cast<ssize_t>(sizeof(received)))
       if (received.ssi_signo == SIGUSR1) channel.Send(MessageKind::kHandedOver);
-    }
     CollectProcesses(shell, commands, channel);
     if (waiting[2].revents != 0) GoDown(reboots);
     if (waiting[0].revents == 0) continue;

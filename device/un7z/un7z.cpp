@@ -25,23 +25,16 @@ using UniqueArchive = std::unique_ptr<archive, ArchiveFreer>;
 
 std::uint64_t ReadLittle64(const std::uint8_t* bytes) {
   std::uint64_t value = 0;
-  for (std::size_t i = sizeof(value); i > 0; --i) {
-    value = value << 8 | bytes[i - 1];
-  }
+  for (std::size_t i = sizeof(value); i > 0; --i) value = value << 8 | bytes[i - 1];
   return value;
 }
 
 /// @param room size of the buffer with the packed data, in bytes.
 /// @return the length of the packed data, or 0 when they are no 7z file or not all there.
 std::size_t PackedLength(const std::uint8_t* packed, std::size_t room) {
-  if (room < kHeadSize) {
-    return 0;
-  }
-  for (std::size_t i = 0; i < sizeof(kSignature); ++i) {
-    if (packed[i] != kSignature[i]) {
-      return 0;
-    }
-  }
+  if (room < kHeadSize) return 0;
+  for (std::size_t i = 0; i < sizeof(kSignature); ++i)
+    if (packed[i] != kSignature[i]) return 0;
   const std::uint64_t offset = ReadLittle64(packed + kIndexOffset);
   const std::uint64_t size = ReadLittle64(packed + kIndexSize);
   const bool fits = offset <= room - kHeadSize && size <= room - kHeadSize - offset;
@@ -59,13 +52,10 @@ extern "C" __attribute__((visibility("default"))) std::uint32_t deCompress7z(voi
   archive_entry* entry = nullptr;
   if (length == 0 || reader == nullptr || archive_read_support_format_7zip(reader.get()) != ARCHIVE_OK ||
       archive_read_open_memory(reader.get(), packed, length) != ARCHIVE_OK ||
-      archive_read_next_header(reader.get(), &entry) != ARCHIVE_OK) {
+      archive_read_next_header(reader.get(), &entry) != ARCHIVE_OK)
     return 0;
-  }
   const std::int64_t size = archive_entry_size(entry);
   const std::size_t wanted = static_cast<std::size_t>(size);
-  if (size <= 0 || wanted > malloc_usable_size(unpacked) || wanted > UINT32_MAX) {
-    return 0;
-  }
+  if (size <= 0 || wanted > malloc_usable_size(unpacked) || wanted > UINT32_MAX) return 0;
   return archive_read_data(reader.get(), unpacked, wanted) == size ? static_cast<std::uint32_t>(size) : 0;
 }

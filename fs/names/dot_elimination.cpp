@@ -18,20 +18,14 @@ struct Resolved {
 };
 
 bool TakeComponent(std::string_view component, std::uint32_t floor, Resolved& resolved) {
-  if (component == ".") {
-    return resolved.depth > 0;
-  }
+  if (component == ".") return resolved.depth > 0;
   if (component == "..") {
-    if (resolved.depth <= floor) {
-      return false;
-    }
+    if (resolved.depth <= floor) return false;
     resolved.text.CutTo(resolved.text.View().rfind('/'));
     --resolved.depth;
     return true;
   }
-  if (resolved.depth > 0) {
-    resolved.text.AppendText("/");
-  }
+  if (resolved.depth > 0) resolved.text.AppendText("/");
   resolved.text.AppendText(component);
   ++resolved.depth;
   return !component.empty();
@@ -41,9 +35,7 @@ bool TakeComponent(std::string_view component, std::uint32_t floor, Resolved& re
 
 std::uint32_t eliminatePoint(const char* name, std::uint32_t floor, std::size_t size, char* output) {
   std::string_view rest(name);
-  if (!CopyBounded(output, size, "") || rest.size() >= kWorkRoom) {
-    return ESH_ERR_FAIL;
-  }
+  if (!CopyBounded(output, size, "") || rest.size() >= kWorkRoom) return ESH_ERR_FAIL;
   Resolved resolved;
   if (rest.starts_with('/')) {
     rest.remove_prefix(1);
@@ -52,9 +44,7 @@ std::uint32_t eliminatePoint(const char* name, std::uint32_t floor, std::size_t 
   while (!rest.empty()) {
     const std::string_view component = rest.substr(0, rest.find('/'));
     rest.remove_prefix(std::min(component.size() + 1, rest.size()));
-    if (!TakeComponent(component, floor, resolved)) {
-      return ESH_ERR_FAIL;
-    }
+    if (!TakeComponent(component, floor, resolved)) return ESH_ERR_FAIL;
   }
   const bool is_root = resolved.depth == 1 && resolved.text.Length() == 0;
   return resolved.depth > 0 && CopyBounded(output, size, is_root ? "/" : resolved.text.View()) ? kSuccess

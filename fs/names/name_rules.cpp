@@ -19,9 +19,7 @@ constexpr unsigned char kLowestCharacter = 0x20;  // bytes above 0x7F are letter
 constexpr CharacterSet AllBut(std::string_view forbidden) {
   CharacterSet set{};
   std::fill(set.begin() + kLowestCharacter, set.end(), true);
-  for (const char character : forbidden) {
-    set[static_cast<unsigned char>(character)] = false;
-  }
+  for (const char character : forbidden) set[static_cast<unsigned char>(character)] = false;
   return set;
 }
 
@@ -42,12 +40,8 @@ bool IsSlotMark(std::string_view device, std::size_t index) {
 
 bool IsAllowedInDeviceName(std::string_view device, std::size_t index) {
   const char character = device[index];
-  if (character == ':') {
-    return index + 1 == device.size();
-  }
-  if (character == '#') {
-    return IsSlotMark(device, index);
-  }
+  if (character == ':') return index + 1 == device.size();
+  if (character == '#') return IsSlotMark(device, index);
   return IsIn(kAllowedInDeviceNames, character);
 }
 
@@ -56,9 +50,7 @@ bool IsBlank(char character) { return std::isspace(static_cast<unsigned char>(ch
 bool IsQuoted(std::string_view text) { return text.size() >= 2 && text.front() == '"' && text.back() == '"'; }
 
 std::uint32_t CopyWithin(std::string_view text, std::uint32_t* maxLength, char* output) {
-  if (text.size() > *maxLength) {
-    return ESH_ERR_FAIL;
-  }
+  if (text.size() > *maxLength) return ESH_ERR_FAIL;
   std::memcpy(output, text.data(), text.size());
   output[text.size()] = '\0';
   *maxLength = static_cast<std::uint32_t>(text.size());
@@ -71,9 +63,7 @@ std::uint32_t Unescape(std::string_view inside, std::uint32_t* maxLength, char* 
   for (std::size_t i = 0; i < inside.size(); ++i) {
     const bool escape = inside[i] == '\\' && i + 1 < inside.size() && (inside[i + 1] == '"' || inside[i + 1] == '\\');
     i += escape ? 1 : 0;
-    if (length == *maxLength) {
-      return ESH_ERR_FAIL;
-    }
+    if (length == *maxLength) return ESH_ERR_FAIL;
     output[length++] = inside[i];
     output[length] = '\0';
   }
@@ -87,27 +77,19 @@ bool IsHiddenComponent(std::string_view component) { return component.starts_wit
 
 std::uint32_t ESH_FS_IsValidFileName(const char* name) {
   const std::size_t length = strnlen(name, kMaxName + 1);
-  if (length == 0 || length > kMaxName) {
-    return ESH_ERR_FAIL;
-  }
+  if (length == 0 || length > kMaxName) return ESH_ERR_FAIL;
   std::size_t component = 0;  // length of the component so far
   bool colon_seen = false;
   for (std::size_t i = 0; i < length; ++i) {
     const char next = name[i + 1];
     if (name[i] == '/') {
-      if (next == '/') {
-        return ESH_ERR_FAIL;
-      }
+      if (next == '/') return ESH_ERR_FAIL;
       component = 0;
       continue;
     }
-    if (!IsIn(kAllowedInNames, name[i]) || ++component > kMaxComponent) {
-      return ESH_ERR_FAIL;
-    }
+    if (!IsIn(kAllowedInNames, name[i]) || ++component > kMaxComponent) return ESH_ERR_FAIL;
     if (name[i] == ':') {
-      if (colon_seen || i == 0 || (next != '/' && next != '\0')) {
-        return ESH_ERR_FAIL;
-      }
+      if (colon_seen || i == 0 || (next != '/' && next != '\0')) return ESH_ERR_FAIL;
       colon_seen = true;
     }
   }
@@ -115,20 +97,11 @@ std::uint32_t ESH_FS_IsValidFileName(const char* name) {
 }
 
 bool IsValidDeviceName(std::string_view device) {
-  if (device == kUncheckedDevice) {
-    return true;
-  }
-  if (device.starts_with(kUncheckedStart)) {
-    device.remove_prefix(std::min(kUncheckedStart.size() + 1, device.size()));
-  }
-  if (device.empty() || device.size() > kMaxComponent || device.back() != ':') {
-    return false;
-  }
-  for (std::size_t i = 0; i < device.size(); ++i) {
-    if (!IsAllowedInDeviceName(device, i)) {
-      return false;
-    }
-  }
+  if (device == kUncheckedDevice) return true;
+  if (device.starts_with(kUncheckedStart)) device.remove_prefix(std::min(kUncheckedStart.size() + 1, device.size()));
+  if (device.empty() || device.size() > kMaxComponent || device.back() != ':') return false;
+  for (std::size_t i = 0; i < device.size(); ++i)
+    if (!IsAllowedInDeviceName(device, i)) return false;
   return true;
 }
 
@@ -139,9 +112,7 @@ std::string_view DeviceNameOf(std::string_view name) {
 
 bool IsFirstUnit(std::string_view device) {
   const std::string_view unit = device.substr(0, device.find(':'));
-  if (unit.empty() || !IsDigit(unit.back())) {
-    return true;
-  }
+  if (unit.empty() || !IsDigit(unit.back())) return true;
   const bool has_more_digits = unit.size() > 1 && IsDigit(unit[unit.size() - 2]);
   return unit.back() == '0' && !has_more_digits;
 }
@@ -150,9 +121,7 @@ std::uint32_t ESH_IsVisibleFullFileName(const char* name) {
   std::string_view rest(name);
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find('/'), rest.size());
-    if (IsHiddenComponent(rest.substr(0, end))) {
-      return ESH_ERR_FAIL;
-    }
+    if (IsHiddenComponent(rest.substr(0, end))) return ESH_ERR_FAIL;
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
   return kSuccess;
@@ -162,24 +131,19 @@ std::uint16_t ESH_IsExpectFile(const char* name) { return std::string_view(name)
 
 std::uint32_t ESH_FS_ConvertToValidStr(const char* typed, std::uint32_t length, std::uint32_t* maxLength,
                                        char* output) {
-  if (!CopyBounded(output, 1, "") || length > kMaxTypedName) {
-    return ESH_ERR_FAIL;
-  }
+  if (!CopyBounded(output, 1, "") || length > kMaxTypedName) return ESH_ERR_FAIL;
   const std::string_view text(typed, length);
   const bool has_blank = std::any_of(text.begin(), text.end(), IsBlank);
-  if (!has_blank) {
-    return CopyWithin(text, maxLength, output);
-  }
+  if (!has_blank) return CopyWithin(text, maxLength, output);
   return IsQuoted(text) ? Unescape(text.substr(1, length - 2), maxLength, output) : ESH_ERR_FAIL;
 }
 
 void ESH_GetParentDir(char* name) {
   char* slash = std::strrchr(name, '/');
-  if (slash == nullptr) {
+  if (slash == nullptr)
     name[0] = '\0';
-  } else {
+  else
     slash[1] = '\0';
-  }
 }
 
 std::string_view ParentOf(std::string_view full) { return full.substr(0, full.rfind('/')); }
@@ -187,9 +151,7 @@ std::string_view ParentOf(std::string_view full) { return full.substr(0, full.rf
 std::string_view LastComponent(std::string_view name) { return name.substr(name.rfind('/') + 1); }
 
 void MyStrlcpy(const char* source, std::size_t size, char* destination) {
-  if (size == 0) {
-    return;
-  }
+  if (size == 0) return;
   if (std::strlen(source) < size) {
     std::strncpy(destination, source, size);  // which fills the rest with zeros
     return;

@@ -21,13 +21,10 @@ std::optional<std::size_t> DecodeBase64(std::string_view text, std::span<std::ui
   const std::size_t padding = text.size() - digits;
   if (text.size() % kGroup != 0 || padding > kMostPadding || text.size() / kGroup * kGroupBytes > out.size() ||
       !std::ranges::all_of(text.substr(0, digits), IsInAlphabet) ||
-      text.find_first_not_of('=', digits) != std::string_view::npos) {
+      text.find_first_not_of('=', digits) != std::string_view::npos)
     return std::nullopt;
-  }
   const int decoded = DecodeBase64Groups(out.data(), reinterpret_cast<const unsigned char*>(text.data()),
                                          static_cast<int>(text.size()));
-  if (decoded < 0) {
-    return std::nullopt;
-  }
+  if (decoded < 0) return std::nullopt;
   return static_cast<std::size_t>(decoded) - padding;
 }

@@ -12,7 +12,5 @@ inline std::uint16_t FromBig16(std::uint16_t value) { return be16toh(value); }
 inline std::uint32_t FromBig32(std::uint32_t value) { return be32toh(value); }
 
 inline void FromBig32(std::span<std::uint32_t> words) {
-  for (std::uint32_t& word : words) {
-    word = FromBig32(word);
-  }
+  for (std::uint32_t& word : words) word = FromBig32(word);
 }

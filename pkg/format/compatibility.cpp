@@ -12,9 +12,7 @@ constexpr std::string_view kBootSection = "[boot]";
 
 /// Whether a version is the line, or with a product version the line, a hyphen and that.
 bool IsCandidate(std::string_view line, std::string_view product_version, std::string_view running) {
-  if (product_version.empty()) {
-    return running == line;
-  }
+  if (product_version.empty()) return running == line;
   const bool begins = running.starts_with(line);
   const std::string_view rest = begins ? running.substr(line.size()) : "";
   return rest.starts_with('-') && rest.substr(1) == product_version;
@@ -43,38 +41,28 @@ void JoinVersions(READ_BUFF_S& description, TextBuilder& version) {
 void ReadProductVersion(READ_BUFF_S* description, char* version) {
   constexpr std::string_view kKey(kProductVersion);
   version[0] = '\0';
-  if (description == nullptr) {
-    return;
-  }
+  if (description == nullptr) return;
   for (char* text = ReadBuffGets(description); text != nullptr; text = ReadBuffGets(description)) {
     const std::string_view line(TrimLine(text));
-    if (BeginsIgnoringCase(line, kKey)) {
-      CopyBounded(version, kProductVersionRoom, line.substr(kKey.size()));
-    }
+    if (BeginsIgnoringCase(line, kKey)) CopyBounded(version, kProductVersionRoom, line.substr(kKey.size()));
   }
 }
 
 void ReadBootVersion(READ_BUFF_S* description, char* version) {
   version[0] = '\0';
-  if (description == nullptr) {
-    return;
-  }
+  if (description == nullptr) return;
   FixedText<kRunningVersionRoom> joined;
   JoinVersions(*description, joined);
   CopyBounded(version, kRunningVersionRoom, joined.View());
 }
 
 bool IsCompliant(READ_BUFF_S* list, const char* product_version, const char* running) {
-  if (running[0] == '\0') {
-    return false;
-  }
+  if (running[0] == '\0') return false;
   bool in_section = false;
   for (char* text = ReadBuffGets(list); text != nullptr; text = ReadBuffGets(list)) {
     const std::string_view line(TrimLine(text));
     in_section = in_section || line == kBootSection;
-    if (in_section && IsCandidate(line, product_version, running)) {
-      return true;
-    }
+    if (in_section && IsCandidate(line, product_version, running)) return true;
   }
   return false;
 }

@@ -16,9 +16,7 @@ using UniqueBlock = std::unique_ptr<void, MemoryFreer>;
 /// Reads a piece of the package; of a verified one, only if it is still what was verified.
 UniqueBlock ReadTrusted(PKG_READER_S& reader, std::uint64_t offset, std::uint64_t length) {
   UniqueBlock block(ReadBlockFromFile(&reader.source, offset, length));
-  if (block != nullptr && reader.seal != nullptr && !reader.seal->Holds(offset, block.get(), length)) {
-    return nullptr;
-  }
+  if (block != nullptr && reader.seal != nullptr && !reader.seal->Holds(offset, block.get(), length)) return nullptr;
   return block;
 }
 
@@ -27,13 +25,9 @@ UniqueBlock Unpack(const PackageFileHead& head, UniqueBlock stored, std::uint32_
     size = head.stored_size;
     return stored;
   }
-  if (head.compression != kPacked7z || head.unpacked_size == 0) {
-    return nullptr;
-  }
+  if (head.compression != kPacked7z || head.unpacked_size == 0) return nullptr;
   UniqueBlock unpacked(std::malloc(head.unpacked_size));
-  if (unpacked == nullptr) {
-    return nullptr;
-  }
+  if (unpacked == nullptr) return nullptr;
   size = ESH_deCompress7z(unpacked.get(), stored.get());
   const bool plausible = size > 0 && size <= head.unpacked_size;
   return plausible ? std::move(unpacked) : nullptr;
@@ -43,12 +37,8 @@ UniqueBlock Unpack(const PackageFileHead& head, UniqueBlock stored, std::uint32_
 
 PackageFileHead* FileHeadCreateByFileDesc(PKG_READER_S* reader, const PackageFileEntry* entry) {
   UniqueFileHead head(static_cast<PackageFileHead*>(ReadTrusted(*reader, entry->head_offset, kFileHeadSize).release()));
-  if (head == nullptr) {
-    return nullptr;
-  }
-  if (head->byte_order != kHostOrder) {
-    ConvertFileHead(*head);
-  }
+  if (head == nullptr) return nullptr;
+  if (head->byte_order != kHostOrder) ConvertFileHead(*head);
   const bool agrees = entry->check_a == head->check_a && entry->check_b == head->check_b &&
                       entry->total_length == std::uint64_t{head->data_length} + kFileHeadSize;
   return agrees ? head.release() : nullptr;
@@ -58,22 +48,15 @@ void* GetFileFromReadHeadByFileDesc(const PackageFileEntry* entry, PKG_READER_S*
                                     std::uint32_t* out_size, char* out_name) {
   *out_size = 0;
   const UniqueFileHead head(FileHeadCreateByFileDesc(reader, entry));
-  if (head == nullptr) {
-    return nullptr;
-  }
+  if (head == nullptr) return nullptr;
   UniqueBlock stored = ReadTrusted(*reader, std::uint64_t{entry->head_offset} + kFileHeadSize, head->stored_size);
-  if (stored == nullptr) {
-    return nullptr;
-  }
+  if (stored == nullptr) return nullptr;
   std::uint32_t size = 0;
   UniqueBlock data = Unpack(*head, std::move(stored), size);
-  if (data == nullptr) {
-    return nullptr;
-  }
+  if (data == nullptr) return nullptr;
   *out_size = size;
-  if (out_name != nullptr) {
+  if (out_name != nullptr)
     (void)CopyBounded(out_name, name_size, {head->name, strnlen(head->name, sizeof(head->name))});
-  }
   return data.release();
 }
 

@@ -23,32 +23,26 @@ std::optional<std::uint32_t> ReadLength(std::string_view text) {
   char digits[kTrailerLengthDigits + 1] = {};
   text.copy(digits, kTrailerLengthDigits);
   std::uint64_t length = 0;
-  if (text.size() < kTrailerLengthDigits || !PKG_IsAllDigit(digits) || !ReadDecimal(digits, length)) {
+  if (text.size() < kTrailerLengthDigits || !PKG_IsAllDigit(digits) || !ReadDecimal(digits, length))
     return std::nullopt;
-  }
   return static_cast<std::uint32_t>(length);
 }
 
 /// Takes the line of a label off the text. @return its value, which holds no blank; none when it is another line.
 std::optional<std::string_view> TakeLine(std::string_view& text, std::string_view label) {
   const std::size_t line_end = text.find('\n');
-  if (!text.starts_with(label) || line_end == std::string_view::npos) {
-    return std::nullopt;
-  }
+  if (!text.starts_with(label) || line_end == std::string_view::npos) return std::nullopt;
   const std::string_view value = text.substr(label.size(), line_end - label.size());
   text.remove_prefix(line_end + 1);
-  if (value.empty() || value.find_first_of(kBlanks) != std::string_view::npos) {
-    return std::nullopt;
-  }
+  if (value.empty() || value.find_first_of(kBlanks) != std::string_view::npos) return std::nullopt;
   return value;
 }
 
 std::optional<std::uint32_t> FindTrailerLength(std::FILE* stream, std::uint64_t size) {
   char tail[kTrailerTail];
   if (size < sizeof(tail) || fseeko(stream, static_cast<off_t>(size - sizeof(tail)), SEEK_SET) != 0 ||
-      std::fread(tail, 1, sizeof(tail), stream) != sizeof(tail)) {
+      std::fread(tail, 1, sizeof(tail), stream) != sizeof(tail))
     return std::nullopt;
-  }
   return ToldTrailerLength({tail, sizeof(tail)});
 }
 
@@ -65,9 +59,7 @@ void CssFreer::operator()(PKG_CSS_S* css) const {
 
 std::optional<TrailerFields> ParseTrailer(std::string_view text) {
   const TrailerMarkers& markers = text.ends_with(kVendorMarkers.end) ? kVendorMarkers : kGenericMarkers;
-  if (!text.ends_with(markers.end) || !text.starts_with(markers.begin)) {
-    return std::nullopt;
-  }
+  if (!text.ends_with(markers.end) || !text.starts_with(markers.begin)) return std::nullopt;
   text.remove_prefix(markers.begin.size());
   const auto length = TakeLine(text, kLengthLabel);
   const auto key = TakeLine(text, kKeyLabel);
@@ -75,9 +67,7 @@ std::optional<TrailerFields> ParseTrailer(std::string_view text) {
   const auto signature = TakeLine(text, kSignatureLabel);
   const auto length_again = TakeLine(text, kLengthLabel);
   // Nothing but the end marker is left, so no marker can occur twice.
-  if (!length || !key || !hash || !signature || !length_again || text != markers.end) {
-    return std::nullopt;
-  }
+  if (!length || !key || !hash || !signature || !length_again || text != markers.end) return std::nullopt;
   const auto told = ReadLength(*length);
   const bool holds =
       told && length->size() == kTrailerLengthDigits && *length == *length_again && *hash == kTrailerHash;
@@ -85,37 +75,24 @@ std::optional<TrailerFields> ParseTrailer(std::string_view text) {
 }
 
 std::optional<std::uint32_t> ToldTrailerLength(std::string_view package) {
-  if (package.size() < kTrailerTail) {
-    return std::nullopt;
-  }
+  if (package.size() < kTrailerTail) return std::nullopt;
   const std::string_view tail = package.substr(package.size() - kTrailerTail);
   const std::size_t label = tail.find(kLengthLabel);
   return label == std::string_view::npos ? std::nullopt : ReadLength(tail.substr(label + kLengthLabel.size()));
 }
 
 PackageVerdict ReadTrailer(std::FILE* stream, std::uint64_t size, std::uint32_t minimum_payload, PKG_CSS_S* css) {
-  if (size < kMainHeadSize + std::uint64_t{minimum_payload}) {
-    return PackageVerdict::kShorterThanPayload;
-  }
+  if (size < kMainHeadSize + std::uint64_t{minimum_payload}) return PackageVerdict::kShorterThanPayload;
   const auto length = FindTrailerLength(stream, size);
-  if (!length) {
-    return PackageVerdict::kNoTrailer;
-  }
+  if (!length) return PackageVerdict::kNoTrailer;
   // What is signed has at least a main head: otherwise the head would be part of a text that nobody signed.
-  if (*length == 0 || *length > size - kMainHeadSize) {
-    return PackageVerdict::kTrailerLength;
-  }
+  if (*length == 0 || *length > size - kMainHeadSize) return PackageVerdict::kTrailerLength;
   UniqueText text(static_cast<char*>(std::malloc(*length + std::size_t{1})));
-  if (text == nullptr) {
-    return PackageVerdict::kNoMemory;
-  }
+  if (text == nullptr) return PackageVerdict::kNoMemory;
   if (fseeko(stream, static_cast<off_t>(size - *length), SEEK_SET) != 0 ||
-      std::fread(text.get(), 1, *length, stream) != *length) {
+      std::fread(text.get(), 1, *length, stream) != *length)
     return PackageVerdict::kUnreadable;
-  }
-  if (PKG_IsHaveZero(text.get(), *length)) {
-    return PackageVerdict::kTrailerHoldsNul;
-  }
+  if (PKG_IsHaveZero(text.get(), *length)) return PackageVerdict::kTrailerHoldsNul;
   text.get()[*length] = '\0';
   *css = {.text = text.release(), .size = *length + 1};
   return PackageVerdict::kGood;
@@ -124,13 +101,9 @@ PackageVerdict ReadTrailer(std::FILE* stream, std::uint64_t size, std::uint32_t 
 std::uint32_t PKG_CreateCSS(const char* path, PKG_CSS_S* css) {
   struct stat stat;
   const UniqueFile stream = OpenRegularFile(path, Links::kRefuse, &stat);
-  if (stream == nullptr) {
-    return errno == ELOOP ? kErrPackageMismatch : kErrPackageOpen;
-  }
+  if (stream == nullptr) return errno == ELOOP ? kErrPackageMismatch : kErrPackageOpen;
   PackageMainHead head;
-  if (PKG_GetMainHeadByHandle(stream.get(), &head) != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
+  if (PKG_GetMainHeadByHandle(stream.get(), &head) != kSuccess) return ESH_ERR_FAIL;
   return ResultOfTrailer(
       ReadTrailer(stream.get(), static_cast<std::uint64_t>(stat.st_size), head.minimum_payload, css));
 }
@@ -138,13 +111,9 @@ std::uint32_t PKG_CreateCSS(const char* path, PKG_CSS_S* css) {
 std::uint32_t PKG_CSSCheck_IsFixFormat(const char* text) { return ParseTrailer(text) ? 1 : 0; }
 
 std::uint32_t DecodeSignature(std::string_view text, std::uint8_t* out, std::uint32_t* out_length) {
-  if (text.size() > kMostSignatureText) {
-    return ESH_ERR_FAIL;
-  }
+  if (text.size() > kMostSignatureText) return ESH_ERR_FAIL;
   const auto length = DecodeBase64(text, std::span(out, kHeadSignatureRoom));
-  if (!length) {
-    return ESH_ERR_FAIL;
-  }
+  if (!length) return ESH_ERR_FAIL;
   *out_length = static_cast<std::uint32_t>(*length);
   return kSuccess;
 }
@@ -153,9 +122,7 @@ std::uint32_t PKG_GetCSS_Signture(const char* text, std::uint8_t* out, std::uint
   const char* label = std::strstr(text, kSignatureLabel.data());
   const char* begin = label == nullptr ? nullptr : label + kSignatureLabel.size();
   const char* next = begin == nullptr ? nullptr : std::strstr(begin, kLengthLabel.data());
-  if (next == nullptr || next == begin || next[-1] != '\n') {
-    return ESH_ERR_FAIL;
-  }
+  if (next == nullptr || next == begin || next[-1] != '\n') return ESH_ERR_FAIL;
   return DecodeSignature({begin, next - 1}, out, out_length);
 }
 

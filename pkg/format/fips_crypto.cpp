@@ -32,9 +32,8 @@ using UniqueKeyContext = std::unique_ptr<EVP_PKEY_CTX, KeyContextFreer>;
 UniqueParams KeyParams(const BIGNUM* modulus, const BIGNUM* exponent) {
   const std::unique_ptr<OSSL_PARAM_BLD, ParamBuilderFreer> builder(OSSL_PARAM_BLD_new());
   if (builder == nullptr || OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_N, modulus) != 1 ||
-      OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, exponent) != 1) {
+      OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, exponent) != 1)
     return nullptr;
-  }
   return UniqueParams(OSSL_PARAM_BLD_to_param(builder.get()));
 }
 
@@ -87,9 +86,8 @@ UniqueRsaKey MakeRsaPublicKey(const BIGNUM* modulus, const BIGNUM* exponent) {
   const UniqueKeyContext context(EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr));
   EVP_PKEY* key = nullptr;
   if (params == nullptr || context == nullptr || EVP_PKEY_fromdata_init(context.get()) != 1 ||
-      EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY, params.get()) != 1) {
+      EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY, params.get()) != 1)
     return nullptr;
-  }
   return UniqueRsaKey(key);
 }
 
@@ -100,9 +98,8 @@ int FIPS_rsa_public_decrypt(int length, const unsigned char* from, unsigned char
   // Without a digest's name set, what was signed comes out as it is, an algorithm prefix included.
   if (length < 0 || context == nullptr || EVP_PKEY_verify_recover_init(context.get()) != 1 ||
       EVP_PKEY_CTX_set_rsa_padding(context.get(), padding) != 1 ||
-      EVP_PKEY_verify_recover(context.get(), to, &signed_length, from, static_cast<std::size_t>(length)) != 1) {
+      EVP_PKEY_verify_recover(context.get(), to, &signed_length, from, static_cast<std::size_t>(length)) != 1)
     return -1;
-  }
   return static_cast<int>(signed_length);
 }
 

@@ -12,15 +12,11 @@ constexpr std::uint32_t kSystemKindBit = 1;
 
 /// The CRC is of the bytes as they are stored, whatever their order, so they are read once more.
 bool CrcHolds(PKG_READER_S& reader) {
-  if (!SeekSource(reader.source, 0)) {
-    return false;
-  }
+  if (!SeekSource(reader.source, 0)) return false;
   std::uint16_t crc = 0;
   for (std::size_t i = 0; i < offsetof(PackageMainHead, crc); ++i) {
     std::uint8_t byte = 0;
-    if (!ReadSource(reader.source, &byte, 1)) {
-      return false;
-    }
+    if (!ReadSource(reader.source, &byte, 1)) return false;
     crc = AddToCrc16(crc, byte);
   }
   return reader.head.crc == crc;
@@ -29,16 +25,10 @@ bool CrcHolds(PKG_READER_S& reader) {
 }  // namespace
 
 PackageVerdict JudgeMainHead(std::uint32_t is_system_kind, PKG_READER_S* reader, std::uint32_t product_code) {
-  if (product_code == kUnknownTag || reader->head.product_tag != product_code) {
-    return PackageVerdict::kProductTag;
-  }
+  if (product_code == kUnknownTag || reader->head.product_tag != product_code) return PackageVerdict::kProductTag;
   const bool has_kind_bit = (reader->head.attributes & kSystemKindBit) != 0;
-  if (has_kind_bit != (is_system_kind == 1)) {
-    return PackageVerdict::kKind;
-  }
-  if (!CrcHolds(*reader)) {
-    return PackageVerdict::kHeadCrc;
-  }
+  if (has_kind_bit != (is_system_kind == 1)) return PackageVerdict::kKind;
+  if (!CrcHolds(*reader)) return PackageVerdict::kHeadCrc;
   return reader->head.file_count > kMaxPackageFiles ? PackageVerdict::kTooManyFiles : PackageVerdict::kGood;
 }
 

@@ -5,17 +5,11 @@
 #include <cstring>
 
 READ_BUFF_S* ReadBuffCreateByMem(const void* data, std::size_t length) {
-  if (data == nullptr) {
-    return nullptr;
-  }
+  if (data == nullptr) return nullptr;
   UniqueLines reader(static_cast<READ_BUFF_S*>(std::calloc(1, sizeof(READ_BUFF_S))));
-  if (reader == nullptr) {
-    return nullptr;
-  }
+  if (reader == nullptr) return nullptr;
   reader->text = static_cast<char*>(std::malloc(length + 1));
-  if (reader->text == nullptr) {
-    return nullptr;
-  }
+  if (reader->text == nullptr) return nullptr;
   std::memcpy(reader->text, data, length);
   reader->text[length] = '\0';
   reader->end = reader->text + length;
@@ -25,9 +19,7 @@ READ_BUFF_S* ReadBuffCreateByMem(const void* data, std::size_t length) {
 }
 
 char* ReadBuffGets(READ_BUFF_S* reader) {
-  if (reader->cursor == reader->end) {
-    return nullptr;
-  }
+  if (reader->cursor == reader->end) return nullptr;
   char* line = reader->cursor;
   char* line_end = std::find_if(line, reader->end, [](char c) { return c == '\n' || c == '\r'; });
   const bool cr_lf = line_end < reader->end && line_end[0] == '\r' && line_end[1] == '\n';

@@ -16,20 +16,14 @@ bool KeepAtBorder(PackageSeal* seal, std::uint64_t offset, const FIPS_MD_CTX& ct
 
 /// Digests from `offset` up to `end`. A block ends early at a border of the seal.
 bool AddRange(FIPS_MD_CTX& ctx, std::FILE* stream, std::uint64_t offset, std::uint64_t end, PackageSeal* seal) {
-  if (fseeko(stream, static_cast<off_t>(offset), SEEK_SET) != 0 || !KeepAtBorder(seal, offset, ctx)) {
-    return false;
-  }
+  if (fseeko(stream, static_cast<off_t>(offset), SEEK_SET) != 0 || !KeepAtBorder(seal, offset, ctx)) return false;
   while (offset < end) {
     std::uint8_t block[kBlock];
     const std::uint64_t border = seal == nullptr ? end : std::min(seal->NextBorder(offset), end);
     const std::size_t length = std::min(kBlock, border - offset);
-    if (std::fread(block, 1, length, stream) != length || FIPS_digestupdate(&ctx, block, length) != 1) {
-      return false;
-    }
+    if (std::fread(block, 1, length, stream) != length || FIPS_digestupdate(&ctx, block, length) != 1) return false;
     offset += length;
-    if (!KeepAtBorder(seal, offset, ctx)) {
-      return false;
-    }
+    if (!KeepAtBorder(seal, offset, ctx)) return false;
   }
   return true;
 }

@@ -18,7 +18,7 @@ std::uint16_t ESH_FilterFile(const char* name, const char* suffix, std::size_t m
 bool HoldsAliasMark(const char* name) { return std::strchr(name, '~') != nullptr; }
 
 bool IsPlainImageName(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." && std::ranges::all_of(name, [](char c) {
-    return IsLetterOrDigit(c) || c == '.' || c == '_' || c == '-' || c == '+';
-  });
+  return !name.empty() && name != "." && name != ".." &&
+         std::ranges::all_of(
+             name, [](char c) { return IsLetterOrDigit(c) || c == '.' || c == '_' || c == '-' || c == '+'; });
 }

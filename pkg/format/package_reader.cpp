@@ -12,20 +12,12 @@
 namespace {
 
 PackageVerdict ReadMainHead(PackageSource& source, PackageMainHead& head) {
-  if (!SeekSource(source, 0) || !ReadSource(source, &head, sizeof(head))) {
-    return PackageVerdict::kNoMainHead;
-  }
-  if (head.byte_order != kBigEndianOrder && head.byte_order != kHostOrder) {
-    return PackageVerdict::kByteOrder;
-  }
+  if (!SeekSource(source, 0) || !ReadSource(source, &head, sizeof(head))) return PackageVerdict::kNoMainHead;
+  if (head.byte_order != kBigEndianOrder && head.byte_order != kHostOrder) return PackageVerdict::kByteOrder;
   const bool host_order = head.byte_order == kHostOrder;
   const std::uint32_t file_count = host_order ? head.file_count : FromBig32(head.file_count);
-  if (file_count > kMaxPackageFiles) {
-    return PackageVerdict::kTooManyFiles;
-  }
-  if (!host_order) {
-    ConvertMainHead(head, file_count);
-  }
+  if (file_count > kMaxPackageFiles) return PackageVerdict::kTooManyFiles;
+  if (!host_order) ConvertMainHead(head, file_count);
   return PackageVerdict::kGood;
 }
 
@@ -34,23 +26,15 @@ PackageVerdict ReadMainHead(PackageSource& source, PackageMainHead& head) {
 PackageVerdict OpenPackage(const char* path, PKG_READER_S*& reader) {
   reader = nullptr;
   UniqueFile stream = OpenRegularFile(path, Links::kFollow, nullptr);
-  if (stream == nullptr) {
-    return PackageVerdict::kCannotOpen;
-  }
+  if (stream == nullptr) return PackageVerdict::kCannotOpen;
   UniquePackage package(static_cast<PKG_READER_S*>(std::calloc(1, sizeof(PKG_READER_S))));
-  if (package == nullptr) {
-    return PackageVerdict::kNoMemory;
-  }
+  if (package == nullptr) return PackageVerdict::kNoMemory;
   package->source.usMode = kPackageInFile;
   package->source.stream = stream.release();  // closed with the package
   std::setvbuf(package->source.stream, package->stream_buffer, _IOFBF, sizeof(package->stream_buffer));
   const PackageVerdict verdict = ReadMainHead(package->source, package->head);
-  if (verdict != PackageVerdict::kGood) {
-    return verdict;
-  }
-  if (!CopyText(package->szPath, path)) {
-    return PackageVerdict::kCannotOpen;
-  }
+  if (verdict != PackageVerdict::kGood) return verdict;
+  if (!CopyText(package->szPath, path)) return PackageVerdict::kCannotOpen;
   reader = package.release();
   return PackageVerdict::kGood;
 }
@@ -61,14 +45,11 @@ PKG_READER_S* PackageReadFileCreateByFile(const char* path) {
 }
 
 void PackageReaderDestroy(PKG_READER_S* reader) {
-  if (reader == nullptr) {
-    return;
-  }
-  if (reader->source.usMode != kPackageInFile) {
+  if (reader == nullptr) return;
+  if (reader->source.usMode != kPackageInFile)
     std::free(reader->source.memory);
-  } else if (reader->source.stream != nullptr) {
+  else if (reader->source.stream != nullptr)
     std::fclose(reader->source.stream);
-  }
   delete reader->seal;
   std::free(reader);
 }

@@ -27,15 +27,11 @@ bool EndCopy(const FIPS_MD_CTX& digest, const void* bytes, std::size_t length, s
 }  // namespace
 
 PackageSeal::~PackageSeal() {
-  for (Border& border : borders_) {
-    FIPS_md_ctx_cleanup(&border.digest);
-  }
+  for (Border& border : borders_) FIPS_md_ctx_cleanup(&border.digest);
 }
 
 void PackageSeal::AddBorder(std::uint64_t offset) {
-  if (count_ < kMostBorders) {
-    borders_[count_++].offset = offset;
-  }
+  if (count_ < kMostBorders) borders_[count_++].offset = offset;
 }
 
 void PackageSeal::SortBorders() { std::ranges::sort(borders_, borders_ + count_, {}, &Border::offset); }
@@ -47,9 +43,7 @@ std::uint64_t PackageSeal::NextBorder(std::uint64_t offset) const {
 
 bool PackageSeal::Keep(std::uint64_t offset, const FIPS_MD_CTX& running) {
   const auto border = std::ranges::lower_bound(borders_, borders_ + count_, offset, {}, &Border::offset);
-  if (border == borders_ + count_ || border->offset != offset || border->digest.context != nullptr) {
-    return true;
-  }
+  if (border == borders_ + count_ || border->offset != offset || border->digest.context != nullptr) return true;
   FIPS_md_ctx_init(&border->digest);
   return FIPS_md_ctx_copy(&border->digest, &running) == 1;
 }

@@ -15,9 +15,7 @@ char* TrimLine(char* line) {
   constexpr char kWhiteSpace[] = " \t\r\n\v\f";
   line += std::strspn(line, kWhiteSpace);
   std::size_t length = std::strlen(line);
-  while (length > 0 && std::strchr(kWhiteSpace, line[length - 1]) != nullptr) {
-    --length;
-  }
+  while (length > 0 && std::strchr(kWhiteSpace, line[length - 1]) != nullptr) --length;
   line[length] = '\0';
   return line;
 }

@@ -23,9 +23,7 @@ std::uint32_t ParseTag(const char* line, std::string_view name) {
 }
 
 std::uint32_t Cached(std::uint32_t& code, const char* name) {
-  if (code == kUnknownTag) {
-    code = ReadVersionTag(kVersionFile, name);
-  }
+  if (code == kUnknownTag) code = ReadVersionTag(kVersionFile, name);
   return code;
 }
 
@@ -34,11 +32,8 @@ std::uint32_t Cached(std::uint32_t& code, const char* name) {
 std::uint32_t ReadVersionTag(const char* version_file, const char* name) {
   const UniqueFile file = OpenRegularFile(version_file, Links::kFollow, nullptr);
   char line[kLineRoom];
-  while (file != nullptr && std::fgets(line, sizeof(line), file.get()) != nullptr) {
-    if (strcasestr(line, name) != nullptr) {
-      return ParseTag(line, name);
-    }
-  }
+  while (file != nullptr && std::fgets(line, sizeof(line), file.get()) != nullptr)
+    if (strcasestr(line, name) != nullptr) return ParseTag(line, name);
   return kUnknownTag;
 }
 

@@ -19,9 +19,7 @@ struct LibraryCloser {
 
 std::uint32_t ESH_deCompress7z(void* unpacked, const void* packed) {
   const std::unique_ptr<void, LibraryCloser> library(dlopen(kSevenZipLibrary, RTLD_NOW));
-  if (library == nullptr) {
-    return 0;
-  }
+  if (library == nullptr) return 0;
   const auto decompress = reinterpret_cast<DecompressFn>(dlsym(library.get(), kEntry));
   return decompress == nullptr ? 0 : decompress(unpacked, packed);
 }

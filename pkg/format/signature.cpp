@@ -43,16 +43,12 @@ struct Claim {
 PackageVerdict JudgePath(const PKG_READER_S& reader, std::uint64_t& size) {
   struct stat opened;
   struct stat named;
-  if (reader.source.usMode != kPackageInFile || fstat(fileno(reader.source.stream), &opened) != 0) {
+  if (reader.source.usMode != kPackageInFile || fstat(fileno(reader.source.stream), &opened) != 0)
     return PackageVerdict::kUnreadable;
-  }
   const std::uint32_t found = PKG_Fstat(reader.szPath, &named);
-  if (found == kErrPackageMismatch) {
-    return PackageVerdict::kLink;
-  }
-  if (found != kSuccess || named.st_dev != opened.st_dev || named.st_ino != opened.st_ino) {
+  if (found == kErrPackageMismatch) return PackageVerdict::kLink;
+  if (found != kSuccess || named.st_dev != opened.st_dev || named.st_ino != opened.st_ino)
     return PackageVerdict::kReplaced;
-  }
   size = static_cast<std::uint64_t>(opened.st_size);
   return PackageVerdict::kGood;
 }
@@ -61,29 +57,20 @@ PackageVerdict ReadTrailerClaim(PKG_READER_S& reader, std::uint64_t size, const 
   PKG_CSS_S css = {};
   const PackageVerdict found = ReadTrailer(reader.source.stream, size, reader.head.minimum_payload, &css);
   const std::unique_ptr<PKG_CSS_S, CssFreer> owned(&css);
-  if (found != PackageVerdict::kGood) {
-    return found;
-  }
+  if (found != PackageVerdict::kGood) return found;
   const std::uint32_t length = css.size - 1;
   const auto fields = ParseTrailer({css.text, length});
-  if (!fields || fields->length != length) {
-    return PackageVerdict::kTrailerForm;
-  }
-  if (DecodeSignature(fields->signature, claim.signature, &claim.signature_length) != kSuccess) {
+  if (!fields || fields->length != length) return PackageVerdict::kTrailerForm;
+  if (DecodeSignature(fields->signature, claim.signature, &claim.signature_length) != kSuccess)
     return PackageVerdict::kSignatureText;
-  }
   claim.start = 0;
   claim.end = size - length;
   return ReadPublicKey(key_directory, fields->key, claim.key);
 }
 
 PackageVerdict ReadHeadClaim(const PKG_READER_S& reader, std::uint64_t size, const char* key_directory, Claim& claim) {
-  if (size < kMainHeadSize) {
-    return PackageVerdict::kUnreadable;
-  }
-  if (reader.head.signature_length > sizeof(claim.signature)) {
-    return PackageVerdict::kSignatureLength;
-  }
+  if (size < kMainHeadSize) return PackageVerdict::kUnreadable;
+  if (reader.head.signature_length > sizeof(claim.signature)) return PackageVerdict::kSignatureLength;
   claim.start = kMainHeadSize;
   claim.end = size;
   std::ranges::copy(reader.head.signature, claim.signature);
@@ -99,12 +86,8 @@ void PlanSeal(PKG_READER_S& reader, PackageSeal& seal) {
   seal.AddBorder(kInnerHeadEnd);
   for (const PackageFileEntry& file : std::span(reader.head.files).first(reader.head.file_count)) {
     PackageFileHead head;
-    if (!SeekSource(reader.source, file.head_offset) || !ReadSource(reader.source, &head, sizeof(head))) {
-      continue;
-    }
-    if (head.byte_order != kHostOrder) {
-      ConvertFileHead(head);
-    }
+    if (!SeekSource(reader.source, file.head_offset) || !ReadSource(reader.source, &head, sizeof(head))) continue;
+    if (head.byte_order != kHostOrder) ConvertFileHead(head);
     const std::uint64_t data = std::uint64_t{file.head_offset} + kFileHeadSize;
     seal.AddBorder(file.head_offset);
     seal.AddBorder(data);
@@ -116,23 +99,18 @@ void PlanSeal(PKG_READER_S& reader, PackageSeal& seal) {
 /// Whether the main head that the reader uses was digested. In the head form it is not signed.
 bool SealHoldsMainHead(const PackageSeal& seal, const PackageMainHead& head) {
   PackageMainHead stored = head;
-  if (head.byte_order != kHostOrder) {
-    ConvertMainHead(stored, head.file_count);
-  }
+  if (head.byte_order != kHostOrder) ConvertMainHead(stored, head.file_count);
   return seal.Holds(0, &stored, sizeof(stored));
 }
 
 /// Whether a signature in the main head can be for what was digested. One key may serve both forms: then a package with
 /// a trailer could be put behind a head of the forger's own, and the signature of its trailer would hold for it.
 PackageVerdict JudgeSignedPart(PKG_READER_S& reader, std::uint64_t size, const PackageSeal& seal) {
-  if (size < kInnerHeadEnd) {
-    return PackageVerdict::kGood;
-  }
+  if (size < kInnerHeadEnd) return PackageVerdict::kGood;
   PackageMainHead inner;
   if (!SeekSource(reader.source, kMainHeadSize) || !ReadSource(reader.source, &inner, sizeof(inner)) ||
-      !seal.Holds(kMainHeadSize, &inner, sizeof(inner))) {
+      !seal.Holds(kMainHeadSize, &inner, sizeof(inner)))
     return PackageVerdict::kUnreadable;
-  }
   const bool is_other_form =
       inner.signature_format == kTrailerSigned || FromBig32(inner.signature_format) == kTrailerSigned;
   return is_other_form ? PackageVerdict::kWrongSignature : PackageVerdict::kGood;
@@ -143,37 +121,27 @@ PackageVerdict JudgeSignedPart(PKG_READER_S& reader, std::uint64_t size, const P
 PackageVerdict JudgeSignature(PKG_READER_S* reader, const char* key_directory) {
   std::uint64_t size = 0;
   PackageVerdict verdict = JudgePath(*reader, size);
-  if (verdict != PackageVerdict::kGood) {
-    return verdict;
-  }
+  if (verdict != PackageVerdict::kGood) return verdict;
   const bool trailer_form = FormOf(reader->head) == kTrailerForm;
   Claim claim;
   verdict = trailer_form ? ReadTrailerClaim(*reader, size, key_directory, claim)
                          : ReadHeadClaim(*reader, size, key_directory, claim);
-  if (verdict != PackageVerdict::kGood) {
-    return verdict;
-  }
+  if (verdict != PackageVerdict::kGood) return verdict;
   std::unique_ptr<PackageSeal> seal(new (std::nothrow) PackageSeal);
-  if (seal == nullptr) {
-    return PackageVerdict::kNoMemory;
-  }
+  if (seal == nullptr) return PackageVerdict::kNoMemory;
   PlanSeal(*reader, *seal);
   std::uint8_t digest[kDigestSize];
   std::uint32_t digest_length = 0;
   if (DigestPackage(reader->source.stream, claim.start, claim.end - claim.start, seal.get(), digest, &digest_length) !=
           kSuccess ||
-      digest_length != kDigestSize || (trailer_form && !SealHoldsMainHead(*seal, reader->head))) {
+      digest_length != kDigestSize || (trailer_form && !SealHoldsMainHead(*seal, reader->head)))
     return PackageVerdict::kUnreadable;
-  }
   if (!trailer_form) {
     verdict = JudgeSignedPart(*reader, size, *seal);
-    if (verdict != PackageVerdict::kGood) {
-      return verdict;
-    }
+    if (verdict != PackageVerdict::kGood) return verdict;
   }
-  if (!SignatureHolds(claim.key, std::span(claim.signature).first(claim.signature_length), digest)) {
+  if (!SignatureHolds(claim.key, std::span(claim.signature).first(claim.signature_length), digest))
     return PackageVerdict::kWrongSignature;
-  }
   delete reader->seal;
   reader->seal = seal.release();
   return PackageVerdict::kGood;
@@ -190,9 +158,7 @@ std::uint32_t PKG_GetSignFormat(const char* path) {
 }
 
 std::uint32_t PKG_Fstat(const char* path, struct stat* stat) {
-  if (OpenRegularFile(path, Links::kRefuse, stat) != nullptr) {
-    return kSuccess;
-  }
+  if (OpenRegularFile(path, Links::kRefuse, stat) != nullptr) return kSuccess;
   return errno == ELOOP ? kErrPackageMismatch : ESH_ERR_FAIL;
 }
 

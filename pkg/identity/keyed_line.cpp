@@ -14,9 +14,7 @@ std::uint32_t ReadKeyedLine(const char* path, const char* key, std::size_t room,
   std::size_t size = 0;
   const UniqueText text(FileReadWhole(path, &size));
   const UniqueLines lines(text == nullptr ? nullptr : ReadBuffCreateByMem(text.get(), size));
-  if (lines == nullptr) {
-    return kErrFileUnreadable;
-  }
+  if (lines == nullptr) return kErrFileUnreadable;
   const std::string_view wanted(key);
   for (const char* line = ReadBuffGets(lines.get()); line != nullptr; line = ReadBuffGets(lines.get())) {
     if (BeginsIgnoringCase(line, wanted)) {

@@ -30,9 +30,7 @@ bool BeginsLine(std::string_view text, std::size_t place) {
 /// The first line start, from `start` on, with this text. npos when there is none.
 std::size_t FindAtLineStart(std::string_view text, std::string_view wanted, std::size_t start) {
   std::size_t place = text.find(wanted, start);
-  while (place != std::string_view::npos && !BeginsLine(text, place)) {
-    place = text.find(wanted, place + 1);
-  }
+  while (place != std::string_view::npos && !BeginsLine(text, place)) place = text.find(wanted, place + 1);
   return place;
 }
 
@@ -44,14 +42,10 @@ std::string_view Trim(std::string_view text) {
 /// The text between a section's header and the next one.
 std::string_view SectionText(std::string_view text, std::string_view section) {
   const std::size_t header = FindAtLineStart(text, section, 0);
-  if (section.empty() || header == std::string_view::npos) {
-    return "";
-  }
+  if (section.empty() || header == std::string_view::npos) return "";
   const std::size_t begin = header + section.size();
   std::size_t end = text.size();
-  for (const std::string_view next : kHeaders) {
-    end = std::min(end, FindAtLineStart(text, next, begin));
-  }
+  for (const std::string_view next : kHeaders) end = std::min(end, FindAtLineStart(text, next, begin));
   return text.substr(begin, end - begin);
 }
 
@@ -83,9 +77,8 @@ void CopyMac(std::string_view value, std::uint8_t (&field)[6]) {
   char text[kMacTextRoom];
   CopyText(text, value);
   std::uint8_t mac[6];
-  if (std::sscanf(text, kMacFormat, &mac[0], &mac[1], &mac[2], &mac[3], &mac[4], &mac[5]) == 6) {
+  if (std::sscanf(text, kMacFormat, &mac[0], &mac[1], &mac[2], &mac[3], &mac[4], &mac[5]) == 6)
     std::memcpy(field, mac, sizeof(mac));
-  }
 }
 
 struct Field {
@@ -121,9 +114,7 @@ KeyLine FindKeyLine(std::string_view section, std::string_view key, std::size_t 
        begin = FindAtLineStart(section, key, begin + 1)) {
     const std::size_t colon = section.find_first_not_of(' ', begin + key.size());
     // The section's first character stands behind its header, so no key line begins there.
-    if (begin > 0 && colon != std::string_view::npos && section[colon] == ':') {
-      return {begin, colon + 1};
-    }
+    if (begin > 0 && colon != std::string_view::npos && section[colon] == ':') return {begin, colon + 1};
   }
   return kNoKeyLine;
 }
@@ -131,9 +122,7 @@ KeyLine FindKeyLine(std::string_view section, std::string_view key, std::size_t 
 /// Where the next line with any of the keys begins; the section's end when there is none.
 std::size_t NextKeyLine(std::string_view section, std::size_t start) {
   std::size_t next = section.size();
-  for (const char* key : g_apcKeyWordTab) {
-    next = std::min(next, FindKeyLine(section.substr(0, next), key, start).begin);
-  }
+  for (const char* key : g_apcKeyWordTab) next = std::min(next, FindKeyLine(section.substr(0, next), key, start).begin);
   return next;
 }
 
@@ -147,11 +136,8 @@ struct Marker {
 /// What stands between a marker and the next one in the text.
 std::string_view TextBehind(const Marker& marker, std::string_view text, const Marker (&markers)[3]) {
   std::size_t end = text.size();
-  for (const Marker& other : markers) {
-    if (other.place > marker.place) {
-      end = std::min(end, other.place);
-    }
-  }
+  for (const Marker& other : markers)
+    if (other.place > marker.place) end = std::min(end, other.place);
   const std::size_t begin = marker.place + marker.name.size();
   return text.substr(begin, end - begin);
 }
@@ -162,13 +148,9 @@ void ApplyOemSection(std::string_view text, std::string_view section, OEM_CONSUM
   const std::string_view fields = SectionText(text, section);
   for (std::size_t i = 0; i < kOemKeys; ++i) {
     const KeyLine line = FindKeyLine(fields, g_apcKeyWordTab[i], 0);
-    if (line.begin == std::string_view::npos) {
-      continue;
-    }
+    if (line.begin == std::string_view::npos) continue;
     const std::string_view value = Trim(fields.substr(line.value, NextKeyLine(fields, line.value) - line.value));
-    if (!value.empty() || kFields[i].is_cleared) {
-      kFields[i].set(value, info);
-    }
+    if (!value.empty() || kFields[i].is_cleared) kFields[i].set(value, info);
   }
 }
 

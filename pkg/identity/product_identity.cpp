@@ -65,27 +65,18 @@ void SetDefaults(OEM_CONSUMER_INFO_S& info) {
 /// kernel does not tell.
 void TakeObjectId(OEM_CONSUMER_INFO_S& info, TextBuilder& section) {
   std::size_t size = sizeof(info.sysObjectID);
-  if (ESH_GetSysObjectID(size, info.sysObjectID) != kSuccess) {
-    return;
-  }
+  if (ESH_GetSysObjectID(size, info.sysObjectID) != kSuccess) return;
   const std::size_t last = size / sizeof(info.sysObjectID[0]) - 1;
   section.Append("%c", '[');
-  for (std::size_t i = 0; i < last; ++i) {
-    section.Append("%lu.", info.sysObjectID[i]);
-  }
+  for (std::size_t i = 0; i < last; ++i) section.Append("%lu.", info.sysObjectID[i]);
   section.Append("%lu%c", info.sysObjectID[last], ']');
 }
 
 /// @param corporation_section room for the name that the corporation file may give.
 const char* ChooseDefaultSection(std::string_view own_section, char (&corporation_section)[kIdentityRoom]) {
-  if (own_section.empty()) {
-    return kDefaultSection;
-  }
-  for (const DefaultSection& choice : kDefaultSections) {
-    if (own_section.starts_with(choice.prefix)) {
-      return choice.section;
-    }
-  }
+  if (own_section.empty()) return kDefaultSection;
+  for (const DefaultSection& choice : kDefaultSections)
+    if (own_section.starts_with(choice.prefix)) return choice.section;
   (void)GetDefaultInfo(kDefaultSectionKey, corporation_section);  // empty when there is none
   return corporation_section[0] != '\0' ? corporation_section : kDefaultSection;
 }
@@ -110,9 +101,7 @@ void DescriptionCopyright(std::uint32_t id, TextBuilder& text) {
   char year[kYearRoom];
   (void)ESH_GetCompileTimeFromBoot(year);  // empty when it is not known
   char from_file[kIdentityRoom];
-  if (id > kLastBuiltInCorporation) {
-    (void)GetDefaultInfo(kCopyrightKey, from_file);  // likewise
-  }
+  if (id > kLastBuiltInCorporation) (void)GetDefaultInfo(kCopyrightKey, from_file);  // likewise
   AppendWithYear(id > kLastBuiltInCorporation ? from_file : SlotOrNothing(g_apcCopyRight, id), year, text);
 }
 
@@ -127,9 +116,7 @@ void setGlobalOemDataLocked() {
   SetDefaults(g_stOemConsumerInfo);
   std::size_t size = 0;
   const UniqueText text(FileReadWhole(kOemFile, &size));
-  if (text != nullptr) {
-    parseOemFile(text.get());
-  }
+  if (text != nullptr) parseOemFile(text.get());
 }
 
 void parseOemFile(const char* text) {
@@ -158,11 +145,10 @@ void ESH_GetProductName(char* name) { CopyBounded(name, kIdentityRoom, Identity(
 
 void ESH_GetSoftwareName(char* name) {
   const std::uint32_t id = Identity().uiCorpId;
-  if (id > kLastBuiltInCorporation) {
+  if (id > kLastBuiltInCorporation)
     GetSoftwareNameWithFile(name);
-  } else {
+  else
     CopyBounded(name, kIdentityRoom, SlotOrNothing(g_apcSoftwareName, id));
-  }
 }
 
 void GetSoftwareNameWithFile(char* name) { (void)GetDefaultInfo(kSoftwareNameKey, name); }  // empty when there is none
@@ -173,11 +159,10 @@ void ESH_GetCopyright(char* line) {
   (void)ESH_GetCompileTimeFromBoot(year);  // empty when it is not known
   const std::string_view slot = SlotOrNothing(g_apcCopyRight, id);
   FixedText<kIdentityRoom> text;
-  if (id == kTalvo && slot.find(year) != std::string_view::npos) {
+  if (id == kTalvo && slot.find(year) != std::string_view::npos)
     text.AppendText(kTalvoFirstYear);
-  } else {
+  else
     AppendWithYear(slot, year, text);
-  }
   CopyBounded(line, kIdentityRoom, text.View());
 }
 

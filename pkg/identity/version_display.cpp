@@ -49,9 +49,7 @@ bool ReadUptime(long& seconds) {
   char text[kUptimeRoom];
   const UniqueFd file(open(kUptimeFile, O_RDONLY | O_CLOEXEC));
   const ssize_t length = file ? read(file.Get(), text, sizeof(text) - 1) : -1;
-  if (length < 0) {
-    return false;
-  }
+  if (length < 0) return false;
   text[length] = '\0';
   seconds = std::strtol(text, nullptr, 10);  // the number ends at the decimal point or the blank
   return true;
@@ -61,9 +59,7 @@ const char* Counted(int count, const char* singular, const char* plural) { retur
 
 void PrintUptime() {
   long seconds = 0;
-  if (!ReadUptime(seconds)) {
-    return;
-  }
+  if (!ReadUptime(seconds)) return;
   const int weeks = static_cast<int>(seconds / kWeek);
   const int days = static_cast<int>(seconds % kWeek / kDay);
   const int hours = static_cast<int>(seconds % kDay / kHour);
@@ -106,8 +102,6 @@ std::uint32_t ESH_ProcDisVersion() {
 std::uint32_t ESH_ProcDisCopyright() {
   std::size_t size = 0;
   const UniqueText text(FileReadWhole(kCopyrightFile, &size));
-  if (text != nullptr) {
-    (void)ESH_OutString(text.get());  // a reader who has seen enough is no failure
-  }
+  if (text != nullptr) (void)ESH_OutString(text.get());  // a reader who has seen enough is no failure
   return kSuccess;
 }

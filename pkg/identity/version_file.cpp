@@ -22,9 +22,7 @@ std::string_view NthWord(std::string_view line, std::size_t number) {
   for (;; --number) {
     line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
     const std::size_t length = std::min(line.find_first_of(kBlanks), line.size());
-    if (number == 0 || line.empty()) {
-      return line.substr(0, length);
-    }
+    if (number == 0 || line.empty()) return line.substr(0, length);
     line.remove_prefix(length);
   }
 }
@@ -40,9 +38,8 @@ void GetVersion(std::size_t size, char* text) {
   char product[kPkgInfoRoom];
   FixedText<2 * kPkgInfoRoom> version;
   if (GetBootBinPkgInfo(kPlatformVersion, platform) == kSuccess &&
-      GetBootBinPkgInfo(kProductVersion, product) == kSuccess) {
+      GetBootBinPkgInfo(kProductVersion, product) == kSuccess)
     version.Append("Version %s, %s", platform, product);
-  }
   CopyBounded(text, size, version.View());
 }
 

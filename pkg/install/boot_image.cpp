@@ -57,20 +57,14 @@ void ReadVersion(char* version) {
 void ReadRunningVersion(char* version) {
   version[0] = '\0';
   int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) {
-    return;
-  }
+  if (pipe2(ends, O_CLOEXEC) != 0) return;
   const UniqueFd reading(ends[0]);
   UniqueFd writing(ends[1]);
   ESH_TERM_OFlush();  // or a decoder that exits would print once more what the shell has said
   const pid_t child = fork();
-  if (child == 0) {
-    TellVersion(writing.Get());
-  }
+  if (child == 0) TellVersion(writing.Get());
   writing.Reset();
-  if (child < 0) {
-    return;
-  }
+  if (child < 0) return;
   // What the child does to itself, its clock included, must not keep the shell: only an answer counts.
   pollfd answer = {.fd = reading.Get(), .events = POLLIN, .revents = 0};
   const ssize_t length = poll(&answer, 1, kLongestReading) == 1 ? read(answer.fd, version, kRunningVersionRoom - 1) : 0;

@@ -29,16 +29,12 @@ bool WriteUnfinished(const char (&record)[kRecordSize]) {
 
 std::uint32_t WriteChangeList(const char* package) {
   const std::string_view path(package);
-  if (!path.starts_with(kMediaPrefix)) {
-    return ESH_ERR_FAIL;
-  }
+  if (!path.starts_with(kMediaPrefix)) return ESH_ERR_FAIL;
   // A longer path is cut, and then nothing terminates it.
   char record[kRecordSize] = {};
   path.substr(kMediaPrefix.size()).copy(record, sizeof(record));
   (void)mkdir(kDirectory, kDirectoryMode);  // it may exist; where it cannot be made, the next step fails
-  if (WriteUnfinished(record) && std::rename(kUnfinished, kRecord) == 0) {
-    return kSuccess;
-  }
+  if (WriteUnfinished(record) && std::rename(kUnfinished, kRecord) == 0) return kSuccess;
   (void)unlink(kUnfinished);
   return ESH_ERR_FAIL;
 }

@@ -20,11 +20,8 @@ constexpr std::size_t kCommandRoom = 512;
 /// @return the start of the command line that unpacks the archive, or NULL.
 const char* DecompressorOf(const char* archive) {
   const char* suffix = std::strrchr(archive, '.');
-  for (std::size_t i = 0; suffix != nullptr && i < kCpioSuffixes; ++i) {
-    if (std::strcmp(suffix, g_apcCpioSuffixType[i]) == 0) {
-      return g_apcDecompressType[i];
-    }
-  }
+  for (std::size_t i = 0; suffix != nullptr && i < kCpioSuffixes; ++i)
+    if (std::strcmp(suffix, g_apcCpioSuffixType[i]) == 0) return g_apcDecompressType[i];
   return nullptr;
 }
 
@@ -32,13 +29,9 @@ const char* DecompressorOf(const char* archive) {
 
 std::uint32_t PKG_CpioUnpackerProc(const char* archivePath, const char* targetDir) {
   const char* decompressor = DecompressorOf(archivePath);
-  if (decompressor == nullptr) {
-    return ESH_ERR_FAIL;
-  }
+  if (decompressor == nullptr) return ESH_ERR_FAIL;
   const WorkingDirectoryKept kept;
-  if (chdir(targetDir) != 0) {
-    return kSuccess;
-  }
+  if (chdir(targetDir) != 0) return kSuccess;
   FixedText<kCommandRoom> command;
   command.Append("%s%s%s", decompressor, archivePath, kExtract);
   return command.Truncated() ? ESH_ERR_FAIL : PKG_SystemProc(command.Text());

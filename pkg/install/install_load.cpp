@@ -114,9 +114,7 @@ std::uint32_t LoadImage(UniquePackage package, const char* path) {
 std::uint32_t UnloadIpStack() {
   ESH_DeleteIPv4Addr();
   std::uint32_t verdict = kSuccess;
-  for (const char* tool : kUnloadIpStack) {
-    verdict += RunTool(tool);
-  }
+  for (const char* tool : kUnloadIpStack) verdict += RunTool(tool);
   return verdict;
 }
 
@@ -125,9 +123,7 @@ std::uint32_t UnloadIpStack() {
 std::uint32_t ESH_PKG_InstallLoadSystem(const char* name) {
   std::printf(kChecking, name);
   char path[kNameRoom];
-  if (PackageNameProcess(name, path) != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
+  if (PackageNameProcess(name, path) != kSuccess) return ESH_ERR_FAIL;
   UniquePackage package(PackageReadFileCreateByFile(path));
   if (package == nullptr) {
     std::printf(kCorrupted, name);
@@ -140,25 +136,17 @@ std::uint32_t ESH_PKG_InstallLoadSystem(const char* name) {
 std::uint32_t ESH_ProcInstallLoad() {
   char name[sizeof(g_szPkgFlie)];
   CopyText(name, g_szPkgFlie);
-  if (name[0] == '\0') {
-    return ESH_ERR_FAIL;
-  }
+  if (name[0] == '\0') return ESH_ERR_FAIL;
   if (!IsOnPackageMedium(name)) {
     std::puts(kNotPrimary);
     return ESH_ERR_FAIL;
   }
   const std::uint32_t loaded = ESH_PKG_InstallLoadSystem(name);
-  if (loaded != kSuccess) {
-    return loaded;
-  }
+  if (loaded != kSuccess) return loaded;
   std::puts(kLoading);
-  if (ESH_IsExistIpstackKo() == 0) {
-    EndShell();
-  }
+  if (ESH_IsExistIpstackKo() == 0) EndShell();
   const std::uint32_t unloaded = UnloadIpStack();
-  if (unloaded == kSuccess) {
-    EndShell();
-  }
+  if (unloaded == kSuccess) EndShell();
   std::puts(kExitFailed);
   return unloaded;
 }

@@ -51,9 +51,7 @@ std::uint32_t VerifyWithDots(const char* name, PKG_READER_S* package) {
   const pthread_t dots = ESH_PKG_CreateDotThrd(name);
   const std::uint32_t result = CheckPackageHead(package);
   g_bEshDone = 1;
-  if (dots != kNoThread) {
-    pthread_join(dots, nullptr);
-  }
+  if (dots != kNoThread) pthread_join(dots, nullptr);
   g_bEshDone = 0;
   return result;
 }

@@ -36,9 +36,7 @@ constexpr std::size_t kVendorRoom = 129;
 
 /// Whether a line is shown to the customers of a corporation.
 bool IsShown(std::string_view line, std::uint32_t corporation) {
-  if (BeginsIgnoringCase(line, kRelease) || (corporation == kDurell && line.starts_with(kPlatform))) {
-    return false;
-  }
+  if (BeginsIgnoringCase(line, kRelease) || (corporation == kDurell && line.starts_with(kPlatform))) return false;
   return line.starts_with(kBoards) || std::any_of(std::begin(g_apcDetailFilter), std::end(g_apcDetailFilter),
                                                   [line](const char* key) { return line.starts_with(key); });
 }
@@ -57,11 +55,8 @@ void PrintLine(const char* line) {
 void PrintDescription(READ_BUFF_S* description) {
   std::uint32_t corporation = 0;
   ESH_GetOemCorp(&corporation);
-  for (const char* line = ReadBuffGets(description); line != nullptr; line = ReadBuffGets(description)) {
-    if (IsShown(line, corporation)) {
-      PrintLine(line);
-    }
-  }
+  for (const char* line = ReadBuffGets(description); line != nullptr; line = ReadBuffGets(description))
+    if (IsShown(line, corporation)) PrintLine(line);
   std::printf("\r\n");
 }
 
@@ -69,9 +64,7 @@ void PrintDescription(READ_BUFF_S* description) {
 
 std::uint32_t ESH_PKG_DispPackageByName(const char* name) {
   char path[kNameRoom];
-  if (name[0] == '\0' || PackageNameProcess(name, path) != kSuccess) {
-    return ESH_ERR_FAIL;
-  }
+  if (name[0] == '\0' || PackageNameProcess(name, path) != kSuccess) return ESH_ERR_FAIL;
   const UniquePackage package(PackageReadFileCreateByFile(path));
   const std::uint32_t verdict = package == nullptr ? ESH_ERR_FAIL : VerifyWithDots(name, package.get());
   if (verdict != kSuccess) {

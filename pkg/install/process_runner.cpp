@@ -32,9 +32,7 @@ void SetToolSignals() {
 [[noreturn]] void BecomeCommand(const char* commandLine) {
   const UniqueArguments words(PKG_ParserVecAlloc(commandLine));
   char* const* arguments = ArgumentsOf(words.get());
-  if (arguments == nullptr) {
-    _exit(EXIT_FAILURE);
-  }
+  if (arguments == nullptr) _exit(EXIT_FAILURE);
   BecomeProgram(arguments);
 }
 
@@ -43,9 +41,7 @@ template <typename Become>
 std::uint32_t RunInChild(Become become) {
   ESH_TERM_OFlush();  // or what the shell has said would come twice, or late
   const pid_t child = fork();
-  if (child == 0) {
-    become();
-  }
+  if (child == 0) become();
   return child < 0 ? ESH_ERR_FAIL : ResultOfChild(child);
 }
 

@@ -26,9 +26,7 @@ pthread_t ESH_PKG_CreateDotThrd(const char* name) {
 }
 
 void* Esh_ThreadPrintDot(void* /*unused*/) {
-  for (unsigned step = 0; step < kSilentSteps && g_bEshDone == 0; ++step) {
-    ESH_Pkg_NanoSleep(kSilentStep);
-  }
+  for (unsigned step = 0; step < kSilentSteps && g_bEshDone == 0; ++step) ESH_Pkg_NanoSleep(kSilentStep);
   while (g_bEshDone == 0) {
     ESH_Pkg_NanoSleep(kNanosecondsPerSecond);
     std::printf(".");

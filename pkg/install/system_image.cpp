@@ -23,13 +23,9 @@ constexpr char kRoot[] = "/";
 const PackageFileEntry* FindImage(PKG_READER_S* package, std::uint32_t device) {
   for (std::uint32_t i = 0; i < package->head.file_count; ++i) {
     const PackageFileEntry& entry = package->head.files[i];
-    if (entry.file_id != kSystemImageFile) {
-      continue;
-    }
+    if (entry.file_id != kSystemImageFile) continue;
     const UniqueFileHead head(FileHeadCreateByFileDesc(package, &entry));
-    if (head != nullptr && head->device_code == device) {
-      return &entry;
-    }
+    if (head != nullptr && head->device_code == device) return &entry;
   }
   return nullptr;
 }
@@ -48,9 +44,7 @@ SystemImage TakeSystemImage(PKG_READER_S* package, std::uint32_t device) {
     image.data.reset(
         static_cast<char*>(GetFileFromReadHeadByFileDesc(entry, package, sizeof(image.name), &image.size, image.name)));
   }
-  if (!IsPlainImageName(image.name)) {
-    image.data.reset();
-  }
+  if (!IsPlainImageName(image.name)) image.data.reset();
   return image;
 }
 
@@ -59,17 +53,14 @@ std::uint32_t UnpackSystemImage(SystemImage& image) {
   path.Append("%s%s", kScratchDirectory, image.name);
   const bool is_written = WriteScratchFile(path.Text(), image);
   image.data.reset();  // what unpacks it needs the memory
-  if (is_written) {
+  if (is_written)
     (void)PKG_CpioUnpackerProc(path.Text(), kRoot);
-  } else {
+  else
     (void)unlink(path.Text());  // an absent file is what is wanted
-  }
   return RemoveWithTool(path.Text());
 }
 
 void DropCaches() {
   const UniqueFd setting(open("/proc/sys/vm/drop_caches", O_WRONLY | O_CLOEXEC));
-  if (setting) {
-    (void)!write(setting.Get(), "3", 1);  // memory that stays in use is no failure
-  }
+  if (setting) (void)!write(setting.Get(), "3", 1);  // memory that stays in use is no failure
 }

@@ -45,39 +45,25 @@ inline constexpr CommandWord kDisplay = Word("display", "Display current system 
 /// UBSan, GCC cannot tell at compile time whether one is NULL.
 constexpr bool WellFormed(const CommandWord& word) {
   const std::string_view text(word.text);
-  if (text.empty() || word.help == nullptr || word.help[0] == '\0') {
-    return false;
-  }
-  if (word.type != ESH_ELEM_KEYWORD) {
-    return text[0] >= 'A' && text[0] <= 'Z';
-  }
-  for (const char c : text) {
-    if ((c >= 'A' && c <= 'Z') || c == ' ') {
-      return false;
-    }
-  }
+  if (text.empty() || word.help == nullptr || word.help[0] == '\0') return false;
+  if (word.type != ESH_ELEM_KEYWORD) return text[0] >= 'A' && text[0] <= 'Z';
+  for (const char c : text)
+    if ((c >= 'A' && c <= 'Z') || c == ' ') return false;
   return true;
 }
 
 constexpr bool WellFormed(const CommandRow& row) {
-  if (row.views == 0 || row.views > kAllViews || row.words[0].text == nullptr || row.words[kMaxWords].text != nullptr) {
+  if (row.views == 0 || row.views > kAllViews || row.words[0].text == nullptr || row.words[kMaxWords].text != nullptr)
     return false;
-  }
-  for (const CommandWord* word = row.words; word->text != nullptr; ++word) {
-    if (!WellFormed(*word)) {
-      return false;
-    }
-  }
+  for (const CommandWord* word = row.words; word->text != nullptr; ++word)
+    if (!WellFormed(*word)) return false;
   return true;
 }
 
 template <std::size_t kRows>
 constexpr bool WellFormed(const CommandRow (&rows)[kRows]) {
-  for (const CommandRow& row : rows) {
-    if (!WellFormed(row)) {
-      return false;
-    }
-  }
+  for (const CommandRow& row : rows)
+    if (!WellFormed(row)) return false;
   return true;
 }
 

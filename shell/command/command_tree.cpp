@@ -29,15 +29,12 @@ void ReadRange(std::string_view placeholder, ESH_CMD_ELEMENT_S& element) {
   const std::size_t open = placeholder.find('<');
   const std::size_t dash = open == std::string_view::npos ? open : placeholder.find('-', open);
   const std::size_t close = dash == std::string_view::npos ? dash : placeholder.find('>', dash);
-  if (close == std::string_view::npos || close + 1 != placeholder.size()) {
-    return;
-  }
+  if (close == std::string_view::npos || close + 1 != placeholder.size()) return;
   std::uint64_t min = 0;
   std::uint64_t max = 0;
   if (!ReadBound(placeholder.substr(open + 1, dash - open - 1), min) ||
-      !ReadBound(placeholder.substr(dash + 1, close - dash - 1), max) || min > max) {
+      !ReadBound(placeholder.substr(dash + 1, close - dash - 1), max) || min > max)
     return;
-  }
   element.ulMin = min;
   element.ulMax = max;
 }
@@ -69,9 +66,7 @@ ESH_VIEW_S* ViewInfoAlloc(const char* prompt) {
 
 ESH_CMD_THREAD_S* ESH_CmdThread_Init(ESH_CMD_PROC_F handler) {
   auto* thread = new (std::nothrow) ESH_CMD_THREAD_S{};
-  if (thread == nullptr) {
-    return nullptr;
-  }
+  if (thread == nullptr) return nullptr;
   thread->pstPrev = thread;
   thread->pstNext = thread;
   thread->pfnProc = handler;
@@ -82,21 +77,15 @@ void ESH_CmdThread_AddCmdElement(ESH_CMD_THREAD_S* thread, const char* keyword, 
                                  ESH_CMD_HELP_F help_values, ESH_CMD_CHECK_F check, ESH_CMD_RECORD_F record,
                                  std::uint32_t type) {
   auto* element = new (std::nothrow) ESH_CMD_ELEMENT_S{};
-  if (element == nullptr) {
-    return;
-  }
+  if (element == nullptr) return;
   element->pcKeyWord = keyword;
   element->pcHelp = help;
   element->pfnHelp = help_values;
   element->pfnCheck = check;
   element->pfnRecord = record;
   element->ulType = type;
-  if (type == ESH_ELEM_KEYWORD) {
-    element->ulKeyLen = std::strlen(keyword);
-  }
-  if (type == ESH_ELEM_STRING || type == ESH_ELEM_INTEGER) {
-    ReadRange(keyword, *element);
-  }
+  if (type == ESH_ELEM_KEYWORD) element->ulKeyLen = std::strlen(keyword);
+  if (type == ESH_ELEM_STRING || type == ESH_ELEM_INTEGER) ReadRange(keyword, *element);
   Append(*thread, *element);
 }
 
@@ -105,9 +94,7 @@ void ESH_CmdThread_AddCr(ESH_CMD_THREAD_S* thread) {
 }
 
 void ESH_CmdThread_Reg2View(ESH_VIEW_S* view, ESH_CMD_THREAD_S* thread) {
-  if (view != nullptr && EndsInCr(*thread)) {
-    VEC_Add(view->pstCmdVec, kNoIndex, thread);
-  }
+  if (view != nullptr && EndsInCr(*thread)) VEC_Add(view->pstCmdVec, kNoIndex, thread);
 }
 
 void ESH_CmdThread_Reg2AllView(ESH_CMD_THREAD_S* thread) {

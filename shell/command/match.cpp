@@ -49,19 +49,13 @@ bool IsValidValue(const ESH_CMD_ELEMENT_S& element, const char* word) {
 }
 
 Verdict JudgeKeyword(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
-  if (!BeginsWith(element, word)) {
-    return {ESH_MATCH_NONE, false};
-  }
+  if (!BeginsWith(element, word)) return {ESH_MATCH_NONE, false};
   return {word.size() == element.ulKeyLen ? ESH_MATCH_EXACT : ESH_MATCH_PARTIAL, true};
 }
 
 Verdict JudgeParameter(const ESH_CMD_ELEMENT_S& element, const char* word) {
-  if (!IsValidValue(element, word)) {
-    return {ESH_MATCH_WRONG_PARAM, false};
-  }
-  if (element.pfnCheck == nullptr) {
-    return {ESH_MATCH_PARAM, true};
-  }
+  if (!IsValidValue(element, word)) return {ESH_MATCH_WRONG_PARAM, false};
+  if (element.pfnCheck == nullptr) return {ESH_MATCH_PARAM, true};
   switch (element.pfnCheck(word)) {
     case 1:
       return {ESH_MATCH_PARAM, true};
@@ -93,11 +87,11 @@ Verdict Judge(const ESH_CMD_ELEMENT_S& element, std::string_view word) {
 
 template <typename Keep>
 void KeepOnly(VEC_S& candidates, Keep keep) {
-  ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t index, const ESH_CMD_ELEMENT_S& element) {
-    if (!keep(element)) {
-      VEC_Del(&candidates, index);
-    }
-  });
+  ForEachSlot<ESH_CMD_ELEMENT_S>(
+      candidates,
+      [&](std::uint64_t index, const ESH_CMD_ELEMENT_S& element) {
+        if (!keep(element)) VEC_Del(&candidates, index);
+      });
 }
 
 /// The same keyword in several commands is one choice; different texts are several.
@@ -152,9 +146,8 @@ bool AddFirstElements(VEC_S& candidates) {
 bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
   bool complete = true;
   ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
-    if (complete && !IsCr(element)) {
+    if (complete && !IsCr(element))
       complete = VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext)) != kNoIndex;
-    }
   });
   return complete;
 }
@@ -187,12 +180,10 @@ std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* typed) {
     level = std::max(level, verdict.level);
     return verdict.keep;
   });
-  if (level == ESH_MATCH_PARTIAL) {
-    KeepOnly(*candidates, IsKeyword);
-  }
+  if (level == ESH_MATCH_PARTIAL) KeepOnly(*candidates, IsKeyword);
   if (level == ESH_MATCH_EXACT) {
-    KeepOnly(*candidates,
-             [&](const ESH_CMD_ELEMENT_S& element) { return IsKeyword(element) && Equals(element, word); });
+    KeepOnly(
+        *candidates, [&](const ESH_CMD_ELEMENT_S& element) { return IsKeyword(element) && Equals(element, word); });
   }
   const bool several_are_possible = level == ESH_MATCH_PARAM || level == ESH_MATCH_PARTIAL;
   return several_are_possible && HoldsDifferentTexts(*candidates) ? std::uint32_t{ESH_MATCH_AMBIGUOUS} : level;
@@ -214,9 +205,7 @@ std::uint32_t ESH_GetCmdElementVec(const VEC_S* words, std::uint64_t count, std:
     ESH_SelectNextCmdElment(candidates);
     return level;
   }
-  if (count == 0) {
-    return level;
-  }
+  if (count == 0) return level;
   ESH_SelectNextCmdElment(candidates);
   const char* partial = WordAt(*words, finished)->pcWord;
   KeepOnly(*candidates, [&](const ESH_CMD_ELEMENT_S& element) { return MayContinue(element, partial); });

@@ -81,48 +81,34 @@ std::uint16_t ESH_CheckIPv6(const char* text) {
 
 std::uint16_t ESH_CheckIPv6Prefix(const char* text) {
   const char* slash = std::strchr(text, '/');
-  if (slash == nullptr) {
-    return 0;
-  }
+  if (slash == nullptr) return 0;
   FixedText<INET6_ADDRSTRLEN + 1> address;
   address.AppendText({text, static_cast<std::size_t>(slash - text)});
   in6_addr binary;
-  if (address.Truncated() || inet_pton(AF_INET6, address.Text(), &binary) != 1) {
-    return 0;
-  }
+  if (address.Truncated() || inet_pton(AF_INET6, address.Text(), &binary) != 1) return 0;
   std::uint64_t length = 0;
   return ReadDecimal(slash + 1, length) && length >= kMinPrefix && length <= kMaxPrefix ? 1 : 0;
 }
 
 std::uint16_t ESH_CheckInteger(const char* text, std::uint64_t min, std::uint64_t max) {
   std::string_view digits(text);
-  if (!std::all_of(digits.begin(), digits.end(), IsDigit)) {
-    return 0;
-  }
+  if (!std::all_of(digits.begin(), digits.end(), IsDigit)) return 0;
   digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
-  if (digits.size() > kMaxSignificantDigits) {
-    return 0;
-  }
+  if (digits.size() > kMaxSignificantDigits) return 0;
   std::uint64_t number = 0;
-  for (const char digit : digits) {
-    number = number * 10 + static_cast<std::uint64_t>(digit - '0');
-  }
+  for (const char digit : digits) number = number * 10 + static_cast<std::uint64_t>(digit - '0');
   return min <= number && number <= max ? 1 : 0;
 }
 
 std::uint16_t ESH_CheckString(const char* text, std::uint64_t min, std::uint64_t max) {
   const std::string_view word(text);
-  if (word.size() < min || word.size() > max || word.size() > kMaxWord) {
-    return 0;
-  }
+  if (word.size() < min || word.size() > max || word.size() > kMaxWord) return 0;
   return std::all_of(word.begin(), word.end(), IsPrintable) ? 1 : 0;
 }
 
 std::uint16_t ESH_Variable(const char* text) {
   const std::string_view word(text);
-  if (word.empty() || word[0] < 'A' || word[0] > 'Z') {
-    return 0;
-  }
+  if (word.empty() || word[0] < 'A' || word[0] > 'Z') return 0;
   const bool address = word == "X.X.X.X" || word == "X:X::X:X" || word == "X:X::X:X/M";
   return address || word.starts_with("INTEGER") || word.starts_with("STRING") ? 1 : 0;
 }

@@ -22,7 +22,7 @@ extern char g_szDestFile[512];
 extern char g_szCount[16];
 extern char g_szSize[16];
 extern char g_szDiskName[16];
-extern char g_szPkgFlie[128];  // "Flie" is the name
+extern char g_szPkgFlie[128];  ///< "Flie" is the name
 
 /// The checks answer 1 for valid and 0 for invalid.
 

@@ -11,9 +11,7 @@ void ESH_View_Init() {
 }
 
 void ESH_SetCmdMode(ESH_VIEW_S* view) {
-  if (view == nullptr) {
-    return;  // there was no memory for it
-  }
+  if (view == nullptr) return;  // there was no memory for it
   g_pstEshCurrentView = view;
   ESH_SetPrompt(view->pcPrompt);
 }

@@ -20,13 +20,9 @@ using UniqueWord = std::unique_ptr<ESH_MARK_STR_S, WordFreer>;
 /// Makes the record of the word that stands at `start`; NULL when memory is short.
 UniqueWord MakeWord(std::string_view text, std::uint64_t start) {
   UniqueWord word(static_cast<ESH_MARK_STR_S*>(std::calloc(1, sizeof(ESH_MARK_STR_S))));
-  if (word == nullptr) {
-    return nullptr;
-  }
+  if (word == nullptr) return nullptr;
   word->pcWord = static_cast<char*>(std::malloc(kWordRoom));
-  if (word->pcWord == nullptr) {
-    return nullptr;
-  }
+  if (word->pcWord == nullptr) return nullptr;
   CopyBounded(word->pcWord, kWordRoom, text);
   word->ulStart = start;
   word->ulEnd = start + text.size() - 1;
@@ -35,9 +31,7 @@ UniqueWord MakeWord(std::string_view text, std::uint64_t start) {
 
 bool AppendWord(VEC_S& words, std::string_view text, std::uint64_t start) {
   UniqueWord word = MakeWord(text, start);
-  if (word == nullptr || VEC_Add(&words, kNoIndex, word.get()) == kNoIndex) {
-    return false;
-  }
+  if (word == nullptr || VEC_Add(&words, kNoIndex, word.get()) == kNoIndex) return false;
   (void)word.release();  // the vector's now
   return true;
 }
@@ -60,9 +54,7 @@ UniqueWords SplitLine(std::string_view line) {
   std::size_t start = line.find_first_not_of(kWhiteSpace);
   while (words != nullptr && start != std::string_view::npos) {
     const std::size_t end = std::min(line.find_first_of(kWordEnd, start), line.size());
-    if (!AppendWord(*words, line.substr(start, end - start), start)) {
-      return nullptr;
-    }
+    if (!AppendWord(*words, line.substr(start, end - start), start)) return nullptr;
     start = line.find_first_not_of(kWhiteSpace, end);
   }
   return words;
@@ -77,9 +69,7 @@ void CutEndKey(VEC_S& words) {
   const std::uint64_t last = words.ulMaxIndex;
   ESH_MARK_STR_S* word = WordAt(words, last);
   const std::size_t length = word == nullptr ? 0 : std::strlen(word->pcWord);
-  if (length == 0 || (word->pcWord[length - 1] != '?' && word->pcWord[length - 1] != '\t')) {
-    return;
-  }
+  if (length == 0 || (word->pcWord[length - 1] != '?' && word->pcWord[length - 1] != '\t')) return;
   if (length > 1) {
     word->pcWord[length - 1] = '\0';
     --word->ulEnd;

@@ -12,9 +12,7 @@ namespace {
 
 bool AppendCopy(VEC_S& arguments, std::string_view text) {
   UniqueText copy(strndup(text.data(), text.size()));
-  if (copy == nullptr || VEC_Add(&arguments, kNoIndex, copy.get()) == kNoIndex) {
-    return false;
-  }
+  if (copy == nullptr || VEC_Add(&arguments, kNoIndex, copy.get()) == kNoIndex) return false;
   (void)copy.release();  // the vector's now
   return true;
 }
@@ -28,9 +26,7 @@ UniqueArguments SplitCommandLine(std::string_view line, std::string_view blanks)
   std::size_t start = line.find_first_not_of(blanks);
   while (arguments != nullptr && start != std::string_view::npos) {
     const std::size_t end = std::min(line.find_first_of(blanks, start), line.size());
-    if (!AppendCopy(*arguments, line.substr(start, end - start))) {
-      return nullptr;
-    }
+    if (!AppendCopy(*arguments, line.substr(start, end - start))) return nullptr;
     start = line.find_first_not_of(blanks, end);
   }
   return arguments;

@@ -38,9 +38,7 @@ class SignalsHeld {
 /// No signal is held back from a tool, whatever the shell does.
 void SetToolSignals(std::uint16_t ignoreInt) {
   std::signal(SIGINT, ignoreInt == 1 ? SIG_IGN : SIG_DFL);
-  for (const int signal : {SIGTERM, SIGHUP, SIGPIPE, SIGTTOU}) {
-    std::signal(signal, SIG_DFL);
-  }
+  for (const int signal : {SIGTERM, SIGHUP, SIGPIPE, SIGTTOU}) std::signal(signal, SIG_DFL);
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -49,16 +47,12 @@ void SetToolSignals(std::uint16_t ignoreInt) {
 /// Becomes the tool. A step that fails before there is a tool to start counts as success, for the shell's caller
 /// could not tell the operator anything about it.
 [[noreturn]] void BecomeTool(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo) {
-  if (setpgid(0, 0) != 0 || SetPgtp(getpid()) != kSuccess) {
-    _exit(EXIT_SUCCESS);
-  }
+  if (setpgid(0, 0) != 0 || SetPgtp(getpid()) != kSuccess) _exit(EXIT_SUCCESS);
   SetToolSignals(ignoreInt);
   SetToolMode(echo);
   const UniqueArguments words = cmdline == nullptr ? nullptr : SplitCommandLine(cmdline, " ");
   char* const* arguments = ArgumentsOf(words.get());
-  if (arguments == nullptr) {
-    _exit(EXIT_SUCCESS);
-  }
+  if (arguments == nullptr) _exit(EXIT_SUCCESS);
   execv(arguments[0], arguments);
   _exit(EXIT_FAILURE);
 }
@@ -67,9 +61,7 @@ void SetToolSignals(std::uint16_t ignoreInt) {
 pid_t StartTool(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo) {
   const SignalsHeld held;
   const pid_t child = fork();
-  if (child == 0) {
-    BecomeTool(cmdline, ignoreInt, echo);
-  }
+  if (child == 0) BecomeTool(cmdline, ignoreInt, echo);
   g_EShSubPid = child;
   return child;
 }
@@ -81,9 +73,7 @@ std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std:
   const ConsoleKept console;
   ESH_TERM_OFlush();  // or the tool's output would come before what the shell has already said
   const pid_t child = StartTool(cmdline, ignoreInt, echo);
-  if (child < 0) {
-    return ESH_ERR_FAIL;
-  }
+  if (child < 0) return ESH_ERR_FAIL;
   setpgid(child, child);  // also here, so that the group exists whichever process runs first
   const std::uint32_t result = ResultOfChild(child);
   g_EShSubPid = -1;
@@ -95,11 +85,8 @@ std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std:
 
 std::uint32_t ResultOfChild(pid_t child) {
   int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) {
-      return ESH_ERR_FAIL;
-    }
-  }
+  while (waitpid(child, &status, 0) < 0)
+    if (errno != EINTR) return ESH_ERR_FAIL;
   return status == 0 ? kSuccess : ESH_ERR_FAIL;
 }
 
@@ -108,9 +95,7 @@ std::uint32_t SetPgtp(pid_t pgrp) {
   sigset_t before;
   sigemptyset(&blocked);
   // A background process that takes the terminal is stopped by the terminal, unless it blocks the signal.
-  for (const int signal : {SIGTTOU, SIGTTIN, SIGTSTP, SIGCHLD}) {
-    sigaddset(&blocked, signal);
-  }
+  for (const int signal : {SIGTTOU, SIGTTIN, SIGTSTP, SIGCHLD}) sigaddset(&blocked, signal);
   sigprocmask(SIG_BLOCK, &blocked, &before);
   const int answer = tcsetpgrp(STDERR_FILENO, pgrp);
   sigprocmask(SIG_SETMASK, &before, nullptr);
@@ -120,15 +105,11 @@ std::uint32_t SetPgtp(pid_t pgrp) {
 std::uint16_t ESH_IsForkSubProcess() { return g_EShSubPid == -1 ? 0 : 1; }
 
 void ESH_Sig2SubProcess(int sig) {
-  if (ESH_IsForkSubProcess() == 1) {
-    kill(g_EShSubPid, sig);
-  }
+  if (ESH_IsForkSubProcess() == 1) kill(g_EShSubPid, sig);
 }
 
 void ESH_CloseSubProcess() {
-  if (ESH_IsForkSubProcess() == 0) {
-    return;
-  }
+  if (ESH_IsForkSubProcess() == 0) return;
   killpg(g_EShSubPid, SIGTERM);
   killpg(g_EShSubPid, SIGHUP);
   SetPgtp(g_iShellGid);

@@ -38,11 +38,11 @@ bool CycleGoesOn(const char* word) {
 }
 
 void DropPlaceholders(VEC_S& list) {
-  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
-    if (ESH_Variable(line.szKeyWord) == 1 || std::strcmp(line.szKeyWord, kCrWord) == 0) {
-      RemoveHelpLine(list, index);
-    }
-  });
+  ForEachSlot<ESH_HELP_INFO_S>(
+      list,
+      [&](std::uint64_t index, ESH_HELP_INFO_S& line) {
+        if (ESH_Variable(line.szKeyWord) == 1 || std::strcmp(line.szKeyWord, kCrWord) == 0) RemoveHelpLine(list, index);
+      });
 }
 
 /// What may continue the last word, in the order of the command tree; NULL when the words do not match
@@ -50,13 +50,9 @@ void DropPlaceholders(VEC_S& list) {
 /// @param elements an empty vector for the elements that match.
 UniqueHelpList MakeCandidates(const VEC_S& words, std::uint64_t count, const char* word, VEC_S& elements) {
   std::uint64_t failed = 0;
-  if (ESH_GetCmdElementVec(&words, count, ESH_WORD_PARTIAL, &elements, &failed) < ESH_MATCH_PARAM) {
-    return nullptr;
-  }
+  if (ESH_GetCmdElementVec(&words, count, ESH_WORD_PARTIAL, &elements, &failed) < ESH_MATCH_PARAM) return nullptr;
   UniqueHelpList list(ESH_MakeHelpInfoVec(word, &elements));
-  if (list == nullptr || HelpLineWasLost()) {
-    return nullptr;
-  }
+  if (list == nullptr || HelpLineWasLost()) return nullptr;
   DropPlaceholders(*list);
   return list;
 }
@@ -66,9 +62,7 @@ std::string_view Shortest(const VEC_S& candidates) {
   std::string_view shortest;
   ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
     const std::string_view keyword(candidate.szKeyWord);
-    if (shortest.empty() || keyword.size() < shortest.size()) {
-      shortest = keyword;
-    }
+    if (shortest.empty() || keyword.size() < shortest.size()) shortest = keyword;
   });
   return shortest;
 }
@@ -80,9 +74,7 @@ std::string_view CommonPrefix(const VEC_S& candidates, std::size_t known) {
   std::size_t shared = model.size();
   ForEachSlot<ESH_HELP_INFO_S>(candidates, [&](std::uint64_t, const ESH_HELP_INFO_S& candidate) {
     std::size_t agreed = known;
-    while (agreed < shared && LowerCase(candidate.szKeyWord[agreed]) == LowerCase(model[agreed])) {
-      ++agreed;
-    }
+    while (agreed < shared && LowerCase(candidate.szKeyWord[agreed]) == LowerCase(model[agreed])) ++agreed;
     shared = std::min(shared, agreed);
   });
   return model.substr(0, shared);
@@ -102,9 +94,9 @@ void FirstTab(const VEC_S& words, char* line, const VEC_S& candidates, const cha
 /// The candidate that was put in last, or else one in another case. Names that differ in case alone are several, and
 /// the cycle would never get past the second if it were taken for the first.
 const ESH_HELP_INFO_S* LastPutIn(const VEC_S& candidates) {
-  const ESH_HELP_INFO_S* exact = FindSlot<ESH_HELP_INFO_S>(candidates, [](const ESH_HELP_INFO_S& candidate) {
-    return std::strcmp(candidate.szKeyWord, g_stTabState.szLast) == 0;
-  });
+  const ESH_HELP_INFO_S* exact = FindSlot<ESH_HELP_INFO_S>(
+      candidates,
+      [](const ESH_HELP_INFO_S& candidate) { return std::strcmp(candidate.szKeyWord, g_stTabState.szLast) == 0; });
   return exact != nullptr ? exact : FindSlot<ESH_HELP_INFO_S>(candidates, [](const ESH_HELP_INFO_S& candidate) {
     return EqualsIgnoringCase(candidate.szKeyWord, g_stTabState.szLast);
   });
@@ -132,15 +124,14 @@ void FurtherTab(const VEC_S& words, char* line, const VEC_S& candidates) {
 
 void Complete(const VEC_S& words, char* line, const VEC_S& candidates, const char* word) {
   const std::uint64_t count = VEC_GetCount(&candidates);
-  if (count == 0) {
+  if (count == 0)
     ESH_ResetTabState();
-  } else if (count == 1) {
+  else if (count == 1)
     TabPrintFirst(&words, line, &candidates, word);
-  } else if (g_stTabState.szPrefix[0] == '\0') {
+  else if (g_stTabState.szPrefix[0] == '\0')
     FirstTab(words, line, candidates, word);
-  } else {
+  else
     FurtherTab(words, line, candidates);
-  }
 }
 
 }  // namespace
@@ -159,16 +150,13 @@ void ESH_TabComplete(VEC_S* words, char* line) {
     return;
   }
   const UniqueVector elements(VEC_Alloc(kUsualSlots));
-  if (elements == nullptr) {
-    return;
-  }
+  if (elements == nullptr) return;
   char* word = WordAt(*words, count - 1)->pcWord;
   NoteWordCount(count, line);
-  if (CycleGoesOn(word)) {
+  if (CycleGoesOn(word))
     CopyBounded(word, kWordRoom, g_stTabState.szPrefix);
-  } else {
+  else
     ForgetCycle();
-  }
   const UniqueHelpList candidates = MakeCandidates(*words, count, word, *elements);
   if (candidates == nullptr) {
     ESH_ResetTabState();
@@ -182,9 +170,7 @@ void TabPrintFirst(const VEC_S* words, char* line, const VEC_S* candidates, cons
   const ESH_HELP_INFO_S* chosen = FindSlot<ESH_HELP_INFO_S>(*candidates, [&](const ESH_HELP_INFO_S& candidate) {
     return only_one || !EqualsIgnoringCase(candidate.szKeyWord, typed);
   });
-  if (chosen == nullptr) {
-    return;
-  }
+  if (chosen == nullptr) return;
   CmdTabModifyBuf(words, line, chosen->szKeyWord, only_one ? 1 : 0);
   CopyText(g_stTabState.szLast, chosen->szKeyWord);
 }
@@ -198,7 +184,5 @@ void CmdTabModifyBuf(const VEC_S* words, char* line, const char* text, std::uint
     line[end] = ' ';
     line[end + 1] = '\0';
   }
-  if (first > 0) {
-    std::memmove(line, line + first, std::strlen(line + first) + 1);
-  }
+  if (first > 0) std::memmove(line, line + first, std::strlen(line + first) + 1);
 }

@@ -34,12 +34,8 @@ class HelpOutput {
   /// Adds a piece whose parts stay together.
   void Add(std::initializer_list<std::string_view> parts) {
     std::size_t size = 0;
-    for (const std::string_view part : parts) {
-      size += part.size();
-    }
-    if (length_ + size > kHelpOutputRoom - 1) {
-      Print();
-    }
+    for (const std::string_view part : parts) size += part.size();
+    if (length_ + size > kHelpOutputRoom - 1) Print();
     for (const std::string_view part : parts) {
       CopyBounded(buffer_ + length_, kHelpOutputRoom - length_, part);
       length_ += part.size();
@@ -62,9 +58,7 @@ struct KeywordWidth {
   explicit KeywordWidth(const char* keyword) : indented((std::strlen(keyword) + 2) % kScreenWidth) {}
 
   [[nodiscard]] std::size_t Column() const {
-    if (indented == kScreenWidth - 2 || indented == 0) {
-      return 2;
-    }
+    if (indented == kScreenWidth - 2 || indented == 0) return 2;
     return indented == kScreenWidth - 1 ? 1 : indented;
   }
 
@@ -91,9 +85,7 @@ std::string_view SkipBlanks(std::string_view text) {
 
 /// The piece of a description that goes into one row: up to the last blank that fits, that blank included.
 std::string_view FirstRow(std::string_view rest, std::size_t room) {
-  if (rest.size() <= room || rest[room] == ' ') {
-    return rest.substr(0, room);
-  }
+  if (rest.size() <= room || rest[room] == ' ') return rest.substr(0, room);
   const std::size_t blank = rest.substr(0, room).rfind(' ');
   return rest.substr(0, blank == std::string_view::npos ? room : blank + 1);
 }
@@ -111,9 +103,7 @@ void AddWholeLine(const ESH_HELP_INFO_S& line, std::size_t widest, HelpOutput& o
     row.AppendText(piece);
     output.Add({row.View()});
     output.Add({"\r\n"});
-    if (piece.size() == rest.size()) {
-      return;
-    }
+    if (piece.size() == rest.size()) return;
     rest = SkipBlanks(rest.substr(piece.size()));
     row.Clear();
     row.AppendRepeated(' ', column);
@@ -121,19 +111,20 @@ void AddWholeLine(const ESH_HELP_INFO_S& line, std::size_t widest, HelpOutput& o
 }
 
 void PrintNames(const VEC_S& list, HelpOutput& output) {
-  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
-    output.Add({"  ", line.szKeyWord, "\r\n"});
-  });
+  ForEachSlot<ESH_HELP_INFO_S>(
+      list,
+      [&](std::uint64_t, const ESH_HELP_INFO_S& line) {
+        output.Add({"  ", line.szKeyWord, "\r\n"});
+      });
 }
 
 void PrintHeading() {
-  if (g_pstEshCurrentView == g_pstEshUserView) {
+  if (g_pstEshCurrentView == g_pstEshUserView)
     std::puts(kUserHeading);
-  } else if (g_pstEshCurrentView == g_pstEshSysView) {
+  else if (g_pstEshCurrentView == g_pstEshSysView)
     std::puts(kSystemHeading);
-  } else {
+  else
     std::puts(kOtherHeading);
-  }
 }
 
 void HelpAtNewWord(const VEC_S& words, VEC_S& candidates) {
@@ -145,9 +136,7 @@ void HelpAtNewWord(const VEC_S& words, VEC_S& candidates) {
     return;
   }
   const UniqueHelpList list(ESH_MakeHelpInfoVec(kNewWord, &candidates));
-  if (count == 0) {
-    PrintHeading();
-  }
+  if (count == 0) PrintHeading();
   PrintHelpVec(list.get(), 1);
 }
 
@@ -168,25 +157,18 @@ void HelpOnPartialWord(const VEC_S& words, VEC_S& candidates) {
 
 void ESH_Help(const VEC_S* words, std::uint16_t atNewWord) {
   const UniqueVector candidates(VEC_Alloc(kUsualSlots));
-  if (candidates == nullptr) {
-    return;
-  }
-  if (atNewWord == 1) {
+  if (candidates == nullptr) return;
+  if (atNewWord == 1)
     HelpAtNewWord(*words, *candidates);
-  } else {
+  else
     HelpOnPartialWord(*words, *candidates);
-  }
 }
 
 void PrintHelpVec(VEC_S* list, std::uint16_t whole) {
   const std::uint64_t count = VEC_GetCount(list);
-  if (count == 0) {
-    return;
-  }
+  if (count == 0) return;
   const UniqueText output(static_cast<char*>(std::malloc(kHelpOutputRoom)));
-  if (output == nullptr) {
-    return;
-  }
+  if (output == nullptr) return;
   QuickSortStrVec(list, 0, static_cast<std::int64_t>(count) - 1);
   if (whole == 1) {
     PrintWholeHelp(list, output.get());

@@ -35,9 +35,7 @@ void ForgetSeen() {
 
 /// @return false when memory is short.
 bool SeeLinesOf(const VEC_S& list) {
-  if (g_seen.list == &list && g_seen.first_free == list.ulFirstFree) {
-    return true;
-  }
+  if (g_seen.list == &list && g_seen.first_free == list.ulFirstFree) return true;
   ForgetSeen();
   bool all_seen = true;
   ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t, ESH_HELP_INFO_S& line) {
@@ -52,13 +50,9 @@ using UniqueLine = std::unique_ptr<ESH_HELP_INFO_S, MemoryFreer>;
 /// Puts a line into the tree, then into the list, which owns it from then on.
 /// @return false when memory is short.
 bool AddLine(UniqueLine line, VEC_S& list) {
-  if (line == nullptr || !SeeLinesOf(list)) {
-    return false;
-  }
+  if (line == nullptr || !SeeLinesOf(list)) return false;
   void* const* seen = static_cast<void**>(tsearch(line.get(), &g_seen.tree, CompareKeywords));
-  if (seen == nullptr || *seen != line.get()) {
-    return seen != nullptr;  // listed already
-  }
+  if (seen == nullptr || *seen != line.get()) return seen != nullptr;  // listed already
   if (VEC_Add(&list, kNoIndex, line.get()) == kNoIndex) {
     tdelete(line.get(), &g_seen.tree, CompareKeywords);
     return false;
@@ -74,9 +68,7 @@ struct Number {
 };
 
 Number LeadingNumber(const char* text) {
-  if (*text > '9') {
-    return {0, text};  // no number begins like this, but nearly every name does, and a sort asks often
-  }
+  if (*text > '9') return {0, text};  // no number begins like this, but nearly every name does, and a sort asks often
   char* rest = nullptr;
   const unsigned long value = std::strtoul(text, &rest, 10);
   return {value, rest};
@@ -87,15 +79,12 @@ Number LeadingNumber(const char* text) {
 VEC_S* ESH_MakeHelpInfoVec(const char* word, const VEC_S* candidates) {
   g_line_was_lost = false;
   VEC_S* list = VEC_Alloc(kUsualSlots);
-  if (list == nullptr) {
-    return nullptr;
-  }
+  if (list == nullptr) return nullptr;
   ForEachSlot<ESH_CMD_ELEMENT_S>(*candidates, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
-    if (element.pfnHelp == nullptr) {
+    if (element.pfnHelp == nullptr)
       ESH_NewHelpInfo(element.pcKeyWord, element.pcHelp, list);
-    } else {
+    else
       element.pfnHelp(word, list, &element);
-    }
   });
   return list;
 }
@@ -106,9 +95,7 @@ std::uint32_t ESH_NewHelpInfo(const char* keyword, const char* help, VEC_S* list
     CopyText(line->szKeyWord, keyword);
     CopyText(line->szHelp, help);
   }
-  if (!AddLine(std::move(line), *list)) {
-    NoteLostHelpLine();
-  }
+  if (!AddLine(std::move(line), *list)) NoteLostHelpLine();
   return kSuccess;
 }
 
@@ -127,30 +114,18 @@ void ESH_FreeHelpInfoVec(VEC_S* list) {
 }
 
 int CmpHelpString(const char* a, const char* b) {
-  if (std::strcmp(a, kCrWord) == 0) {
-    return 1;
-  }
-  if (std::strcmp(b, kCrWord) == 0) {
-    return -1;
-  }
+  if (std::strcmp(a, kCrWord) == 0) return 1;
+  if (std::strcmp(b, kCrWord) == 0) return -1;
   const Number first = LeadingNumber(a);
   const Number second = LeadingNumber(b);
-  if (*first.rest != '\0' && *second.rest != '\0') {
-    return std::strcmp(a, b);
-  }
-  if (*first.rest != '\0' || *second.rest != '\0') {
-    return *first.rest != '\0' ? 1 : -1;
-  }
-  if (first.value == second.value) {
-    return 0;
-  }
+  if (*first.rest != '\0' && *second.rest != '\0') return std::strcmp(a, b);
+  if (*first.rest != '\0' || *second.rest != '\0') return *first.rest != '\0' ? 1 : -1;
+  if (first.value == second.value) return 0;
   return first.value < second.value ? -1 : 1;
 }
 
 void QuickSortStrVec(VEC_S* list, std::int64_t lo, std::int64_t hi) {
-  if (lo >= hi) {
-    return;
-  }
+  if (lo >= hi) return;
   // The library's quicksort: it keeps its time also where the order of the list splits badly.
   std::sort(list->ppvArray + lo, list->ppvArray + hi + 1, [](const void* a, const void* b) {
     return CmpHelpString(static_cast<const char*>(a), static_cast<const char*>(b)) < 0;

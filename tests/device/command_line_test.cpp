@@ -87,11 +87,10 @@ TEST_F(NativeCommandLine, LeavesNothingBehind) {
   BootToPrompt();
   const std::string process = "/proc/" + ShellPid();
   const auto usage_after = [&](int rounds) {
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < rounds; ++round)
       Type(
           "dir\rdir nothing\rnothing\rpwd x\rsystem-view\rinterface m-eth0\rquit\rquit\r"
           "dir fl\t\t?\x1a");
-    }
     Type("that is all\r");
     Expect("that is all");
     Expect("Unrecognized");

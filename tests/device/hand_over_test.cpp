@@ -15,9 +15,8 @@ TEST_F(HandOver, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
   EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
   EXPECT_EQ(Run("cat /proc/sys/7/8/1"), "0\n");
   EXPECT_EQ(Run("cd /mnt; ls -d slot0*"), "slot0#usba0:\n") << "only the links of flash: and cfa0: go";
-  if (!IsArm64()) {  // its kernel is built without a hotplug helper
+  if (!IsArm64())  // its kernel is built without a hotplug helper
     EXPECT_EQ(Board().ReadFile("/proc/sys/kernel/hotplug").value_or(""), std::string("/sbin/hotplug\0", 14));
-  }
 }
 
 TEST_F(NativeHandOver, CallsTheCommandProgramByItsName) {

@@ -25,9 +25,7 @@ class NativeInstall : public OperatorConsole {
  protected:
   void SetUp() override {
     OperatorConsole::SetUp();
-    if (key_ == nullptr) {
-      ASSERT_EQ(mkpkg::GenerateKey(mkpkg::kLeastExponent, key_), "");
-    }
+    if (key_ == nullptr) ASSERT_EQ(mkpkg::GenerateKey(mkpkg::kLeastExponent, key_), "");
     std::string key_file;
     ASSERT_EQ(mkpkg::EncodeDeviceKey(key_, mkpkg::kShortKeyFile, key_file), "");
     Replace("/etc/sign_pub_key/maker.key", key_file);
@@ -286,9 +284,8 @@ TEST_F(SamplePackages, LoadUnlessTheyAreBad) {
     EXPECT_EQ(Board().ReadFile("/var/pkg/change.list"), record + std::string(64 - record.size(), '\0'));
     EXPECT_EQ(Run("ls -A /tmp /root/.ssh; grep -c ipstack /proc/modules; ls /sys/class/net | grep m-eth0; true"),
               "/root/.ssh:\n\n/tmp:\n0\n");
-    if (!IsArm64()) {  // there it is a kernel's, which lets nobody read it
+    if (!IsArm64())  // there it is a kernel's, which lets nobody read it
       EXPECT_EQ(Run("cat /proc/sys/vm/drop_caches"), "3\n");
-    }
     Type("boot\r");
     Expect("<boot>");
   }

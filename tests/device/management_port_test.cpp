@@ -191,9 +191,8 @@ TEST_F(NativeManagementPort, ComesUpAgainWithWhatIsSaved) {
 TEST_F(ManagementPort, IsSetAsTheKernelSays) {
   UsePort();
   for (const char* line : {"ip address 10.0.0.9 255.255.255.0", "ip gateway 10.0.0.1", "ipv6 address fd00::9 64",
-                           "ipv6 gateway fe80::1", "shutdown", "undo shutdown"}) {
+                           "ipv6 gateway fe80::1", "shutdown", "undo shutdown"})
     EXPECT_EQ(Command(line), "");
-  }
   const std::string addresses = Run("ip -o addr show dev m-eth0");
   EXPECT_NE(addresses.find("inet 10.0.0.9/24 brd 10.0.0.255 "), std::string::npos) << addresses;
   EXPECT_NE(addresses.find("inet6 fd00::9/64 scope global"), std::string::npos) << addresses;
@@ -223,9 +222,8 @@ TEST_F(ManagementPort, IsShownAsTheKernelSeesIt) {
   for (const char* line :
        {"\nInet4 Address is 10.0.0.9/23\n", "\nInet6 Address is fec0::9/10 Scope:Site\n",
         "\nInet6 Address is ::10.2.3.4/96 Scope:Compat\n", "\nInet6 Address is fd00::9/64 Scope:Global\n",
-        "/64 Scope:Link\n", "\nThe Maximum Transmit Unit is 1400 \n"}) {
+        "/64 Scope:Link\n", "\nThe Maximum Transmit Unit is 1400 \n"})
     EXPECT_NE(shown.find(line), std::string::npos) << line << shown;
-  }
   Run("ip link set m-eth0 mtu 1500");
 
   Board().RunInLab("ip link set lab0 down");  // an emulated cable stays plugged in

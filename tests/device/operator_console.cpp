@@ -21,9 +21,8 @@ constexpr char kDeviceVariable[] = "ESH_TEST_DEVICE";
 constexpr std::string_view kPrompts[] = {"<boot>", "[boot]", "[boot-m-eth0]"};
 
 bool EndsInPrompt(std::string_view text) {
-  for (const std::string_view prompt : kPrompts) {
+  for (const std::string_view prompt : kPrompts)
     if (text.ends_with(prompt)) return true;
-  }
   return false;
 }
 
@@ -117,13 +116,12 @@ void OperatorConsole::Type(std::string_view keys) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   while (!keys.empty() && !has_given_up_) {
     const ssize_t written = write(board_->Console(), keys.data(), keys.size());
-    if (written > 0) {
+    if (written > 0)
       keys.remove_prefix(static_cast<std::size_t>(written));
-    } else if (std::chrono::steady_clock::now() > deadline) {
+    else if (std::chrono::steady_clock::now() > deadline)
       GiveUp("the device takes no keys");
-    } else {
+    else
       TakeIn(milliseconds(20));  // the line is full until the device has read, and it may wait to be heard
-    }
   }
 }
 

@@ -92,8 +92,8 @@ class OperatorConsole : public testing::Test {
   void GiveUp(const std::string& problem);
 
   static std::unique_ptr<device::Device> board_;
-  static device::BootOptions board_options_;  // what the device is made of
-  bool is_booted_ = false;                    // by this test, or taken over by it
+  static device::BootOptions board_options_;  ///< what the device is made of
+  bool is_booted_ = false;                    ///< by this test, or taken over by it
   bool others_may_use_ = false;
   bool has_given_up_ = false;
   std::string printed_;

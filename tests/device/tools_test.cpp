@@ -30,9 +30,8 @@ TEST_F(Tools, OwnTheTerminalWithTheModesOfTheStart) {
   std::string said = Expect("<boot>");
   std::replace(said.begin(), said.end(), '\n', ' ');
   for (const char* mode : {" icanon", " isig", " opost", " -echo ", "intr = ^C", "quit = <undef>", "susp = <undef>",
-                           "start = <undef>", "stop = <undef>"}) {
+                           "start = <undef>", "stop = <undef>"})
     EXPECT_NE(said.find(mode), std::string::npos) << mode;
-  }
   const std::size_t groups = said.find("pgrp ");
   const std::size_t blank = said.find(' ', groups + 5);
   EXPECT_EQ(said.substr(groups + 5, blank - groups - 5), said.substr(blank + 1, said.find(' ', blank + 1) - blank - 1))

@@ -36,9 +36,8 @@ bool PrintDigest(PKG_READER_S* reader, const PackageFileEntry& file) {
 }
 
 void PrintFiles(PKG_READER_S* reader) {
-  for (std::uint32_t i = 0; i < reader->head.file_count; ++i) {
+  for (std::uint32_t i = 0; i < reader->head.file_count; ++i)
     if (!PrintDigest(reader, reader->head.files[i])) std::printf(" -");
-  }
 }
 
 void Judge(const char* path, std::uint32_t product_tag, const char* key_directory) {

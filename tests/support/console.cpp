@@ -26,11 +26,10 @@ bool HasInput(int fd) {
 
 [[noreturn]] void RunChild(const char* term, const Console::Body& body, int report_fd) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (term == nullptr) {
+  if (term == nullptr)
     unsetenv("TERM");
-  } else {
+  else
     setenv("TERM", term, 1);
-  }
   body([report_fd](std::string_view message) { (void)!write(report_fd, message.data(), message.size()); });
   std::fflush(stdout);
   _exit(0);

@@ -46,9 +46,8 @@ std::string EnterNamespaces() {
     return Failure("this machine does not allow a mount namespace");
   }
   if (!WriteMap("/proc/self/setgroups", "deny") || !WriteMap("/proc/self/uid_map", user) ||
-      !WriteMap("/proc/self/gid_map", group)) {
+      !WriteMap("/proc/self/gid_map", group))
     return Failure("cannot map the user and the group");
-  }
   return "";
 }
 
@@ -57,9 +56,8 @@ std::string ChangeRoot() {
   if (std::string problem = device::PartMounts(); !problem.empty()) return problem;
   if (mount("tmpfs", kSite, "tmpfs", 0, "mode=0755") != 0) return Failure("cannot mount a file system in memory");
   if (mkdir(machine.c_str(), 0755) != 0 || mount("/", machine.c_str(), nullptr, MS_BIND | MS_REC, nullptr) != 0 ||
-      chroot(kSite) != 0 || chdir("/") != 0) {
+      chroot(kSite) != 0 || chdir("/") != 0)
     return Failure("cannot change the root directory");
-  }
   return "";
 }
 

@@ -31,9 +31,8 @@ ScriptedStdio::~ScriptedStdio() {
   const std::string left = TakeOutput();
   dup2(saved_input_.Get(), STDIN_FILENO);
   dup2(saved_output_.Get(), STDOUT_FILENO);
-  if (testing::Test::HasFailure()) {
+  if (testing::Test::HasFailure())
     std::fputs(left.c_str(), stdout);  // a failed expectation was reported into the kept output
-  }
 }
 
 std::string ScriptedStdio::TakeOutput() {

@@ -36,9 +36,8 @@ constexpr std::pair<const char*, std::uint32_t> kPlaceholders[] = {
 };
 
 std::uint32_t TypeOfWord(const std::string& word) {
-  for (const auto& [beginning, type] : kPlaceholders) {
+  for (const auto& [beginning, type] : kPlaceholders)
     if (word.starts_with(beginning)) return type;
-  }
   return ESH_ELEM_KEYWORD;
 }
 

@@ -9,7 +9,7 @@
 struct TestCallbacks {
   ESH_CMD_HELP_F help = nullptr;
   ESH_CMD_CHECK_F check = nullptr;
-  std::initializer_list<ESH_CMD_RECORD_F> records = {};  // one for each, in their order
+  std::initializer_list<ESH_CMD_RECORD_F> records = {};  ///< one for each, in their order
 };
 
 /// A view with commands of the test's own; it is the current one while it lives.

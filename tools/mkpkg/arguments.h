@@ -9,7 +9,7 @@ namespace mkpkg {
 
 /// An option of a sub-command: "--name" or, with a value, "--name VALUE" and "--name=VALUE".
 struct Option {
-  const char* name = nullptr;  // without the hyphens
+  const char* name = nullptr;  ///< without the hyphens
   bool has_value = false;
 };
 

@@ -40,18 +40,16 @@ std::string Compose(const std::string& origin, std::string& package) {
   PackageContents contents;
   if (std::string problem = ReadWholeFile(origin, text); !problem.empty()) return problem;
   if (std::string problem = ParseDescription(text, origin, description); !problem.empty()) return problem;
-  if (std::string problem = CollectContents(description, DirectoryOf(origin), contents); !problem.empty()) {
+  if (std::string problem = CollectContents(description, DirectoryOf(origin), contents); !problem.empty())
     return problem;
-  }
   return ComposePackage(contents, package);
 }
 
 int Run(const Arguments& arguments) {
   const std::string& path = arguments.Operands()[1];
   std::string package;
-  if (std::string problem = Compose(arguments.Operands()[0], package); !problem.empty()) {
+  if (std::string problem = Compose(arguments.Operands()[0], package); !problem.empty())
     return Fail(kBadInput, problem);
-  }
   if (std::string problem = WriteWholeFile(path, package); !problem.empty()) return Fail(kCannotWrite, problem);
   PackageModel written;
   if (std::string problem = ReadPackage(path, written); !problem.empty()) return Fail(kCannotWrite, problem);

@@ -78,15 +78,13 @@ void PrintWarnings(const std::string& path, const DeviceFacts& facts) {
   if (!ReadPackage(path, package).empty()) return;  // the verdict says it
   for (const std::string& warning : WarningsFor(package, BaseName(facts.typed_name))) Warn(Printable(warning));
   for (const std::string& warning : SignatureWarningsFor(package)) Warn(Printable(warning));
-  if (NamesWeakKey(package, facts.key_directory)) {
+  if (NamesWeakKey(package, facts.key_directory))
     Warn("the device's key has a public exponent below 65537: with it anybody can sign packages");
-  }
 }
 
 int Run(const Arguments& arguments) {
-  if (!arguments.Has("version-file") || !arguments.Has("keys")) {
+  if (!arguments.Has("version-file") || !arguments.Has("keys"))
     return Fail(kUsage, "--version-file and --keys are needed; see \"mkpkg check --help\"");
-  }
   if (std::string problem = MissingInput(arguments); !problem.empty()) return Fail(kBadInput, problem);
   const std::string& path = arguments.Operands()[0];
   const DeviceFacts facts = {arguments.Value("version-file"), arguments.Value("keys"), arguments.Value("boot-image"),

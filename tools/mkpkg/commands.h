@@ -10,11 +10,11 @@ namespace mkpkg {
 /// A sub-command of the tool.
 struct Command {
   const char* name;
-  const char* help;  // what --help prints
+  const char* help;  ///< what --help prints
   std::span<const Option> options;
   std::size_t least_operands;
   std::size_t most_operands;
-  int (*run)(const Arguments& arguments);  // returns an ExitStatus
+  int (*run)(const Arguments& arguments);  ///< returns an ExitStatus
 };
 
 extern const Command kBuildCommand;

@@ -32,8 +32,9 @@ constexpr Method kMethods[] = {
 };
 
 const Method& MethodOf(Compression compression) {
-  return *std::find_if(std::begin(kMethods), std::end(kMethods),
-                       [&](const Method& method) { return method.compression == compression; });
+  return *std::find_if(
+      std::begin(kMethods), std::end(kMethods),
+      [&](const Method& method) { return method.compression == compression; });
 }
 
 bool WriteData(archive* output, std::string_view data, Progress& progress) {
@@ -49,18 +50,16 @@ bool WriteData(archive* output, std::string_view data, Progress& progress) {
 UniqueArchiveReader OpenText(std::string_view text, int (*support)(archive*), int (*filters)(archive*)) {
   UniqueArchiveReader input(archive_read_new());
   if (!input || support(input.get()) != ARCHIVE_OK || filters(input.get()) < ARCHIVE_WARN ||
-      archive_read_open_memory(input.get(), text.data(), text.size()) != ARCHIVE_OK) {
+      archive_read_open_memory(input.get(), text.data(), text.size()) != ARCHIVE_OK)
     return nullptr;
-  }
   return input;
 }
 
 }  // namespace
 
 std::optional<Compression> CompressionNamed(std::string_view name) {
-  for (const Method& method : kMethods) {
+  for (const Method& method : kMethods)
     if (name == method.name) return method.compression;
-  }
   return std::nullopt;
 }
 
@@ -78,9 +77,8 @@ std::string Compress(Compression compression, std::string_view data, Progress& p
   archive_entry_set_size(entry.get(), static_cast<la_int64_t>(data.size()));
   if (method.set_format(output.get()) != ARCHIVE_OK || method.set_up(output.get()) != ARCHIVE_OK ||
       !OpenToText(output.get(), compressed) || archive_write_header(output.get(), entry.get()) != ARCHIVE_OK ||
-      !WriteData(output.get(), data, progress) || archive_write_close(output.get()) != ARCHIVE_OK) {
+      !WriteData(output.get(), data, progress) || archive_write_close(output.get()) != ARCHIVE_OK)
     return std::string("cannot compress with ") + method.name + ": " + ArchiveReason(output.get());
-  }
   return "";
 }
 
@@ -90,9 +88,8 @@ std::string Unpack7z(std::string_view packed, std::size_t size, std::string& dat
   archive_entry* entry = nullptr;
   if (!input || archive_read_next_header(input.get(), &entry) != ARCHIVE_OK) return "the data are no 7z archive";
   const la_int64_t length = archive_entry_size(entry);
-  if (length <= 0 || static_cast<std::size_t>(length) > size) {
+  if (length <= 0 || static_cast<std::size_t>(length) > size)
     return "the 7z data unpack to nothing, or to more than the size that the package tells";
-  }
   data.assign(static_cast<std::size_t>(length), '\0');
   if (archive_read_data(input.get(), data.data(), data.size()) != length) {
     data = {};

@@ -30,8 +30,8 @@ enum class Compression { kGz, kLzma, kXz, k7z };
 
 /// What a device's root file system gets from an image.
 struct ImageRoom {
-  std::uint64_t files = 0;  // that are made, directories included
-  std::uint64_t bytes = 0;  // of all regular files together
+  std::uint64_t files = 0;  ///< that are made, directories included
+  std::uint64_t bytes = 0;  ///< of all regular files together
 };
 
 /// Counts what is in an image: a cpio archive, compressed or not.

@@ -43,9 +43,8 @@ std::optional<std::uint32_t> ReadNumber(std::string_view text) {
 
 template <std::size_t kCount>
 std::optional<std::uint32_t> ValueNamed(const NamedValue (&values)[kCount], std::string_view name) {
-  for (const NamedValue& value : values) {
+  for (const NamedValue& value : values)
     if (value.name == name) return value.value;
-  }
   return std::nullopt;
 }
 
@@ -172,14 +171,11 @@ class Parser {
   void StoreOf(const Key (&keys)[kCount], std::string_view name, std::string_view value, Record& record) {
     const auto key = std::find_if(std::begin(keys), std::end(keys), [&](const Key& k) { return k.name == name; });
     if (key == std::end(keys)) return Refuse("there is no key \"" + std::string(name) + "\" here");
-    if (!MayRepeat(*key) && std::find(seen_.begin(), seen_.end(), name) != seen_.end()) {
+    if (!MayRepeat(*key) && std::find(seen_.begin(), seen_.end(), name) != seen_.end())
       return Refuse(std::string(name) + " is given twice");
-    }
     seen_.push_back(key->name);
     has_product_tag_ = has_product_tag_ || name == "product-tag";
-    if (!key->store(value, record)) {
-      Refuse("\"" + std::string(value) + "\" is no value for " + std::string(name));
-    }
+    if (!key->store(value, record)) Refuse("\"" + std::string(value) + "\" is no value for " + std::string(name));
   }
 
   static bool MayRepeat(const PackageKey& /*key*/) { return false; }

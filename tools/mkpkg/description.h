@@ -13,11 +13,11 @@ struct FileDescription {
   std::uint32_t id = 0;
   std::uint32_t device_tag = 0;
   std::string name;
-  std::string text;                       // the lines of "text:", each with its line end
-  std::string file;                       // the data are those of this file; relative to where the description stands
-  std::string directory;                  // the data are an archive of this directory; relative likewise
-  std::vector<Compression> compressions;  // in this order
-  int line = 0;                           // where it begins in the description
+  std::string text;                       ///< the lines of "text:", each with its line end
+  std::string file;                       ///< the data are those of this file; relative to where the description stands
+  std::string directory;                  ///< the data are an archive of this directory; relative likewise
+  std::vector<Compression> compressions;  ///< in this order
+  int line = 0;                           ///< where it begins in the description
 };
 
 /// A package as its maker describes it. The format is explained in mkpkg-format(5).

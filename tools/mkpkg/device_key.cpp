@@ -21,9 +21,8 @@ bool AppendNumber(const UniqueKey& key, const char* name, std::string& file) {
 }  // namespace
 
 std::string EncodeDeviceKey(const UniqueKey& key, std::size_t size, std::string& file) {
-  if (HasSmallExponent(key)) {
+  if (HasSmallExponent(key))
     return "the public exponent is below " + std::to_string(kLeastExponent) + ": signatures for it can be forged";
-  }
   // The number of bits, as wide as the header is.
   file.assign(size - 2 * kKeyNumberSize, '\0');
   file[file.size() - 2] = static_cast<char>(kKeyBits >> 8);

@@ -8,8 +8,8 @@
 namespace mkpkg {
 
 /// The two sizes of a device's key file. Both hold a header that nothing reads, the modulus and the public exponent.
-constexpr std::size_t kShortKeyFile = kDigestKeySize;   // opens signatures of the digest alone
-constexpr std::size_t kLongKeyFile = kPrefixedKeySize;  // opens them with or without DigestInfo
+constexpr std::size_t kShortKeyFile = kDigestKeySize;   ///< opens signatures of the digest alone
+constexpr std::size_t kLongKeyFile = kPrefixedKeySize;  ///< opens them with or without DigestInfo
 
 /// Makes the bytes of a device's key file from a public key.
 /// @param size  kShortKeyFile or kLongKeyFile.

@@ -124,17 +124,15 @@ bool IsCompatible(const PackageModel& package, const std::string& running) {
 
 /// The first image for a device whose head a device can read.
 const ContainedFile* FindImage(const PackageModel& package, std::uint32_t device_tag) {
-  for (const ContainedFile& file : package.files) {
+  for (const ContainedFile& file : package.files)
     if (file.id == kSystemImageFile && file.has_head && file.device_code == device_tag) return &file;
-  }
   return nullptr;
 }
 
 DeviceVerdict JudgeImage(const ContainedFile* image) {
   if (image == nullptr) return Refuse("image", "the package has no image for this device's tag", kOperationFailed);
-  if (!image->problem.empty()) {
+  if (!image->problem.empty())
     return Refuse("image", "image " + image->name + " gives no data: " + image->problem, kOperationFailed);
-  }
   if (!IsPlainImageName(image->name.substr(0, kImageNameRoom - 1))) {  // a device cuts it there
     return Refuse("image-name", "the image's name holds more than letters, digits, \".\", \"_\", \"-\" and \"+\"",
                   kOperationFailed);
@@ -156,9 +154,7 @@ DeviceVerdict JudgeContents(const PackageModel& package, const DeviceFacts& fact
                   "This system image is not compliant with the boot image.");
   }
   const std::uint32_t tag = ReadVersionTag(facts.version_file.c_str(), kDeviceTagName);
-  if (tag == kUnknownTag) {
-    return Refuse("device-tag", "the device's version file has no DeviceTag", kOperationFailed);
-  }
+  if (tag == kUnknownTag) return Refuse("device-tag", "the device's version file has no DeviceTag", kOperationFailed);
   return JudgeImage(FindImage(package, tag));
 }
 
@@ -171,9 +167,8 @@ DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts) {
   if (DeviceVerdict verdict = JudgeGenuine(reader.get(), facts); !verdict.accepted) return verdict;
   PackageModel package;
   ReadFiles(reader.get(), package);
-  if (OpenText(package, kDescriptionFile) == nullptr) {
+  if (OpenText(package, kDescriptionFile) == nullptr)
     return Refuse("description", "the package has no description", "Operation failed! ");
-  }
   return Accept();
 }
 

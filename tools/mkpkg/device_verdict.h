@@ -8,18 +8,18 @@ namespace mkpkg {
 
 /// What a device has that its verdict on a package depends on.
 struct DeviceFacts {
-  std::string version_file;   // its /etc/pkg/version/1_0_package
-  std::string key_directory;  // its /etc/sign_pub_key
-  std::string boot_image;     // its boot image package; "": it cannot be read, so nothing is compatible
-  std::string typed_name;     // what the operator types for the package, such as "flash:/system.bin"
+  std::string version_file;   ///< its /etc/pkg/version/1_0_package
+  std::string key_directory;  ///< its /etc/sign_pub_key
+  std::string boot_image;     ///< its boot image package; "": it cannot be read, so nothing is compatible
+  std::string typed_name;     ///< what the operator types for the package, such as "flash:/system.bin"
 };
 
 /// What a device does with a package.
 struct DeviceVerdict {
   bool accepted = false;
-  std::string step;  // that refuses, or "" when none does
+  std::string step;  ///< that refuses, or "" when none does
   std::string reason;
-  std::string line;  // what the device prints then
+  std::string line;  ///< what the device prints then
 };
 
 /// The verdict of "display install package".

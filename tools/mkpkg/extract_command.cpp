@@ -40,9 +40,8 @@ int Run(const Arguments& arguments) {
   const std::string& directory = arguments.Operands()[1];
   PackageModel package;
   if (std::string problem = ReadPackage(path, package); !problem.empty()) return Fail(kBadInput, problem);
-  if (mkdir(directory.c_str(), 0777) != 0 && errno != EEXIST) {
+  if (mkdir(directory.c_str(), 0777) != 0 && errno != EEXIST)
     return Fail(kCannotWrite, "cannot make " + directory + ": " + std::strerror(errno));
-  }
   int status = kDone;
   std::vector<std::string> used;
   for (std::size_t place = 0; place < package.files.size(); ++place) {
@@ -54,9 +53,8 @@ int Run(const Arguments& arguments) {
     }
     used.push_back(name);
     const std::string target = std::string(directory).append("/").append(name);
-    if (std::string problem = WriteWholeFile(target, file.data, 0666, false); !problem.empty()) {
+    if (std::string problem = WriteWholeFile(target, file.data, 0666, false); !problem.empty())
       return Fail(kCannotWrite, problem);
-    }
     std::printf("%s\n", target.c_str());
   }
   return std::max(status, EndOutput());

@@ -39,9 +39,8 @@ class Temporary {
     fd_.Reset(name_.size() < sizeof(g_temporary) ? mkostemp(name_.data(), O_CLOEXEC) : -1);
     if (!fd_) return;
     std::copy(name_.begin(), name_.end() + 1, g_temporary);
-    for (const int number : kFatalSignals) {
+    for (const int number : kFatalSignals)
       if (std::signal(number, RemoveTemporary) == SIG_IGN) (void)std::signal(number, SIG_IGN);
-    }
   }
   Temporary(const Temporary&) = delete;
   Temporary& operator=(const Temporary&) = delete;
@@ -97,9 +96,8 @@ std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode
   umask(mask);
   if (temporary.Get() < 0 || !WriteAll(temporary.Get(), bytes.data(), bytes.size()) ||
       fchmod(temporary.Get(), mode & ~mask) != 0 || fsync(temporary.Get()) != 0 ||
-      !temporary.TakePlaceOf(path, replace)) {
+      !temporary.TakePlaceOf(path, replace))
     return Reason("write", path);
-  }
   return "";
 }
 

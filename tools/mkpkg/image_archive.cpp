@@ -22,9 +22,8 @@ namespace fs = std::filesystem;
 std::string ListEntries(const std::string& directory, std::vector<fs::path>& paths) {
   std::error_code error;
   for (auto entry = fs::recursive_directory_iterator(directory, error); !error && entry != fs::end(entry);
-       entry.increment(error)) {
+       entry.increment(error))
     paths.push_back(entry->path());
-  }
   if (error) return "cannot look through " + directory + ": " + error.message();
   // A directory's name is the beginning of what it holds, so it comes first.
   std::sort(paths.begin(), paths.end());
@@ -57,9 +56,8 @@ std::string ArchiveDirectory(const std::string& directory, std::int64_t time, st
   if (std::string problem = ListEntries(directory, paths); !problem.empty()) return problem;
   archive.clear();
   const UniqueArchiveWriter output(archive_write_new());
-  if (!output || archive_write_set_format_cpio_newc(output.get()) != ARCHIVE_OK || !OpenToText(output.get(), archive)) {
+  if (!output || archive_write_set_format_cpio_newc(output.get()) != ARCHIVE_OK || !OpenToText(output.get(), archive))
     return "cannot make an archive: " + ArchiveReason(output.get());
-  }
   la_int64_t number = 0;
   for (const fs::path& path : paths) {
     const UniqueArchiveEntry entry(archive_entry_new());
@@ -72,9 +70,8 @@ std::string ArchiveDirectory(const std::string& directory, std::int64_t time, st
     archive_entry_set_size(entry.get(), static_cast<la_int64_t>(data.size()));
     // A name beyond ASCII only warns: its bytes are written as they are.
     if (archive_write_header(output.get(), entry.get()) < ARCHIVE_WARN ||
-        archive_write_data(output.get(), data.data(), data.size()) != static_cast<la_ssize_t>(data.size())) {
+        archive_write_data(output.get(), data.data(), data.size()) != static_cast<la_ssize_t>(data.size()))
       return "cannot archive " + path.string() + ": " + ArchiveReason(output.get());
-    }
   }
   return archive_write_close(output.get()) == ARCHIVE_OK ? "" : "cannot end the archive";
 }

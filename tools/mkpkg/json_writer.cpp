@@ -11,9 +11,8 @@ std::size_t CharacterLength(std::string_view text) {
   if (lead < 0x80) return 1;
   const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
   if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
-  for (const char next : text.substr(1, length - 1)) {
+  for (const char next : text.substr(1, length - 1))
     if ((static_cast<unsigned char>(next) & 0xC0) != 0x80) return 0;
-  }
   // Overlong forms, surrogates and what lies beyond Unicode.
   const auto second = static_cast<unsigned char>(text[1]);
   const bool outside = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||

@@ -31,13 +31,11 @@ constexpr mode_t kPrivateMode = 0600;
 int NewPair(const Arguments& arguments) {
   std::uint64_t exponent = kLeastExponent;
   if (arguments.Has("exponent") &&
-      (!ReadDecimal(arguments.Value("exponent").c_str(), exponent) || exponent > 0xFFFFFFFF)) {
+      (!ReadDecimal(arguments.Value("exponent").c_str(), exponent) || exponent > 0xFFFFFFFF))
     return Fail(kUsage, "--exponent needs a number of at most 32 bits");
-  }
   UniqueKey key;
-  if (std::string problem = GenerateKey(static_cast<std::uint32_t>(exponent), key); !problem.empty()) {
+  if (std::string problem = GenerateKey(static_cast<std::uint32_t>(exponent), key); !problem.empty())
     return Fail(kUsage, problem);
-  }
   const std::string private_pem = PrivatePem(key);
   const std::string public_pem = PublicPem(key);
   if (private_pem.empty() || public_pem.empty()) return Fail(kBadInput, "out of memory");
@@ -55,10 +53,8 @@ int DeviceKey(const Arguments& arguments) {
   UniqueKey key;
   if (std::string problem = ReadWholeFile(origin, pem); !problem.empty()) return Fail(kBadInput, problem);
   if (std::string problem = ReadPublicKey(pem, origin, key); !problem.empty()) return Fail(kBadInput, problem);
-  if (std::string problem = EncodeDeviceKey(key, size == "514" ? kShortKeyFile : kLongKeyFile, file);
-      !problem.empty()) {
+  if (std::string problem = EncodeDeviceKey(key, size == "514" ? kShortKeyFile : kLongKeyFile, file); !problem.empty())
     return Fail(kBadInput, origin + ": " + problem);
-  }
   const std::string& path = arguments.Operands()[2];
   if (std::string problem = WriteWholeFile(path, file); !problem.empty()) return Fail(kCannotWrite, problem);
   if (!path.ends_with(kKeySuffix))

@@ -41,9 +41,8 @@ int Help(const char* text) {
 }
 
 int Run(const Command& command, std::span<char* const> words) {
-  for (const std::string_view word : words) {
+  for (const std::string_view word : words)
     if (word == "--help") return Help(command.help);
-  }
   Arguments arguments;
   std::string problem = arguments.Parse(words, command.options);
   const std::size_t operands = arguments.Operands().size();
@@ -61,8 +60,7 @@ int main(int argc, char** argv) {
   if (words.empty()) return mkpkg::Fail(mkpkg::kUsage, "a command is missing; see \"mkpkg --help\"");
   const std::string_view name = words[0];
   if (name == "--help") return Help(kHelp);
-  for (const Command* command : kCommands) {
+  for (const Command* command : kCommands)
     if (name == command->name) return Run(*command, words.subspan(1));
-  }
   return mkpkg::Fail(mkpkg::kUsage, "there is no command \"" + std::string(name) + "\"; see \"mkpkg --help\"");
 }

@@ -31,9 +31,8 @@ bool IsHostOrder(std::string_view package) {
 
 void RenewHeadCrc(std::string& package) {
   std::uint16_t crc = 0;
-  for (const char byte : std::string_view(package).substr(0, offsetof(PackageMainHead, crc))) {
+  for (const char byte : std::string_view(package).substr(0, offsetof(PackageMainHead, crc)))
     crc = AddToCrc16(crc, static_cast<std::uint8_t>(byte));
-  }
   PutWord(package, offsetof(PackageMainHead, crc), crc, IsHostOrder(package));
 }
 

@@ -83,15 +83,13 @@ std::string ReadPackage(const std::string& path, PackageModel& package) {
 void ReadFiles(PKG_READER_S* reader, PackageModel& package) {
   package.head = reader->head;
   package.files.clear();
-  for (std::uint32_t i = 0; i < reader->head.file_count; ++i) {
+  for (std::uint32_t i = 0; i < reader->head.file_count; ++i)
     package.files.push_back(ReadContained(reader, reader->head.files[i]));
-  }
 }
 
 std::string TrailerField(const PackageModel& package, std::string_view field) {
-  for (const std::string& line : LinesOf(package.trailer)) {
+  for (const std::string& line : LinesOf(package.trailer))
     if (line.starts_with(field)) return line.substr(field.size());
-  }
   return "";
 }
 

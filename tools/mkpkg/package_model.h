@@ -13,21 +13,21 @@ namespace mkpkg {
 /// A contained file as a device finds it.
 struct ContainedFile {
   std::uint32_t id = 0;
-  bool has_head = false;  // the fields below are known
+  bool has_head = false;  ///< the fields below are known
   std::uint32_t device_code = 0;
   std::uint32_t compression = kStoredAsIs;
   std::uint64_t stored_size = 0;
-  std::uint64_t told_size = 0;  // of the data, as its head tells
+  std::uint64_t told_size = 0;  ///< of the data, as its head tells
   std::string name;
-  std::string data;     // unpacked
-  std::string problem;  // why a device gets no data; "": it does
+  std::string data;     ///< unpacked
+  std::string problem;  ///< why a device gets no data; "": it does
 };
 
 /// A package as a device finds it, before anybody asks whether it is genuine.
 struct PackageModel {
   std::uint64_t size = 0;
-  PackageMainHead head{};  // in host order
-  std::string trailer;     // text of the signature trailer; "" when there is none
+  PackageMainHead head{};  ///< in host order
+  std::string trailer;     ///< text of the signature trailer; "" when there is none
   std::vector<ContainedFile> files;
 
   [[nodiscard]] bool IsSignedInHead() const { return head.signature_format != kTrailerSigned; }

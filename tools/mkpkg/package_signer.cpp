@@ -74,9 +74,7 @@ std::string PrepareForSigning(const SignatureForm& form, std::string& package) {
     if (std::string reason = ReasonAgainstKeyName(form.key_name); !reason.empty()) return reason;
   }
   const bool host_order = IsHostOrder(package);
-  if (GetWord(package, kFormatAt, host_order) == kTrailerSigned) {
-    package.resize(package.size() - TrailerSize(package));
-  }
+  if (GetWord(package, kFormatAt, host_order) == kTrailerSigned) package.resize(package.size() - TrailerSize(package));
   std::fill_n(package.begin() + kSignatureAt, kHeadSignatureRoom, '\0');
   PutWord(package, kSignatureLengthAt, 0, host_order);
   PutWord(package, kFormatAt, form.in_head ? kSignedInHead : kTrailerSigned, host_order);
@@ -127,10 +125,8 @@ std::string AttachSignature(const SignatureForm& form, const std::string& signat
 std::string SignPackage(const SignatureForm& form, const UniqueKey& key, std::string& package) {
   if (std::string problem = PrepareForSigning(form, package); !problem.empty()) return problem;
   std::string signature;
-  if (std::string problem = SignBlock(key, BlockToSign(form, DigestToSign(form, package)), signature);
-      !problem.empty()) {
+  if (std::string problem = SignBlock(key, BlockToSign(form, DigestToSign(form, package)), signature); !problem.empty())
     return problem;
-  }
   return AttachSignature(form, signature, package);
 }
 

@@ -8,11 +8,11 @@ namespace mkpkg {
 
 /// How a package is signed.
 struct SignatureForm {
-  bool in_head = false;         // in the main head, with the device's one old key; otherwise in a trailer
-  std::string key_name;         // of a trailer: the device's key file without directory and ".key"
-  bool vendor_markers = false;  // of a trailer: the vendor's marker lines instead of the generic ones
-  bool digest_info = false;     // the digest is signed with its algorithm's name before it; a 516-byte key takes both,
-                                // a 514-byte key takes the digest alone
+  bool in_head = false;         ///< in the main head, with the device's one old key; otherwise in a trailer
+  std::string key_name;         ///< of a trailer: the device's key file without directory and ".key"
+  bool vendor_markers = false;  ///< of a trailer: the vendor's marker lines instead of the generic ones
+  bool digest_info = false;  ///< the digest is signed with its algorithm's name before it; a 516-byte key takes both,
+                             // a 514-byte key takes the digest alone
 };
 
 /// @return an empty text, or one line that says why a trailer cannot name this key on a device.

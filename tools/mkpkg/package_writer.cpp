@@ -21,9 +21,8 @@ std::string ReasonAgainst(const PackageContents& contents) {
   std::uint64_t size = kMainHeadSize;
   for (const PackageFile& file : contents.files) {
     size += kFileHeadSize + file.data.size();
-    if (file.name.size() >= kContainedNameRoom) {
+    if (file.name.size() >= kContainedNameRoom)
       return "the name " + file.name + " is longer than " + std::to_string(kContainedNameRoom - 1) + " bytes";
-    }
     if (file.name.find('\0') != std::string::npos) return "a name holds a NUL byte";
   }
   return size > kMaxPackage ? "the package would be larger than 4 GB" : "";

@@ -13,10 +13,10 @@ struct PackageFile {
   std::uint32_t id = kSystemImageFile;
   std::string name;
   std::string data;
-  std::uint32_t device_code = 0;  // of an image: the device tag that it is built for
+  std::uint32_t device_code = 0;  ///< of an image: the device tag that it is built for
   std::uint32_t packing =
-      kStoredAsIs;                  // any other value than kStoredAsIs and kPacked7z makes a file that no device reads
-  std::uint32_t unpacked_size = 0;  // of packed data
+      kStoredAsIs;  ///< any other value than kStoredAsIs and kPacked7z makes a file that no device reads
+  std::uint32_t unpacked_size = 0;  ///< of packed data
 };
 
 /// What a package is made from.
@@ -25,7 +25,7 @@ struct PackageContents {
   std::uint32_t type = kSystemPackage;
   std::uint32_t attribute = 0;
   std::uint32_t signature_format = kTrailerSigned;
-  bool host_order = false;  // words in this machine's byte order instead of big-endian
+  bool host_order = false;  ///< words in this machine's byte order instead of big-endian
   std::vector<PackageFile> files;
 };
 

@@ -22,7 +22,7 @@ class Progress {
   std::string work_;
   std::uint64_t total_;
   std::uint64_t done_ = 0;
-  unsigned shown_ = 0;  // percent
+  unsigned shown_ = 0;  ///< percent
   bool visible_;
 };
 

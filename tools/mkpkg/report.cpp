@@ -114,9 +114,8 @@ std::string TextReport(const PackageModel& package, const std::string& path) {
   AppendLine(text, "attribute      %u", head.attributes);
   AppendLine(text, "byte order     %s", head.byte_order == kHostOrder ? "host" : "big-endian");
   AppendLine(text, "signature      %s", FormOf(package));
-  if (!package.trailer.empty()) {
+  if (!package.trailer.empty())
     AppendLine(text, "key            %s", Printable(TrailerField(package, kKeyLabel)).c_str());
-  }
   for (const ContainedFile& file : package.files) AppendFile(text, file);
   for (const std::string& warning : AllWarnings(package, path)) text += "warning: " + Printable(warning) + "\n";
   return text;

@@ -37,18 +37,16 @@ UniqueBio Reader(const std::string& text) {
 std::string ReasonAgainst(const UniqueKey& key, const std::string& origin) {
   if (EVP_PKEY_get_base_id(key.get()) != EVP_PKEY_RSA) return origin + " holds no RSA key";
   const int bits = EVP_PKEY_get_bits(key.get());
-  if (bits != kKeyBits) {
+  if (bits != kKeyBits)
     return origin + " holds a key of " + std::to_string(bits) + " bits; a device reads " + std::to_string(kKeyBits);
-  }
   return "";
 }
 
 /// A context for one operation with PKCS #1 type 1 padding; none when it cannot be made.
 UniqueContext PaddedContext(const UniqueKey& key, int (*begin)(EVP_PKEY_CTX*)) {
   UniqueContext context(EVP_PKEY_CTX_new(key.get(), nullptr));
-  if (!context || begin(context.get()) <= 0 || EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PADDING) <= 0) {
+  if (!context || begin(context.get()) <= 0 || EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PADDING) <= 0)
     return nullptr;
-  }
   return context;
 }
 
@@ -67,9 +65,8 @@ std::string GenerateKey(std::uint32_t exponent, UniqueKey& key) {
   if (!context || !number || BN_set_word(number.get(), exponent) != 1 || EVP_PKEY_keygen_init(context.get()) <= 0 ||
       EVP_PKEY_CTX_set_rsa_keygen_bits(context.get(), kKeyBits) <= 0 ||
       EVP_PKEY_CTX_set1_rsa_keygen_pubexp(context.get(), number.get()) <= 0 ||
-      EVP_PKEY_generate(context.get(), &made) <= 0) {
+      EVP_PKEY_generate(context.get(), &made) <= 0)
     return "cannot make a key: " + CryptographicReason();
-  }
   key.reset(made);
   return "";
 }
@@ -114,9 +111,8 @@ std::string SignBlock(const UniqueKey& key, const std::string& block, std::strin
   std::size_t length = static_cast<std::size_t>(EVP_PKEY_get_size(key.get()));
   signature.assign(length, '\0');
   // No digest is set, so that the block goes in as it is.
-  if (!context || EVP_PKEY_sign(context.get(), Bytes(signature), &length, Bytes(block), block.size()) <= 0) {
+  if (!context || EVP_PKEY_sign(context.get(), Bytes(signature), &length, Bytes(block), block.size()) <= 0)
     return "cannot sign: " + CryptographicReason();
-  }
   signature.resize(length);
   return "";
 }

@@ -10,7 +10,7 @@
 
 namespace mkpkg {
 
-constexpr int kKeyBits = 2048;  // a device reads no other size
+constexpr int kKeyBits = 2048;  ///< a device reads no other size
 /// Below it signatures can be made without the private key.
 constexpr std::uint32_t kLeastExponent = kLeastPrefixedExponent;
 

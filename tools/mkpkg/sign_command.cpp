@@ -50,9 +50,8 @@ std::string ReadForm(const Arguments& arguments, SignatureForm& form) {
   const std::string markers = arguments.Value("markers", "generic");
   form.vendor_markers = markers == "kelvane";
   if (markers != "generic" && !form.vendor_markers) return "--markers is generic or kelvane";
-  if (form.in_head && (arguments.Has("key-name") || arguments.Has("markers"))) {
+  if (form.in_head && (arguments.Has("key-name") || arguments.Has("markers")))
     return "a signature in the head names no key and has no markers";
-  }
   if (!form.in_head && !arguments.Has("key-name")) return "--key-name or --in-head is missing";
   int actions = 0;
   for (const char* action : kActions) actions += arguments.Has(action) ? 1 : 0;
@@ -74,9 +73,8 @@ std::string SignatureWithKey(const Arguments& arguments, const std::string& bloc
 std::string SignatureFromElsewhere(const Arguments& arguments, const std::string& block, std::string& signature) {
   const std::string origin = arguments.Value("attach");
   if (std::string problem = ReadWholeFile(origin, signature); !problem.empty()) return problem;
-  if (signature.size() != kSignatureSize) {
+  if (signature.size() != kSignatureSize)
     return origin + " holds " + std::to_string(signature.size()) + " bytes; a signature has 256";
-  }
   if (!arguments.Has("public-key")) return "";
   const std::string key_origin = arguments.Value("public-key");
   std::string pem;
@@ -94,9 +92,8 @@ int ShowDigest(const std::string& digest) {
 
 int Run(const Arguments& arguments) {
   SignatureForm form;
-  if (std::string problem = ReadForm(arguments, form); !problem.empty()) {
+  if (std::string problem = ReadForm(arguments, form); !problem.empty())
     return Fail(kUsage, problem + "; see \"mkpkg sign --help\"");
-  }
   const std::string& path = arguments.Operands()[0];
   std::string package;
   if (std::string problem = ReadWholeFile(path, package); !problem.empty()) return Fail(kBadInput, problem);

@@ -35,9 +35,8 @@ constexpr VerdictText kVerdictTexts[] = {
 };
 
 const VerdictText& TextOf(PackageVerdict verdict) {
-  for (const VerdictText& text : kVerdictTexts) {
+  for (const VerdictText& text : kVerdictTexts)
     if (text.verdict == verdict) return text;
-  }
   return kVerdictTexts[0];
 }
 

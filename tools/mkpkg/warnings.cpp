@@ -46,8 +46,8 @@ std::string Hex(std::uint32_t value) {
 }
 
 std::size_t CountOf(const PackageModel& package, std::uint32_t id) {
-  return static_cast<std::size_t>(std::count_if(package.files.begin(), package.files.end(),
-                                                [&](const ContainedFile& file) { return file.id == id; }));
+  return static_cast<std::size_t>(std::count_if(
+      package.files.begin(), package.files.end(), [&](const ContainedFile& file) { return file.id == id; }));
 }
 
 void CheckHead(const PackageModel& package, Lines& warnings) {
@@ -72,9 +72,8 @@ void CheckTexts(const PackageModel& package, Lines& warnings) {
     if (count == 0) warnings.push_back(std::string("there is no ") + text.name + ": " + text.consequence);
     if (count > 1) warnings.push_back(std::string("there is more than one ") + text.name + ": the first one counts");
     const ContainedFile* file = package.Find(text.id);
-    if (file != nullptr && file->data.find('\0') != std::string::npos) {
+    if (file != nullptr && file->data.find('\0') != std::string::npos)
       warnings.push_back(std::string("the ") + text.name + " holds a NUL byte: what follows it is not read");
-    }
   }
 }
 
@@ -84,11 +83,10 @@ void CheckCompatibility(const PackageModel& package, Lines& warnings) {
   Lines lines = LinesOf(file->data);
   for (std::string& line : lines) line = TrimmedLine(line);
   const auto boot = std::find(lines.begin(), lines.end(), kBootLine);
-  if (boot == lines.end()) {
+  if (boot == lines.end())
     warnings.push_back("the compatibility list has no line \"[boot]\": no boot image is compatible");
-  } else if (std::all_of(boot + 1, lines.end(), [](const std::string& line) { return line.empty(); })) {
+  else if (std::all_of(boot + 1, lines.end(), [](const std::string& line) { return line.empty(); }))
     warnings.push_back("the compatibility list names nothing after \"[boot]\": no boot image is compatible");
-  }
 }
 
 void CheckDescription(const PackageModel& package, Lines& warnings) {
@@ -99,9 +97,8 @@ void CheckDescription(const PackageModel& package, Lines& warnings) {
     const std::string line = TrimmedLine(raw);
     if (!BeginsIgnoringCase(line, kProductVersion)) continue;
     ++versions;
-    if (line.size() - std::string_view(kProductVersion).size() > kMaxVersion) {
+    if (line.size() - std::string_view(kProductVersion).size() > kMaxVersion)
       warnings.push_back("the product version is longer than 64 bytes: a device cuts it");
-    }
   }
   if (versions == 0) {
     warnings.push_back(
@@ -135,9 +132,8 @@ void CheckImageName(const ContainedFile& image, Lines& warnings) {
 }
 
 void CheckImages(const PackageModel& package, Lines& warnings) {
-  if (CountOf(package, kSystemImageFile) == 0 && package.head.package_type == kSystemPackage) {
+  if (CountOf(package, kSystemImageFile) == 0 && package.head.package_type == kSystemPackage)
     warnings.push_back("there is no image: \"install load\" will fail");
-  }
   std::vector<std::uint32_t> seen;
   for (const ContainedFile& file : package.files) {
     if (file.id != kSystemImageFile || !file.has_head) continue;
@@ -149,31 +145,25 @@ void CheckImages(const PackageModel& package, Lines& warnings) {
                          " and is taken");
     }
     seen.push_back(file.device_code);
-    if (file.problem.empty() && !MeasureImage(file.data)) {
+    if (file.problem.empty() && !MeasureImage(file.data))
       warnings.push_back("image " + file.name + ": the data are no whole cpio archive");
-    }
   }
 }
 
 void CheckData(const PackageModel& package, Lines& warnings) {
-  for (const ContainedFile& file : package.files) {
-    if (!file.problem.empty()) {
+  for (const ContainedFile& file : package.files)
+    if (!file.problem.empty())
       warnings.push_back("file " + Hex(file.id) + " " + file.name + " gives a device no data: " + file.problem);
-    }
-  }
 }
 
 void CheckFileName(const std::string& name, Lines& warnings) {
-  if (ESH_FilterFile(name.c_str(), kPackageSuffix, name.size()) == 0) {
+  if (ESH_FilterFile(name.c_str(), kPackageSuffix, name.size()) == 0)
     warnings.push_back("the file name does not end in \".bin\": a device refuses it");
-  }
   if (HoldsAliasMark(name.c_str())) warnings.push_back("the file name holds \"~\": a device refuses it");
-  if (name.size() > kMaxTypedName) {
+  if (name.size() > kMaxTypedName)
     warnings.push_back("the file name is longer than 63 characters: it cannot be typed on a device");
-  }
-  if (name.size() + kMedium.size() > kRecordSize) {
+  if (name.size() + kMedium.size() > kRecordSize)
     warnings.push_back("the path flash:/" + name + " is longer than 64 bytes: the device's record of it is cut");
-  }
 }
 
 }  // namespace

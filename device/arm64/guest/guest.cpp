@@ -59,9 +59,8 @@ class Guest {
 
   void TakeSignals() {
     signalfd_siginfo received{};
-    while (read(signals_.Get(), &received, sizeof(received)) == static_cast<ssize_t>(sizeof(received))) {
+    while (read(signals_.Get(), &received, sizeof(received)) == static_cast<ssize_t>(sizeof(received)))
       if (received.ssi_signo == SIGUSR1) frames_.Send(FrameKind::kHandedOver);
-    }
     int status = 0;
     for (pid_t ended = 0; (ended = waitpid(-1, &status, WNOHANG)) > 0;) {
       if (ended == shell_) frames_.Send(FrameKind::kShellEnded, 0, status);

@@ -32,11 +32,10 @@ struct DirTest : PrivateRootTest {
 
   /// Makes an entry of the working directory, as of 2 January 2024: a directory when its name ends in "/".
   static void Make(const std::string& name, const std::string& text = "12345", std::time_t changed = 1704153845) {
-    if (name.ends_with('/')) {
+    if (name.ends_with('/'))
       fs::create_directory(name);
-    } else {
+    else
       WriteFile(name, text);
-    }
     const timespec times[2] = {{changed, 0}, {changed, 0}};
     EXPECT_EQ(chmod(name.c_str(), 0644), 0) << name;
     EXPECT_EQ(utimensat(AT_FDCWD, name.c_str(), times, 0), 0) << name;

@@ -33,9 +33,8 @@ TEST_F(MediumTest, OnlyTheFirstUnitOfAKindHoldsPackages) {
   for (const char* first : {"flash:", "flash:/a1.bin", "/mnt/usba0:/x.bin", "0:"})
     EXPECT_EQ(ESH_IsDeviceForPkgm(first), 1) << first;
   for (const char* other :
-       {"usba1:", "usba9:/x", "usba10:", "usba00:", "usba100:", "/mnt/usba1:", "10:", "cfb0:", "a.bin"}) {
+       {"usba1:", "usba9:/x", "usba10:", "usba00:", "usba100:", "/mnt/usba1:", "10:", "cfb0:", "a.bin"})
     EXPECT_EQ(ESH_IsDeviceForPkgm(other), 0) << other;
-  }
 }
 
 TEST_F(MediumTest, FirstOfItsKindBecomesTheWorkingDirectory) {

@@ -37,9 +37,8 @@ TEST(Credentials, ThePasswordIsNowhereAfterItsUse) {
     EXPECT_EQ(ESH_ProcFtpget(), ESH_ERR_FAIL);
     for (const std::string_view buffer :
          {std::string_view(g_szPassword, sizeof(g_szPassword)), std::string_view(g_stESh_Line.pcBuf, kLineRoom),
-          std::string_view(g_stESh_Line.pcLastBuf, kLineRoom)}) {
+          std::string_view(g_stESh_Line.pcLastBuf, kLineRoom)})
       EXPECT_EQ(buffer.find("ecre"), std::string_view::npos) << keys;
-    }
   }
 }
 

@@ -171,11 +171,10 @@ class EditorModel {
     const auto start = static_cast<std::int64_t>(setup_.prompt.size() + from);
     const auto goal = static_cast<std::int64_t>(setup_.prompt.size() + to);
     Step(goal / width - start / width, 'B', 'A');
-    if (goal / width != start / width && setup_.term == "linux") {  // which loses the column
+    if (goal / width != start / width && setup_.term == "linux")  // which loses the column
       output_ += "\033[" + std::to_string(width) + "D\033[" + std::to_string(goal % width) + "C";
-    } else {
+    else
       Step(goal % width - start % width, 'C', 'D');
-    }
   }
 
   void Step(std::int64_t count, char forth, char back) {
@@ -198,6 +197,6 @@ class EditorModel {
   std::string output_;
   std::uint32_t end_ = ESH_LINE_END_NONE;
   std::string line_;
-  std::deque<std::string> history_;  // oldest first
-  std::size_t walk_ = 0;             // index of the line last recalled; as many as there are: not walking
+  std::deque<std::string> history_;  ///< oldest first
+  std::size_t walk_ = 0;             ///< index of the line last recalled; as many as there are: not walking
 };

@@ -29,13 +29,12 @@ Keys RandomKeys(unsigned seed, std::size_t line_length, unsigned highest = 126) 
   for (std::string& key : keys) {
     const auto dice = random() % 100;
     const auto letter = static_cast<char>(' ' + random() % (highest - ' ' + 1));
-    if (random() % line_length == 0) {
+    if (random() % line_length == 0)
       key = kEnding[random() % std::size(kEnding)];
-    } else if (dice < 40) {
+    else if (dice < 40)
       key = kEditing[random() % std::size(kEditing)];
-    } else {
+    else
       key = dice < 60 || letter == '\177' ? 'a' : letter;  // in a row of equal letters only the tail is written
-    }
   }
   return keys;
 }

@@ -102,9 +102,7 @@ TEST(Tool, IsNotStoppedByKeysTypedWhileItStarts) {
   });
   for (int i = 0; i < kTools; ++i) {
     ASSERT_EQ(console.Read(1), ".") << i;
-    for (int keys = 0; keys < 80; ++keys) {
-      console.Type(keys % 2 == 0 ? "\x1a" : "\x13");  // Ctrl+Z, Ctrl+S
-    }
+    for (int keys = 0; keys < 80; ++keys) console.Type(keys % 2 == 0 ? "\x1a" : "\x13");  // Ctrl+Z, Ctrl+S
   }
 }
 

@@ -15,9 +15,8 @@
 namespace {
 
 std::uint32_t ListNames(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* /*element*/) {
-  for (const char* name : {"flash:/b.cfg", "cfa0:/", "flash:/a.cfg", "STRING<1-511>", "<cr>"}) {
+  for (const char* name : {"flash:/b.cfg", "cfa0:/", "flash:/a.cfg", "STRING<1-511>", "<cr>"})
     if (strncasecmp(name, word, std::strlen(word)) == 0) ESH_NewHelpInfo(name, "", list);
-  }
   return 0;
 }
 
