@@ -17,6 +17,10 @@ std::uint16_t ESH_FilterFile(const char* name, const char* suffix, std::size_t m
 
 bool HoldsAliasMark(const char* name) { return std::strchr(name, '~') != nullptr; }
 
+bool IsPackageName(const char* name) {
+  return ESH_FilterFile(name, kPackageSuffix, kMaxPackageName) == 1 && !HoldsAliasMark(name);
+}
+
 bool IsPlainImageName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
          std::ranges::all_of(

@@ -8,6 +8,10 @@
 
 inline constexpr char kPackageSuffix[] = ".bin";
 inline constexpr std::size_t kMaxPackageName = 127;
+inline constexpr std::size_t kMaxTypedPackage = 63;  ///< most characters that the package commands take
+
+/// Bytes of the record of what was loaded, a package's path below /mnt/. A longer path is cut.
+inline constexpr std::size_t kLoadRecordSize = 64;
 
 /// Whether a name has a suffix, in any case, and something before it.
 /// @param maxLength most characters of the name.
@@ -16,6 +20,10 @@ inline constexpr std::size_t kMaxPackageName = 127;
 
 /// Whether a name holds "~", with which FAT marks the short form of a long name: a package has one name only.
 [[nodiscard]] bool HoldsAliasMark(const char* name);
+
+/// Whether a package may have this name: it ends in ".bin" in any case, has no more than kMaxPackageName characters and
+/// no alias mark.
+[[nodiscard]] bool IsPackageName(const char* name);
 
 /// Room for the name of an image, which is cut there.
 inline constexpr std::size_t kImageNameRoom = 129;

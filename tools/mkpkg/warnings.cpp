@@ -18,10 +18,8 @@
 namespace mkpkg {
 namespace {
 
-constexpr std::size_t kMaxTypedName = 63;                  // of the commands' parameter
 constexpr std::size_t kMaxImageName = kImageNameRoom - 1;  // that install load takes
 constexpr std::size_t kMaxVersion = kProductVersionRoom - 1;
-constexpr std::size_t kRecordSize = 64;  // of the path in the device's record of what was loaded
 constexpr std::string_view kMedium = "flash:/";
 constexpr char kBootLine[] = "[boot]";
 
@@ -160,9 +158,9 @@ void CheckFileName(const std::string& name, Lines& warnings) {
   if (ESH_FilterFile(name.c_str(), kPackageSuffix, name.size()) == 0)
     warnings.push_back("the file name does not end in \".bin\": a device refuses it");
   if (HoldsAliasMark(name.c_str())) warnings.push_back("the file name holds \"~\": a device refuses it");
-  if (name.size() > kMaxTypedName)
+  if (name.size() > kMaxTypedPackage)
     warnings.push_back("the file name is longer than 63 characters: it cannot be typed on a device");
-  if (name.size() + kMedium.size() > kRecordSize)
+  if (name.size() + kMedium.size() > kLoadRecordSize)
     warnings.push_back("the path flash:/" + name + " is longer than 64 bytes: the device's record of it is cut");
 }
 
