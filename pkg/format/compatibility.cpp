@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "pkg/format/contained_file.h"
 #include "pkg/format/package_text.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
@@ -37,6 +38,13 @@ void JoinVersions(READ_BUFF_S& description, TextBuilder& version) {
 }
 
 }  // namespace
+
+bool HasModestDescription(PKG_READER_S* boot_image) {
+  const PackageFileEntry* entry = FindFile(*boot_image, kDescriptionFile);
+  const UniqueFileHead head(entry == nullptr ? nullptr : FileHeadCreateByFileDesc(boot_image, entry));
+  return head != nullptr && head->stored_size <= kMostBootDescription &&
+         (head->compression == kStoredAsIs || head->unpacked_size <= kMostBootDescription);
+}
 
 void ReadProductVersion(READ_BUFF_S* description, char* version) {
   constexpr std::string_view kKey(kProductVersion);

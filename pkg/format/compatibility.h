@@ -5,6 +5,8 @@
 
 #include "pkg/format/line_reader.h"
 
+struct PKG_READER_S;
+
 /// Room for a package's product version.
 inline constexpr std::size_t kProductVersionRoom = 65;
 
@@ -14,6 +16,9 @@ inline constexpr std::size_t kRunningVersionRoom = 129;
 /// Most bytes of a boot image's description, packed and unpacked. Nobody has verified its package: the description may
 /// claim, or unpack to, more than the device's memory.
 inline constexpr std::uint32_t kMostBootDescription = 1 << 20;
+
+/// Whether a boot image's package has a description, and none that is over the limit.
+[[nodiscard]] bool HasModestDescription(PKG_READER_S* boot_image);
 
 /// The product version that a package's description gives; when there are several, the last.
 /// @param description may be none.

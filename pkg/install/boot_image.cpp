@@ -11,7 +11,6 @@
 
 #include "fs/names/name_rules.h"
 #include "pkg/format/compatibility.h"
-#include "pkg/format/contained_file.h"
 #include "pkg/format/package_format.h"
 #include "pkg/format/package_reader.h"
 #include "pkg/format/package_text.h"
@@ -27,21 +26,14 @@ namespace {
 constexpr std::size_t kPathRoom = kMediaPrefix.size() + kBootImageNameRoom;
 constexpr int kLongestReading = 30'000;  // milliseconds
 
-UniqueLines OpenDescription(PKG_READER_S* package) {
-  const PackageFileEntry* entry = FindFile(*package, kDescriptionFile);
-  const UniqueFileHead head(entry == nullptr ? nullptr : FileHeadCreateByFileDesc(package, entry));
-  const bool is_modest = head != nullptr && head->stored_size <= kMostBootDescription &&
-                         (head->compression == kStoredAsIs || head->unpacked_size <= kMostBootDescription);
-  return is_modest ? OpenPackageText(package, kDescriptionFile) : nullptr;
-}
-
 void ReadVersion(char* version) {
   char name[kBootImageNameRoom];
   FixedText<kPathRoom> path;
   ESH_GetBootImageName(name);  // without a name there is no such package either
   path.Append("%s/%s", kMediaRoot, name);
   const UniquePackage package(PackageReadFileCreateByFile(path.Text()));
-  const UniqueLines description(package == nullptr ? nullptr : OpenDescription(package.get()));
+  const bool is_readable = package != nullptr && HasModestDescription(package.get());
+  const UniqueLines description = is_readable ? OpenPackageText(package.get(), kDescriptionFile) : nullptr;
   ReadBootVersion(description.get(), version);
 }
 

@@ -4,15 +4,14 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
 
 #include "fs/medium.h"
 #include "fs/names/name_rules.h"
 #include "fs/path.h"
 #include "net/ip_stack.h"
 #include "net/ipv4_address.h"
-#include "pkg/format/compatibility.h"
-#include "pkg/format/package_format.h"
+#include "pkg/format/contained_file.h"
+#include "pkg/format/package_judge.h"
 #include "pkg/format/package_reader.h"
 #include "pkg/format/package_text.h"
 #include "pkg/format/product_code.h"
@@ -29,14 +28,10 @@
 
 namespace {
 
-constexpr char kNotPrimary[] = "The startup software images must be in the primary partition.\r";
 constexpr char kChecking[] = "Check package %s ...\r\n";
-constexpr char kNoSystemPackage[] = "Package %s is not a system package.\r\n";
-constexpr char kInvalidFile[] = "File %s is invalid.\r\n";
-constexpr char kNotCompliant[] = "This system image is not compliant with the boot image.\r";
 constexpr char kExtracting[] = "Extracting package ...\r";
-constexpr char kOperationFailed[] = "Operation failed!\r";
-constexpr char kNoImage[] = "\r\nOperation failed!\r";
+constexpr char kOperationFailed[] = "Operation failed!\r\n";
+constexpr char kNoImage[] = "\r\nOperation failed!\r\n";
 constexpr char kLoading[] = "\r\nLoading...\r";
 constexpr char kExitFailed[] = "Exit failed.\r";
 
@@ -49,58 +44,34 @@ bool IsOnPackageMedium(const char* name) {
   return ESH_IsDeviceForPkgm(is_legal ? full : name) == 1;
 }
 
-/// Checks what can be told before an image is looked for. @return 0 or the code of what is wrong.
-std::uint32_t CheckSystemPackage(const char* name, PKG_READER_S* package) {
-  if (package->head.attributes != 0 || package->head.package_type != kSystemPackage) {
-    std::printf(kNoSystemPackage, name);
-    return ESH_ERR_FAIL;
-  }
-  const std::uint32_t verdict = VerifyWithDots(name, package);
-  if (verdict != kSuccess) {
-    std::printf(kCorrupted, name);
-    return verdict;
-  }
-  const UniqueLines list = OpenPackageText(package, kCompatibilityFile);
-  if (list == nullptr) {
-    std::printf(kInvalidFile, name);
-    return ESH_ERR_FAIL;
-  }
-  char running[kRunningVersionRoom];
-  ReadRunningVersion(running);
-  char product_version[kProductVersionRoom];
-  const UniqueLines description = OpenPackageText(package, kDescriptionFile);
-  ReadProductVersion(description.get(), product_version);
-  if (!IsCompliant(list.get(), product_version, running)) {
-    std::puts(kNotCompliant);
-    return ESH_ERR_FAIL;
-  }
-  return kSuccess;
-}
+/// This device, which tells its operator what takes long.
+struct OwnDevice final : LoadDevice {
+  explicit OwnDevice(const char* typed) : name(typed) {}
 
-/// Loads this device's image. @param path full name of the package.
-std::uint32_t LoadImage(UniquePackage package, const char* path) {
-  std::puts(kExtracting);
-  ESH_TERM_OFlush();  // what follows works for long
-  const std::uint32_t device = DeviceCode();
-  if (device == kUnknownTag) {
-    std::puts(kOperationFailed);
-    return ESH_ERR_FAIL;
+  PackageVerdict Verify(PKG_READER_S* package) override { return VerifyWithDots(name, package); }
+  UniqueLines OpenText(PKG_READER_S* package, std::uint32_t id) override { return OpenPackageText(package, id); }
+  void ReadRunningVersion(char* version) override { ::ReadRunningVersion(version); }
+  std::uint32_t DeviceTag() override {
+    std::puts(kExtracting);
+    ESH_TERM_OFlush();  // what follows works for long
+    return DeviceCode();
   }
-  SystemImage image = TakeSystemImage(package.get(), device);
-  package.reset();
-  if (image.data == nullptr) {
-    std::puts(kNoImage);
-    DropCaches();
-    std::puts(kOperationFailed);  // a second time
-    return ESH_ERR_FAIL;
+  bool TakeImage(PKG_READER_S* package, const PackageFileEntry& entry) override {
+    image.data.reset(static_cast<char*>(
+        GetFileFromReadHeadByFileDesc(&entry, package, sizeof(image.name), &image.size, image.name)));
+    return image.data != nullptr;
   }
-  const std::uint32_t unpacked = UnpackSystemImage(image);
-  DropCaches();
-  if (unpacked != kSuccess) {
-    std::puts(kOperationFailed);
-    return unpacked;
+
+  const char* name;
+  SystemImage image;
+};
+
+std::uint32_t Refuse(PackageVerdict verdict, const char* name) {
+  if (verdict == PackageVerdict::kImage || verdict == PackageVerdict::kImageName) {
+    std::printf(kNoImage);
+    DropCaches();  // and the line comes a second time
   }
-  return WriteChangeList(path);
+  return PrintRefusal(verdict, name);
 }
 
 /// Leaves the console to the system that was loaded.
@@ -125,22 +96,22 @@ std::uint32_t ESH_PKG_InstallLoadSystem(const char* name) {
   char path[kNameRoom];
   if (PackageNameProcess(name, path) != kSuccess) return ESH_ERR_FAIL;
   UniquePackage package(PackageReadFileCreateByFile(path));
-  if (package == nullptr) {
-    std::printf(kCorrupted, name);
-    return ESH_ERR_FAIL;
-  }
-  const std::uint32_t verdict = CheckSystemPackage(name, package.get());
-  return verdict == kSuccess ? LoadImage(std::move(package), path) : verdict;
+  OwnDevice device(name);
+  const PackageVerdict verdict = package == nullptr ? PackageVerdict::kCannotOpen : JudgeLoad(package.get(), device);
+  if (verdict != PackageVerdict::kGood) return Refuse(verdict, name);
+  package.reset();
+  const std::uint32_t unpacked = UnpackSystemImage(device.image);
+  DropCaches();
+  if (unpacked == kSuccess) return WriteChangeList(path);
+  std::printf(kOperationFailed);
+  return unpacked;
 }
 
 std::uint32_t ESH_ProcInstallLoad() {
   char name[sizeof(g_szPkgFlie)];
   CopyText(name, g_szPkgFlie);
   if (name[0] == '\0') return ESH_ERR_FAIL;
-  if (!IsOnPackageMedium(name)) {
-    std::puts(kNotPrimary);
-    return ESH_ERR_FAIL;
-  }
+  if (!IsOnPackageMedium(name)) return PrintRefusal(PackageVerdict::kFirstUnit, name);
   const std::uint32_t loaded = ESH_PKG_InstallLoadSystem(name);
   if (loaded != kSuccess) return loaded;
   std::puts(kLoading);

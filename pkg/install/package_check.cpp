@@ -11,12 +11,13 @@
 #include "fs/user_file.h"
 #include "pkg/format/head_check.h"
 #include "pkg/format/package_name.h"
+#include "pkg/format/product_code.h"
+#include "pkg/format/signature.h"
 #include "pkg/install/progress_dots.h"
 #include "util/result.h"
 
 namespace {
 
-constexpr char kInvalidName[] = "%s: Invalid file name.\r\n";
 constexpr char kNoPackage[] = "The package %s doesn't exist. \r\n";  // with its blank
 
 /// Whether a name, which may be relative to the working directory, leads to a present medium.
@@ -36,10 +37,7 @@ bool IsExistingPackage(const char* name, char* full) {
 }  // namespace
 
 std::uint32_t PackageNameProcess(const char* name, char* fullPath) {
-  if (!IsOnMedium(name) || ESH_FilterFile(name, kPackageSuffix, kMaxPackageName) == 0 || HoldsAliasMark(name)) {
-    std::printf(kInvalidName, name);
-    return ESH_ERR_FAIL;
-  }
+  if (!IsOnMedium(name) || !IsPackageName(name)) return PrintRefusal(PackageVerdict::kName, name);
   if (!IsExistingPackage(name, fullPath)) {
     std::printf(kNoPackage, name);
     return ESH_ERR_FAIL;
@@ -47,11 +45,16 @@ std::uint32_t PackageNameProcess(const char* name, char* fullPath) {
   return kSuccess;
 }
 
-std::uint32_t VerifyWithDots(const char* name, PKG_READER_S* package) {
+std::uint32_t PrintRefusal(PackageVerdict verdict, const char* name) {
+  std::printf(LineOfRefusal(verdict), name);
+  return ResultOf(verdict);
+}
+
+PackageVerdict VerifyWithDots(const char* name, PKG_READER_S* package) {
   const pthread_t dots = ESH_PKG_CreateDotThrd(name);
-  const std::uint32_t result = CheckPackageHead(package);
+  const PackageVerdict verdict = JudgePackage(package, ProductCode(), kSignKeyDirectory);
   g_bEshDone = 1;
   if (dots != kNoThread) pthread_join(dots, nullptr);
   g_bEshDone = 0;
-  return result;
+  return verdict;
 }

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "pkg/format/verdict.h"
+
 struct PKG_READER_S;
 
 /// Resolves the name of an existing package on a medium, and prints why it is refused.
@@ -10,10 +12,9 @@ struct PKG_READER_S;
 /// @return 0 or ESH_ERR_FAIL.
 [[nodiscard]] std::uint32_t PackageNameProcess(const char* name, char* fullPath);
 
-/// What more than one package command prints, with the name as typed.
-inline constexpr char kCorrupted[] = "%s is corrupted.\r\n";
+/// Prints why a package is refused. @param name as typed. @return the code with which it is refused.
+std::uint32_t PrintRefusal(PackageVerdict verdict, const char* name);
 
 /// Verifies a package with the dots beside it, which have ended when this returns.
 /// @param name as typed.
-/// @return 0 or the code of what is wrong with the package.
-[[nodiscard]] std::uint32_t VerifyWithDots(const char* name, PKG_READER_S* package);
+[[nodiscard]] PackageVerdict VerifyWithDots(const char* name, PKG_READER_S* package);

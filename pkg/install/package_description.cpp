@@ -24,7 +24,6 @@ const char* const g_apcDetailFilter[kDetailKeys] = {
 
 namespace {
 
-constexpr char kFailed[] = "\r\nOperation failed! \r";  // with its blank
 constexpr char kShownLine[] = "  %s\r\n";
 constexpr std::string_view kRelease = "Version type: release";
 constexpr std::string_view kPlatform = "Platform version:";
@@ -66,17 +65,11 @@ std::uint32_t ESH_PKG_DispPackageByName(const char* name) {
   char path[kNameRoom];
   if (name[0] == '\0' || PackageNameProcess(name, path) != kSuccess) return ESH_ERR_FAIL;
   const UniquePackage package(PackageReadFileCreateByFile(path));
-  const std::uint32_t verdict = package == nullptr ? ESH_ERR_FAIL : VerifyWithDots(name, package.get());
-  if (verdict != kSuccess) {
-    std::printf(kCorrupted, name);
-    return verdict;
-  }
+  const PackageVerdict verdict = package == nullptr ? PackageVerdict::kCannotOpen : VerifyWithDots(name, package.get());
+  if (verdict != PackageVerdict::kGood) return PrintRefusal(verdict, name);
   std::printf(kShownLine, name);
   const UniqueLines description = OpenPackageText(package.get(), kDescriptionFile);
-  if (description == nullptr) {
-    std::puts(kFailed);
-    return ESH_ERR_FAIL;
-  }
+  if (description == nullptr) return PrintRefusal(PackageVerdict::kDescription, name);
   PrintDescription(description.get());
   return kSuccess;
 }

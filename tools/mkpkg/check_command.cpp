@@ -39,7 +39,7 @@ struct NamedVerdict {
 
 std::string TextOf(const NamedVerdict& named) {
   const std::string command = named.command;
-  if (named.verdict.accepted) return command + ": accepted\n";
+  if (named.verdict.Accepts()) return command + ": accepted\n";
   return command + ": refused at step \"" + named.verdict.step + "\": " + Printable(named.verdict.reason) + "\n" +
          "  the device prints: " + Printable(named.verdict.line) + "\n";
 }
@@ -49,8 +49,8 @@ std::string JsonOf(const NamedVerdict (&verdicts)[2]) {
   json.BeginObject();
   for (const auto& [command, verdict] : verdicts) {
     json.BeginObject(command);
-    json.Flag("accepted", verdict.accepted);
-    if (!verdict.accepted) {
+    json.Flag("accepted", verdict.Accepts());
+    if (!verdict.Accepts()) {
       json.Text("step", verdict.step);
       json.Text("reason", verdict.reason);
       json.Text("line", verdict.line);
@@ -95,7 +95,7 @@ int Run(const Arguments& arguments) {
   (void)std::fputs(report.c_str(), stdout);
   PrintWarnings(path, facts);
   if (const int status = EndOutput(); status != kDone) return status;
-  return verdicts[0].verdict.accepted && verdicts[1].verdict.accepted ? kDone : kRefused;
+  return verdicts[0].verdict.Accepts() && verdicts[1].verdict.Accepts() ? kDone : kRefused;
 }
 
 }  // namespace

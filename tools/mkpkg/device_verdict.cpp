@@ -7,14 +7,14 @@
 #include "fs/names/dot_elimination.h"
 #include "fs/names/name_rules.h"
 #include "pkg/format/compatibility.h"
+#include "pkg/format/contained_file.h"
 #include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/head_check.h"
-#include "pkg/format/line_reader.h"
 #include "pkg/format/package_format.h"
+#include "pkg/format/package_judge.h"
 #include "pkg/format/package_name.h"
 #include "pkg/format/package_reader.h"
 #include "pkg/format/product_code.h"
-#include "pkg/format/public_key.h"
 #include "pkg/format/signature.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/files.h"
@@ -25,20 +25,18 @@
 namespace mkpkg {
 namespace {
 
-constexpr char kOperationFailed[] = "Operation failed!";
 constexpr char kWrongParameter[] = " % Wrong parameter found at '^' position.";
 constexpr char kTooMany[] = " % Too many parameters found at '^' position.";
-constexpr std::size_t kLongestTyped = 63;
 /// What the names of media begin with. Which of them a device has, and how many units, nobody tells.
 constexpr std::string_view kMedia[] = {"flash", "cf", "usb"};
 
-DeviceVerdict Accept() { return {true, "", "", ""}; }
-
-DeviceVerdict Refuse(std::string step, std::string reason, std::string line) {
-  return {false, std::move(step), std::move(reason), std::move(line)};
+/// What a device prints when it refuses, without its line ends.
+std::string LineFor(PackageVerdict verdict, const std::string& name) {
+  std::string line = LineOfRefusal(verdict);
+  if (const std::size_t mark = line.find("%s"); mark != std::string::npos) line.replace(mark, 2, name);
+  std::erase_if(line, [](char c) { return c == '\r' || c == '\n'; });
+  return line;
 }
-
-std::string Corrupted(const DeviceFacts& facts) { return facts.typed_name + " is corrupted."; }
 
 /// Whether a word names a place below the root of a medium that a device can have. A relative name counts as one on
 /// flash:, where devices start.
@@ -49,142 +47,97 @@ bool IsTypable(const std::string& word) {
   const bool is_known = std::any_of(std::begin(kMedia), std::end(kMedia),
                                     [&](std::string_view medium) { return device.starts_with(medium); });
   char full[kNameRoom];
-  return word.size() <= kLongestTyped && std::all_of(word.begin(), word.end(), IsPrintable) && word[0] != '/' &&
+  return word.size() <= kMaxTypedPackage && std::all_of(word.begin(), word.end(), IsPrintable) && word[0] != '/' &&
          is_known && ESH_FS_IsValidFileName(name.c_str()) == kSuccess && IsValidDeviceName(device) &&
          eliminatePoint(("/mnt/" + name).c_str(), kMediumFloor, sizeof(full), full) == kSuccess &&
          !std::string_view(full).ends_with(':');
 }
 
-/// What the shell says to the name before a command sees it.
+/// What the shell says to the name before a command sees it. @return no step when it is a name.
 DeviceVerdict JudgeWord(const std::string& name) {
   const std::string word = name.substr(0, name.find(' '));
   if (!IsTypable(word)) {
-    return Refuse("typed-name", word + " is no name below a medium flash, cf or usb, of 63 characters at most",
-                  kWrongParameter);
+    return {"typed-name", word + " is no name below a medium flash, cf or usb, of 63 characters at most",
+            kWrongParameter};
   }
-  return word == name ? Accept() : Refuse("typed-name", "a name ends at its first blank", kTooMany);
-}
-
-DeviceVerdict JudgeName(const DeviceFacts& facts) {
-  const std::string& name = facts.typed_name;
-  const bool fits = ESH_FilterFile(name.c_str(), kPackageSuffix, kMaxPackageName) == 1;
-  if (fits && !HoldsAliasMark(name.c_str())) return Accept();
-  return Refuse("name", "a package's name ends in .bin and holds no ~", name + ": Invalid file name.");
-}
-
-DeviceVerdict JudgeUnit(const std::string& name) {
-  return IsFirstUnit(DeviceNameOf(name)) ? Accept()
-                                         : Refuse("primary-partition", "only the first unit of a medium may hold it",
-                                                  "The startup software images must be in the primary partition.");
-}
-
-/// Opens a package as both commands do, when its name is one.
-DeviceVerdict Open(const std::string& path, const DeviceFacts& facts, UniquePackage& reader) {
-  if (DeviceVerdict verdict = JudgeName(facts); !verdict.accepted) return verdict;
-  PKG_READER_S* opened = nullptr;
-  const PackageVerdict opening = OpenPackage(path.c_str(), opened);
-  reader.reset(opened);
-  return reader ? Accept() : Refuse(NameOfVerdict(opening), ReasonOf(opening), Corrupted(facts));
-}
-
-/// Checks and seals an open package as both commands do.
-DeviceVerdict JudgeGenuine(PKG_READER_S* reader, const DeviceFacts& facts) {
-  const std::uint32_t product = ReadVersionTag(facts.version_file.c_str(), kProductTagName);
-  if (product == kUnknownTag)
-    return Refuse("product-tag", "the device's version file has no ProductTag", Corrupted(facts));
-  const PackageVerdict verdict = JudgePackage(reader, product, facts.key_directory.c_str());
-  if (verdict == PackageVerdict::kGood) return Accept();
-  return Refuse(NameOfVerdict(verdict), ReasonOf(verdict), Corrupted(facts));
+  if (word != name) return {"typed-name", "a name ends at its first blank", kTooMany};
+  return {};
 }
 
 /// Opens a text of a package for reading line by line; none when it has no such text.
-UniqueLines OpenText(const PackageModel& package, std::uint32_t id) {
-  const ContainedFile* file = package.Find(id);
-  return UniqueLines(file == nullptr || file->data.empty() ? nullptr
-                                                           : ReadBuffCreateByMem(file->data.data(), file->data.size()));
+UniqueLines TextIn(PKG_READER_S* package, std::uint32_t id) {
+  const PackageFileEntry* entry = FindFile(*package, id);
+  const std::string text = entry == nullptr ? "" : ReadContained(package, *entry).data;
+  return UniqueLines(text.empty() ? nullptr : ReadBuffCreateByMem(text.data(), text.size()));
 }
 
-std::string RunningVersion(const std::string& boot_image) {
-  PackageModel boot;
-  if (boot_image.empty() || !ReadPackage(boot_image, boot).empty()) return "";
-  const ContainedFile* description = boot.Find(kDescriptionFile);
-  const bool is_modest = description != nullptr && description->stored_size <= kMostBootDescription &&
-                         description->told_size <= kMostBootDescription;
-  if (!is_modest) return "";
-  char version[kRunningVersionRoom];
-  ReadBootVersion(OpenText(boot, kDescriptionFile).get(), version);
-  return version;
-}
-
-bool IsCompatible(const PackageModel& package, const std::string& running) {
-  char product_version[kProductVersionRoom];
-  ReadProductVersion(OpenText(package, kDescriptionFile).get(), product_version);
-  return IsCompliant(OpenText(package, kCompatibilityFile).get(), product_version, running.c_str());
-}
-
-/// The first image for a device whose head a device can read.
-const ContainedFile* FindImage(const PackageModel& package, std::uint32_t device_tag) {
-  for (const ContainedFile& file : package.files)
-    if (file.id == kSystemImageFile && file.has_head && file.device_code == device_tag) return &file;
-  return nullptr;
-}
-
-DeviceVerdict JudgeImage(const ContainedFile* image) {
-  if (image == nullptr) return Refuse("image", "the package has no image for this device's tag", kOperationFailed);
-  if (!image->problem.empty())
-    return Refuse("image", "image " + image->name + " gives no data: " + image->problem, kOperationFailed);
-  if (!IsPlainImageName(image->name.substr(0, kImageNameRoom - 1))) {  // a device cuts it there
-    return Refuse("image-name", "the image's name holds more than letters, digits, \".\", \"_\", \"-\" and \"+\"",
-                  kOperationFailed);
+/// The device that the facts tell of, and a package on it.
+class ToldDevice final : public LoadDevice {
+ public:
+  ToldDevice(const std::string& path, const DeviceFacts& facts) : facts_(facts) {
+    PKG_READER_S* opened = nullptr;
+    opened_ = IsPackageName(facts.typed_name.c_str()) ? OpenPackage(path.c_str(), opened) : PackageVerdict::kName;
+    package_.reset(opened);
   }
-  return Accept();
-}
 
-/// The part of "install load" that comes after the package was found genuine.
-DeviceVerdict JudgeContents(const PackageModel& package, const DeviceFacts& facts) {
-  if (OpenText(package, kCompatibilityFile) == nullptr) {
-    return Refuse("compatibility-list", "the package has no compatibility list",
-                  "File " + facts.typed_name + " is invalid.");
+  DeviceVerdict JudgeDisplay() {
+    PackageVerdict verdict = opened_;
+    if (verdict == PackageVerdict::kGood) verdict = Verify(package_.get());
+    if (verdict == PackageVerdict::kGood && OpenText(package_.get(), kDescriptionFile) == nullptr)
+      verdict = PackageVerdict::kDescription;
+    return Told(verdict);
   }
-  const std::string running = RunningVersion(facts.boot_image);
-  if (!IsCompatible(package, running)) {
-    return Refuse("compatible",
-                  running.empty() ? "the version of the boot image is unknown"
-                                  : "the compatibility list does not name boot image version " + running,
-                  "This system image is not compliant with the boot image.");
+
+  DeviceVerdict JudgeInstall() {
+    if (!IsFirstUnit(DeviceNameOf(facts_.typed_name))) return Told(PackageVerdict::kFirstUnit);
+    return Told(opened_ == PackageVerdict::kGood ? JudgeLoad(package_.get(), *this) : opened_);
   }
-  const std::uint32_t tag = ReadVersionTag(facts.version_file.c_str(), kDeviceTagName);
-  if (tag == kUnknownTag) return Refuse("device-tag", "the device's version file has no DeviceTag", kOperationFailed);
-  return JudgeImage(FindImage(package, tag));
-}
+
+  PackageVerdict Verify(PKG_READER_S* package) override {
+    const std::uint32_t product = ReadVersionTag(facts_.version_file.c_str(), kProductTagName);
+    if (product == kUnknownTag) reason_ = "the device's version file has no ProductTag";
+    return JudgePackage(package, product, facts_.key_directory.c_str());
+  }
+  UniqueLines OpenText(PKG_READER_S* package, std::uint32_t file_id) override { return TextIn(package, file_id); }
+  void ReadRunningVersion(char* version) override {
+    const UniquePackage boot(PackageReadFileCreateByFile(facts_.boot_image.c_str()));
+    const bool is_readable = boot != nullptr && HasModestDescription(boot.get());
+    ReadBootVersion(is_readable ? TextIn(boot.get(), kDescriptionFile).get() : nullptr, version);
+    if (*version != '\0') reason_ = std::string("the compatibility list does not name boot image version ") + version;
+  }
+  std::uint32_t DeviceTag() override {
+    reason_.clear();
+    return ReadVersionTag(facts_.version_file.c_str(), kDeviceTagName);
+  }
+  bool TakeImage(PKG_READER_S* package, const PackageFileEntry& entry) override {
+    const ContainedFile image = ReadContained(package, entry);
+    if (!image.problem.empty()) reason_ = "image " + image.name + " gives no data: " + image.problem;
+    return image.problem.empty();
+  }
+
+ private:
+  [[nodiscard]] DeviceVerdict Told(PackageVerdict verdict) const {
+    if (verdict == PackageVerdict::kGood) return {};
+    const auto& [named, step, reason] = TextOf(verdict);
+    return {step, reason_.empty() ? reason : reason_, LineFor(verdict, facts_.typed_name)};
+  }
+
+  const DeviceFacts& facts_;
+  UniquePackage package_;
+  PackageVerdict opened_;
+  std::string reason_;  ///< of the verdict to come, where more can be said than its text does
+};
 
 }  // namespace
 
 DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts) {
-  UniquePackage reader;
-  if (DeviceVerdict verdict = JudgeWord(facts.typed_name); !verdict.accepted) return verdict;
-  if (DeviceVerdict verdict = Open(path, facts, reader); !verdict.accepted) return verdict;
-  if (DeviceVerdict verdict = JudgeGenuine(reader.get(), facts); !verdict.accepted) return verdict;
-  PackageModel package;
-  ReadFiles(reader.get(), package);
-  if (OpenText(package, kDescriptionFile) == nullptr)
-    return Refuse("description", "the package has no description", "Operation failed! ");
-  return Accept();
+  const DeviceVerdict typed = JudgeWord(facts.typed_name);
+  return typed.Accepts() ? ToldDevice(path, facts).JudgeDisplay() : typed;
 }
 
 DeviceVerdict JudgeInstall(const std::string& path, const DeviceFacts& facts) {
-  UniquePackage reader;
-  if (DeviceVerdict verdict = JudgeWord(facts.typed_name); !verdict.accepted) return verdict;
-  if (DeviceVerdict verdict = JudgeUnit(facts.typed_name); !verdict.accepted) return verdict;
-  if (DeviceVerdict verdict = Open(path, facts, reader); !verdict.accepted) return verdict;
-  if (reader->head.attributes != 0 || reader->head.package_type != kSystemPackage) {
-    return Refuse("system-package", "its attribute is not 0 or its type not 2",
-                  "Package " + facts.typed_name + " is not a system package.");
-  }
-  if (DeviceVerdict verdict = JudgeGenuine(reader.get(), facts); !verdict.accepted) return verdict;
-  PackageModel package;
-  ReadFiles(reader.get(), package);
-  return JudgeContents(package, facts);
+  const DeviceVerdict typed = JudgeWord(facts.typed_name);
+  return typed.Accepts() ? ToldDevice(path, facts).JudgeInstall() : typed;
 }
 
 bool NamesWeakKey(const PackageModel& package, const std::string& key_directory) {

@@ -16,10 +16,11 @@ struct DeviceFacts {
 
 /// What a device does with a package.
 struct DeviceVerdict {
-  bool accepted = false;
   std::string step;  ///< that refuses, or "" when none does
   std::string reason;
   std::string line;  ///< what the device prints then
+
+  [[nodiscard]] bool Accepts() const { return step.empty(); }
 };
 
 /// The verdict of "display install package".

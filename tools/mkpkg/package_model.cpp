@@ -31,6 +31,8 @@ std::string UnpackData(const PackageFileHead& head, std::string_view stored, std
   return "compression " + std::to_string(head.compression) + " is unknown to devices";
 }
 
+}  // namespace
+
 ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry) {
   ContainedFile file;
   file.id = entry.file_id;
@@ -59,8 +61,6 @@ ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry)
   return file;
 }
 
-}  // namespace
-
 const ContainedFile* PackageModel::Find(std::uint32_t id) const {
   const auto found = std::find_if(files.begin(), files.end(), [&](const ContainedFile& f) { return f.id == id; });
   return found == files.end() ? nullptr : &*found;
@@ -71,20 +71,15 @@ std::string ReadPackage(const std::string& path, PackageModel& package) {
   PKG_READER_S* opened = nullptr;
   const PackageVerdict verdict = OpenPackage(path.c_str(), opened);
   const UniquePackage reader(opened);
-  if (verdict != PackageVerdict::kGood) return path + ": " + ReasonOf(verdict);
-  ReadFiles(reader.get(), package);
+  if (verdict != PackageVerdict::kGood) return path + ": " + TextOf(verdict).reason;
+  package.head = reader->head;
+  for (std::uint32_t i = 0; i < reader->head.file_count; ++i)
+    package.files.push_back(ReadContained(reader.get(), reader->head.files[i]));
   std::string bytes;
   if (std::string problem = ReadWholeFile(path, bytes); !problem.empty()) return problem;
   package.size = bytes.size();
   if (!package.IsSignedInHead()) package.trailer = bytes.substr(bytes.size() - TrailerSize(bytes));
   return "";
-}
-
-void ReadFiles(PKG_READER_S* reader, PackageModel& package) {
-  package.head = reader->head;
-  package.files.clear();
-  for (std::uint32_t i = 0; i < reader->head.file_count; ++i)
-    package.files.push_back(ReadContained(reader, reader->head.files[i]));
 }
 
 std::string TrailerField(const PackageModel& package, std::string_view field) {

@@ -39,8 +39,8 @@ struct PackageModel {
 /// @return an empty text, or one line that says why a device could not open it.
 [[nodiscard]] std::string ReadPackage(const std::string& path, PackageModel& package);
 
-/// Reads the files of an open package; of a verified one only what its signature covers.
-void ReadFiles(PKG_READER_S* reader, PackageModel& package);
+/// Reads the file of a row of the table; of a verified package only what its signature covers.
+[[nodiscard]] ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry);
 
 /// @return the rest of a trailer's line that starts with `field`, such as kKeyLabel; "" when there is no such line.
 [[nodiscard]] std::string TrailerField(const PackageModel& package, std::string_view field);

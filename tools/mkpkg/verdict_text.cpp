@@ -1,20 +1,20 @@
 #include "tools/mkpkg/verdict_text.h"
 
+#include <algorithm>
+
 namespace mkpkg {
 namespace {
 
-struct VerdictText {
-  PackageVerdict verdict;
-  const char* name;
-  const char* reason;
-};
 constexpr VerdictText kVerdictTexts[] = {
     {PackageVerdict::kGood, "good", "nothing speaks against it"},
+    {PackageVerdict::kFirstUnit, "primary-partition", "only the first unit of a medium may hold it"},
+    {PackageVerdict::kName, "name", "a package's name ends in .bin and holds no ~"},
     {PackageVerdict::kCannotOpen, "cannot-open", "there is no such file, or it is no regular, readable one"},
     {PackageVerdict::kNoMainHead, "no-main-head", "it is shorter than the main head of a package"},
     {PackageVerdict::kByteOrder, "byte-order", "the byte-order word of its main head is neither 0 nor 0xFFFFFFFF"},
     {PackageVerdict::kTooManyFiles, "too-many-files", "its main head tells of more than 128 files"},
     {PackageVerdict::kNoMemory, "no-memory", "there is not enough memory"},
+    {PackageVerdict::kPackageType, "system-package", "its attribute is not 0 or its type not 2"},
     {PackageVerdict::kProductTag, "product-tag", "it is made for another product"},
     {PackageVerdict::kKind, "kind", "the attribute word has bit 0 set but is not 1"},
     {PackageVerdict::kHeadCrc, "head-crc", "the CRC of its main head does not fit"},
@@ -32,17 +32,19 @@ constexpr VerdictText kVerdictTexts[] = {
     {PackageVerdict::kKeyValue, "key-value", "the key is one that anybody can sign with"},
     {PackageVerdict::kUnreadable, "unreadable", "the file could not be read to its end"},
     {PackageVerdict::kWrongSignature, "wrong-signature", "the signature does not fit the package and the key"},
+    {PackageVerdict::kCompatibilityList, "compatibility-list", "the package has no compatibility list"},
+    {PackageVerdict::kCompatible, "compatible", "the version of the boot image is unknown"},
+    {PackageVerdict::kDeviceTag, "device-tag", "the device's version file has no DeviceTag"},
+    {PackageVerdict::kImage, "image", "the package has no image for this device's tag"},
+    {PackageVerdict::kImageName, "image-name",
+     "the image's name holds more than letters, digits, \".\", \"_\", \"-\" and \"+\""},
+    {PackageVerdict::kDescription, "description", "the package has no description"},
 };
-
-const VerdictText& TextOf(PackageVerdict verdict) {
-  for (const VerdictText& text : kVerdictTexts)
-    if (text.verdict == verdict) return text;
-  return kVerdictTexts[0];
-}
 
 }  // namespace
 
-const char* ReasonOf(PackageVerdict verdict) { return TextOf(verdict).reason; }
-const char* NameOfVerdict(PackageVerdict verdict) { return TextOf(verdict).name; }
+const VerdictText& TextOf(PackageVerdict verdict) {
+  return *std::ranges::find(kVerdictTexts, verdict, &VerdictText::verdict);
+}
 
 }  // namespace mkpkg

@@ -4,10 +4,12 @@
 
 namespace mkpkg {
 
-/// @return what a verdict on a package means, for its maker.
-[[nodiscard]] const char* ReasonOf(PackageVerdict verdict);
-
-/// @return the name of a verdict, for scripts: lower case, words joined by hyphens.
-[[nodiscard]] const char* NameOfVerdict(PackageVerdict verdict);
+/// What a verdict on a package is called.
+struct VerdictText {
+  PackageVerdict verdict;
+  const char* name;    ///< for scripts: lower case, words joined by hyphens
+  const char* reason;  ///< for the package's maker
+};
+[[nodiscard]] const VerdictText& TextOf(PackageVerdict verdict);
 
 }  // namespace mkpkg

@@ -173,29 +173,12 @@ TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
     const mkpkg::DeviceVerdict verdict =
         mkpkg::JudgeInstall(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", c.name});
     EXPECT_EQ(verdict.step, c.outcome) << verdict.reason;
-    EXPECT_EQ(verdict.accepted, *c.outcome == '\0');
   }
-}
-
-TEST_F(PackageTool, BootImageDescriptionHasTheDevicesLimit) {
-  WriteFile(kTestPackage, Sign(Changed([](C&) {}), {.key_name = "maker"}));
-  std::string text = "Platform version: V1\nProduct version: R1\n";
-  C boot = Contents();
-  mkpkg::PackageFile& description = boot.files[1];
-  for (const std::uint32_t size : {1U << 20, (1U << 20) + 1}) {
-    text.resize(size, '\n');
-    for (const std::uint32_t packing : {kStoredAsIs, kPacked7z}) {
-      mkpkg::Progress silent("", 0);
-      ASSERT_EQ(mkpkg::Compress(mkpkg::Compression::k7z, text, silent, description.data), "");
-      if (packing == kStoredAsIs) description.data = text;
-      description.packing = packing;
-      description.unpacked_size = size;
-      WriteFile("/tmp/boot.bin", Compose(boot));
-      const mkpkg::DeviceVerdict verdict =
-          mkpkg::JudgeInstall(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", "good.bin"});
-      EXPECT_EQ(verdict.step, size == 1U << 20 ? "" : "compatible") << packing;
-    }
-  }
+  WriteFile("/tmp/boot.bin", Changed([](C& c) {
+              c.files[1].data = "Platform version: V1\nProduct version: R1\n" + std::string(1 << 20, '\n');
+            }));
+  EXPECT_EQ(mkpkg::JudgeInstall(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", "good.bin"}).step,
+            "compatible");
 }
 
 TEST(JsonText, IsValidWhateverItHolds) {
