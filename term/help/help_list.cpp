@@ -1,10 +1,13 @@
 #include "term/help/help_list.h"
 
-#include <search.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <new>
+#include <string_view>
 #include <utility>
 
 #include "shell/command/command_tree.h"
@@ -14,51 +17,60 @@
 
 namespace {
 
+/// So sparse that a list grows to eight times its length before its table is made anew.
+constexpr std::uint64_t kSlotsPerLine = 16;
+constexpr std::uint64_t kLongList = 1000;
+
 bool g_line_was_lost = false;
 
-/// The lines of the list that was added to last, as a tree beside it (tsearch(3)): to look for a keyword in the list
-/// itself would cost the square of its length, which a directory of 100,000 files does not forgive.
+/// The lines of the list that was added to last, hashed by keyword: to look for one in the list itself would cost the
+/// square of its length, which a directory of 100,000 files does not forgive.
 struct {
   const VEC_S* list = nullptr;
   std::uint64_t first_free = 0;  // another one now means that others have changed the list
-  void* tree = nullptr;
+  std::uint64_t count = 0;
+  std::uint64_t room = 0;
+  std::unique_ptr<const ESH_HELP_INFO_S*[]> slots;
 } g_seen;
 
-const ESH_HELP_INFO_S& LineOf(const void* record) { return *static_cast<const ESH_HELP_INFO_S*>(record); }
+void ForgetSeen() { g_seen = {}; }
 
-int CompareKeywords(const void* a, const void* b) { return std::strcmp(LineOf(a).szKeyWord, LineOf(b).szKeyWord); }
-
-void ForgetSeen() {
-  tdestroy(g_seen.tree, [](void*) {});
-  g_seen = {};
+/// @return where a keyword's line stands in the table, or NULL where it would.
+const ESH_HELP_INFO_S*& SeenLine(std::string_view keyword) {
+  std::uint64_t slot = std::hash<std::string_view>()(keyword) % g_seen.room;
+  while (g_seen.slots[slot] != nullptr && keyword != g_seen.slots[slot]->szKeyWord) slot = (slot + 1) % g_seen.room;
+  return g_seen.slots[slot];
 }
 
+/// Makes the table that of this list, with room for one line more.
 /// @return false when memory is short.
 bool SeeLinesOf(const VEC_S& list) {
-  if (g_seen.list == &list && g_seen.first_free == list.ulFirstFree) return true;
+  const bool is_known = g_seen.list == &list && g_seen.first_free == list.ulFirstFree;
+  if (is_known && g_seen.count < g_seen.room / 2) return true;
   ForgetSeen();
-  bool all_seen = true;
-  ForEachSlot<ESH_HELP_INFO_S>(list, [&](std::uint64_t, ESH_HELP_INFO_S& line) {
-    all_seen = tsearch(&line, &g_seen.tree, CompareKeywords) != nullptr && all_seen;
+  g_seen.room = kSlotsPerLine * std::max<std::uint64_t>(VEC_GetCount(&list), kUsualSlots);
+  g_seen.slots.reset(new (std::nothrow) const ESH_HELP_INFO_S* [g_seen.room] {});
+  if (g_seen.slots == nullptr) return false;
+  ForEachSlot<ESH_HELP_INFO_S>(list, [](std::uint64_t, const ESH_HELP_INFO_S& line) {
+    SeenLine(line.szKeyWord) = &line;
+    ++g_seen.count;
   });
-  g_seen.list = all_seen ? &list : nullptr;
-  return all_seen;
+  g_seen.list = &list;
+  return true;
 }
 
 using UniqueLine = std::unique_ptr<ESH_HELP_INFO_S, MemoryFreer>;
 
-/// Puts a line into the tree, then into the list, which owns it from then on.
+/// Gives a line to the list, unless one with its keyword is there.
 /// @return false when memory is short.
 bool AddLine(UniqueLine line, VEC_S& list) {
   if (line == nullptr || !SeeLinesOf(list)) return false;
-  void* const* seen = static_cast<void**>(tsearch(line.get(), &g_seen.tree, CompareKeywords));
-  if (seen == nullptr || *seen != line.get()) return seen != nullptr;  // listed already
-  if (VEC_Add(&list, kNoIndex, line.get()) == kNoIndex) {
-    tdelete(line.get(), &g_seen.tree, CompareKeywords);
-    return false;
-  }
-  (void)line.release();
+  const ESH_HELP_INFO_S*& seen = SeenLine(line->szKeyWord);
+  if (seen != nullptr) return true;
+  if (VEC_Add(&list, kNoIndex, line.get()) == kNoIndex) return false;
+  seen = line.release();
   g_seen.first_free = list.ulFirstFree;
+  ++g_seen.count;
   return true;
 }
 
@@ -68,7 +80,6 @@ struct Number {
 };
 
 Number LeadingNumber(const char* text) {
-  if (*text > '9') return {0, text};  // no number begins like this, but nearly every name does, and a sort asks often
   char* rest = nullptr;
   const unsigned long value = std::strtoul(text, &rest, 10);
   return {value, rest};
@@ -110,10 +121,16 @@ void RemoveHelpLine(VEC_S& list, std::uint64_t index) {
 
 void ESH_FreeHelpInfoVec(VEC_S* list) {
   ForgetSeen();
+  const bool is_long = VEC_GetCount(list) > kLongList;
   FreeVectorOf<ESH_HELP_INFO_S>(list, std::free);
+  // The allocator keeps a few records at hand. A sorted list leaves them anywhere in its memory, nearly all of which
+  // would then stay the shell's.
+  if (is_long) malloc_trim(0);
 }
 
 int CmpHelpString(const char* a, const char* b) {
+  // No number begins so high, nor does "<cr>", but nearly every name does, and a sort asks often.
+  if (*a > '<' && *b > '<') return std::strcmp(a, b);
   if (std::strcmp(a, kCrWord) == 0) return 1;
   if (std::strcmp(b, kCrWord) == 0) return -1;
   const Number first = LeadingNumber(a);
