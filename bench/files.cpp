@@ -126,7 +126,7 @@ void MeasureMore(const Console& console) {
     peer.push_back(MillisOfPeersMore(text, kShown));
     large.push_back(MillisOfMore(console, large_text, 10 * kShown));
   }
-  Report("more of 10 MB, every More answered / busybox (ms)", Median(ours), Median(peer), 0.6);
+  Report("more of 10 MB, every More answered / busybox (ms)", Median(ours), Median(peer), 0.7);
   Report("more of 100 MB / 10 times 10 MB (ms)", Median(large), 10 * Median(ours), kStraight);
 }
 

@@ -1,7 +1,6 @@
 #include "bench/measure.h"
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,6 +27,8 @@ double Median(std::vector<double> samples) {
   return *middle;
 }
 
+double MillisOf(const rusage& usage) { return Millis(usage.ru_utime) + Millis(usage.ru_stime); }
+
 double MillisOfChild(const std::function<void()>& body) {
   std::fflush(stdout);
   const pid_t child = fork();
@@ -40,7 +41,7 @@ double MillisOfChild(const std::function<void()>& body) {
   int status = -1;
   rusage usage{};
   Require(child > 0 && wait4(child, &status, 0, &usage) == child && status == 0, "a measured process fails");
-  return Millis(usage.ru_utime) + Millis(usage.ru_stime);
+  return MillisOf(usage);
 }
 
 void Require(bool holds, const char* what) {

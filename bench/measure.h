@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/resource.h>
+
 #include <functional>
 #include <vector>
 
@@ -8,7 +10,11 @@
 /// @param goal   ours may be at most so many times the peer's.
 void Report(const char* figure, double ours, double peer, double goal);
 
+/// @return the middle one of the samples, of which there must be some.
 [[nodiscard]] double Median(std::vector<double> samples);
+
+/// @return user and system time in milliseconds.
+[[nodiscard]] double MillisOf(const rusage& usage);
 
 /// Processor time of a child process that runs `body` with its output thrown away. The time it waits for a processor
 /// does not count, so that other work on the machine disturbs little.
