@@ -43,9 +43,8 @@ constexpr struct {
   const char* output;
 } kRedraws[] = {
     {"the cursor inside", ESH_LINE_MODE_COMMAND, "display", 3, 0, "\r\n<boot>display\033[4D"},
-    {"the cursor at the end", ESH_LINE_MODE_COMMAND, "display", 7, 0, "\r\n<boot>display"},
+    {"one character", ESH_LINE_MODE_COMMAND, "d", 1, 0, "\r\n<boot>d"},
     {"nothing typed, nothing to draw", ESH_LINE_MODE_COMMAND, "", 0, 0, ""},
-    {"a name", ESH_LINE_MODE_PLAIN, "joe", 3, 0, "\r\n<boot>joe"},
     {"a password", ESH_LINE_MODE_MASKED, "joe", 1, 0, "\r\n<boot>***\033[2D"},
     {"a question", ESH_LINE_MODE_CONFIRM, "", 0, 0, "\r\n[Y/N]:"},
     {"a question answered by yes", ESH_LINE_MODE_CONFIRM, "old", 0, 'y', "\r\n[Y/N]:y"},

@@ -83,7 +83,20 @@ TEST(WholeHelp, FillsItsBufferToTheLastByte) {
   }
 }
 
-TEST(NamesOnly, AreSortedAndComplete) {
+TEST(NamesOnly, AreNumbersThenTextsThenTheEndEachOnce) {
+  // As the screen shall show them.
+  constexpr const char* kOrder[] = {"0007", "9",     "10", "09a", "0x", "10a",  "5 blind",
+                                    "9a",   "Zebra", "a",  "aa",  "zz", "\xFF", "<cr>"};
+  Lines lines;
+  std::string expected;
+  for (const char* keyword : kOrder) {
+    for (int twice = 0; twice < 2; ++twice) lines.emplace(twice == 0 ? lines.begin() : lines.end(), keyword, "");
+    expected += "  " + std::string(keyword) + "\r\n";
+  }
+  EXPECT_EQ(Print(lines, 0), expected + "\r\n");
+}
+
+TEST(NamesOnly, AreComplete) {
   Lines lines = {{"<cr>", ""}, {Many(512, 'z'), "as long as it gets"}};
   std::string expected;
   for (int i = 1000; i > 0; --i) {
