@@ -89,7 +89,7 @@ class NativeDocuments : public testing::Test {
   void Play(const std::string& document) {
     const std::regex with_keys(
         R"((\$ |/ # |<boot>|\[boot[^\]]*\]|<Tessaro>|.*\[Y/N\]:|user:|password:|login as:)(.*))");
-    const Console console({}, [this](const Console::Report&) {
+    Console console([this] {
       for (const char* variable : {"PS1", "PS2"}) setenv(variable, "$ ", 1);
       unsetenv("ENV");
       if (chdir(clone_.c_str()) == 0) execl("/bin/sh", "sh", "-i", nullptr);
@@ -108,7 +108,7 @@ class NativeDocuments : public testing::Test {
       if (is_completed) before = text;
       ASSERT_TRUE(text.starts_with(before)) << line;
       shown += prompt + before;
-      const std::string printed = console.ReadUntil(prompt + before);
+      const std::string printed = console.Expect(prompt + before);
       ASSERT_TRUE(Fits(Lasting(shown), Lasting(printed))) << "shown:\n" << shown << "\nprinted:\n" << printed;
       const std::string typed = text.substr(before.size());
       console.Type(KeysOf(prompt, typed));

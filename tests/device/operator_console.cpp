@@ -15,8 +15,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Only a fault is silent this long. Less than the time after which a question answers itself by no.
-constexpr std::chrono::seconds kPatience{25};
 constexpr char kDeviceVariable[] = "ESH_TEST_DEVICE";
 constexpr std::string_view kPrompts[] = {"<boot>", "[boot]", "[boot-m-eth0]"};
 
@@ -30,12 +28,6 @@ bool EndsInPrompt(std::string_view text) {
 std::string DeviceName() {
   const char* name = std::getenv(kDeviceVariable);
   return name == nullptr ? "native" : name;
-}
-
-std::string WithoutReturns(std::string_view text) {
-  std::string lines(text);
-  std::erase(lines, '\r');
-  return lines;
 }
 
 /// Skips all that this program tests where there can be no device.
@@ -95,11 +87,6 @@ void OperatorConsole::Boot() {
   if (!problem.empty()) GiveUp("the device does not start: " + problem);
 }
 
-void OperatorConsole::GiveUp(const std::string& problem) {
-  has_given_up_ = true;
-  ADD_FAILURE() << problem;
-}
-
 void OperatorConsole::BootToPrompt() {
   Boot();
   Expect("<boot>");
@@ -112,48 +99,22 @@ void OperatorConsole::NewShell() {
   Expect("<boot>");
 }
 
-void OperatorConsole::Type(std::string_view keys) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
-  while (!keys.empty() && !has_given_up_) {
-    const ssize_t written = write(board_->Console(), keys.data(), keys.size());
-    if (written > 0)
-      keys.remove_prefix(static_cast<std::size_t>(written));
-    else if (std::chrono::steady_clock::now() > deadline)
-      GiveUp("the device takes no keys");
-    else
-      TakeIn(milliseconds(20));  // the line is full until the device has read, and it may wait to be heard
-  }
-}
-
-std::string OperatorConsole::Expect(std::string_view text) {
-  auto deadline = std::chrono::steady_clock::now() + kPatience;
-  std::size_t found = std::string::npos;
-  while ((found = printed_.find(text, waited_for_)) == std::string::npos) {
-    if (has_given_up_) return {};
-    if (std::chrono::steady_clock::now() > deadline) GiveUp("never printed: " + std::string(text));
-    if (TakeIn(milliseconds(100))) deadline = std::chrono::steady_clock::now() + kPatience;
-  }
-  const std::size_t start = waited_for_;
-  waited_for_ = found + text.size();
-  return WithoutReturns(std::string_view(printed_).substr(start, waited_for_ - start));
-}
-
 std::string OperatorConsole::Command(const std::string& line, const std::string& keys) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   TakeIn(milliseconds(0));
   const std::size_t start = printed_.size();
   Type(line + "\r");
-  while (!keys.empty() && !has_given_up_ && printed_.find('\n', start) == std::string::npos && TakeIn(kPatience)) {
+  while (!keys.empty() && !HasGivenUp() && printed_.find('\n', start) == std::string::npos && TakeIn(kPatience)) {
     // What answers a question is typed when the line has been read.
   }
   Type(keys);
   while (!EndsInPrompt(std::string_view(printed_).substr(start)) || TakeIn(milliseconds(20))) {
-    if (has_given_up_) return {};
+    if (HasGivenUp()) return {};
     if (std::chrono::steady_clock::now() > deadline) GiveUp("no prompt after: " + line);
     TakeIn(milliseconds(100));
   }
   waited_for_ = printed_.size();
-  const std::string all = WithoutReturns(std::string_view(printed_).substr(start));
+  const std::string all = Lines(start);
   const std::size_t echo_end = all.find('\n') + 1;
   return all.substr(echo_end, all.rfind('\n') + 1 - echo_end);
 }
@@ -164,32 +125,23 @@ void OperatorConsole::ExpectAll(const std::vector<Exchange>& exchanges) {
 }
 
 device::Outcome OperatorConsole::Outcome() {
-  if (has_given_up_) return device::Outcome::kRunning;
+  if (HasGivenUp()) return device::Outcome::kRunning;
   const device::Outcome outcome = board_->WaitForOutcome(kPatience);
   TakeIn(milliseconds(0));
   return outcome;
 }
 
-void OperatorConsole::Listen(milliseconds time) {
-  const auto end = std::chrono::steady_clock::now() + time;
-  while (std::chrono::steady_clock::now() < end) TakeIn(milliseconds(20));
-}
-
 std::string OperatorConsole::Run(const std::string& command) {
-  if (has_given_up_) return {};
+  if (HasGivenUp()) return {};
   const device::CommandResult result = board_->Run(command);
   EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
   return result.output;
 }
 
 bool OperatorConsole::Eventually(const std::function<bool()>& condition) {
-  return !has_given_up_ && ::Eventually(condition);
-}
-
-bool Eventually(const std::function<bool()>& condition) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
+    if (HasGivenUp() || std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(milliseconds(20));
   }
   return true;
@@ -199,18 +151,4 @@ std::string OperatorConsole::ShellPid() {
   // The newest process of that name: the older one only waits for it.
   const std::string pids = Run("pidof esh | tr ' ' '\\n' | sort -n | tail -n 1");
   return pids.substr(0, pids.find('\n'));
-}
-
-/// @return whether anything was printed.
-bool OperatorConsole::TakeIn(milliseconds time) {
-  pollfd console{board_->Console(), POLLIN, 0};
-  if (poll(&console, 1, static_cast<int>(time.count())) <= 0) return false;
-  char bytes[4096];
-  const ssize_t length = read(board_->Console(), bytes, sizeof(bytes));
-  if (length <= 0) {
-    std::this_thread::sleep_for(milliseconds(1));  // the device is down: the console says so at once, and for ever
-    return false;
-  }
-  printed_.append(bytes, static_cast<std::size_t>(length));
-  return true;
 }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -10,9 +9,7 @@
 #include <vector>
 
 #include "device/device.h"
-
-/// Waits until a condition holds. @return whether it does.
-[[nodiscard]] bool Eventually(const std::function<bool()>& condition);
+#include "tests/support/console.h"
 
 /// A line, the keys typed behind it (the answers), and all that is printed from there to the next prompt.
 struct Exchange {
@@ -28,7 +25,7 @@ struct Exchange {
 ///
 /// The tests of a suite run in one process and share a device as far as they can: UseDevice takes over what the test
 /// before has left. A test whose device is of no use to others boots one of its own.
-class OperatorConsole : public testing::Test {
+class OperatorConsole : public testing::Test, public ConsoleEnd {
  public:
   static void TearDownTestSuite() { board_.reset(); }
 
@@ -52,10 +49,6 @@ class OperatorConsole : public testing::Test {
   /// Kills the shell and has another started on the device, whose port has no addresses then.
   void NewShell();
 
-  /// Presses keys.
-  void Type(std::string_view keys);
-  /// Waits until this is printed behind what was already waited for. @return what was printed up to there.
-  std::string Expect(std::string_view text);
   /// Types a line and Enter, then the keys, and waits for the next prompt.
   /// @return what was printed in between, lines ended by "\n".
   std::string Command(const std::string& line, const std::string& keys = "");
@@ -65,8 +58,6 @@ class OperatorConsole : public testing::Test {
   device::Outcome Outcome();
   /// Waits until a condition on the device holds. @return whether it does.
   [[nodiscard]] bool Eventually(const std::function<bool()>& condition);
-  /// Takes in what is printed for a while; for what must not be printed.
-  void Listen(std::chrono::milliseconds time);
 
   /// Whether the device is the emulated one: its media are FAT, its modules and kernel settings are a kernel's.
   [[nodiscard]] static bool IsArm64();
@@ -87,17 +78,12 @@ class OperatorConsole : public testing::Test {
   [[nodiscard]] device::Device& Board() { return *board_; }
 
  private:
-  bool TakeIn(std::chrono::milliseconds time);
-  /// Fails the test, and spares it to wait for what a device will not print that has left it in the lurch once.
-  void GiveUp(const std::string& problem);
+  [[nodiscard]] int ConsoleFd() const override { return board_->Console(); }
 
   static std::unique_ptr<device::Device> board_;
   static device::BootOptions board_options_;  ///< what the device is made of
   bool is_booted_ = false;                    ///< by this test, or taken over by it
   bool others_may_use_ = false;
-  bool has_given_up_ = false;
-  std::string printed_;
-  std::size_t waited_for_ = 0;
 };
 
 inline constexpr std::string_view kUp = "\x1b[A";

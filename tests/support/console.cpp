@@ -1,124 +1,101 @@
 #include "tests/support/console.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
+#include <utility>
 
-namespace {
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
 
-/// Only a failing test waits that long.
-constexpr int kPatienceMillis = 20'000;
-constexpr std::size_t kReportRoom = 4096;
-
-bool HasInput(int fd) {
-  pollfd entry{.fd = fd, .events = POLLIN, .revents = 0};
-  return poll(&entry, 1, kPatienceMillis) == 1;
-}
-
-[[noreturn]] void RunChild(const char* term, const Console::Body& body, int report_fd) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (term == nullptr)
-    unsetenv("TERM");
-  else
-    setenv("TERM", term, 1);
-  body([report_fd](std::string_view message) { (void)!write(report_fd, message.data(), message.size()); });
-  std::fflush(stdout);
-  _exit(0);
-}
-
-}  // namespace
-
-Console::Console(const Kind& kind, const Body& body) {
-  int ends[2];
-  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
-    ADD_FAILURE() << "no socket pair";
-    return;
+void ConsoleEnd::Type(std::string_view keys) {
+  const auto deadline = steady_clock::now() + kPatience;
+  while (!keys.empty() && !has_given_up_) {
+    const ssize_t written = write(ConsoleFd(), keys.data(), keys.size());
+    if (written > 0)
+      keys.remove_prefix(static_cast<std::size_t>(written));
+    else if (steady_clock::now() > deadline)
+      GiveUp("no keys are taken");
+    else
+      TakeIn(milliseconds(20));  // the line is full until the far end has read, and it may wait to be heard
   }
-  reports_.Reset(ends[0]);
-  const UniqueFd report_fd(ends[1]);
+}
+
+std::string ConsoleEnd::Expect(std::string_view text) {
+  auto deadline = steady_clock::now() + kPatience;
+  std::size_t found = std::string::npos;
+  while ((found = printed_.find(text, waited_for_)) == std::string::npos) {
+    if (has_given_up_) return {};
+    if (steady_clock::now() > deadline) GiveUp("never printed: " + std::string(text));
+    if (TakeIn(milliseconds(100))) deadline = steady_clock::now() + kPatience;
+  }
+  const std::size_t start = std::exchange(waited_for_, found + text.size());
+  return Lines(start, waited_for_);
+}
+
+void ConsoleEnd::Listen(milliseconds time) {
+  const auto end = steady_clock::now() + time;
+  while (steady_clock::now() < end) TakeIn(milliseconds(20));
+}
+
+bool ConsoleEnd::TakeIn(milliseconds time) {
+  pollfd console{ConsoleFd(), POLLIN, 0};
+  if (poll(&console, 1, static_cast<int>(time.count())) <= 0) return false;
+  char bytes[4096];
+  const ssize_t length = read(ConsoleFd(), bytes, sizeof(bytes));
+  is_closed_ = length <= 0;
+  if (is_closed_)
+    std::this_thread::sleep_for(milliseconds(1));  // which the terminal says at once, and for ever
+  else
+    printed_.append(bytes, static_cast<std::size_t>(length));
+  return !is_closed_;
+}
+
+void ConsoleEnd::GiveUp(const std::string& problem) {
+  has_given_up_ = true;
+  ADD_FAILURE() << problem << ", but: " << Lines(waited_for_);
+}
+
+std::string ConsoleEnd::Lines(std::size_t start, std::size_t end) const {
+  std::string lines = printed_.substr(start, end - start);
+  std::erase(lines, '\r');
+  return lines;
+}
+
+Console::Console(const std::function<void()>& body) {
   std::fflush(stdout);  // or the child would write the test program's own output once more
-  const winsize size{kind.rows, kind.columns, 0, 0};
+  const winsize size{24, 80, 0, 0};
   int keyboard = -1;
   child_ = forkpty(&keyboard, nullptr, nullptr, &size);
-  if (child_ == 0) RunChild(kind.term, body, report_fd.Get());
-  keyboard_.Reset(keyboard);
+  if (child_ == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    setenv("TERM", "xterm", 1);
+    body();
+    std::fflush(stdout);
+    _exit(0);
+  }
   EXPECT_GT(child_, 0) << "no pseudo terminal";
+  keyboard_.Reset(keyboard);
+  fcntl(keyboard, F_SETFL, O_NONBLOCK);
 }
 
 Console::~Console() {
-  if (child_ > 0) {
-    kill(child_, SIGKILL);
-    waitpid(child_, nullptr, 0);
+  kill(child_, SIGKILL);
+  waitpid(child_, nullptr, 0);
+}
+
+std::string Console::ReadToEnd() {
+  while (TakeIn(kPatience)) {
   }
-}
-
-bool Console::HasEnded(int& status) {
-  if (waitpid(child_, &status, WNOHANG) != child_) return false;
-  child_ = -1;
-  return true;
-}
-
-void Console::Type(std::string_view keys) const {
-  EXPECT_EQ(write(keyboard_.Get(), keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
-}
-
-bool Console::ReadMore(std::string& output, std::size_t most) const {
-  char buffer[4096];
-  if (!HasInput(keyboard_.Get())) return false;
-  const ssize_t count = read(keyboard_.Get(), buffer, std::min(most, sizeof(buffer)));
-  if (count <= 0) return false;
-  output.append(buffer, static_cast<std::size_t>(count));
-  return true;
-}
-
-std::string Console::Read(std::size_t count) const {
-  std::string output;
-  while (output.size() < count && ReadMore(output, count - output.size())) {
-  }
-  return output;
-}
-
-std::string Console::ReadUntil(std::string_view mark) const {
-  std::string output;
-  while (!output.ends_with(mark) && ReadMore(output, 1)) {
-  }
-  return output;
-}
-
-std::string Console::ReadUntilOneOf(std::initializer_list<std::string_view> marks) const {
-  std::string output;
-  const auto ends_in = [&output](std::string_view mark) { return output.ends_with(mark); };
-  while (!std::any_of(marks.begin(), marks.end(), ends_in) && ReadMore(output, SIZE_MAX)) {
-  }
-  return output;
-}
-
-std::string Console::ReadToEnd() const { return Read(SIZE_MAX); }
-
-std::string Console::NextReport() const {
-  char message[kReportRoom];
-  if (!HasInput(reports_.Get())) return {};
-  const ssize_t count = read(reports_.Get(), message, sizeof(message));
-  return count <= 0 ? std::string() : std::string(message, static_cast<std::size_t>(count));
-}
-
-termios Console::Settings() const {
-  termios settings{};
-  EXPECT_EQ(tcgetattr(keyboard_.Get(), &settings), 0);
-  return settings;
-}
-
-std::vector<unsigned> ModesOf(const termios& settings) {
-  std::vector<unsigned> modes = {settings.c_iflag, settings.c_oflag, settings.c_cflag, settings.c_lflag};
-  modes.insert(modes.end(), std::begin(settings.c_cc), std::end(settings.c_cc));
-  return modes;
+  EXPECT_TRUE(is_closed_) << "it does not end";
+  return Lines(waited_for_);
 }

@@ -1,63 +1,64 @@
 #pragma once
 
 #include <sys/types.h>
-#include <termios.h>
 
-#include <cstddef>
+#include <chrono>
 #include <functional>
-#include <initializer_list>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "util/unique_handle.h"
 
+/// The near end of a terminal: somebody who types and looks at what the far end prints. A far end that leaves him in
+/// the lurch fails the test, and from then on nothing is waited for.
+class ConsoleEnd {
+ public:
+  virtual ~ConsoleEnd() = default;
+
+  /// Presses keys.
+  void Type(std::string_view keys);
+  /// Waits until this is printed behind what was already waited for.
+  /// @return what was printed up to there, lines ended by "\n".
+  std::string Expect(std::string_view text);
+  /// Takes in what is printed for a while; for what must not be printed.
+  void Listen(std::chrono::milliseconds time);
+
+ protected:
+  /// Only a fault is silent this long. Less than the time after which a question answers itself by no.
+  static constexpr std::chrono::seconds kPatience{25};
+
+  /// The descriptor, which does not block.
+  [[nodiscard]] virtual int ConsoleFd() const = 0;
+  /// @return whether anything was printed in this time.
+  bool TakeIn(std::chrono::milliseconds time);
+  void GiveUp(const std::string& problem);
+  [[nodiscard]] bool HasGivenUp() const { return has_given_up_; }
+  /// What was printed from one place to another, lines ended by "\n".
+  [[nodiscard]] std::string Lines(std::size_t start, std::size_t end = std::string::npos) const;
+
+  std::string printed_;
+  std::size_t waited_for_ = 0;
+  bool is_closed_ = false;  ///< nobody is at the far end now
+
+ private:
+  bool has_given_up_ = false;
+};
+
 /// A console of the test's own: a pseudo terminal whose far end is standard input, output and error of a child
 /// process that runs the code under test. The child ends with the Console.
-class Console {
+class Console : public ConsoleEnd {
  public:
-  struct Kind {
-    const char* term = "xterm";  ///< NULL: TERM is not set
-    unsigned short columns = 80;
-    unsigned short rows = 24;
-  };
-  /// Sends one message from the child to the test, beside the console.
-  using Report = std::function<void(std::string_view)>;
-  /// What the child runs.
-  using Body = std::function<void(const Report&)>;
-
-  Console(const Kind& kind, const Body& body);
-  ~Console();
+  explicit Console(const std::function<void()>& body);
+  ~Console() override;
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  /// Closes the terminal's window.
-  void Close() { keyboard_.Reset(); }
-  /// @return whether the child has ended; it is looked for once. @param status then its wait status.
-  [[nodiscard]] bool HasEnded(int& status);
-  /// Types keys; all of them are there at once.
-  void Type(std::string_view keys) const;
-  /// Waits for so many bytes of output. Fewer come back only when the child ended or nothing came for a long time.
-  [[nodiscard]] std::string Read(std::size_t count) const;
-  /// Waits for output that ends in `mark`.
-  [[nodiscard]] std::string ReadUntil(std::string_view mark) const;
-  /// Waits for output that ends in one of these marks, behind which the child waits for a key.
-  [[nodiscard]] std::string ReadUntilOneOf(std::initializer_list<std::string_view> marks) const;
-  /// All that the child wrote until it ended.
-  [[nodiscard]] std::string ReadToEnd() const;
-  /// Waits for the child's next message; empty when there will be none.
-  [[nodiscard]] std::string NextReport() const;
-  /// The console's settings as they are now.
-  [[nodiscard]] termios Settings() const;
+  /// All that the child writes until it ends.
+  [[nodiscard]] std::string ReadToEnd();
   [[nodiscard]] pid_t Child() const { return child_; }
+  [[nodiscard]] int ConsoleFd() const override { return keyboard_.Get(); }
 
  private:
-  [[nodiscard]] bool ReadMore(std::string& output, std::size_t most) const;
-
   UniqueFd keyboard_;
-  UniqueFd reports_;
   pid_t child_ = -1;
 };
-
-/// All that a console's settings say, to be compared.
-[[nodiscard]] std::vector<unsigned> ModesOf(const termios& settings);
