@@ -78,7 +78,7 @@ TEST_F(RemoteTools, TftpChecksAsksAndTransfers) {
   ExpectAll({
       {"tftp 127.0.0.1 get x/b flash:/", "", get + "<x/b> <-l> </mnt/flash://b> <127.0.0.1>\n"},
       {"tftp ipv6 ::1 get b flash:", "", get + "<b> <-l> </mnt/flash:/b> <::1>\n"},
-      {"tftp 127.0.0.1 get -v flash:", "", get + "<-v> <-l> </mnt/flash:/-v> <127.0.0.1>\n"},
+      {"tftp 127.0.0.1 get - flash:", "", get + "<-> <-l> </mnt/flash:/-> <127.0.0.1>\n"},
       {"tftp 127.0.0.1 get b flash:/a", "y\r", overwrite + "y\n" + get + "<b> <-l> </mnt/flash:/a> <127.0.0.1>\n"},
       {"tftp 127.0.0.1 get b flash:/a", "n\r", overwrite + "n\n"},
       {"tftp 127.0.0.1 get b flash:/a", "y\003", overwrite + "y\n"},
@@ -113,9 +113,9 @@ TEST_F(RemoteTools, FtpAsksWhoBeforeItLooksAtTheFiles) {
       {"ftp 127.0.0.1 get b flash:", "\003pw\r", "user:\npassword:**\n"},
       {"ftp 127.0.0.1 put a b", "me\rp w\r",
        "user:me\npassword:***\n/bin/ftpput <-u> <me> <-p> <p> <w> <127.0.0.1> <b> </mnt/flash:/a>\n"},
-      {"ftp 127.0.0.1 get -v flash:", "me\rpw\r", login + get + "<127.0.0.1> </mnt/flash:/-v> <-v>\n"},
+      {"ftp 127.0.0.1 get - flash:", "me\rpw\r", login + get + "<127.0.0.1> </mnt/flash:/-> <->\n"},
       // Which would read /new from a server of the operator's own into the device's shell.
-      {"ftp 127.0.0.1 get -v flash:/new", "u ::1 /bin/sh\rp -u\r",
+      {"ftp 127.0.0.1 get - flash:/new", "u ::1 /bin/sh\rp -u\r",
        "user:u ::1 /bin/sh\npassword:****\n" + std::string(kWrongName)},
   });
   EXPECT_EQ(Modes(), modes);

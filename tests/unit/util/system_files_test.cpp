@@ -26,6 +26,9 @@ TEST_F(SystemFiles, AKernelSettingIsWrittenAsTextButNotMade) {
 }
 
 TEST_F(SystemFiles, AKernelTextLosesItsLineEnd) {
+  char absent[] = "stale";
+  EXPECT_EQ(ReadKernelText(kSwitch, sizeof(absent), absent), ESH_ERR_FAIL);
+  EXPECT_STREQ(absent, "");
   constexpr std::pair<const char*, const char*> kCases[] = {
       {"a\n", "a"}, {"a\n\n", "a\n"}, {"ab", "ab"}, {"", ""}, {"abcd", "abc"}};
   for (const auto& [file, text] : kCases) {

@@ -143,6 +143,10 @@ TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
     EXPECT_EQ(TextOf(ESH_GetSoftwareName), software);
     EXPECT_EQ(TextOf(ESH_GetCopyright), copyright);
     EXPECT_EQ(SoftVersion(), version);
+    ScriptedStdio stdio;
+    (void)ESH_ProcDisVersion();
+    const std::string banner = corporation == "Durell" ? "Tessaro" : corporation + " " + software;
+    EXPECT_TRUE(stdio.TakeOutput().starts_with(banner + " Software\r\n")) << corporation;
   }
   (void)Record("[default]\noem: Talvo");
   WriteFile(kVersionFile, "PkgTime: Fri Mar 14 2014 10:20:30\n");
