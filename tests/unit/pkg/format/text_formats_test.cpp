@@ -50,20 +50,6 @@ TEST(Trailer, SignatureHasARoomThatIsKeptTo) {
   }
 }
 
-TEST(Trailer, EachFunctionAsksForItsOwnPartOnly) {
-  std::string trailer = mkpkg::Trailer({.key_name = "k"}, "Man");
-  for (const char* digits : {"000001", "00001x"}) {  // of no file, and of none that there can be
-    for (const std::size_t at : {trailer.find(kLengthLabel), trailer.rfind(kLengthLabel)})
-      trailer.replace(at + kLengthLabel.size(), kTrailerLengthDigits, digits);
-    EXPECT_EQ(PKG_CSSCheck_IsFixFormat(trailer.c_str()), digits[5] == '1' ? 1U : 0U);
-  }
-  std::uint8_t signature[kHeadSignatureRoom];
-  std::uint32_t length = 0;
-  EXPECT_EQ(PKG_GetCSS_Signture("Signature: TWFu\nFingerprint Length: ", signature, &length), 0U);
-  EXPECT_EQ(length, 3U);
-  EXPECT_NE(PKG_GetCSS_Signture("Signature: TWFu\n", signature, &length), 0U);
-}
-
 struct VersionFileTest : PrivateRootTest {};
 
 TEST_F(VersionFileTest, TellsATagOnItsFirstLineOnly) {
