@@ -1,7 +1,5 @@
 #include "pkg/install/install_load.h"
 
-#include <malloc.h>
-
 #include <filesystem>
 #include <tuple>
 #include <utility>
@@ -15,13 +13,6 @@
 #include "tests/support/package_fixture.h"
 #include "util/result.h"
 #include "util/vector.h"
-
-#ifdef __SANITIZE_ADDRESS__  // its allocator stands in for the C library's
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
-static std::size_t MemoryInUse() { return __sanitizer_get_current_allocated_bytes(); }
-#else
-static std::size_t MemoryInUse() { return mallinfo2().uordblks; }
-#endif
 
 namespace {
 
@@ -87,61 +78,12 @@ struct InstallLoad : PackageTest {
   }
 };
 
-TEST_F(InstallLoad, BootImageDescriptionHasALimit) {
-  mkpkg::PackageContents contents = Contents();
-  std::string& description = contents.files[1].data;
-  description = "Platform version: V\nProduct version: R1\n";
-  for (const auto& [size, version] : {std::pair(1U << 20, "V-R1"), {(1U << 20) + 1, ""}}) {
-    description.resize(size, '\n');
-    EXPECT_EQ(RunningVersion(contents), version) << size;
-  }
-}
-
 TEST_F(InstallLoad, BootImageThatCrashesItsDecoderHasNoVersion) {
   std::filesystem::create_symlink(ESH_WILD_DECODER, "/lib/libun7z.so");
   mkpkg::PackageContents contents = Contents();
   contents.files[1].packing = kPacked7z;
   contents.files[1].unpacked_size = 16;
   EXPECT_EQ(RunningVersion(contents), "");
-}
-
-/// Refuses by every code, many times: what one refusal keeps, an evening of tries would use up.
-TEST_F(InstallLoad, RefusalsLeaveNothingOpen) {
-  const std::string good = GoodPackage();
-  std::string crc = good;
-  crc[16] = static_cast<char>(crc[16] ^ 1);
-  std::string forged = good;
-  forged[kMainHeadSize + kFileHeadSize] ^= 1;
-  mkpkg::PackageContents foreign = Contents();
-  foreign.product_tag = 1;
-  mkpkg::PackageContents without_list = Contents();
-  without_list.files.erase(without_list.files.begin());
-  const std::pair<std::string, std::uint32_t> cases[] = {
-      {"short", ESH_ERR_FAIL},
-      {Sign(Compose(foreign), {.key_name = "maker"}), kErrPackageMismatch},
-      {crc, kErrPackageCrc},
-      {forged, ESH_ERR_FAIL},
-      {Sign(Compose(without_list), {.key_name = "maker"}), ESH_ERR_FAIL},
-      {good, ESH_ERR_FAIL},  // for another boot image than this device's, which has none
-  };
-  testing::internal::CaptureStdout();
-  std::size_t descriptors = 0;
-  std::size_t memory = 0;
-  for (int round = 0; round <= 50; ++round) {
-    for (const auto& [package, code] : cases) {
-      WriteFile(kTestPackage, package);
-      EXPECT_EQ(ESH_PKG_InstallLoadSystem("flash:/good.bin"), code);
-    }
-    if (round == 0) {
-      descriptors = OpenDescriptors();
-      memory = MemoryInUse();
-    }
-  }
-  const std::size_t descriptors_now = OpenDescriptors();
-  const std::size_t memory_now = MemoryInUse();
-  (void)testing::internal::GetCapturedStdout();
-  EXPECT_EQ(descriptors_now, descriptors);
-  EXPECT_LE(memory_now, memory + 16384) << "less than a main head for each";
 }
 
 }  // namespace
