@@ -1,5 +1,6 @@
 #include "pkg/install/install_load.h"
 
+#include <csignal>
 #include <filesystem>
 #include <tuple>
 #include <utility>
@@ -63,6 +64,8 @@ TEST(ProcessRunner, SplitsAtBlanksAndTabsOnly) {
   EXPECT_STREQ(static_cast<char*>(words->ppvArray[1]), "\"a");
   EXPECT_STREQ(static_cast<char*>(words->ppvArray[3]), "c\\");
   EXPECT_EQ(PKG_System("/bin/true"), kSuccess);
+  std::signal(SIGPIPE, SIG_IGN);  // which a tool before a pipe must end by; what it ignores is Ctrl+C
+  EXPECT_EQ(PKG_System("/bin/grep -q ^SigIgn:.*[02468ace]..[2367abef]$ /proc/self/status"), kSuccess);
   for (const char* line : {"/bin/false", "true", "", " \t", "/bin/no-such-tool"})
     EXPECT_EQ(PKG_System(line), ESH_ERR_FAIL) << line;
 }
