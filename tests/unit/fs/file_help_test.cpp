@@ -115,11 +115,4 @@ TEST_F(FileHelp, LeavesOutWhatTheFilterRefuses) {
   EXPECT_EQ(Offers("?", kAny, only_logs).size(), 2U) << "media are not filtered";
 }
 
-TEST_F(FileHelp, NeedsTheMediumToBePresent) {
-  fs::remove("/mnt/slot0#flash:");
-  EXPECT_EQ(Offers("l", kAny), Lines{});
-  EXPECT_EQ(Offers("flash:/", kAny), Lines{});
-  EXPECT_EQ(Offers("Log.txt", FS_HELP_DESTINATION), Lines{"STRING"});
-}
-
 }  // namespace

@@ -94,12 +94,6 @@ TEST_F(DirTest, ListsWhatIsNamedThenTheSpace) {
   EXPECT_EQ(ListingOf("/mnt/flash:/logs"), kIsEmpty) << "only hidden entries";
 }
 
-TEST_F(DirTest, APlaceWithoutADisplayNameShowsNothing) {
-  WriteFile("/tmp/a", "");
-  WriteFile("/tmp/.a", "");
-  EXPECT_EQ(ListingOf("/tmp", true), kIsEmpty);
-}
-
 TEST_F(DirTest, PrefersTheEntryThatIsSpelledAsTyped) {
   for (const auto& [first, second] : {std::pair("FILE", "file"), {"file", "FILE"}}) {
     Make("d/");

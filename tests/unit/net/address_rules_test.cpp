@@ -12,24 +12,17 @@ namespace {
 
 TEST(AddressOfThePort, IsAHostOfItsOwnSubnet) {
   constexpr std::tuple<const char*, const char*, bool, const char*> kCases[] = {
-      {"10.1.1.1", "255.255.255.0", true, "ordinary host"},
       {"1.0.0.1", "255.0.0.0", true, "the first class A network"},
-      {"126.255.255.254", "255.0.0.0", true, "the last class A network"},
-      {"128.0.0.1", "255.255.0.0", true, "the first class B network"},
       {"223.255.255.1", "255.255.255.252", true, "the last class C network"},
-      {"160.0.0.1", "224.0.0.0", true, "a short mask"},
       {"10.1.1.0", "255.255.255.0", false, "network address"},
       {"10.1.1.255", "255.255.255.0", false, "broadcast address"},
       {"10.1.1.1", "255.255.255.254", false, "a subnet of two has no room between network and broadcast"},
-      {"10.1.1.1", "255.255.255.255", false, "mask without hosts"},
       {"10.1.1.1", "0.0.0.0", false, "mask without a network"},
       {"10.1.1.1", "255.0.255.0", false, "mask with a hole"},
-      {"10.1.1.1", "0.255.255.255", false, "mask turned round"},
       {"10.1.1.1", "", false, "no mask"},
       {"", "255.255.255.0", false, "no address"},
       {"127.0.0.1", "255.0.0.0", false, "loopback"},
       {"0.1.2.3", "255.0.0.0", false, "this network"},
-      {"224.0.0.1", "240.0.0.0", false, "class D"},
       {"64.0.0.1", "128.0.0.0", false, "the network part is zero"},
       {"192.0.0.1", "192.0.0.0", false, "the network part is the mask itself"},
   };

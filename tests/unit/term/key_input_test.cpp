@@ -48,7 +48,6 @@ constexpr struct {
     {"a password", ESH_LINE_MODE_MASKED, "joe", 1, 0, "\r\n<boot>***\033[2D"},
     {"a question", ESH_LINE_MODE_CONFIRM, "", 0, 0, "\r\n[Y/N]:"},
     {"a question answered by yes", ESH_LINE_MODE_CONFIRM, "old", 0, 'y', "\r\n[Y/N]:y"},
-    {"a question answered by no", ESH_LINE_MODE_CONFIRM, "", 0, 'n', "\r\n[Y/N]:n"},
 };
 
 TEST(Redraw, ShowsTheInputAgainAfterSomebodyElseWrote) {

@@ -153,14 +153,6 @@ TEST(CommandLine, CountsThePagesOfEveryCommandAnew) {
   EXPECT_EQ(g_stESh_Display.ulCurLines, 0U);
 }
 
-TEST(Password, IsNotFoundInMemoryAfterwards) {
-  const ScriptedEditor editor("secret\n");
-  (void)ReadLine(kMasked, 15);
-  ForgetLine();
-  for (const char* buffer : {g_stESh_Line.pcBuf, g_stESh_Line.pcLastBuf})
-    EXPECT_EQ(std::count(buffer, buffer + kLineRoom, '\0'), kLineRoom);
-}
-
 /// What is typed ahead of a tool is meant for the tool.
 TEST(TypeAhead, StaysForTheNextReader) {
   ScriptedEditor editor("joe\rcat /etc/motd\n");

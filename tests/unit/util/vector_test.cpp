@@ -48,15 +48,4 @@ TEST_F(VectorTest, RefusesWhatIsNotThere) {
   EXPECT_EQ(VEC_GetCount(without_array.get()), 0U);
 }
 
-TEST_F(VectorTest, ElementsMayBeRemovedDuringAWalk) {
-  Append(20);
-  std::uint64_t visited = 0;
-  ForEachSlot<int>(*vec, [&](std::uint64_t index, int& element) {
-    EXPECT_EQ(&element, &g_elements[index]);
-    ++visited;
-    VEC_Del(vec.get(), index);
-  });
-  EXPECT_EQ(visited, 20U);
-}
-
 }  // namespace

@@ -69,13 +69,8 @@ TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
     std::string word;
     std::string recorded;  // nothing: the word is refused
   } kRecords[] = {
-      {ESH_RecordUserName, g_szUserName, long_word, std::string(15, '7')},
       {ESH_RecordPassword, g_szPassword, long_word, std::string(15, '7')},
-      {ESH_RecordLocalFile, g_szLocalFile, long_word, std::string(511, '7')},
-      {ESH_RecordRemoteFile, g_szRemoteFile, long_word, std::string(511, '7')},
-      {ESH_RecordSourceFile, g_szSourceFile, long_word, std::string(511, '7')},
       {ESH_RecordDestFile, g_szDestFile, long_word, std::string(511, '7')},
-      {ESH_RecordCount, g_szCount, long_word, std::string(10, '7')},
       {ESH_RecordSize, g_szSize, long_word, std::string(10, '7')},
       {ESH_RecordDiskName, g_szDiskName, long_word, std::string(15, '7')},
       {ESH_RecordPkgFile, g_szPkgFlie, long_word, std::string(127, '7')},
