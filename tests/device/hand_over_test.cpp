@@ -19,20 +19,6 @@ TEST_F(HandOver, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
     EXPECT_EQ(Board().ReadFile("/proc/sys/kernel/hotplug").value_or(""), std::string("/sbin/hotplug\0", 14));
 }
 
-TEST_F(NativeHandOver, CallsTheCommandProgramByItsName) {
-  // The shell itself stands in for it, since it does not mind by which name it is called.
-  options.files.push_back({"/sbin/scmd", std::nullopt});
-  Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nln /sbin/esh /sbin/scmd\n");
-  Replace("/bin/insmod", "#!/bin/sh\n");
-  Replace("/bin/ifconfig", "#!/bin/sh\n");
-  BootToPrompt();
-  const std::string shell = ShellPid();
-  const std::string parent = Run("awk '/PPid/ {printf $2}' /proc/" + shell + "/status");
-  Run("kill -9 " + shell);
-  Expect("<boot>");
-  EXPECT_EQ(Board().ReadFile("/proc/" + parent + "/cmdline"), std::string("scmd\0", 5));
-}
-
 TEST_F(NativeHandOver, EndsQuietlyWithoutACommandProgram) {
   options.files.push_back({"/sbin/scmd", std::nullopt});
   BootToPrompt();

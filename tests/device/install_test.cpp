@@ -97,6 +97,8 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
   using mkpkg::PackageContents;
   const std::string corrupted = "flash:/system.bin is corrupted.\n";
   const std::string not_system = "Package flash:/system.bin is not a system package.\n";
+  const std::string no_image =
+      std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n";
   const struct {
     const char* why;
     std::function<void(PackageContents&)> change;
@@ -104,15 +106,12 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
   } cases[] = {
       {"another product", [](PackageContents& c) { c.product_tag = 1; }, kVerified + corrupted},
       {"a kind of its own", [](PackageContents& c) { c.attribute = 1; }, not_system},
-      {"no system package", [](PackageContents& c) { c.type = 1; }, not_system},
       {"no compatibility list", [](PackageContents& c) { c.files.erase(c.files.begin()); },
        std::string(kVerified) + "File flash:/system.bin is invalid.\n"},
       {"another boot image", [](PackageContents& c) { c.files[0].data = "7.1.075\n[boot]\n7.1.101\n"; },
        std::string(kVerified) + kNotCompliant},
-      {"no image for this device", [](PackageContents& c) { c.files[3].device_code = 2; },
-       std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n"},
-      {"an image that is named for /bin/sh", [](PackageContents& c) { c.files[3].name = "$(ls>x).gz"; },
-       std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n"},
+      {"no image for this device", [](PackageContents& c) { c.files[3].device_code = 2; }, no_image},
+      {"an image that is named for /bin/sh", [](PackageContents& c) { c.files[3].name = "$(ls>x).gz"; }, no_image},
   };
   const mkpkg::PackageContents good = Contents();
   for (const auto& c : cases) {
@@ -186,8 +185,6 @@ TEST_F(NativeInstall, ClaimsNoSuccessThatItDoesNotHave) {
       // These the steps do not look at: the image stays packed and the load ends like any other.
       {"gunzip is missing", "rm /bin/gunzip", "", false},
       {"no place for the script", "mkdir /etc/pkg/TempFile", "", false},
-      {"no room in /tmp", "mount -t tmpfs -o size=4k small /tmp; dd if=/dev/zero of=/tmp/filler bs=4k count=1", "",
-       false},
       {"a planted link", "ln -s /mnt/flash:/victim /tmp/system.gz; echo safe > /mnt/flash:/victim", "", true},
   };
   for (const auto& c : cases) {
@@ -226,7 +223,7 @@ TEST_F(NativeInstall, StaysWhenTheNetworkDoesNotGo) {
 TEST_F(NativeInstall, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
   Replace(
       "/bin/gunzip",
-      "#!/bin/sh\nfor i in $(seq 200); do [ -e /tmp/go ] && break; sleep 0.1; done\nexec /bin/busybox gunzip \"$@\"\n");
+      "#!/bin/sh\nuntil [ -e /tmp/go ] || [ $((n += 1)) = 200 ]; do sleep 0.1; done\nexec /bin/busybox gunzip $@\n");
   BootToPrompt();
   PutBootImage();
   Put(kPackage, Signed(Contents()));
@@ -236,49 +233,24 @@ TEST_F(NativeInstall, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
     Type(kCtrlC);
     Listen(std::chrono::milliseconds(50));
   }
-  Run("kill -HUP $(pidof gunzip)");
-  Run("touch /tmp/go");
+  Run("kill -HUP $(pidof gunzip); touch /tmp/go");
   Expect("Loaded: flash:/system.bin");
 }
 
 /// A device with the sample packages, which the package tool made.
-class SamplePackages : public OperatorConsole {
- protected:
-  void Load(const std::string& package) {
+class SamplePackages : public OperatorConsole {};
+
+TEST_F(SamplePackages, LoadAndTakeOver) {
+  device::FillWithSamples(options.media);
+  BootToPrompt();
+  Run("touch /root/.ssh/known_hosts");
+  for (const std::string package : {"system.bin", "system-xz.bin", "system-7z.bin"}) {
     Type("install load " + package + "\r");
     EXPECT_EQ(Expect("Loading...\r\r\n"), "install load " + package + "\nCheck package " + package +
                                               " ...\nVerifying the file " + package +
                                               " ...Done.\nExtracting package ...\n\nLoading...\n");
-    Expect("has taken over from the emergency shell");
     Expect("Loaded package: flash:/" + package);
     Run("rm /sbin/tessaro /etc/tessaro-version");  // the next package brings its own
-  }
-};
-
-TEST_F(SamplePackages, LoadUnlessTheyAreBad) {
-  device::FillWithSamples(options.media);
-  BootToPrompt();
-  const std::string version = Command("display version");
-  EXPECT_TRUE(
-      version.starts_with("Ostrel Tessaro Software\n"
-                          "Copyright (c) 2004-2026 Ostrel Networks Ltd. All rights reserved.\n"
-                          "Ostrel T5100 uptime is "))
-      << version;
-  EXPECT_TRUE(
-      version.ends_with("\n\nBoot image: flash:/boot.bin\nBoot image version: 7.1.075\n\n"
-                        "Emergency device, 1 processor, 64 MB memory\n"))
-      << version;
-  EXPECT_TRUE(Command("display copyright").starts_with("Copyright (c) 2004-2026 Ostrel"));
-  Run(": > /etc/pkg/license/copyright");
-  EXPECT_EQ(Command("display copyright"), "");
-
-  EXPECT_TRUE(Command("install load flash:/bad/forged.bin").ends_with("flash:/bad/forged.bin is corrupted.\n"));
-  EXPECT_TRUE(Command("install load flash:/bad/incompatible.bin").ends_with("not compliant with the boot image.\n"));
-  EXPECT_EQ(Run("ls -A /tmp; ls /sbin/tessaro /var/pkg 2> /dev/null || true"), "");
-
-  Run("touch /root/.ssh/known_hosts");
-  for (const std::string package : {"system.bin", "system-xz.bin", "system-7z.bin"}) {
-    Load(package);
     EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
     const std::string record = "flash:/" + package;
     EXPECT_EQ(Board().ReadFile("/var/pkg/change.list"), record + std::string(64 - record.size(), '\0'));
