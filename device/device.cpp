@@ -74,12 +74,6 @@ bool Device::ProtectMedium(const std::string& name) {
   return result.finished && result.status == 0;
 }
 
-bool Device::PlugCable(bool in) {
-  const std::string script = ShellQuoted(ESH_DEVICE_FILES "/lab/cable.sh");
-  const CommandResult result = RunInLab("busybox sh " + script + (in ? " in" : " out"));
-  return result.finished && result.status == 0;
-}
-
 std::string ShellQuoted(const std::string& text) {
   std::string quoted = "'";
   for (const char character : text)

@@ -138,7 +138,7 @@ class Device {
 
   /// Pulls the cable out of m-eth0 at its far side, or puts it in again; a boot finds it put in.
   /// @return false when that failed.
-  [[nodiscard]] bool PlugCable(bool in);
+  [[nodiscard]] virtual bool PlugCable(bool in) = 0;
 
   /// What an operator should know of the lab's servers, in lines, once the device was started: addresses, account,
   /// files, and which server could not be started. Empty without servers.

@@ -49,9 +49,7 @@ class Arm64Kind final : public DeviceKind {
     }
     for (const char* module : {"ipstack.ko", "addon.ko"})
       AddCopy(Built(module), std::string("/lib/modules/") + module, plan);
-    if (std::string problem = AddProgram(Built("libun7z.so"), kUn7zPath, programs, plan); !problem.empty())
-      return problem;
-    return AddProgram(Built("device-guest"), "/sbin/device-guest", programs, plan);
+    return AddProgram(Built("libun7z.so"), kUn7zPath, programs, plan);
   }
 
   std::vector<std::string> NeededOfHost() const override { return {kernel_}; }

@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <string_view>
+#include <vector>
 
 #include "device/board/command_server.h"
 #include "device/board/host_program.h"
@@ -17,6 +17,9 @@ namespace device {
 namespace {
 
 constexpr char kMegabytes[] = "512";
+constexpr char kPortAddress[] = "02:5a:c1:07:f2:0e";  // that of a native device's port, see lab/connect.sh
+constexpr char kCarrier[] = ESH_DEVICE_FILES "/lab/carry.sh";
+constexpr char kSystemPath[] = "PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
 /// Messages of the kernel would stand between those of the shell; one that cannot go on restarts. To move the kernel
 /// about in memory and to test its ciphers takes a sixth of the time of a boot, and is of no use here.
 constexpr char kKernelLine[] = "console=ttyAMA0 quiet loglevel=1 panic=-1 nokaslr cryptomgr.notests";
@@ -38,22 +41,11 @@ std::string Escaped(const std::string& text) {
   return escaped;
 }
 
-std::string TextOf(const LabCable::Address& address) {
-  std::array<char, 18> text{};
-  (void)std::snprintf(text.data(), text.size(), "%02x:%02x:%02x:%02x:%02x:%02x", address[0], address[1], address[2],
-                      address[3], address[4], address[5]);
-  return text.data();
-}
-
 /// The emulator's ends of the lines, by the numbers that its options name.
-enum Line : int { kSerial = 3, kGuest, kMonitor, kNetwork, kLineEnd };
+enum Line : int { kSerial = 3, kCommands, kEvents, kMonitor, kNetwork, kLineEnd };
 
-std::string SocketLine(const char* name, Line number) {
-  return std::string("socket,id=") + name + ",fd=" + std::to_string(number);
-}
-
-std::string FrameLine(const char* name, Line number) {
-  return std::string("dgram,id=") + name + ",local.type=fd,local.str=" + std::to_string(number);
+std::string SocketLine(const std::string& name, Line number) {
+  return "socket,id=" + name + ",fd=" + std::to_string(number);
 }
 
 std::vector<std::string> EmulatorWords(const MachineParts& parts) {
@@ -64,18 +56,23 @@ std::vector<std::string> EmulatorWords(const MachineParts& parts) {
     add({"-M", "virt,gic-version=host", "-cpu", "host", "-accel", "kvm"});
   else
     add({"-M", "virt", "-cpu", "cortex-a57", "-accel", "tcg"});
-  add({"-smp", "1", "-m", kMegabytes, "-kernel", parts.kernel, "-initrd", parts.first_root, "-append", kKernelLine});
-  add({"-chardev", SocketLine("serial", kSerial), "-serial", "chardev:serial"});
+  add({"-smp", "1", "-m", kMegabytes, "-kernel", parts.kernel, "-initrd", parts.directory + "/first-root.cpio",
+       "-append", kKernelLine});
+  add({"-chardev",
+       "serial,id=serial,path=/proc/self/fd/" + std::to_string(kSerial) +
+           ",logfile=" + Escaped(parts.directory + "/console.log"),
+       "-serial", "chardev:serial"});
   add({"-chardev", SocketLine("monitor", kMonitor), "-mon", "chardev=monitor,mode=control"});
-  add({"-chardev", SocketLine("guest", kGuest), "-device", "virtio-serial-device", "-device",
-       "virtserialport,chardev=guest,name=guest"});
+  add({"-device", "virtio-serial-device"});
+  add({"-chardev", SocketLine("commands", kCommands), "-device", "virtserialport,chardev=commands,nr=1"});
+  add({"-chardev", SocketLine("events", kEvents), "-device", "virtserialport,chardev=events,nr=2"});
   for (std::size_t i = 0; i < parts.disks.size(); ++i) {
     const std::string name = "disk" + std::to_string(i);
     add({"-drive", "if=none,format=raw,cache=unsafe,id=" + name + ",file=" + Escaped(parts.disks[i].image), "-device",
          "virtio-blk-device,drive=" + name + ",serial=" + Escaped(parts.disks[i].serial_number)});
   }
-  add({"-netdev", FrameLine("port", kNetwork), "-device",
-       "virtio-net-device,netdev=port,mac=" + TextOf(parts.port_address)});
+  add({"-netdev", "dgram,id=port,local.type=fd,local.str=" + std::to_string(kNetwork), "-device",
+       std::string("virtio-net-device,netdev=port,mac=") + kPortAddress});
   return words;
 }
 
@@ -91,34 +88,32 @@ bool MakeLine(int type, UniqueFd& own, UniqueFd& other) {
 
 std::string FindEmulator() { return FindProgram("qemu-system-aarch64"); }
 
-pid_t StartEmulator(const MachineParts& parts, MachineLines& lines, int log) {
-  std::array<UniqueFd, kLineEnd - kSerial> others;
-  if (!MakeLine(SOCK_STREAM, lines.serial, others[0]) ||
-      !MakeLine(SOCK_STREAM, lines.guest, others[kGuest - kSerial]) ||
-      !MakeLine(SOCK_STREAM, lines.monitor, others[kMonitor - kSerial]) ||
-      !MakeLine(SOCK_DGRAM, lines.network, others[kNetwork - kSerial]))
+pid_t StartEmulator(const MachineParts& parts, MachineLines& lines) {
+  const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
+  const UniqueFd log(open((parts.directory + "/emulator.log").c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
+  UniqueFd port;
+  std::array<UniqueFd, kLineEnd> others;
+  if (!MakeLine(SOCK_STREAM, lines.commands, others[kCommands]) ||
+      !MakeLine(SOCK_STREAM, lines.events, others[kEvents]) ||
+      !MakeLine(SOCK_STREAM, lines.monitor, others[kMonitor]) || !MakeLine(SOCK_DGRAM, port, others[kNetwork]))
     return -1;
   (void)!write(lines.monitor.Get(), kMonitorGreeting.data(), kMonitorGreeting.size());
 
+  if (fork() == 0)
+    ExecuteProgram({FindProgram("busybox"), "sh", kCarrier}, {kSystemPath},
+                   {null.Get(), log.Get(), log.Get(), port.Get()});
   const pid_t process = fork();
   if (process != 0) return process;
   DieWithParent();
   if (unshare(CLONE_NEWNET) != 0) _exit(1);
-  const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
-  std::vector<int> descriptors{null.Get(), log, log};
-  for (const UniqueFd& other : others) descriptors.push_back(other.Get());
-  ExecuteProgram(EmulatorWords(parts), {"PATH=/usr/bin:/bin"}, descriptors);
+  ExecuteProgram(EmulatorWords(parts), {kSystemPath},
+                 {null.Get(), log.Get(), log.Get(), lines.serial.Get(), others[kCommands].Get(), others[kEvents].Get(),
+                  others[kMonitor].Get(), others[kNetwork].Get()});
 }
 
 std::string CableCommand(bool is_plugged_in) {
   return std::string("{\"execute\":\"set_link\",\"arguments\":{\"name\":\"port\",\"up\":") +
          (is_plugged_in ? "true" : "false") + "}}\n";
-}
-
-MachineEnd MonitorTells(const std::string& received) {
-  if (received.find("\"reason\": \"guest-reset\"") != std::string::npos) return MachineEnd::kRestart;
-  if (received.find("\"reason\": \"guest-shutdown\"") != std::string::npos) return MachineEnd::kPowerOff;
-  return MachineEnd::kNone;
 }
 
 }  // namespace device

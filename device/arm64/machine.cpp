@@ -3,35 +3,31 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sched.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <sys/signalfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <optional>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
-#include "device/arm64/console_line.h"
-#include "device/arm64/cpio_archive.h"
 #include "device/arm64/emulator.h"
-#include "device/arm64/frame_relay.h"
-#include "device/arm64/frame_stream.h"
-#include "device/arm64/lab_cable.h"
-#include "device/arm64/packed_texts.h"
-#include "device/arm64/stream_carrier.h"
 #include "device/board/file_bytes.h"
+#include "device/board/host_program.h"
 #include "device/board/namespaces.h"
 #include "device/board/shell_start.h"
 #include "device/board/signal_file.h"
@@ -41,8 +37,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kLastWordsMilliseconds = 500;  // for a reader to take what a machine that is down has printed
-
 /// A medium is as it came from its maker while its first sector is all zeros.
 bool IsNew(const std::string& image) {
   std::array<char, 512> sector{};
@@ -51,11 +45,19 @@ bool IsNew(const std::string& image) {
          std::all_of(sector.begin(), sector.end(), [](char byte) { return byte == 0; });
 }
 
-/// Makes the root file system in a directory, and the archive of it that the kernel unpacks.
-std::string MakeFirstRoot(const BootOptions& options, const RootPlan& plan, const PowerSupply& supply,
-                          const std::string& archive_path) {
+/// @return a script that starts the shell with its arguments and its environment.
+std::string StartScript(const BootOptions& options) {
+  std::string script = "#!/bin/sh\nexec env -i";
+  for (const std::string& variable : ShellEnvironment(options)) script += " " + ShellQuoted(variable);
+  for (const std::string& word : ShellWords(options)) script += " " + ShellQuoted(word);
+  return script + "\n";
+}
+
+/// Makes the root file system in a directory, and beside it the archive of it that the kernel unpacks.
+std::string MakeFirstRoot(const BootOptions& options, RootPlan plan, const PowerSupply& supply) {
   const std::string root = supply.empty_directory + "/root";
   (void)mkdir(root.c_str(), 0755);
+  plan.texts.push_back({"/sbin/start-shell", StartScript(options)});
   if (std::string problem = ComposeRoot(plan, root); !problem.empty()) return problem;
   for (const Medium& medium : options.media) {
     if (medium.contents.empty() || !IsNew(supply.media_directory + "/" + medium.name)) continue;
@@ -65,184 +67,133 @@ std::string MakeFirstRoot(const BootOptions& options, const RootPlan& plan, cons
     fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
     if (error) return "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message();
   }
+  const std::string pack = "cd " + ShellQuoted(root) + " && find . | busybox cpio -o -H newc > ../first-root.cpio";
+  return OutputOf({"sh", "-c", pack}) ? "" : "cannot pack the machine's root file system";
+}
 
-  std::ofstream file(archive_path, std::ios::binary);
-  CpioArchive archive(file);
-  if (std::string problem = archive.AddTree(root); !problem.empty()) return problem;
-  archive.AddDevice("dev/console", 0600, 5, 1);  // /init's, before it has made the others
-  return archive.Finish() ? "" : "cannot write " + archive_path;
+/// The console's line: the operator's end, which never blocks, and the emulator's.
+std::string OpenConsole(UniqueFd& operator_end, UniqueFd& line) {
+  operator_end.Reset(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
+  if (!operator_end || unlockpt(operator_end.Get()) != 0)
+    return std::string("cannot open a pseudo terminal for the console: ") + std::strerror(errno);
+  line.Reset(ioctl(operator_end.Get(), TIOCGPTPEER, O_RDWR | O_NOCTTY | O_CLOEXEC));
+  termios modes{};
+  if (!line || tcgetattr(line.Get(), &modes) != 0) return "cannot open the console's near end";
+  cfmakeraw(&modes);
+  return tcsetattr(line.Get(), TCSANOW, &modes) == 0 ? "" : "cannot make the console raw";
 }
 
 /// @return the line of an output that says best why a machine went down: the kernel's panic, or the last one.
 std::string ReasonIn(std::string_view output) {
-  constexpr std::string_view kPanic = "Kernel panic";
   while (output.ends_with('\n') || output.ends_with('\r')) output.remove_suffix(1);
-  const std::size_t panic = output.find(kPanic);
+  const std::size_t panic = output.find("Kernel panic");
   const std::size_t begin = panic != std::string_view::npos ? panic : output.find_last_of('\n') + 1;
   return std::string(output.substr(begin, output.find_first_of("\r\n", begin) - begin));
 }
 
+/// @return so many bytes, or those that come before the end.
+std::string Take(const UniqueFd& line, std::size_t length) {
+  std::string bytes(length, '\0');
+  const ssize_t taken = length == 0 ? 0 : recv(line.Get(), bytes.data(), length, MSG_WAITALL);
+  bytes.resize(taken > 0 ? static_cast<std::size_t>(taken) : 0);
+  return bytes;
+}
+
+/// @return the numbers and words of the next line.
+std::istringstream TakeLine(const UniqueFd& line) {
+  std::string text;
+  for (std::string byte; (byte = Take(line, 1)) != "\n" && !byte.empty();) text += byte;
+  return std::istringstream(text);
+}
+
+void SendAll(const UniqueFd& line, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t sent = send(line.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (sent < 0 && errno != EINTR) return;  // the machine is going down
+    if (sent > 0) bytes.remove_prefix(static_cast<std::size_t>(sent));
+  }
+}
+
+/// The process that a machine is for the launcher: what is said to one is passed on to the other. The machine's part
+/// is /init and /sbin/serve-host.
 class Machine {
  public:
-  Machine(const BootOptions& options, PowerSupply& supply, ConsoleLine console, MachineLines lines, LabCable cable)
-      : options_(options),
-        channel_(supply.channel),
-        console_(std::move(console)),
-        monitor_(std::move(lines.monitor)),
-        port_(std::move(lines.network)),
-        cable_(std::move(cable)),
-        network_(port_.Get(), cable_.Descriptor()),
-        frames_(std::move(lines.guest)),
-        streams_(frames_) {}
+  Machine(Channel& channel, MachineLines lines) : channel_(channel), lines_(std::move(lines)) {}
 
-  /// Gives the console to the launcher, and passes on what happens until the emulator ends.
-  /// @return exit status for this process.
-  int ServeUntilDown(pid_t emulator, int signals) {
-    GiveConsole();
-    while (!HasEnded(emulator)) ServeOnce(signals);
-    return GoDown();
+  /// Passes on what happens until the emulator ends. @return whether the machine was ever up.
+  bool ServeUntilDown(pid_t emulator, const UniqueFd& signals) {
+    while (!HasEnded(emulator, signals)) {
+      std::array<pollfd, 4> waiting{{{channel_.Descriptor(), POLLIN, 0},
+                                     {signals.Get(), POLLIN, 0},
+                                     {lines_.events.Get(), POLLIN, 0},
+                                     {lines_.commands.Get(), POLLIN, 0}}};
+      if (poll(waiting.data(), waiting.size(), -1) < 0) continue;
+      if (waiting[2].revents != 0) PassEvent();
+      if (waiting[3].revents != 0) PassAnswer();
+      if (waiting[0].revents != 0) ListenToLauncher();
+    }
+    return is_up_;
   }
 
-  [[nodiscard]] bool IsUp() const { return is_up_; }
-  [[nodiscard]] const std::string& LastWords() const { return console_.LastWords(); }
+  /// @return how a machine that is down ended, as the exit status of a device's first process.
+  [[nodiscard]] int End() const {
+    std::array<char, 65536> said{};
+    const ssize_t length = recv(lines_.monitor.Get(), said.data(), said.size(), MSG_DONTWAIT);
+    const std::string_view events(said.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+    if (events.find("\"reason\": \"guest-reset\"") != std::string_view::npos) return kDeviceRestarted;
+    return events.find("\"reason\": \"guest-shutdown\"") != std::string_view::npos ? kDevicePoweredOff : 1;
+  }
 
  private:
-  void ServeOnce(int signals) {
-    const short line_events = frames_.Unsent() > 0 ? POLLIN | POLLOUT : POLLIN;
-    std::vector<pollfd> waiting{{channel_.Descriptor(), POLLIN, 0},
-                                {signals, POLLIN, 0},
-                                {monitor_.Get(), POLLIN, 0},
-                                {cable_.Changes(), POLLIN, 0},
-                                {frames_.Closed() ? -1 : frames_.Descriptor(), line_events, 0}};
-    console_.Watch(waiting);
-    network_.Watch(waiting);
-    streams_.Watch(waiting);
-    if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) _exit(1);
-
-    signalfd_siginfo received{};
-    while (read(signals, &received, sizeof(received)) > 0) {
-      // The signals only wake; waitpid tells.
-    }
-    console_.Carry();
-    network_.Pass();
-    if (waiting[2].revents != 0) ListenToMonitor();
-    frames_.Flush();
-    if (waiting[3].revents != 0) LookAtCable();
-    if (waiting[4].revents != 0) frames_.Receive();
-    while (std::optional<Frame> frame = frames_.Next()) Handle(*frame);
-    if (waiting[0].revents != 0) ListenToLauncher();
-    streams_.Carry();
-    AnswerCommands();
-  }
-
-  static bool HasEnded(pid_t emulator) {
+  static bool HasEnded(pid_t emulator, const UniqueFd& signals) {
+    DrainSignals(signals);
     for (pid_t ended = 0; (ended = waitpid(-1, nullptr, WNOHANG)) > 0;)
       if (ended == emulator) return true;
     return false;
   }
 
-  void ListenToMonitor() {
-    std::array<char, 4096> block{};
-    const ssize_t length = recv(monitor_.Get(), block.data(), block.size(), MSG_DONTWAIT);
-    if (length > 0) monitor_says_.append(block.data(), static_cast<std::size_t>(length));
-    if (length == 0) monitor_.Reset();
-  }
-
-  void LookAtCable() {
-    const std::string command = CableCommand(cable_.IsPluggedIn());
-    (void)send(monitor_.Get(), command.data(), command.size(), MSG_DONTWAIT);
+  void PassEvent() {
+    std::istringstream line = TakeLine(lines_.events);
+    std::string event;
+    int status = 0;
+    line >> event >> status;
+    if (event == "up") {
+      is_up_ = true;
+      channel_.Send(MessageKind::kShellStarts);
+    }
+    if (event == "handed-over") channel_.Send(MessageKind::kHandedOver);
+    if (event == "shell-ended") channel_.Send(MessageKind::kShellEnded, 0, status);
   }
 
   void ListenToLauncher() {
     std::optional<Message> message = channel_.Receive(0);
     if (channel_.Closed()) _exit(0);  // the emulator ends with this process
     if (!message) return;
-    if (message->kind == MessageKind::kKill) {
-      frames_.Send(FrameKind::kKill, message->id);
-      streams_.Drop(message->id);
-    }
+    if (message->kind == MessageKind::kKill) SendAll(lines_.commands, "kill\n");
+    if (message->kind == MessageKind::kPlugCable) SendAll(lines_.monitor, CableCommand(message->value != 0));
     if (message->kind != MessageKind::kRun || message->descriptors.size() != 3) return;
-    streams_.AddSink(message->id, 1, std::move(message->descriptors[1]));
-    streams_.AddSink(message->id, 2, std::move(message->descriptors[2]));
-    frames_.Send(FrameKind::kRun, message->id, 0, message->text);
-    streams_.AddSource(message->id, 0, std::move(message->descriptors[0]));
+    const std::string input = ContentsOf(message->descriptors[0]);
+    SendAll(lines_.commands, "run " + std::to_string(message->id) + " " + std::to_string(message->text.size()) + " " +
+                                 std::to_string(input.size()) + "\n" + message->text + input);
+    command_ = std::move(*message);
   }
 
-  void Handle(const Frame& frame) {
-    switch (frame.kind) {
-      case FrameKind::kHello:
-        StartShell();
-        break;
-      case FrameKind::kStream:
-        streams_.Accept(frame);
-        break;
-      case FrameKind::kCommandEnded:
-        ended_commands_[frame.id] = frame.value;
-        break;
-      case FrameKind::kHandedOver:
-        channel_.Send(MessageKind::kHandedOver);
-        break;
-      case FrameKind::kShellEnded:
-        channel_.Send(MessageKind::kShellEnded, 0, frame.value);
-        break;
-      case FrameKind::kStartShell:
-      case FrameKind::kRun:
-      case FrameKind::kKill:
-        break;  // our own
+  /// What the machine says to a command that was killed comes when nobody waits for it any more.
+  void PassAnswer() {
+    std::uint32_t id = 0;
+    int status = 0;
+    std::array<std::size_t, 2> lengths{};
+    if (!(TakeLine(lines_.commands) >> id >> status >> lengths[0] >> lengths[1])) return;
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+      const std::string bytes = Take(lines_.commands, lengths.at(i));
+      if (id == command_.id) (void)!write(command_.descriptors[i + 1].Get(), bytes.data(), bytes.size());
     }
+    channel_.Send(MessageKind::kCommandEnded, id, status);
   }
 
-  void GiveConsole() {
-    const UniqueFd operator_end = console_.TakeOperatorEnd();
-    const int given = operator_end.Get();
-    channel_.Send(MessageKind::kConsole, 0, 0, "", {&given, 1});
-  }
-
-  void StartShell() {
-    is_up_ = true;
-    channel_.Send(MessageKind::kShellStarts);
-    const std::vector<std::string> words = ShellWords(options_);
-    frames_.Send(FrameKind::kStartShell, 0, static_cast<std::int32_t>(words.size()),
-                 PackTexts(words) + PackTexts(ShellEnvironment(options_)));
-  }
-
-  /// An answer waits until all that its command wrote has been passed on.
-  void AnswerCommands() {
-    std::erase_if(
-        ended_commands_,
-        [this](const auto& ended) {
-          if (streams_.HasUnwritten(ended.first)) return false;
-          streams_.Drop(ended.first);
-          channel_.Send(MessageKind::kCommandEnded, ended.first, ended.second);
-          return true;
-        });
-  }
-
-  int GoDown() {
-    ListenToMonitor();
-    console_.CarryRest(kLastWordsMilliseconds);
-    switch (MonitorTells(monitor_says_)) {
-      case MachineEnd::kRestart:
-        return kDeviceRestarted;
-      case MachineEnd::kPowerOff:
-        return kDevicePoweredOff;
-      case MachineEnd::kNone:
-        break;
-    }
-    return 1;
-  }
-
-  const BootOptions& options_;
   Channel& channel_;
-  ConsoleLine console_;
-  UniqueFd monitor_;
-  UniqueFd port_;
-  LabCable cable_;
-  FrameRelay network_;
-  FrameStream frames_;
-  StreamCarrier streams_;
-  std::map<std::uint32_t, int> ended_commands_;  // wait status by request number
-  std::string monitor_says_;
+  MachineLines lines_;
+  Message command_;  ///< the one that runs, or ran last
   bool is_up_ = false;
 };
 
@@ -252,31 +203,28 @@ void RunMachine(const BootOptions& options, const RootPlan& plan, const std::str
   DieWithParent();
   setsid();
   const UniqueFd signals = CatchSignals({SIGCHLD});
-  (void)std::signal(SIGPIPE, SIG_IGN);
-  LabCable cable;
-  if (std::string problem = cable.Open(); !problem.empty()) GiveUp(supply.channel, problem);
   // All that a boot needs is in memory that goes with the boot.
   if (unshare(CLONE_NEWNS) != 0) GiveUp(supply.channel, "cannot make the machine's mount namespace");
   std::string problem = Mount("tmpfs", supply.empty_directory, "tmpfs", MS_NOSUID, "mode=755");
-  MachineParts parts{kernel, supply.empty_directory + "/first-root.cpio", {}, cable.PortAddress()};
-  if (problem.empty()) problem = MakeFirstRoot(options, plan, supply, parts.first_root);
+  if (problem.empty()) problem = MakeFirstRoot(options, plan, supply);
+  MachineLines lines;
+  UniqueFd operator_end;
+  if (problem.empty()) problem = OpenConsole(operator_end, lines.serial);
   if (!problem.empty()) GiveUp(supply.channel, problem);
+  const int given = operator_end.Get();
+
+  MachineParts parts{kernel, supply.empty_directory, {}};
   for (const Medium& medium : options.media)
     parts.disks.push_back({supply.media_directory + "/" + medium.name, medium.name});
-
-  MachineLines lines;
-  const std::string log_path = supply.empty_directory + "/emulator.log";
-  const UniqueFd log(open(log_path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
-  const pid_t emulator = StartEmulator(parts, lines, log.Get());
+  const pid_t emulator = StartEmulator(parts, lines);
   if (emulator < 0) GiveUp(supply.channel, "cannot start the emulator");
-  ConsoleLine console;
-  if (problem = console.Open(std::move(lines.serial)); !problem.empty()) GiveUp(supply.channel, problem);
+  supply.channel.Send(MessageKind::kConsole, 0, 0, "", {&given, 1});
+  operator_end.Reset();  // the launcher holds the only one
 
-  Machine machine(options, supply, std::move(console), std::move(lines), std::move(cable));
-  const int status = machine.ServeUntilDown(emulator, signals.Get());
-  if (machine.IsUp()) _exit(status);
-  std::string text = machine.LastWords();
-  if (text.empty()) text = FileBytes(log_path).value_or("");
+  Machine machine(supply.channel, std::move(lines));
+  if (machine.ServeUntilDown(emulator, signals)) _exit(machine.End());
+  std::string text = FileBytes(parts.directory + "/console.log").value_or("");
+  if (text.empty()) text = FileBytes(parts.directory + "/emulator.log").value_or("");
   GiveUp(supply.channel, "the machine went down before it was up: " + ReasonIn(text));
 }
 

@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/signalfd.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -67,9 +66,8 @@ class Board {
         options_(options),
         plan_(plan),
         launcher_(std::move(launcher)),
-        lab_commands_(
-            [this](std::uint32_t id, int wait_status) { launcher_.Send(MessageKind::kCommandEnded, id, wait_status); },
-            LabEnvironment()) {}
+        lab_commands_([this](std::uint32_t id, int status) { launcher_.Send(MessageKind::kCommandEnded, id, status); },
+                      LabEnvironment()) {}
 
   [[noreturn]] void Run() {
     if (const std::string problem = SetUp(); !problem.empty()) GiveUp(launcher_, problem);
@@ -101,10 +99,7 @@ class Board {
   void ServeOnce() {
     std::array<pollfd, 2> waiting{{{launcher_.Descriptor(), POLLIN, 0}, {signals_.Get(), POLLIN, 0}}};
     if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) _exit(1);
-    signalfd_siginfo received{};
-    while (read(signals_.Get(), &received, sizeof(received)) > 0) {
-      // The signals only wake; waitpid tells.
-    }
+    (void)DrainSignals(signals_);
     CollectProcesses();
     if (waiting[0].revents == 0) return;
     if (std::optional<Message> message = launcher_.Receive(0)) Handle(*message);

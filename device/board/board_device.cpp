@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +17,7 @@
 #include "device/board/board.h"
 #include "device/board/channel.h"
 #include "device/board/device_kind.h"
+#include "device/board/file_bytes.h"
 #include "device/board/namespaces.h"
 #include "device/board/root_files.h"
 #include "util/unique_handle.h"
@@ -34,10 +34,6 @@ constexpr milliseconds kEndTime{5000};
 int MillisecondsUntil(Clock::time_point end) {
   const auto left = std::chrono::ceil<milliseconds>(end - Clock::now()).count();
   return static_cast<int>(std::max<long long>(left, 0));
-}
-
-int ExitStatusOf(int wait_status) {
-  return WIFSIGNALED(wait_status) ? 128 + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
 }
 
 /// @return what the wait status of a device's first process tells.
@@ -100,6 +96,7 @@ class BoardDevice final : public Device {
     return RunOver(board_, command, input, time);
   }
   bool PullMedium(const std::string& name) override;
+  bool PlugCable(bool in) override;
   Outcome WaitForOutcome(milliseconds time) override;
   int ShellStatus() const override { return shell_status_; }
   void PowerOff() override;
@@ -136,7 +133,7 @@ class BoardDevice final : public Device {
   std::string problem_;
   bool board_ready_ = false;
   std::uint32_t last_command_ = 0;
-  std::map<std::uint32_t, int> ended_commands_;  // wait status by request number
+  std::map<std::uint32_t, int> ended_commands_;  // exit status by request number
   std::string report_;
   std::string lab_notice_;
 };
@@ -246,6 +243,13 @@ bool BoardDevice::PullMedium(const std::string& name) {
   return result.finished && result.status == 0;
 }
 
+bool BoardDevice::PlugCable(bool in) {
+  device_.Send(MessageKind::kPlugCable, 0, in ? 1 : 0);  // an emulated port does not see it in the lab
+  const std::string script = ShellQuoted(ESH_DEVICE_FILES "/lab/cable.sh");
+  const CommandResult result = RunInLab("busybox sh " + script + (in ? " in" : " out"), {}, kCommandTime);
+  return result.finished && result.status == 0;
+}
+
 void BoardDevice::PowerOff() {
   if (!IsUp()) return;
   power_taken_ = true;
@@ -287,7 +291,7 @@ void BoardDevice::Handle(Message& message) {
       break;
     case MessageKind::kShellEnded:
       outcome_ = Outcome::kShellEnded;
-      shell_status_ = ExitStatusOf(message.value);
+      shell_status_ = message.value;
       Note("the shell's process ended with status " + std::to_string(shell_status_));
       break;
     case MessageKind::kDeviceDown:
@@ -302,6 +306,7 @@ void BoardDevice::Handle(Message& message) {
     case MessageKind::kPowerOff:
     case MessageKind::kRun:
     case MessageKind::kKill:
+    case MessageKind::kPlugCable:
       break;  // of the start, or the launcher's own
   }
 }
@@ -310,16 +315,6 @@ void BoardDevice::DeviceDown(int wait_status) {
   device_ = Channel();
   outcome_ = power_taken_ ? Outcome::kPoweredOff : OutcomeOf(wait_status);
   Note(std::string("the device is down: ") + OutcomeName(outcome_) + (problem_.empty() ? "" : ": " + problem_));
-}
-
-/// @return all that was written to a file in memory.
-std::string ContentsOf(const UniqueFd& file) {
-  struct stat status {};
-  if (fstat(file.Get(), &status) != 0) return "";
-  std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
-  const ssize_t length = pread(file.Get(), bytes.data(), bytes.size(), 0);
-  bytes.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-  return bytes;
 }
 
 CommandResult BoardDevice::RunOver(Channel& channel, const std::string& command, const std::string& input,
@@ -341,7 +336,7 @@ CommandResult BoardDevice::RunOver(Channel& channel, const std::string& command,
   CommandResult result{false, -1, ContentsOf(streams[1]), ContentsOf(streams[2])};
   if (const auto ended = ended_commands_.extract(id); !ended.empty()) {
     result.finished = true;
-    result.status = ExitStatusOf(ended.mapped());
+    result.status = ended.mapped();
   } else {
     channel.Send(MessageKind::kKill, id);
   }

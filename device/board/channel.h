@@ -23,9 +23,10 @@ enum class MessageKind : std::uint32_t {
   kShellStarts,   ///< device -> launcher: the device is up
   kRun,           ///< launcher -> device or board: text is a command, its descriptors 0, 1 and 2 come along
   kKill,          ///< launcher -> device or board: the command `id` ran too long
-  kCommandEnded,  ///< answer to kRun: value is the wait status
+  kCommandEnded,  ///< answer to kRun: value is the exit status
   kHandedOver,    ///< device -> launcher: /sbin/scmd has the console
-  kShellEnded     // device -> launcher: value is the wait status
+  kShellEnded,    ///< device -> launcher: value is the exit status
+  kPlugCable      // launcher -> device: value 1: the cable was put in, 0: it was pulled out
 };
 
 struct Message {

@@ -49,6 +49,10 @@ void ExecuteProgram(const std::vector<std::string>& words, const std::vector<std
   _exit(kCannotStart);
 }
 
+int ExitStatusOf(int wait_status) {
+  return WIFSIGNALED(wait_status) ? 128 + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
+}
+
 CommandServer::CommandServer(Answer answer, std::vector<std::string> environment)
     : answer_(std::move(answer)), environment_(std::move(environment)) {}
 
@@ -67,7 +71,7 @@ void CommandServer::Start(const Message& message) {
                    {message.descriptors[0].Get(), message.descriptors[1].Get(), message.descriptors[2].Get()});
   }
   if (process < 0) {
-    answer_(message.id, W_EXITCODE(kCannotStart, 0));
+    answer_(message.id, kCannotStart);
     return;
   }
   running_.emplace(process, message.id);
@@ -78,7 +82,7 @@ void CommandServer::ChildEnded(pid_t child, int wait_status) {
   if (command == running_.end()) return;
   const std::uint32_t id = command->second;
   running_.erase(command);
-  answer_(id, wait_status);
+  answer_(id, ExitStatusOf(wait_status));
 }
 
 }  // namespace device

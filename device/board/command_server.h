@@ -15,8 +15,8 @@ namespace device {
 /// Runs commands that are asked for by messages, and tells how they ended.
 class CommandServer {
  public:
-  /// Takes the number of a request and the wait status of its command.
-  using Answer = std::function<void(std::uint32_t id, int wait_status)>;
+  /// Takes the number of a request and the exit status of its command.
+  using Answer = std::function<void(std::uint32_t id, int status)>;
 
   /// @param environment  "NAME=value" for every command.
   CommandServer(Answer answer, std::vector<std::string> environment);
@@ -34,6 +34,9 @@ class CommandServer {
   std::vector<std::string> environment_;
   std::map<pid_t, std::uint32_t> running_;  ///< request number by process
 };
+
+/// @return the exit status that a shell would tell: 128 + number when a signal ended the process.
+int ExitStatusOf(int wait_status);
 
 /// Replaces this process, a fresh child, by a program. Returns only by ending the process.
 /// @param descriptors  become 0, 1, 2 and so on; all others are closed.

@@ -15,4 +15,8 @@ std::optional<std::string> FileBytes(const std::string& path) {
   return std::move(bytes).str();
 }
 
+std::string ContentsOf(const UniqueFd& file) {
+  return FileBytes("/proc/self/fd/" + std::to_string(file.Get())).value_or("");
+}
+
 }  // namespace device

@@ -9,7 +9,6 @@
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/signalfd.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -154,7 +153,7 @@ pid_t StartBus() {
 void CollectProcesses(pid_t shell, CommandServer& commands, Channel& channel) {
   int status = 0;
   for (pid_t ended = 0; (ended = waitpid(-1, &status, WNOHANG)) > 0;) {
-    if (ended == shell) channel.Send(MessageKind::kShellEnded, 0, status);
+    if (ended == shell) channel.Send(MessageKind::kShellEnded, 0, ExitStatusOf(status));
     commands.ChildEnded(ended, status);
   }
 }
@@ -181,16 +180,15 @@ void GoDown(int reboots) {
   _exit(request.data.args[2] == LINUX_REBOOT_CMD_RESTART ? kDeviceRestarted : kDevicePoweredOff);
 }
 
-[[noreturn]] void Serve(pid_t shell, Channel& channel, int signals, int reboots) {
+[[noreturn]] void Serve(pid_t shell, Channel& channel, const UniqueFd& signals, int reboots) {
   CommandServer commands(
-      [&channel](std::uint32_t id, int wait_status) { channel.Send(MessageKind::kCommandEnded, id, wait_status); },
+      [&channel](std::uint32_t id, int status) { channel.Send(MessageKind::kCommandEnded, id, status); },
       CommandEnvironment());
   for (;;) {
-    std::array<pollfd, 3> waiting{{{channel.Descriptor(), POLLIN, 0}, {signals, POLLIN, 0}, {reboots, POLLIN, 0}}};
+    std::array<pollfd, 3> waiting{
+        {{channel.Descriptor(), POLLIN, 0}, {signals.Get(), POLLIN, 0}, {reboots, POLLIN, 0}}};
     if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) _exit(1);
-    signalfd_siginfo received{};
-    while (read(signals, &received, sizeof(received)) == static_cast<ssize_t>(sizeof(received)))
-      if (received.ssi_signo == SIGUSR1) channel.Send(MessageKind::kHandedOver);
+    if (DrainSignals(signals)) channel.Send(MessageKind::kHandedOver);
     CollectProcesses(shell, commands, channel);
     if (waiting[2].revents != 0) GoDown(reboots);
     if (waiting[0].revents == 0) continue;
@@ -220,7 +218,7 @@ void RunNativeFirstProcess(const BootOptions& options, const RootPlan& plan, Pow
   console.master.Reset();  // the launcher holds the only one
   supply.channel.Send(MessageKind::kShellStarts);
   const UniqueFd reboots = CatchReboots();
-  Serve(StartShell(options, console), supply.channel, signals.Get(), reboots.Get());
+  Serve(StartShell(options, console), supply.channel, signals, reboots.Get());
 }
 
 }  // namespace device
