@@ -24,8 +24,6 @@ void FillWithSamples(std::vector<Medium>& media) {
 BootOptions DefaultBootOptions() {
   BootOptions options;
   options.shell = ESH_DEVICE_SHELL;
-  options.root_files = ESH_DEVICE_FILES "/rootfs";
-  options.lab_script = ESH_DEVICE_FILES "/lab/connect.sh";
   options.media = DefaultMedia();
   return options;
 }

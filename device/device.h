@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,8 +35,6 @@ struct HostFile {
 /// What a device is made of and how its shell is started.
 struct BootOptions {
   std::string shell;             ///< the program on the host; it stands as /sbin/esh on the device
-  std::string root_files;        ///< directory of the host with the device's own files
-  std::string lab_script;        ///< run with busybox sh on the far side of m-eth0 before each boot
   bool has_lab_servers = false;  ///< FTP, TFTP, telnet and SSH servers run there, see LabNotice
   std::string lab_directory;     ///< of the host: what FTP and TFTP give out and receive; "": their own
   std::vector<std::string> arguments = {"scmd"};  ///< of the shell, without its name
@@ -43,8 +42,6 @@ struct BootOptions {
   std::vector<std::string> environment;           ///< "NAME=value", added to the shell's environment
   unsigned short columns = 80;                    ///< window of the console; 0 by 0: the size is not known
   unsigned short rows = 24;
-  bool has_ip_stack = true;   ///< /lib/modules/ipstack.ko exists
-  bool has_addon = true;      ///< /lib/modules/addon.ko exists
   std::vector<Medium> media;  ///< see DefaultMedia
   std::vector<FileText> files;
   std::vector<HostFile> host_files;
@@ -156,6 +153,17 @@ class Device {
   /// What happened since the device was made, one line for each event.
   [[nodiscard]] virtual const std::string& Report() const = 0;
 };
+
+/// Makes a device in namespaces of this machine. It needs no privileges where user namespaces are allowed. Nothing is
+/// started before the first Boot; the device ends with the thread that called it.
+std::unique_ptr<Device> MakeNativeDevice(BootOptions options);
+
+/// The same for a device that is an emulated 64-bit Arm machine with a kernel, modules and file systems of its own. It
+/// differs from a native device in this:
+/// - its console is a serial line, which has no window: the options' size and ResizeConsole change nothing;
+/// - media are disks with FAT file systems, whose names know no upper and lower case;
+/// - programs among the host files must be for Arm. The default shell stands for the one built by preset arm64.
+std::unique_ptr<Device> MakeArm64Device(BootOptions options);
 
 /// @return the text in single quotes, as one word of a shell command.
 std::string ShellQuoted(const std::string& text);

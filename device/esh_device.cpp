@@ -12,12 +12,9 @@
 #include <system_error>
 #include <vector>
 
-#include "device/arm64/arm64_device.h"
-#include "device/console/console_feed.h"
-#include "device/console/console_relay.h"
+#include "device/console/console_session.h"
 #include "device/console/operator_terminal.h"
 #include "device/device.h"
-#include "device/native/native_device.h"
 
 namespace {
 
@@ -73,7 +70,7 @@ std::optional<Request> ReadArguments(std::span<char* const> arguments) {
     } else if (name == "--arm64") {
       request.emulated = true;
     } else if (name == "--shell" && has_value) {
-      request.shell = arguments[++i];
+      request.shell = std::filesystem::absolute(arguments[++i]).string();
     } else if (name == "--tftp" && has_value) {
       request.lab_directory = std::filesystem::absolute(arguments[++i]).string();
     } else if (name == "--keys" && has_value) {

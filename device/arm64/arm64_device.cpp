@@ -1,5 +1,3 @@
-#include "device/arm64/arm64_device.h"
-
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -7,52 +5,25 @@
 #include <cstring>
 #include <utility>
 
-#include "device/arm64/arm64_programs.h"
-#include "device/arm64/emulator.h"
 #include "device/arm64/machine.h"
-#include "device/board/board_device.h"
-#include "device/board/package_root.h"
+#include "device/board/board.h"
+#include "device/board/root_files.h"
+#include "device/device.h"
 
 namespace device {
 namespace {
 
 constexpr char kBuild[] = ESH_ARM64_BUILD;  // of preset arm64
-/// What /init loads, as far as it is not built into the kernel.
-constexpr const char* kDrivers[] = {"drivers/virtio/virtio_ring",
-                                    "drivers/virtio/virtio",
-                                    "drivers/virtio/virtio_mmio",
-                                    "drivers/block/virtio_blk",
-                                    "drivers/char/virtio_console",
-                                    "fs/fat/fat",
-                                    "fs/fat/vfat",
-                                    "fs/nls/nls_cp437",
-                                    "fs/nls/nls_ascii",
-                                    "net/core/failover",
-                                    "drivers/net/net_failover"};
-
 std::string Built(const std::string& name) { return std::string(kBuild) + "/" + name; }
 
 class Arm64Kind final : public DeviceKind {
  public:
   Arm64Kind() : packages_(PackageRoot("arm64")), kernel_(packages_ + "/boot/vmlinuz") {}
 
-  std::string Plan(const BootOptions& options, RootPlan& plan) const override {
-    if (FindEmulator().empty()) return "the emulator is missing (Debian package qemu-system-arm)";
-    if (access(kernel_.c_str(), R_OK) != 0) return kernel_ + " is missing; cmake/install-packages.sh arm64 fetches it";
-    const Arm64Programs programs(packages_);
-    if (std::string problem = PlanRoot(options, ESH_DEVICE_FILES "/arm64/rootfs", programs, plan); !problem.empty())
-      return problem;
-    for (const std::string driver : kDrivers) {
-      const std::string name = driver.substr(driver.rfind('/'));
-      const std::string module = packages_ + "/lib/modules/kernel/kernel/" + driver + ".ko";
-      if (access(module.c_str(), R_OK) == 0) AddCopy(module, "/lib/modules/drivers" + name + ".ko", plan);
-    }
-    for (const char* module : {"ipstack.ko", "addon.ko"})
-      AddCopy(Built(module), std::string("/lib/modules/") + module, plan);
-    return AddProgram(Built("libun7z.so"), kUn7zPath, programs, plan);
+  std::string WhatIsMissing() const override {
+    if (access(kernel_.c_str(), R_OK) == 0) return "";
+    return kernel_ + " is missing; cmake/install-packages.sh arm64 fetches it";
   }
-
-  std::vector<std::string> NeededOfHost() const override { return {kernel_}; }
 
   std::string MakeMedium(const Medium& medium, const std::string& place) const override {
     const UniqueFd image(open(place.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
@@ -68,9 +39,11 @@ class Arm64Kind final : public DeviceKind {
            " done; exit 1";
   }
 
-  [[noreturn]] void RunFirstProcess(const BootOptions& options, const RootPlan& plan,
-                                    PowerSupply supply) const override {
-    RunMachine(options, plan, kernel_, std::move(supply));
+  [[noreturn]] void RunFirstProcess(const BootOptions& options, PowerSupply supply) const override {
+    KindFiles files{"arm64", packages_, {{Built("libun7z.so"), kUn7zPath}}};
+    for (const char* module : {"ipstack.ko", "addon.ko"})
+      files.copies.push_back({Built(module), std::string("/lib/modules/") + module});
+    RunMachine(options, files, kernel_, std::move(supply));
   }
 
   /// A boot takes a few seconds.

@@ -9,9 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "device/board/command_server.h"
-#include "device/board/host_program.h"
-#include "device/board/namespaces.h"
+#include "device/board/process.h"
 
 namespace device {
 namespace {
@@ -19,7 +17,6 @@ namespace {
 constexpr char kMegabytes[] = "512";
 constexpr char kPortAddress[] = "02:5a:c1:07:f2:0e";  // that of a native device's port, see lab/connect.sh
 constexpr char kCarrier[] = ESH_DEVICE_FILES "/lab/carry.sh";
-constexpr char kSystemPath[] = "PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
 /// Messages of the kernel would stand between those of the shell; one that cannot go on restarts. To move the kernel
 /// about in memory and to test its ciphers takes a sixth of the time of a boot, and is of no use here.
 constexpr char kKernelLine[] = "console=ttyAMA0 quiet loglevel=1 panic=-1 nokaslr cryptomgr.notests";
@@ -49,7 +46,7 @@ std::string SocketLine(const std::string& name, Line number) {
 }
 
 std::vector<std::string> EmulatorWords(const MachineParts& parts) {
-  std::vector<std::string> words{FindEmulator()};
+  std::vector<std::string> words{"qemu-system-aarch64"};
   const auto add = [&words](std::initializer_list<std::string> more) { words.insert(words.end(), more); };
   add({"-nodefaults", "-no-user-config", "-display", "none", "-no-reboot"});
   if (HasArmHardware())
@@ -86,8 +83,6 @@ bool MakeLine(int type, UniqueFd& own, UniqueFd& other) {
 
 }  // namespace
 
-std::string FindEmulator() { return FindProgram("qemu-system-aarch64"); }
-
 pid_t StartEmulator(const MachineParts& parts, MachineLines& lines) {
   const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
   const UniqueFd log(open((parts.directory + "/emulator.log").c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
@@ -99,14 +94,12 @@ pid_t StartEmulator(const MachineParts& parts, MachineLines& lines) {
     return -1;
   (void)!write(lines.monitor.Get(), kMonitorGreeting.data(), kMonitorGreeting.size());
 
-  if (fork() == 0)
-    ExecuteProgram({FindProgram("busybox"), "sh", kCarrier}, {kSystemPath},
-                   {null.Get(), log.Get(), log.Get(), port.Get()});
+  if (fork() == 0) ExecuteProgram({"busybox", "sh", kCarrier}, {}, {null.Get(), log.Get(), log.Get(), port.Get()});
   const pid_t process = fork();
   if (process != 0) return process;
   DieWithParent();
   if (unshare(CLONE_NEWNET) != 0) _exit(1);
-  ExecuteProgram(EmulatorWords(parts), {kSystemPath},
+  ExecuteProgram(EmulatorWords(parts), {},
                  {null.Get(), log.Get(), log.Get(), lines.serial.Get(), others[kCommands].Get(), others[kEvents].Get(),
                   others[kMonitor].Get(), others[kNetwork].Get()});
 }

@@ -29,9 +29,6 @@ struct MachineLines {
   UniqueFd monitor;   ///< the emulator's own, in QMP
 };
 
-/// @return the emulator's path; "" when it is not installed.
-std::string FindEmulator();
-
 /// Starts the emulator, in a network namespace of its own, so that nothing of this machine can be reached, and what
 /// carries its port's frames to the lab, in whose network namespace this process is. A machine that restarts itself
 /// ends the emulator.

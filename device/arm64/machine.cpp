@@ -26,11 +26,8 @@
 #include <utility>
 
 #include "device/arm64/emulator.h"
-#include "device/board/file_bytes.h"
-#include "device/board/host_program.h"
 #include "device/board/namespaces.h"
-#include "device/board/shell_start.h"
-#include "device/board/signal_file.h"
+#include "device/board/process.h"
 
 namespace device {
 namespace {
@@ -45,20 +42,11 @@ bool IsNew(const std::string& image) {
          std::all_of(sector.begin(), sector.end(), [](char byte) { return byte == 0; });
 }
 
-/// @return a script that starts the shell with its arguments and its environment.
-std::string StartScript(const BootOptions& options) {
-  std::string script = "#!/bin/sh\nexec env -i";
-  for (const std::string& variable : ShellEnvironment(options)) script += " " + ShellQuoted(variable);
-  for (const std::string& word : ShellWords(options)) script += " " + ShellQuoted(word);
-  return script + "\n";
-}
-
 /// Makes the root file system in a directory, and beside it the archive of it that the kernel unpacks.
-std::string MakeFirstRoot(const BootOptions& options, RootPlan plan, const PowerSupply& supply) {
+std::string MakeFirstRoot(const BootOptions& options, const KindFiles& files, const PowerSupply& supply) {
   const std::string root = supply.empty_directory + "/root";
   (void)mkdir(root.c_str(), 0755);
-  plan.texts.push_back({"/sbin/start-shell", StartScript(options)});
-  if (std::string problem = ComposeRoot(plan, root); !problem.empty()) return problem;
+  if (std::string problem = ComposeRoot(options, files, root); !problem.empty()) return problem;
   for (const Medium& medium : options.media) {
     if (medium.contents.empty() || !IsNew(supply.media_directory + "/" + medium.name)) continue;
     const std::string place = root + "/run/media/" + medium.name;  // where /init looks for what belongs on it
@@ -68,7 +56,8 @@ std::string MakeFirstRoot(const BootOptions& options, RootPlan plan, const Power
     if (error) return "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message();
   }
   const std::string pack = "cd " + ShellQuoted(root) + " && find . | busybox cpio -o -H newc > ../first-root.cpio";
-  return OutputOf({"sh", "-c", pack}) ? "" : "cannot pack the machine's root file system";
+  std::string said;
+  return RunProgram({"sh", "-c", pack}, said) ? "" : "cannot pack the machine's root file system: " + said;
 }
 
 /// The console's line: the operator's end, which never blocks, and the emulator's.
@@ -199,14 +188,12 @@ class Machine {
 
 }  // namespace
 
-void RunMachine(const BootOptions& options, const RootPlan& plan, const std::string& kernel, PowerSupply supply) {
-  DieWithParent();
-  setsid();
+void RunMachine(const BootOptions& options, const KindFiles& files, const std::string& kernel, PowerSupply supply) {
   const UniqueFd signals = CatchSignals({SIGCHLD});
   // All that a boot needs is in memory that goes with the boot.
   if (unshare(CLONE_NEWNS) != 0) GiveUp(supply.channel, "cannot make the machine's mount namespace");
   std::string problem = Mount("tmpfs", supply.empty_directory, "tmpfs", MS_NOSUID, "mode=755");
-  if (problem.empty()) problem = MakeFirstRoot(options, plan, supply);
+  if (problem.empty()) problem = MakeFirstRoot(options, files, supply);
   MachineLines lines;
   UniqueFd operator_end;
   if (problem.empty()) problem = OpenConsole(operator_end, lines.serial);
@@ -223,8 +210,8 @@ void RunMachine(const BootOptions& options, const RootPlan& plan, const std::str
 
   Machine machine(supply.channel, std::move(lines));
   if (machine.ServeUntilDown(emulator, signals)) _exit(machine.End());
-  std::string text = FileBytes(parts.directory + "/console.log").value_or("");
-  if (text.empty()) text = FileBytes(parts.directory + "/emulator.log").value_or("");
+  std::string text = FileBytes(parts.directory + "/console.log");
+  if (text.empty()) text = FileBytes(parts.directory + "/emulator.log");
   GiveUp(supply.channel, "the machine went down before it was up: " + ReasonIn(text));
 }
 

@@ -1,5 +1,3 @@
-#include "device/board/board_device.h"
-
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
@@ -16,10 +14,8 @@
 
 #include "device/board/board.h"
 #include "device/board/channel.h"
-#include "device/board/device_kind.h"
-#include "device/board/file_bytes.h"
 #include "device/board/namespaces.h"
-#include "device/board/root_files.h"
+#include "device/board/process.h"
 #include "util/unique_handle.h"
 
 namespace device {
@@ -28,13 +24,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr int kSetUpMilliseconds = 20000;  // of a board or a console, on a machine under load
+constexpr milliseconds kSetUpTime{20000};  // of a board or a console, on a machine under load
 constexpr milliseconds kEndTime{5000};
-
-int MillisecondsUntil(Clock::time_point end) {
-  const auto left = std::chrono::ceil<milliseconds>(end - Clock::now()).count();
-  return static_cast<int>(std::max<long long>(left, 0));
-}
 
 /// @return what the wait status of a device's first process tells.
 Outcome OutcomeOf(int wait_status) {
@@ -44,38 +35,6 @@ Outcome OutcomeOf(int wait_status) {
   if (!WIFEXITED(wait_status)) return Outcome::kDied;
   if (WEXITSTATUS(wait_status) == kDeviceRestarted) return Outcome::kRebooted;
   return WEXITSTATUS(wait_status) == kDevicePoweredOff ? Outcome::kPoweredOff : Outcome::kDied;
-}
-
-/// Moves a descriptor of a fresh child to a number; nothing else is kept open.
-void KeepOnly(UniqueFd& descriptor) {
-  constexpr int kKept = 3;
-  const int moved = fcntl(descriptor.Get(), F_DUPFD_CLOEXEC, kKept + 1);
-  const int null = open("/dev/null", O_RDWR);
-  for (int number = 0; number < kKept; ++number) dup2(null, number);
-  dup3(moved, kKept, O_CLOEXEC);
-  (void)descriptor.Release();  // closed below, unless it is the one kept
-  close_range(kKept + 1, ~0U, 0);
-  descriptor.Reset(kKept);
-}
-
-/// Is the process between launcher and board: it leaves the host's namespaces, starts the board as the first process
-/// of a PID namespace and ends with it.
-[[noreturn]] void RunKeeper(const DeviceKind& kind, const BootOptions& options, const RootPlan& plan, bool with_users,
-                            UniqueFd socket) {
-  DieWithParent();
-  KeepOnly(socket);
-  Channel channel(std::move(socket));
-  if (const std::string problem = LeaveHost(with_users); !problem.empty()) GiveUp(channel, problem);
-  channel.Send(MessageKind::kLeftHost);
-  if (!channel.Receive(kSetUpMilliseconds)) _exit(1);
-  DieWithParent();  // new identities cleared it
-  const pid_t board = fork();
-  if (board == 0) RunBoard(kind, options, plan, std::move(channel));
-  channel = Channel();
-  int status = 0;
-  while (waitpid(board, &status, 0) < 0 && errno == EINTR) {
-  }
-  _exit(0);
 }
 
 class BoardDevice final : public Device {
@@ -108,6 +67,8 @@ class BoardDevice final : public Device {
   std::string StartBoard(bool with_users);
   void EndBoard();
   CommandResult RunOver(Channel& channel, const std::string& command, const std::string& input, milliseconds time);
+  template <typename Condition>
+  void WaitUntil(milliseconds time, Condition is_so);
   void TakeMessages(int milliseconds_to_wait);
   void Handle(Message& message);
   void DeviceDown(int wait_status);
@@ -120,8 +81,7 @@ class BoardDevice final : public Device {
 
   std::unique_ptr<DeviceKind> kind_;
   BootOptions options_;
-  RootPlan plan_;
-  pid_t keeper_ = -1;
+  pid_t board_process_ = -1;
   Channel board_;
   Channel device_;
   UniqueFd console_;
@@ -139,18 +99,18 @@ class BoardDevice final : public Device {
 };
 
 void BoardDevice::EndBoard() {
-  if (keeper_ < 0) return;
-  board_.Shutdown();  // the board ends, and the kernel ends everything on it before the keeper hears of it
+  if (board_process_ < 0) return;
+  board_.Shutdown();  // the board ends, and the kernel ends everything on it before it is gone itself
   const Clock::time_point end = Clock::now() + kEndTime;
-  while (waitpid(keeper_, nullptr, WNOHANG) == 0) {
-    if (Clock::now() > end) kill(keeper_, SIGKILL);
+  while (waitpid(board_process_, nullptr, WNOHANG) == 0) {
+    if (Clock::now() > end) kill(board_process_, SIGKILL);
     poll(nullptr, 0, 1);
   }
-  keeper_ = -1;
+  board_process_ = -1;
 }
 
 std::string BoardDevice::StartBoard() {
-  if (std::string problem = kind_->Plan(options_, plan_); !problem.empty()) return problem;
+  if (std::string problem = kind_->WhatIsMissing(); !problem.empty()) return problem;
   std::string problem = StartBoard(true);
   if (geteuid() != 0 || !TellsOfForbidding(problem)) return problem;
   // Some machines forbid user namespaces, or to mount in them. Root can do without.
@@ -162,36 +122,36 @@ std::string BoardDevice::StartBoard() {
 }
 
 std::string BoardDevice::StartBoard(bool with_users) {
+  const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
   UniqueFd own_end;
   UniqueFd board_end;
   if (!Channel::MakePair(own_end, board_end)) return "cannot make a socket";
-  keeper_ = fork();
-  if (keeper_ == 0) {
-    own_end.Reset();
-    RunKeeper(*kind_, options_, plan_, with_users, std::move(board_end));
+  board_process_ = ForkApart(with_users);
+  if (board_process_ == 0) {
+    DieWithParent();
+    constexpr int kChannel = 3;
+    KeepOnly({null.Get(), null.Get(), null.Get(), board_end.Get()});
+    (void)board_end.Release();
+    (void)fcntl(kChannel, F_SETFD, FD_CLOEXEC);
+    Channel launcher{UniqueFd(kChannel)};
+    if (!launcher.Receive(static_cast<int>(kSetUpTime.count()))) _exit(1);
+    RunBoard(*kind_, options_, std::move(launcher));
   }
-  if (keeper_ < 0) return "cannot start a process";
+  if (board_process_ < 0) return Forbidden("make namespaces");
   board_end.Reset();
   board_ = Channel(std::move(own_end));
-
-  const std::optional<Message> request = board_.Receive(kSetUpMilliseconds);
-  if (!request) return "the board did not start";
-  if (request->kind == MessageKind::kProblem) return request->text;
   if (with_users) {
-    if (std::string problem = MapIdentities(keeper_); !problem.empty()) return problem;
+    if (std::string problem = MapIdentities(board_process_); !problem.empty()) return problem;
   }
   board_.Send(MessageKind::kIdentities);
-  const Clock::time_point end = Clock::now() + milliseconds(kSetUpMilliseconds);
-  while (!board_ready_ && problem_.empty() && !board_.Closed() && Clock::now() < end)
-    TakeMessages(MillisecondsUntil(end));
+  WaitUntil(kSetUpTime, [this] { return board_ready_ || !problem_.empty() || board_.Closed(); });
   if (board_ready_) return "";
   return problem_.empty() ? "the board did not start" : problem_;
 }
 
 std::string BoardDevice::Boot() {
   if (std::string problem = StartBoot(); !problem.empty()) return problem;
-  const Clock::time_point end = Clock::now() + kind_->BootTime();
-  while (IsStarting() && Clock::now() < end) TakeMessages(MillisecondsUntil(end));
+  WaitUntil(kind_->BootTime(), [this] { return !IsStarting(); });
   if (shell_started_) return "";
   PowerOff();
   return Fail(problem_.empty() ? "the device did not start" : problem_);
@@ -217,8 +177,7 @@ std::string BoardDevice::StartBoot() {
   outcome_ = Outcome::kRunning;
   Note("power on");
 
-  const Clock::time_point end = Clock::now() + milliseconds(kSetUpMilliseconds);
-  while (!console_ && problem_.empty() && IsUp() && Clock::now() < end) TakeMessages(MillisecondsUntil(end));
+  WaitUntil(kSetUpTime, [this] { return console_ || !problem_.empty() || !IsUp(); });
   if (console_) return "";
   return Fail(problem_.empty() ? "the device did not start" : problem_);
 }
@@ -231,10 +190,8 @@ void BoardDevice::ResizeConsole(unsigned short columns, unsigned short rows) {
 }
 
 Outcome BoardDevice::WaitForOutcome(milliseconds time) {
-  const Clock::time_point end = Clock::now() + time;
-  do {
-    TakeMessages(outcome_ == Outcome::kRunning ? MillisecondsUntil(end) : 0);
-  } while (outcome_ == Outcome::kRunning && Clock::now() < end);
+  TakeMessages(0);
+  WaitUntil(time, [this] { return outcome_ != Outcome::kRunning; });
   return outcome_;
 }
 
@@ -254,8 +211,16 @@ void BoardDevice::PowerOff() {
   if (!IsUp()) return;
   power_taken_ = true;
   board_.Send(MessageKind::kPowerOff);
-  const Clock::time_point end = Clock::now() + kEndTime;
-  while (IsUp() && Clock::now() < end) TakeMessages(MillisecondsUntil(end));
+  WaitUntil(kEndTime, [this] { return !IsUp(); });
+}
+
+/// Takes messages until something is so, or the time is over.
+template <typename Condition>
+void BoardDevice::WaitUntil(milliseconds time, Condition is_so) {
+  const Clock::time_point end = Clock::now() + time;
+  for (milliseconds left = time; !is_so() && left.count() > 0;
+       left = std::chrono::ceil<milliseconds>(end - Clock::now()))
+    TakeMessages(static_cast<int>(left.count()));
 }
 
 /// Takes all messages that are there, after waiting for the first.
@@ -272,7 +237,7 @@ void BoardDevice::TakeMessages(int milliseconds_to_wait) {
 void BoardDevice::Handle(Message& message) {
   switch (message.kind) {
     case MessageKind::kProblem:
-      problem_ = message.text;
+      problem_ = message.text.substr(0, message.text.find('\n'));
       break;
     case MessageKind::kBoardReady:
       board_ready_ = true;
@@ -300,14 +265,8 @@ void BoardDevice::Handle(Message& message) {
     case MessageKind::kCommandEnded:
       ended_commands_[message.id] = message.value;
       break;
-    case MessageKind::kLeftHost:
-    case MessageKind::kIdentities:
-    case MessageKind::kPowerOn:
-    case MessageKind::kPowerOff:
-    case MessageKind::kRun:
-    case MessageKind::kKill:
-    case MessageKind::kPlugCable:
-      break;  // of the start, or the launcher's own
+    default:
+      break;  // the launcher's own
   }
 }
 
@@ -330,9 +289,7 @@ CommandResult BoardDevice::RunOver(Channel& channel, const std::string& command,
   if (pwrite(given[0], input.data(), input.size(), 0) != static_cast<ssize_t>(input.size()) ||
       !channel.Send(MessageKind::kRun, id, 0, command, given))
     return {};
-  const Clock::time_point end = Clock::now() + time;
-  while (!ended_commands_.contains(id) && channel.Descriptor() >= 0 && Clock::now() < end)
-    TakeMessages(MillisecondsUntil(end));
+  WaitUntil(time, [&] { return ended_commands_.contains(id) || channel.Descriptor() < 0; });
   CommandResult result{false, -1, ContentsOf(streams[1]), ContentsOf(streams[2])};
   if (const auto ended = ended_commands_.extract(id); !ended.empty()) {
     result.finished = true;

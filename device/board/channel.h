@@ -13,8 +13,7 @@ namespace device {
 /// What the launcher, the board and the device's first process tell each other.
 enum class MessageKind : std::uint32_t {
   kProblem,       ///< something could not be set up: text
-  kLeftHost,      ///< keeper -> launcher: its user namespace wants its identities
-  kIdentities,    ///< launcher -> keeper: they are mapped
+  kIdentities,    ///< launcher -> board: the users of its namespace are mapped
   kBoardReady,    ///< board -> launcher: media and lab are there; text is for the operator
   kPowerOn,       ///< launcher -> board: boot a device that answers on the descriptor that comes along
   kPowerOff,      ///< launcher -> board

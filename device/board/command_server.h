@@ -12,35 +12,33 @@
 
 namespace device {
 
-/// Runs commands that are asked for by messages, and tells how they ended.
+/// Serves the launcher in the first process of a PID namespace: collects processes, and runs commands.
 class CommandServer {
  public:
-  /// Takes the number of a request and the exit status of its command.
-  using Answer = std::function<void(std::uint32_t id, int status)>;
+  /// What there is to do besides: with a process that ended and is no command, with another message.
+  struct Others {
+    std::function<void(pid_t process, int wait_status)> ended;
+    std::function<void(Message& message)> message;
+  };
 
-  /// @param environment  "NAME=value" for every command.
-  CommandServer(Answer answer, std::vector<std::string> environment);
+  /// @param channel      to the launcher; outlives this object. The process ends with it.
+  /// @param environment  "NAME=value" for every command; none: this process's own.
+  CommandServer(Channel& channel, std::vector<std::string> environment, Others others);
 
-  /// Starts or kills a command; other messages are left alone.
-  void Handle(const Message& message);
-
-  /// Answers for a child that was reaped. A child that is no command is left alone.
-  void ChildEnded(pid_t child, int wait_status);
+  /// Waits until something happens, and does what is due.
+  /// @param also  descriptor to watch as well, -1 for none.
+  /// @return whether that can be read.
+  bool ServeOnce(int also = -1);
 
  private:
+  void CollectProcesses();
   void Start(const Message& message);
 
-  Answer answer_;
+  Channel& channel_;
+  UniqueFd signals_;
   std::vector<std::string> environment_;
+  Others others_;
   std::map<pid_t, std::uint32_t> running_;  ///< request number by process
 };
-
-/// @return the exit status that a shell would tell: 128 + number when a signal ended the process.
-int ExitStatusOf(int wait_status);
-
-/// Replaces this process, a fresh child, by a program. Returns only by ending the process.
-/// @param descriptors  become 0, 1, 2 and so on; all others are closed.
-[[noreturn]] void ExecuteProgram(const std::vector<std::string>& words, const std::vector<std::string>& environment,
-                                 const std::vector<int>& descriptors);
 
 }  // namespace device

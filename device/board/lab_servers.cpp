@@ -1,6 +1,3 @@
-#include "device/board/lab_servers.h"
-
-#include <fcntl.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
@@ -10,17 +7,12 @@
 #include <array>
 #include <fstream>
 
-#include "device/board/command_server.h"
-#include "device/board/host_program.h"
-#include "device/board/package_root.h"
-#include "util/unique_handle.h"
+#include "device/board/board.h"
+#include "device/board/process.h"
+#include "device/board/root_files.h"
 
 namespace device {
 namespace {
-
-constexpr char kLabFiles[] = ESH_DEVICE_FILES "/lab";
-constexpr char kSamples[] = ESH_DEVICE_PACKAGES "/lab";
-constexpr char kPackages[] = "lab";
 
 /// System calls by which a server becomes somebody else before it serves.
 constexpr std::array kIdentityCalls{SYS_setgroups, SYS_setuid,    SYS_setgid,   SYS_setreuid, SYS_setregid,
@@ -36,8 +28,8 @@ bool HasOneIdentity() {
 }
 
 /// Has the kernel answer "done" when this process or its children want to become somebody else, and do nothing: where
-/// nobody else exists, servers would refuse to serve otherwise.
-bool PretendIdentities() {
+/// nobody else exists, servers would refuse to serve otherwise. They tell when it did not help.
+void PretendIdentities() {
   std::array<sock_filter, kIdentityCalls.size() + 3> filter{};
   auto* next = filter.data();
   *next++ = BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr));
@@ -48,32 +40,22 @@ bool PretendIdentities() {
   *next++ = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW);
   *next = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO);  // with error number 0
   const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
-  return prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+  prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
 }
 
 }  // namespace
 
-std::string StartLabServers(const BootOptions& options, const std::string& place,
-                            const std::vector<std::string>& environment) {
-  std::array<int, 2> ends{};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) return "lab: no servers: no pipe\n";
-  const UniqueFd reading(ends[0]);
-  UniqueFd writing(ends[1]);
-  const pid_t process = fork();
-  if (process == 0) {
+std::string StartLabServers(const std::string& directory, const std::string& place) {
+  std::string notice;
+  const auto prepare = [] {
     setsid();
-    if (HasOneIdentity()) (void)PretendIdentities();  // the servers tell when it did not help
-    const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
-    ExecuteProgram({FindProgram("busybox"), "sh", kLabFiles + std::string("/servers.sh"), PackageRoot(kPackages), place,
-                    options.lab_directory, kSamples},
-                   environment, {null.Get(), writing.Get(), null.Get()});
-  }
-  writing.Reset();
-  return process < 0 ? "lab: no servers: no process\n" : ReadToEnd(reading.Get());
-}
-
-std::vector<std::string> NeededByLabServers(const BootOptions& options) {
-  return {kLabFiles, kSamples, PackageRoot(kPackages), options.lab_directory};
+    if (HasOneIdentity()) PretendIdentities();
+  };
+  if (!RunProgram({"busybox", "sh", ESH_DEVICE_FILES "/lab/servers.sh", PackageRoot("lab"), place, directory,
+                   ESH_DEVICE_PACKAGES "/lab"},
+                  notice, prepare))
+    notice += "lab: no servers\n";
+  return notice;
 }
 
 }  // namespace device

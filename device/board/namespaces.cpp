@@ -3,8 +3,8 @@
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -24,16 +24,16 @@ constexpr unsigned long kMaxIdentities = 65536;
 
 constexpr char kForbidden[] = "this machine does not let us ";
 
-/// @return the line that says what the host forbids, from errno, and what allows it.
-std::string Forbidden(const std::string& what) {
-  return kForbidden + what + " (" + std::strerror(errno) +
-         "); root needs CAP_SYS_ADMIN and CAP_NET_ADMIN, anybody else user namespaces: kernel.unprivileged_userns_clone"
-         " 1, user.max_user_namespaces above 0, kernel.apparmor_restrict_unprivileged_userns 0";
-}
-
 bool WriteOnce(const std::string& path, const std::string& text) {
   const UniqueFd file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
   return file && write(file.Get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
+}
+
+/// Maps as many users and groups, from 0 on, to those from the given ones on.
+bool WriteMaps(pid_t process, uid_t user, gid_t group, unsigned long users, unsigned long groups) {
+  const std::string directory = "/proc/" + std::to_string(process);
+  return WriteOnce(directory + "/uid_map", "0 " + std::to_string(user) + " " + std::to_string(users)) &&
+         WriteOnce(directory + "/gid_map", "0 " + std::to_string(group) + " " + std::to_string(groups));
 }
 
 /// How many ids from 0 on this process may pass on, by its own map ("first outside count" in each line).
@@ -49,9 +49,16 @@ unsigned long OwnIdentities(const char* map) {
 
 }  // namespace
 
-std::string LeaveHost(bool with_users) {
-  constexpr int kOwn = CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC;
-  return unshare(with_users ? kOwn | CLONE_NEWUSER : kOwn) == 0 ? "" : Forbidden("make namespaces");
+pid_t ForkApart(bool with_users) {
+  constexpr int kOwn = CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC | SIGCHLD;
+  const int how = with_users ? kOwn | CLONE_NEWUSER : kOwn;
+  return static_cast<pid_t>(syscall(SYS_clone, how, nullptr, nullptr, nullptr, nullptr));
+}
+
+std::string Forbidden(const std::string& what) {
+  return kForbidden + what + " (" + std::strerror(errno) +
+         "); root needs CAP_SYS_ADMIN and CAP_NET_ADMIN, anybody else user namespaces: kernel.unprivileged_userns_clone"
+         " 1, user.max_user_namespaces above 0, kernel.apparmor_restrict_unprivileged_userns 0";
 }
 
 bool TellsOfForbidding(const std::string& problem) {
@@ -59,14 +66,15 @@ bool TellsOfForbidding(const std::string& problem) {
 }
 
 std::string MapIdentities(pid_t process) {
-  const std::string directory = "/proc/" + std::to_string(process);
-  const auto map = [&](uid_t user, gid_t group, unsigned long users, unsigned long groups) {
-    return WriteOnce(directory + "/uid_map", "0 " + std::to_string(user) + " " + std::to_string(users)) &&
-           WriteOnce(directory + "/gid_map", "0 " + std::to_string(group) + " " + std::to_string(groups));
-  };
-  if (geteuid() == 0 && map(0, 0, OwnIdentities("/proc/self/uid_map"), OwnIdentities("/proc/self/gid_map"))) return "";
-  if (WriteOnce(directory + "/setgroups", "deny") && map(geteuid(), getegid(), 1, 1)) return "";
-  return Forbidden("map the users of a user namespace");
+  const unsigned long users = OwnIdentities("/proc/self/uid_map");
+  const unsigned long groups = OwnIdentities("/proc/self/gid_map");
+  if (geteuid() == 0 && WriteMaps(process, 0, 0, users, groups)) return "";
+  return MapOneIdentity(process, geteuid(), getegid());
+}
+
+std::string MapOneIdentity(pid_t process, uid_t user, gid_t group) {
+  const bool denied = WriteOnce("/proc/" + std::to_string(process) + "/setgroups", "deny");
+  return denied && WriteMaps(process, user, group, 1, 1) ? "" : Forbidden("map the users of a user namespace");
 }
 
 std::string PartMounts() {
@@ -102,7 +110,5 @@ std::string BindMount(const std::string& source, const std::string& target) {
     const UniqueFd file(open(target.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
   return Mount(source, target, nullptr, MS_BIND | MS_REC);
 }
-
-void DieWithParent() { prctl(PR_SET_PDEATHSIG, SIGKILL); }
 
 }  // namespace device

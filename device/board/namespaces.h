@@ -6,12 +6,15 @@
 
 namespace device {
 
-/// Leaves the host's namespaces: this process, which must be single-threaded, gets a mount, network, UTS and IPC
-/// namespace of its own, and its next children a PID namespace.
+/// Forks into a mount, network, UTS, IPC and PID namespace of the child's own, whose process number 1 it is. This
+/// process must be single-threaded.
 /// @param with_users  a user namespace too, in which nobody has an identity before MapIdentities. Only root can do
 ///                    without.
-/// @return an empty text, or one line that says what the host forbids.
-[[nodiscard]] std::string LeaveHost(bool with_users);
+/// @return as fork does.
+pid_t ForkApart(bool with_users);
+
+/// @return the line that says what the host forbids, from errno, and what allows it.
+[[nodiscard]] std::string Forbidden(const std::string& what);
 
 /// @return whether a line says that the host forbids a step, as these functions' lines do.
 [[nodiscard]] bool TellsOfForbidding(const std::string& problem);
@@ -20,6 +23,9 @@ namespace device {
 /// ids that it has, up to 65535, where it has the right to; anybody else is root there and nobody else.
 /// @return an empty text, or one line that says what the host forbids.
 [[nodiscard]] std::string MapIdentities(pid_t process);
+
+/// The same for a process of one user and one group, from itself or from the process that made it.
+[[nodiscard]] std::string MapOneIdentity(pid_t process, uid_t user, gid_t group);
 
 /// Has nothing that is mounted in this process's fresh mount namespace from here on reach the host, and makes "/" a
 /// mount of its own.
@@ -32,8 +38,5 @@ namespace device {
 
 /// Makes a file or directory of the host's view visible at a second place; the target is made when it is missing.
 [[nodiscard]] std::string BindMount(const std::string& source, const std::string& target);
-
-/// Has this process killed when its parent ends in any way.
-void DieWithParent();
 
 }  // namespace device

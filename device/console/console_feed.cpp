@@ -1,5 +1,3 @@
-#include "device/console/console_feed.h"
-
 #include <unistd.h>
 
 #include <array>

@@ -1,5 +1,3 @@
-#include "device/console/console_relay.h"
-
 #include <unistd.h>
 
 #include <array>

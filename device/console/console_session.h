@@ -59,4 +59,14 @@ class ConsoleSession {
   int idle_reboots_ = 0;  ///< in a row, each soon after its boot
 };
 
+/// Connects the console of a device that was started with the operator's terminal until the operator leaves with
+/// Ctrl+\, the device halts, or a signal ends the session. A device that reboots is booted again.
+/// @return exit status of the session: 0, 128 + number of the signal, 1 when the device failed.
+int RelayTerminal(Device& device, SessionSignals& signals);
+
+/// Types standard input, which is a file or a pipe, on a started device's console, a line each time the console waits
+/// for one, and powers the device off when it is quiet after the last.
+/// @return exit status of the session, as above.
+int FeedInput(Device& device, SessionSignals& signals);
+
 }  // namespace device

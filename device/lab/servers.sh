@@ -7,6 +7,7 @@
 # PLACE      an empty directory for their root file system, which is theirs alone
 # DIRECTORY  what FTP and TFTP give out and receive; "": the lab's own files, which live in memory
 # SAMPLES    packages for the device, which are among these
+exec 2> /dev/null # what is wrong is told in lines of its own
 programs=$1
 place=$2
 directory=$3

@@ -170,7 +170,7 @@ TEST_F(NativeInstall, ShowsWhatAPackageIs) {
 
 /// Faults on the way: what is broken before the load, and what the load then makes of it.
 TEST_F(NativeInstall, ClaimsNoSuccessThatItDoesNotHave) {
-  options.has_ip_stack = false;
+  options.files.push_back({"/lib/modules/ipstack.ko", std::nullopt});
   const std::string extracting = std::string(kBegin) + kVerified + "Extracting package ...\n";
   const struct {
     const char* why;

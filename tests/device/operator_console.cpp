@@ -7,8 +7,6 @@
 #include <cstdlib>
 #include <thread>
 
-#include "device/arm64/arm64_device.h"
-#include "device/native/native_device.h"
 #include "tests/support/private_root.h"
 
 namespace {

@@ -62,7 +62,7 @@ TEST_F(StartUp, ReallyRebootsWithoutAConsole) {
 }
 
 TEST_F(NativeStartUp, WithoutIpStackHasNoInterfaceViewAndLoadsNoModuleTwice) {
-  options.has_ip_stack = false;
+  options.files.push_back({"/lib/modules/ipstack.ko", std::nullopt});
   Replace("/proc/modules", "fat 16384 0\naddon 16384 0 - Live 0x0000000000000000\n");
   BootToPrompt();
   EXPECT_EQ(Calls(), "mount.sh\n");

@@ -1,6 +1,5 @@
 #include "tests/support/private_root.h"
 
-#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
@@ -29,26 +28,12 @@ constexpr char kMachine[] = "/host";  // where the new root keeps the machine's
 
 std::string Failure(const std::string& step) { return "no private root: " + step + ": " + std::strerror(errno); }
 
-bool WriteMap(const char* file, const std::string& text) {
-  const int fd = open(file, O_WRONLY | O_CLOEXEC);
-  const bool written = fd >= 0 && write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-  close(fd);
-  return written;
-}
-
 std::string EnterNamespaces() {
-  const bool is_root = geteuid() == 0;
-  const std::string user = "0 " + std::to_string(geteuid()) + " 1";
-  const std::string group = "0 " + std::to_string(getegid()) + " 1";
-  if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
-    // Root can do without a user namespace where there are none.
-    if (is_root && unshare(CLONE_NEWNS) == 0) return "";
-    return Failure("this machine does not allow a mount namespace");
-  }
-  if (!WriteMap("/proc/self/setgroups", "deny") || !WriteMap("/proc/self/uid_map", user) ||
-      !WriteMap("/proc/self/gid_map", group))
-    return Failure("cannot map the user and the group");
-  return "";
+  const uid_t user = geteuid();
+  const gid_t group = getegid();
+  if (unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) return device::MapOneIdentity(getpid(), user, group);
+  // Root can do without a user namespace where there are none.
+  return user == 0 && unshare(CLONE_NEWNS) == 0 ? "" : device::Forbidden("make a mount namespace");
 }
 
 std::string ChangeRoot() {
