@@ -24,8 +24,8 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
-#include "device/arm64/emulator.h"
 #include "device/board/namespaces.h"
 #include "device/board/process.h"
 
@@ -72,6 +72,53 @@ std::string OpenConsole(UniqueFd& operator_end, UniqueFd& line) {
   return tcsetattr(line.Get(), TCSANOW, &modes) == 0 ? "" : "cannot make the console raw";
 }
 
+void SendAll(const UniqueFd& line, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t sent = send(line.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (sent < 0 && errno != EINTR) return;  // the machine is going down
+    if (sent > 0) bytes.remove_prefix(static_cast<std::size_t>(sent));
+  }
+}
+
+/// This side's ends of what leads into an emulated machine; all but the console's are sockets.
+struct MachineLines {
+  UniqueFd serial;    ///< the console's line, a terminal, which the emulator opens again
+  UniqueFd commands;  ///< to /sbin/serve-host
+  UniqueFd events;    ///< from /init
+  UniqueFd monitor;   ///< the emulator's own, in QMP
+};
+
+bool MakeLine(int type, UniqueFd& own, UniqueFd& other) {
+  std::array<int, 2> ends{};
+  if (socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends.data()) != 0) return false;
+  own.Reset(ends[0]);
+  other.Reset(ends[1]);
+  return true;
+}
+
+/// Starts the emulator in the lab's network, which its port is plugged in at. Its own messages go to emulator.log.
+/// @param words  the script and its arguments.
+/// @param lines  holds the console's line; receives the others.
+/// @return the emulator's process, -1 when it could not be started.
+pid_t StartEmulator(const std::vector<std::string>& words, const std::string& directory, MachineLines& lines) {
+  const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
+  const UniqueFd log(open((directory + "/emulator.log").c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
+  UniqueFd commands;
+  UniqueFd events;
+  UniqueFd monitor;
+  UniqueFd port;
+  UniqueFd lab;
+  if (!MakeLine(SOCK_STREAM, lines.commands, commands) || !MakeLine(SOCK_STREAM, lines.events, events) ||
+      !MakeLine(SOCK_STREAM, lines.monitor, monitor) || !MakeLine(SOCK_DGRAM, port, lab))
+    return -1;
+  SendAll(lines.monitor, "{\"execute\":\"qmp_capabilities\"}\n");  // events are only told to who has said this
+  const pid_t process = fork();
+  if (process != 0) return process;
+  ExecuteProgram(words, {},
+                 {null.Get(), log.Get(), log.Get(), lines.serial.Get(), commands.Get(), events.Get(), monitor.Get(),
+                  port.Get(), lab.Get()});
+}
+
 /// @return the line of an output that says best why a machine went down: the kernel's panic, or the last one.
 std::string ReasonIn(std::string_view output) {
   while (output.ends_with('\n') || output.ends_with('\r')) output.remove_suffix(1);
@@ -93,14 +140,6 @@ std::istringstream TakeLine(const UniqueFd& line) {
   std::string text;
   for (std::string byte; (byte = Take(line, 1)) != "\n" && !byte.empty();) text += byte;
   return std::istringstream(text);
-}
-
-void SendAll(const UniqueFd& line, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t sent = send(line.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    if (sent < 0 && errno != EINTR) return;  // the machine is going down
-    if (sent > 0) bytes.remove_prefix(static_cast<std::size_t>(sent));
-  }
 }
 
 /// The process that a machine is for the launcher: what is said to one is passed on to the other. The machine's part
@@ -159,7 +198,9 @@ class Machine {
     if (channel_.Closed()) _exit(0);  // the emulator ends with this process
     if (!message) return;
     if (message->kind == MessageKind::kKill) SendAll(lines_.commands, "kill\n");
-    if (message->kind == MessageKind::kPlugCable) SendAll(lines_.monitor, CableCommand(message->value != 0));
+    if (message->kind == MessageKind::kPlugCable)
+      SendAll(lines_.monitor, std::string("{\"execute\":\"set_link\",\"arguments\":{\"name\":\"port\",\"up\":") +
+                                  (message->value != 0 ? "true}}\n" : "false}}\n"));
     if (message->kind != MessageKind::kRun || message->descriptors.size() != 3) return;
     const std::string input = ContentsOf(message->descriptors[0]);
     SendAll(lines_.commands, "run " + std::to_string(message->id) + " " + std::to_string(message->text.size()) + " " +
@@ -200,18 +241,19 @@ void RunMachine(const BootOptions& options, const KindFiles& files, const std::s
   if (!problem.empty()) GiveUp(supply.channel, problem);
   const int given = operator_end.Get();
 
-  MachineParts parts{kernel, supply.empty_directory, {}};
+  const std::string& directory = supply.empty_directory;
+  std::vector<std::string> words{ESH_DEVICE_FILES "/arm64/emulate.sh", kernel, directory};
   for (const Medium& medium : options.media)
-    parts.disks.push_back({supply.media_directory + "/" + medium.name, medium.name});
-  const pid_t emulator = StartEmulator(parts, lines);
+    words.insert(words.end(), {supply.media_directory + "/" + medium.name, medium.name});
+  const pid_t emulator = StartEmulator(words, directory, lines);
   if (emulator < 0) GiveUp(supply.channel, "cannot start the emulator");
   supply.channel.Send(MessageKind::kConsole, 0, 0, "", {&given, 1});
   operator_end.Reset();  // the launcher holds the only one
 
   Machine machine(supply.channel, std::move(lines));
   if (machine.ServeUntilDown(emulator, signals)) _exit(machine.End());
-  std::string text = FileBytes(parts.directory + "/console.log");
-  if (text.empty()) text = FileBytes(parts.directory + "/emulator.log");
+  std::string text = FileBytes(directory + "/console.log");
+  if (text.empty()) text = FileBytes(directory + "/emulator.log");
   GiveUp(supply.channel, "the machine went down before it was up: " + ReasonIn(text));
 }
 
