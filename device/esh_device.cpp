@@ -29,36 +29,25 @@ constexpr char kUsage[] =
 constexpr char kKeyDirectory[] = "/etc/sign_pub_key/";
 constexpr char kTerminalWithoutName[] = "vt100";
 
-device::BootOptions OperatorOptions() {
-  device::BootOptions options = device::DefaultBootOptions();
-  const char* term = std::getenv("TERM");
-  options.term = term == nullptr || *term == '\0' ? kTerminalWithoutName : term;
-  const device::WindowSize window = device::OperatorWindow();
-  options.columns = window.columns;
-  options.rows = window.rows;
-  device::FillWithSamples(options.media);
-  return options;
-}
-
 /// What the command line asks for.
 struct Request {
   bool asks_for_help = false;
   bool emulated = false;
-  std::string shell;          // "": the one that is built here
-  std::string lab_directory;  // "": the lab's own
-  std::vector<device::HostFile> keys;
+  device::BootOptions options = device::DefaultBootOptions();
 };
 
 /// The key files of a directory of the host, with their places on the device.
-std::vector<device::HostFile> KeysIn(const std::filesystem::path& directory) {
+std::vector<device::HostFile> KeysIn(const std::string& directory) {
   std::vector<device::HostFile> keys;
   std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::absolute(directory), error)) {
+  for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
     const std::filesystem::path& file = entry.path();
     if (file.extension() == ".key") keys.push_back({file.string(), kKeyDirectory + file.filename().string()});
   }
   return keys;
 }
+
+std::string Absolute(const char* path) { return std::filesystem::absolute(path).string(); }
 
 std::optional<Request> ReadArguments(std::span<char* const> arguments) {
   Request request;
@@ -70,12 +59,12 @@ std::optional<Request> ReadArguments(std::span<char* const> arguments) {
     } else if (name == "--arm64") {
       request.emulated = true;
     } else if (name == "--shell" && has_value) {
-      request.shell = std::filesystem::absolute(arguments[++i]).string();
+      request.options.shell = Absolute(arguments[++i]);
     } else if (name == "--tftp" && has_value) {
-      request.lab_directory = std::filesystem::absolute(arguments[++i]).string();
+      request.options.lab_directory = Absolute(arguments[++i]);
     } else if (name == "--keys" && has_value) {
-      request.keys = KeysIn(arguments[++i]);
-      if (request.keys.empty()) return std::nullopt;
+      request.options.host_files = KeysIn(Absolute(arguments[++i]));
+      if (request.options.host_files.empty()) return std::nullopt;
     } else {
       return std::nullopt;
     }
@@ -83,12 +72,15 @@ std::optional<Request> ReadArguments(std::span<char* const> arguments) {
   return request;
 }
 
-std::unique_ptr<device::Device> MakeDevice(const Request& request) {
-  device::BootOptions options = OperatorOptions();
-  if (!request.shell.empty()) options.shell = request.shell;
+std::unique_ptr<device::Device> MakeDevice(Request request) {
+  device::BootOptions& options = request.options;
+  const char* term = std::getenv("TERM");
+  options.term = term == nullptr || *term == '\0' ? kTerminalWithoutName : term;
+  const device::WindowSize window = device::OperatorWindow();
+  options.columns = window.columns;
+  options.rows = window.rows;
   options.has_lab_servers = true;
-  options.lab_directory = request.lab_directory;
-  options.host_files = request.keys;
+  device::FillWithSamples(options.media);
   return request.emulated ? device::MakeArm64Device(options) : device::MakeNativeDevice(options);
 }
 
