@@ -2,11 +2,8 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <tuple>
-#include <utility>
 
-#include "pkg/format/contained_file.h"
 #include "pkg/format/head_check.h"
 #include "pkg/format/product_code.h"
 #include "tests/support/package_fixture.h"
@@ -19,31 +16,6 @@ namespace {
 using enum PackageVerdict;
 
 using ReaderTest = PackageTest;
-
-constexpr std::size_t kImageRow = 3;  // of PackageTest::Contents()
-
-TEST_F(ReaderTest, FindsFilesInTableOrderInBothByteOrders) {
-  for (const bool host_order : {false, true}) {
-    mkpkg::PackageContents contents = Contents();
-    contents.host_order = host_order;
-    const std::string package = Compose(contents);
-    const UniquePackage reader = Open(package);
-    ASSERT_NE(reader, nullptr);
-    const std::size_t head = reader->head.files[kImageRow].head_offset;
-    for (const auto& [field, value] : {std::pair(offsetof(PackageFileHead, device_code), kTestDeviceTag),
-                                       {offsetof(PackageFileHead, unpacked_size), 9U}})
-      EXPECT_EQ(mkpkg::GetWord(package, head + field, host_order), value) << field;
-    EXPECT_EQ(FindFile(*reader, kSystemImageFile), &reader->head.files[2]) << "the first of two";
-    std::uint32_t size = 0;
-    EXPECT_EQ(GetFileFromReaderHeadByFileID(0x04000001, reader.get(), &size), nullptr);
-    for (std::size_t row = 0; row <= kImageRow; ++row) EXPECT_EQ(FileOf(reader, row), contents.files[row].data);
-    char name[sizeof("system.")];
-    const UniqueText image(static_cast<char*>(
-        GetFileFromReadHeadByFileDesc(&reader->head.files[kImageRow], reader.get(), sizeof(name), &size, name)));
-    EXPECT_STREQ(name, "system.") << "cut to its room";
-    EXPECT_EQ(MainHeadCheck(0, reader.get()), kSuccess);
-  }
-}
 
 TEST_F(ReaderTest, RefusesWhatIsNoPackage) {
   constexpr std::size_t kOrderWord = offsetof(PackageMainHead, byte_order);

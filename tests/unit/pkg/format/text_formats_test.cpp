@@ -2,13 +2,9 @@
 #include <utility>
 #include <vector>
 
-#include "pkg/format/base64.h"
-#include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/line_reader.h"
-#include "pkg/format/package_format.h"
 #include "pkg/format/product_code.h"
 #include "tests/support/private_root.h"
-#include "tools/mkpkg/package_signer.h"
 
 namespace {
 
@@ -26,27 +22,6 @@ TEST(LineReader, EndsLinesAtLfCrAndBothTogether) {
     std::string found;
     while (const char* line = ReadBuffGets(reader.get())) found += std::string(line) + "|";
     EXPECT_EQ(found, lines) << text;
-  }
-}
-
-TEST(Base64, HasOneFormOnly) {
-  constexpr std::pair<const char*, const char*> kGood[] = {
-      {"", ""}, {"TWFu", "Man"}, {"TWE=", "Ma"}, {"TQ==", "M"}, {"TWFuTWFu", "ManMan"}, {"+/+/", "\xFB\xFF\xBF"}};
-  std::uint8_t out[9];
-  for (const auto& [text, bytes] : kGood)
-    EXPECT_EQ(std::string(out, out + DecodeBase64(text, out).value_or(0)), bytes) << text;
-  for (const char* bad : {"T===", "====", "TQ==TWFu", "TW=u", "TWF", "TWFuT", "TW u", " TWF", "TWF\n", "TWF-", "TWF_",
-                          "    TWFu", "TWFu    ", "TW\tF", "TWFuTWFuTWFuTWFu" /* no room */})
-    EXPECT_FALSE(DecodeBase64(bad, out)) << bad;
-}
-
-TEST(Trailer, SignatureHasARoomThatIsKeptTo) {
-  for (const auto& [digits, length] : {std::pair(kMostSignatureText, 1536U), {kMostSignatureText + 4, 0U}}) {
-    const std::string trailer = mkpkg::Trailer({.key_name = "k"}, std::string(digits / 4 * 3, '\0'));
-    std::uint8_t signature[kHeadSignatureRoom];
-    std::uint32_t found = 0;
-    EXPECT_EQ(PKG_GetCSS_Signture(trailer.c_str(), signature, &found) == 0, length != 0) << digits;
-    EXPECT_EQ(found, length) << digits;
   }
 }
 
