@@ -1,8 +1,5 @@
 #include "tests/device/operator_console.h"
 
-#include <poll.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdlib>
 #include <thread>
@@ -13,7 +10,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr char kDeviceVariable[] = "ESH_TEST_DEVICE";
 constexpr std::string_view kPrompts[] = {"<boot>", "[boot]", "[boot-m-eth0]"};
 
 bool EndsInPrompt(std::string_view text) {
@@ -22,9 +18,8 @@ bool EndsInPrompt(std::string_view text) {
   return false;
 }
 
-/// @return "native" unless the environment names another device.
 std::string DeviceName() {
-  const char* name = std::getenv(kDeviceVariable);
+  const char* name = std::getenv("ESH_TEST_DEVICE");
   return name == nullptr ? "native" : name;
 }
 
@@ -43,17 +38,10 @@ device::BootOptions OperatorConsole::board_options_;
 
 bool OperatorConsole::IsArm64() { return DeviceName() == "arm64"; }
 
-void OperatorConsole::SetUp() {
-  ASSERT_TRUE(IsArm64() || DeviceName() == "native") << kDeviceVariable << "=" << DeviceName();
-  RecordProperty("device", DeviceName());
-}
+void OperatorConsole::SetUp() { ASSERT_TRUE(IsArm64() || DeviceName() == "native") << DeviceName(); }
 
 void OperatorConsole::TearDown() {
-  if (HasFailure() && !printed_.empty()) {
-    GTEST_MESSAGE_AT_(__FILE__, __LINE__,
-                      ("on the " + DeviceName() + " device, whose console says:\n" + printed_).c_str(),
-                      testing::TestPartResult::kNonFatalFailure);
-  }
+  if (HasFailure()) ADD_FAILURE() << "on the " << DeviceName() << " device, whose console says:\n" << printed_;
   if (HasFailure() || !others_may_use_) board_.reset();
 }
 

@@ -70,15 +70,9 @@ TEST_F(NativeStartUp, WithoutIpStackHasNoInterfaceViewAndLoadsNoModuleTwice) {
   EXPECT_NE(Command("interface m-eth0").find("Unrecognized command"), std::string::npos);
 }
 
-struct Failure {
-  const char* why;
-  const char* path;
-  std::optional<std::string> text;
-  bool tools_run;  // without a terminal of its own the shell cannot start any, and yet must reboot
-};
-
 TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
-  const Failure kFailures[] = {
+  // Without a terminal of its own the shell cannot start any tools, and yet must reboot.
+  const std::tuple<const char*, const char*, std::optional<std::string>, bool> kFailures[] = {
       {"no console named", "/etc/pkg/esh/ttyname.conf", std::nullopt, false},
       {"nothing in the console's file", "/etc/pkg/esh/ttyname.conf", " \n", false},
       {"no console at all", "/etc/pkg/esh/ttyname.conf", "/dev/null\n", false},
@@ -88,16 +82,16 @@ TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
   };
   RecordReboot();
   const std::vector<device::FileText> usual = options.files;
-  for (const Failure& failure : kFailures) {
-    SCOPED_TRACE(failure.why);
+  for (const auto& [why, path, text, tools_run] : kFailures) {
+    SCOPED_TRACE(why);
     options.files = usual;
-    options.files.push_back({failure.path, failure.text});
+    options.files.push_back({path, text});
     NewDevice();
     Boot();
     EXPECT_NE(Outcome(), device::Outcome::kRunning);
     EXPECT_EQ(Run("cat /tmp/switch"), "0\n");
     EXPECT_EQ(Run("grep -c ^reboot /tmp/calls"), "1\n");
-    EXPECT_EQ(Calls().find("ifconfig m-eth0 up") != std::string::npos, failure.tools_run) << "a later step counts too";
+    EXPECT_EQ(Calls().find("ifconfig m-eth0 up") != std::string::npos, tools_run) << "a later step counts too";
     EXPECT_EQ(Printed(), "");
   }
 }

@@ -6,6 +6,7 @@ import os
 import re
 import struct
 import subprocess
+from pathlib import Path
 
 from independent_judge import HEAD, HEAD_KEY, HOST_ORDER, TRAILER_FORMAT, crc16
 
@@ -33,16 +34,6 @@ SIX_DIGITS = b"######"  # where a trailer's line has its length
 
 def run(*command):
     return subprocess.run(command, check=True, capture_output=True).stdout
-
-
-def read(path):
-    with open(path, "rb") as file:
-        return file.read()
-
-
-def write(path, content):
-    with open(path, "wb") as file:
-        file.write(content)
 
 
 class KeyPair:
@@ -147,16 +138,16 @@ class Maker:
 
     def build(self, mkpkg, order):
         source, target = (os.path.join(self.directory, order + end) for end in (".pkg", ".bin"))
-        write(source, (DESCRIPTION % order).encode())
+        Path(source).write_text(DESCRIPTION % order)
         run(mkpkg, "build", source, target)
-        return put(read(target), 3104, TRAILER_FORMAT)
+        return put(Path(target).read_bytes(), 3104, TRAILER_FORMAT)
 
     def signed_with_tool(self, mkpkg):
         """The package signed by the tool, whose form must be what this maker's own is."""
         target = os.path.join(self.directory, "tool.bin")
-        write(target, self.body)
+        Path(target).write_bytes(self.body)
         run(mkpkg, "sign", "--key-name=maker", "--private-key=" + self.pair.pem, target)
-        return read(target)
+        return Path(target).read_bytes()
 
     def make_keys(self):
         n, e = self.pair.modulus, self.pair.exponent
@@ -182,6 +173,6 @@ class Maker:
         os.mkdir(self.key_directory)
         good = self.keys[b"maker"]
         for name, key in {**self.keys, b"../outside": good, b".hidden": good}.items():
-            write(os.path.join(self.key_directory, name.decode() + ".key"), key)
+            Path(self.key_directory, name.decode() + ".key").write_bytes(key)
         os.symlink("maker.key", os.path.join(self.key_directory, "link.key"))
         os.mkdir(os.path.join(self.key_directory, "directory.key"))

@@ -1,5 +1,3 @@
-#include <openssl/evp.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -11,8 +9,8 @@
 #include "util/unique_handle.h"
 
 /// Answers for the device: for each package whose path is a line of standard input one line with the verdict, followed
-/// for a good package by what the device hands out of each file in the table: the digest of its name, a NUL and its
-/// data, or "-".
+/// for a good package by what the device hands out of each file in the table: its name, a NUL and its data in
+/// hexadecimal, or "-".
 ///   forgery_judge PRODUCT-TAG KEY-DIRECTORY
 
 namespace {
@@ -20,24 +18,17 @@ namespace {
 constexpr std::size_t kNameRoom = 256;
 constexpr std::size_t kLineRoom = 4096;
 
-/// @return false for a file that gives no data.
-bool PrintDigest(PKG_READER_S* reader, const PackageFileEntry& file) {
+void PrintFile(PKG_READER_S* reader, const PackageFileEntry& file) {
   std::uint32_t size = 0;
   char name[kNameRoom] = "";
   const UniqueText data(static_cast<char*>(GetFileFromReadHeadByFileDesc(&file, reader, sizeof(name), &size, name)));
-  if (data == nullptr) return false;
-  const std::string named = std::string(name) + '\0' + std::string(data.get(), size);
-  unsigned char digest[EVP_MAX_MD_SIZE];
-  unsigned length = 0;
-  if (EVP_Digest(named.data(), named.size(), digest, &length, EVP_sha256(), nullptr) != 1) std::abort();
-  std::printf(" ");
-  for (unsigned i = 0; i < length; ++i) std::printf("%02x", digest[i]);
-  return true;
+  const std::string named = data == nullptr ? "" : std::string(name) + '\0' + std::string(data.get(), size);
+  std::printf(data == nullptr ? " -" : " ");
+  for (const char byte : named) std::printf("%02x", static_cast<unsigned char>(byte));
 }
 
 void PrintFiles(PKG_READER_S* reader) {
-  for (std::uint32_t i = 0; i < reader->head.file_count; ++i)
-    if (!PrintDigest(reader, reader->head.files[i])) std::printf(" -");
+  for (std::uint32_t i = 0; i < reader->head.file_count; ++i) PrintFile(reader, reader->head.files[i]);
 }
 
 void Judge(const char* path, std::uint32_t product_tag, const char* key_directory) {

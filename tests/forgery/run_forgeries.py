@@ -11,10 +11,11 @@ import os
 import subprocess
 import sys
 import tempfile
+from pathlib import Path
 
 import forgeries
 import independent_judge
-from maker import PRODUCT_TAG, Maker, write
+from maker import PRODUCT_TAG, Maker
 
 MAX_REPORTED = 20
 
@@ -29,7 +30,7 @@ class DeviceJudge:
 
     def judge(self, package):
         """Its verdict, and what it hands out of each file of a good package; None of any other."""
-        write(self.path, package)
+        Path(self.path).write_bytes(package)
         print(self.path, file=self.process.stdin, flush=True)
         answer = self.process.stdout.readline().split()
         if not answer:
