@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "bench/booted_shell.h"
+#include "bench/console_output.h"
 #include "bench/measure.h"
 #include "tests/support/console.h"
 
@@ -57,18 +58,18 @@ void RunDd() {
   Require(child > 0 && waitpid(child, &status, 0) == child && status == 0, "dd fails");
 }
 
-double MillisOfCopy(const Console& console) {
+double MillisOfCopy(Console& console) {
   console.Type("copy source copy\r");
-  Require(console.ReadUntil("[Y/N]:").ends_with("[Y/N]:"), "copy does not ask");
+  (void)ReadUntilOneOf(console, {"[Y/N]:"});
   return Millis([&] {
     console.Type("y\r");
-    const std::string said = console.ReadUntilOneOf({kPrompt});
+    const std::string said = ReadUntilOneOf(console, {kPrompt});
     Require(said.find("Done.") != std::string::npos, "copy fails");
   });
 }
 
 /// Ours and the peer take turns, so that a change of the machine's pace meets both.
-void MeasureCopy(const Console& console) {
+void MeasureCopy(Console& console) {
   std::vector<double> ours;
   std::vector<double> peer;
   std::ofstream(kSource, std::ios::binary) << std::string(kCopied, 's');
@@ -84,10 +85,10 @@ void MeasureCopy(const Console& console) {
 }
 
 /// Answers every More at once. @return how much was shown.
-std::size_t PageThrough(const Console& console, std::string_view more, std::string_view end) {
+std::size_t PageThrough(Console& console, std::string_view more, std::string_view end) {
   std::size_t shown = 0;
   for (;;) {
-    const std::string screen = console.ReadUntilOneOf({more, end});
+    const std::string screen = ReadUntilOneOf(console, {more, end});
     shown += screen.size();
     if (!screen.ends_with(more)) {
       Require(screen.ends_with(end), "a text does not end");
@@ -97,7 +98,7 @@ std::size_t PageThrough(const Console& console, std::string_view more, std::stri
   }
 }
 
-double MillisOfMore(const Console& console, const std::string& name, std::size_t bytes) {
+double MillisOfMore(Console& console, const std::string& name, std::size_t bytes) {
   return Millis([&] {
     console.Type("more " + name + "\r");
     Require(PageThrough(console, kMore, kPrompt) > bytes, "more does not show all");
@@ -106,16 +107,14 @@ double MillisOfMore(const Console& console, const std::string& name, std::size_t
 
 double MillisOfPeersMore(const std::string& name, std::size_t bytes) {
   return Millis([&] {
-    const Console console(
-        {},
-        [&](const Console::Report&) {
-          Execute({"/bin/busybox", "sh", "-c", "/bin/busybox more '/mnt/flash:/" + name + "'; echo -n " + kPeerEnd});
-        });
+    Console console([&] {
+      Execute({"/bin/busybox", "sh", "-c", "/bin/busybox more '/mnt/flash:/" + name + "'; echo -n " + kPeerEnd});
+    });
     Require(PageThrough(console, kPeerMore, kPeerEnd) > bytes, "the peer does not show all");
   });
 }
 
-void MeasureMore(const Console& console) {
+void MeasureMore(Console& console) {
   std::vector<double> ours;
   std::vector<double> large;
   std::vector<double> peer;
@@ -136,8 +135,8 @@ int main(int argc, char** argv) {
   Require(argc == 2, "usage: bench_files SHELL");
   const std::string shell = ShellOnDevice(argv[1]);
   PrepareDevice();
-  const Console console({}, [&](const Console::Report&) { BecomeShell({shell}); });
-  Require(console.ReadUntil(kPrompt).ends_with(kPrompt), "the shell shows no prompt");
+  Console console([&] { BecomeShell({shell}); });
+  (void)ReadUntilOneOf(console, {kPrompt});
   MeasureCopy(console);
   MeasureMore(console);
   EndFamily(console.Child());
