@@ -4,10 +4,10 @@
 #include <cstdint>
 
 /// The handlers of "dir", "dir /all", "dir <name>" and "dir /all <name>".
-std::uint32_t ESH_ProcDir();
-std::uint32_t ESH_ProcDirAll();
-std::uint32_t ESH_ProcDirFile();
-std::uint32_t ESH_ProcDirAllFile();
+std::uint32_t ESH_ProcDir();         ///< "dir"
+std::uint32_t ESH_ProcDirAll();      ///< "dir /all"
+std::uint32_t ESH_ProcDirFile();     ///< "dir <name>"
+std::uint32_t ESH_ProcDirAllFile();  ///< "dir /all <name>"
 
 /// Lists the working directory and its medium's space.
 /// @param all whether hidden entries are included.

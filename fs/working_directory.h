@@ -17,7 +17,9 @@
 /// Puts the working directory back when it goes out of scope, also one that has been removed meanwhile.
 class WorkingDirectoryKept {
  public:
+  /// Holds the present one open, so that it can be found again under any name.
   WorkingDirectoryKept();
+  /// Stays where the process is when there is no way back.
   ~WorkingDirectoryKept();
   WorkingDirectoryKept(const WorkingDirectoryKept&) = delete;
   WorkingDirectoryKept& operator=(const WorkingDirectoryKept&) = delete;

@@ -11,8 +11,8 @@ std::uint32_t ESH_ProcIPv6Gateway();
 
 /// Remove a default gateway, if one is saved. It stays saved when the tool fails.
 /// @return the result of the tool, 0 when none was needed.
-std::uint32_t ESH_DeleteIPv4Gateway();
-std::uint32_t ESH_DeleteIPv6Gateway();
+std::uint32_t ESH_DeleteIPv4Gateway();  ///< g_szMth0IPv4Gateway
+std::uint32_t ESH_DeleteIPv6Gateway();  ///< g_szMth0IPv6Gateway
 
 std::uint32_t ESH_ProcUndoIPGateway();    ///< "undo ip gateway"
 std::uint32_t ESH_ProcUndoIPv6Gateway();  ///< "undo ipv6 gateway"

@@ -27,12 +27,15 @@ extern char g_szMth0IPv6Add[46];
 extern char g_szMth0IPv6Per[5];
 extern char g_szMth0IPv6Gateway[46];
 
+/// Whether settings are only saved for now.
 [[nodiscard]] inline bool IsPortShut() { return g_enMethStatus == ESH_METH_SHUT; }
+/// Whether one of the texts above is set.
 [[nodiscard]] inline bool IsSaved(const char* setting) { return setting[0] != '\0'; }
 
+/// Note a setting or that there is none; no tool runs. Texts are cut to their room.
 void SaveIPv4Address(const char* address, const char* mask);
-void SaveIPv6Address(const char* address, const char* prefix_length);
-void ForgetIPv4Address();
-void ForgetIPv6Address();
-void ForgetIPv4Gateway();
-void ForgetIPv6Gateway();
+void SaveIPv6Address(const char* address, const char* prefix_length);  ///< the length has no "/"
+void ForgetIPv4Address();                                              ///< and its mask
+void ForgetIPv6Address();                                              ///< and its prefix length
+void ForgetIPv4Gateway();                                              ///< the address stays
+void ForgetIPv6Gateway();                                              ///< the address stays

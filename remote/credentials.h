@@ -20,5 +20,6 @@ class PasswordForgotten {
   PasswordForgotten() = default;
   PasswordForgotten(const PasswordForgotten&) = delete;
   PasswordForgotten& operator=(const PasswordForgotten&) = delete;
+  /// Zeroes all of g_szPassword.
   ~PasswordForgotten();
 };

@@ -6,6 +6,6 @@
 void ESH_ChangeView_Init();
 
 /// The handlers of these commands; all return 0.
-std::uint32_t ESH_ProcSysView();
-std::uint32_t ESH_ProcMthView();
-std::uint32_t ESH_ProcQuit();
+std::uint32_t ESH_ProcSysView();  ///< to the system view, with a message
+std::uint32_t ESH_ProcMthView();  ///< to the management port's view
+std::uint32_t ESH_ProcQuit();     ///< to the view from which this one is entered

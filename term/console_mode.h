@@ -25,7 +25,9 @@ void ESH_LINE_MaskSpecKey();
 /// console without line ends behind. Speed and flow control stay as a tool has set them: the mount script may.
 class ConsoleKept {
  public:
+  /// Notes the settings as they are now.
   ConsoleKept();
+  /// Does nothing when they could not be read.
   void PutBack() const;
 
  private:

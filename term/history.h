@@ -35,5 +35,5 @@ void ESH_HIS_Add(const char* line);
 /// Recall the next older or newer line into `buffer`; past the newest the buffer becomes empty.
 /// @param room size of `buffer` in bytes.
 /// @return 1 when the buffer was written, 0 when there is nothing to recall in that direction.
-[[nodiscard]] std::uint16_t ESH_HIS_ArrowUp(std::uint64_t room, char* buffer);
-[[nodiscard]] std::uint16_t ESH_HIS_ArrowDown(std::uint64_t room, char* buffer);
+[[nodiscard]] std::uint16_t ESH_HIS_ArrowUp(std::uint64_t room, char* buffer);    ///< older
+[[nodiscard]] std::uint16_t ESH_HIS_ArrowDown(std::uint64_t room, char* buffer);  ///< newer

@@ -31,4 +31,5 @@ void ESH_LINE_SetCmdString();
 
 /// Sets the prompt, cut to 31 characters; prints nothing.
 void ESH_SetPrompt(const char* prompt);
+/// The prompt that is set; valid until the next ESH_SetPrompt.
 [[nodiscard]] const char* ESH_GetPrompt();

@@ -12,8 +12,8 @@ void SetUpTerminal();
 
 /// Screen width in columns and height in lines. A terminal that tells none gives a number so large that no line
 /// ever wraps.
-[[nodiscard]] std::uint64_t ESH_TERM_GetScrCols();
-[[nodiscard]] std::uint64_t ESH_TERM_GetScrLines();
+[[nodiscard]] std::uint64_t ESH_TERM_GetScrCols();   ///< columns
+[[nodiscard]] std::uint64_t ESH_TERM_GetScrLines();  ///< lines
 
 /// Pushes out what was written. @return the answer of fflush(3).
 int ESH_TERM_OFlush();
@@ -22,18 +22,21 @@ int ESH_TERM_OFlush();
 /// it says anything, and must not look as if the key had not been heard.
 void EndTypedLine();
 
+/// Erase from the cursor to an end of its line; the cursor stays.
 void ESH_TERM_Erase2LineEnd();
-void ESH_TERM_Erase2LineBegin();
+void ESH_TERM_Erase2LineBegin();  ///< the cursor's place included
 /// Erases the cursor's line; the cursor stays.
 void ESH_TERM_EraseLine();
+/// Erases from the cursor to the end of the screen; the cursor stays.
 void ESH_TERM_Erase2ScrEnd();
 /// Clears the screen and puts the cursor home.
 void ESH_TERM_EraseScreen();
+/// Rings.
 void ESH_TERM_Bell();
 
 /// Move the cursor by `count` columns or rows. A terminal with the counted capability gets it for every count, 0
 /// included.
-void ESH_TERM_CursorBack(std::uint64_t count);
-void ESH_TERM_CursorForward(std::uint64_t count);
-void ESH_TERM_CursorUp(std::uint64_t count);
-void ESH_TERM_CursorDown(std::uint64_t count);
+void ESH_TERM_CursorBack(std::uint64_t count);     ///< stops at the left edge
+void ESH_TERM_CursorForward(std::uint64_t count);  ///< stops at the right edge
+void ESH_TERM_CursorUp(std::uint64_t count);       ///< stops at the top
+void ESH_TERM_CursorDown(std::uint64_t count);     ///< stops at the bottom, without scrolling

@@ -28,13 +28,17 @@ class TextBuilder {
   void AppendText(std::string_view text);
   /// Appends one character `count` times, cut likewise.
   void AppendRepeated(char character, std::size_t count);
+  /// Empties the text; nothing counts as cut then.
   void Clear() { CutTo(0); }
   /// Drops what stands behind the first `length` characters, of which there must be so many; nothing counts as cut
   /// then.
   void CutTo(std::size_t length);
 
+  /// Whether anything was cut since the text was emptied or shortened.
   [[nodiscard]] bool Truncated() const { return truncated_; }
+  /// In characters, without the terminator.
   [[nodiscard]] std::size_t Length() const { return length_; }
+  /// The terminated text, here and below; it lives as long as this object.
   [[nodiscard]] char* Text() { return buffer_; }
   [[nodiscard]] const char* Text() const { return buffer_; }
   [[nodiscard]] std::string_view View() const { return {buffer_, length_}; }
@@ -54,6 +58,7 @@ class TextBuilder {
 template <std::size_t kRoom>
 class FixedText final : public TextBuilder {
  public:
+  /// An empty text.
   FixedText() : TextBuilder(storage_, kRoom) { Clear(); }
 
  private:

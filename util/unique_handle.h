@@ -12,7 +12,9 @@
 class UniqueFd {
  public:
   UniqueFd() = default;
+  /// Takes a descriptor over.
   explicit UniqueFd(int fd) : fd_(fd) {}
+  /// Takes over what the other owns.
   UniqueFd(UniqueFd&& other) noexcept : fd_(other.Release()) {}
   UniqueFd& operator=(UniqueFd&& other) noexcept {
     Reset(other.Release());
@@ -20,12 +22,15 @@ class UniqueFd {
   }
   UniqueFd(const UniqueFd&) = delete;
   UniqueFd& operator=(const UniqueFd&) = delete;
+  /// Closes silently: whoever wrote and must know whether it arrived releases and closes.
   ~UniqueFd() { Reset(); }
 
+  /// The descriptor, still owned; -1 for none.
   [[nodiscard]] int Get() const { return fd_; }
   explicit operator bool() const { return fd_ >= 0; }
   /// Gives the descriptor to the caller, who closes it.
   [[nodiscard]] int Release() { return std::exchange(fd_, -1); }
+  /// Closes what is owned and takes `fd` over.
   void Reset(int fd = -1) {
     if (fd_ >= 0) close(fd_);
     fd_ = fd;

@@ -43,6 +43,7 @@ class Channel {
   static constexpr std::size_t kMaxDescriptors = 4;
 
   Channel() = default;
+  /// @param socket one of a pair; see MakePair.
   explicit Channel(UniqueFd socket) : socket_(std::move(socket)) {}
 
   /// Makes a connected pair of sockets, both closed on exec.
@@ -56,7 +57,9 @@ class Channel {
   /// @return nullopt when none came in time or the other end is gone; see Closed.
   std::optional<Message> Receive(int milliseconds);
 
+  /// Whether the other end is known to be gone.
   [[nodiscard]] bool Closed() const { return closed_; }
+  /// Readable when a message waits or the other end is gone.
   [[nodiscard]] int Descriptor() const { return socket_.Get(); }
   /// Ends the conversation for both ends, whoever else holds a copy of the socket.
   void Shutdown();

@@ -14,6 +14,7 @@ namespace device {
 /// device, and boots it again when it reboots.
 class ConsoleSession {
  public:
+  /// Both must outlive the session.
   ConsoleSession(Device& device, SessionSignals& signals) : device_(device), signals_(signals) {}
 
   /// Waits until something happened, at most `time`, and does what is due.

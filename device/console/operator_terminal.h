@@ -8,7 +8,9 @@ namespace device {
 /// new window size (SIGWINCH). They are held back from their making on, and only reach Take.
 class SessionSignals {
  public:
+  /// Holds them back. SIGTTOU and SIGPIPE are ignored from here on.
   SessionSignals();
+  /// Those that nobody took stay held back.
   ~SessionSignals();
   SessionSignals(const SessionSignals&) = delete;
   SessionSignals& operator=(const SessionSignals&) = delete;
@@ -33,7 +35,9 @@ WindowSize OperatorWindow();
 /// Puts the operator's terminal, on standard input, into raw mode and puts its modes back at the end.
 class RawTerminal {
  public:
+  /// Does nothing when standard input is no terminal.
   RawTerminal();
+  /// Puts back the modes that were found.
   ~RawTerminal();
   RawTerminal(const RawTerminal&) = delete;
   RawTerminal& operator=(const RawTerminal&) = delete;

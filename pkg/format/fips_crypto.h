@@ -17,16 +17,20 @@ struct FIPS_MD_CTX {
   evp_md_ctx_st* context;
 };
 
+/// SHA-256; NULL when libcrypto cannot be set up.
 [[nodiscard]] const evp_md_st* FIPS_evp_sha256();
 
 /// Prepares a context, for FIPS_md_ctx_cleanup on every path.
 void FIPS_md_ctx_init(FIPS_MD_CTX* ctx);
+/// Starts a digest, also anew.
 [[nodiscard]] int FIPS_digestinit(FIPS_MD_CTX* ctx, const evp_md_st* method);
+/// Takes `length` bytes into a started digest.
 [[nodiscard]] int FIPS_digestupdate(FIPS_MD_CTX* ctx, const void* data, std::size_t length);
 /// @param length receives the digest's length in bytes.
 [[nodiscard]] int FIPS_digestfinal(FIPS_MD_CTX* ctx, unsigned char* digest, unsigned* length);
 /// Makes `to`, a prepared context, go on from where `from` stands.
 [[nodiscard]] int FIPS_md_ctx_copy(FIPS_MD_CTX* to, const FIPS_MD_CTX* from);
+/// Frees what the context holds; a second call does nothing.
 void FIPS_md_ctx_cleanup(FIPS_MD_CTX* ctx);
 
 struct BigNumberFreer {
@@ -40,6 +44,7 @@ using UniqueBigNumber = std::unique_ptr<bignum_st, BigNumberFreer>;
 
 /// Whether a number is neither 0, 1 nor even.
 [[nodiscard]] bool IsOddAboveOne(const bignum_st* number);
+/// Whether a number is less than `bound`.
 [[nodiscard]] bool IsBelow(const bignum_st* number, std::uint32_t bound);
 
 struct RsaKeyFreer {

@@ -18,6 +18,7 @@ class PackageSeal {
   PackageSeal() = default;
   PackageSeal(const PackageSeal&) = delete;
   PackageSeal& operator=(const PackageSeal&) = delete;
+  /// Frees the digests that were kept.
   ~PackageSeal();
 
   /// Adds a border of a later piece, before the package is digested. Borders in excess are left out.

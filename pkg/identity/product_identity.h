@@ -29,10 +29,10 @@ std::uint32_t GetDefaultInfo(const char* key, char* value);
 
 /// The getters fill room for kIdentityRoom bytes; what is not known is empty.
 
-void ESH_GetOemCorp(std::uint32_t* out);
-void ESH_GetCorpName(char* name);
-void ESH_GetProductName(char* name);
-void ESH_GetSoftwareName(char* name);
+void ESH_GetOemCorp(std::uint32_t* out);  ///< the number of the corporation that sells it
+void ESH_GetCorpName(char* name);         ///< its name
+void ESH_GetProductName(char* name);      ///< the device
+void ESH_GetSoftwareName(char* name);     ///< the full operating system
 /// The software name that the corporation file gives.
 void GetSoftwareNameWithFile(char* name);
 /// With the year in which the boot image was built.

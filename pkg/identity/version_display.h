@@ -9,5 +9,5 @@ void ESH_DVER_DisplayVersion();
 void DisplayPkgInfoForDver();
 
 /// Handlers of "display version" and "display copyright". @return 0.
-std::uint32_t ESH_ProcDisVersion();
-std::uint32_t ESH_ProcDisCopyright();
+std::uint32_t ESH_ProcDisVersion();    ///< "display version"
+std::uint32_t ESH_ProcDisCopyright();  ///< "display copyright"

@@ -29,8 +29,12 @@ struct CommandRow {
   CommandWord words[kMaxWords + 1];
 };
 
+/// A keyword. The texts are not copied.
 constexpr CommandWord Word(const char* text, const char* help) { return {.text = text, .help = help}; }
 
+/// A parameter, whose word `record` stores when the command runs.
+/// @param check       refuses a word by 0; NULL: its type alone decides.
+/// @param list_values adds what could stand there to a help list; NULL: the placeholder is shown.
 constexpr CommandWord Param(ESH_ELEM_TYPE_E type, const char* placeholder, const char* help, ESH_CMD_RECORD_F record,
                             ESH_CMD_CHECK_F check = nullptr, ESH_CMD_HELP_F list_values = nullptr) {
   return {
@@ -52,6 +56,7 @@ constexpr bool WellFormed(const CommandWord& word) {
   return true;
 }
 
+/// Whether a command is valid in some view and has words, all of them well formed, with an empty one behind them.
 constexpr bool WellFormed(const CommandRow& row) {
   if (row.views == 0 || row.views > kAllViews || row.words[0].text == nullptr || row.words[kMaxWords].text != nullptr)
     return false;
@@ -60,6 +65,7 @@ constexpr bool WellFormed(const CommandRow& row) {
   return true;
 }
 
+/// Whether every command of a table is: a static_assert beside the table asks it.
 template <std::size_t kRows>
 constexpr bool WellFormed(const CommandRow (&rows)[kRows]) {
   for (const CommandRow& row : rows)

@@ -42,18 +42,18 @@ extern char g_szPkgFlie[128];  ///< "Flie" is the name
 /// The record functions empty their buffer and store the word, cut to the buffer's bound. They return 0; those that
 /// convert return ESH_ERR_FAIL for a word that does not convert and leave the buffer empty.
 
-std::uint32_t ESH_RecordIPv4(const char* word);      ///< canonical dotted form
-std::uint32_t ESH_RecordIPv4Mask(const char* word);  ///< canonical dotted form
-std::uint32_t ESH_RecordIPv6(const char* word);      ///< canonical text form (RFC 5952, as inet_ntop(3) writes it)
-std::uint32_t ESH_RecordIPv4MaskLen(const char* word);
-std::uint32_t ESH_RecordIPv6PreLen(const char* word);
-std::uint32_t ESH_RecordUserName(const char* word);
-std::uint32_t ESH_RecordPassword(const char* word);
-std::uint32_t ESH_RecordLocalFile(const char* word);
-std::uint32_t ESH_RecordRemoteFile(const char* word);
-std::uint32_t ESH_RecordSourceFile(const char* word);
-std::uint32_t ESH_RecordDestFile(const char* word);
-std::uint32_t ESH_RecordCount(const char* word);
-std::uint32_t ESH_RecordSize(const char* word);
-std::uint32_t ESH_RecordDiskName(const char* word);
-std::uint32_t ESH_RecordPkgFile(const char* word);
+std::uint32_t ESH_RecordIPv4(const char* word);         ///< canonical dotted form
+std::uint32_t ESH_RecordIPv4Mask(const char* word);     ///< canonical dotted form
+std::uint32_t ESH_RecordIPv6(const char* word);         ///< canonical text form (RFC 5952, as inet_ntop(3) writes it)
+std::uint32_t ESH_RecordIPv4MaskLen(const char* word);  ///< its number, at most 3 characters
+std::uint32_t ESH_RecordIPv6PreLen(const char* word);   ///< its number, at most 4 characters
+std::uint32_t ESH_RecordUserName(const char* word);     ///< as typed, like all below
+std::uint32_t ESH_RecordPassword(const char* word);     ///< nothing stays of a longer one before
+std::uint32_t ESH_RecordLocalFile(const char* word);    ///< a name on this device
+std::uint32_t ESH_RecordRemoteFile(const char* word);   ///< a name on the other host
+std::uint32_t ESH_RecordSourceFile(const char* word);   ///< what a file command works on
+std::uint32_t ESH_RecordDestFile(const char* word);     ///< what it makes
+std::uint32_t ESH_RecordCount(const char* word);        ///< at most 10 characters
+std::uint32_t ESH_RecordSize(const char* word);         ///< at most 10 characters; bytes
+std::uint32_t ESH_RecordDiskName(const char* word);     ///< a medium
+std::uint32_t ESH_RecordPkgFile(const char* word);      ///< a package

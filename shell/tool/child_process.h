@@ -47,6 +47,7 @@ using ToolLine = FixedText<kToolLineRoom>;
 /// not run: half a line would be another command.
 /// @return 0 when the tool exited with status 0, otherwise ESH_ERR_FAIL.
 std::uint32_t RunTool(const char* line);
+/// The same for a line that was built.
 std::uint32_t RunTool(const ToolLine& line);
 
 /// Likewise, but Ctrl+C ends the tool.

@@ -27,6 +27,7 @@ struct Exchange {
 /// before has left. A test whose device is of no use to others boots one of its own.
 class OperatorConsole : public testing::Test, public ConsoleEnd {
  public:
+  /// Ends the suite's device.
   static void TearDownTestSuite() { board_.reset(); }
 
  protected:

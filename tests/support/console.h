@@ -48,13 +48,16 @@ class ConsoleEnd {
 /// process that runs the code under test. The child ends with the Console.
 class Console : public ConsoleEnd {
  public:
+  /// @param body what the child runs, on 24 rows of 80 columns under TERM=xterm.
   explicit Console(const std::function<void()>& body);
+  /// Kills the child and waits for its end.
   ~Console() override;
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
   /// All that the child writes until it ends.
   [[nodiscard]] std::string ReadToEnd();
+  /// Its process ID, also when it has ended.
   [[nodiscard]] pid_t Child() const { return child_; }
   [[nodiscard]] int ConsoleFd() const override { return keyboard_.Get(); }
 

@@ -14,6 +14,7 @@ inline constexpr char kTestPackage[] = "/mnt/flash:/good.bin";
 /// A device that knows what it is and has the keys of one maker: "maker" (514 bytes), "prefixed" (516 bytes) and the
 /// one for signatures in the head; and packages for it.
 struct PackageTest : PrivateRootTest {
+  /// Makes the device's files and keys.
   void SetUp() override;
 
   /// The maker's private key; a new one in each process.
@@ -22,6 +23,7 @@ struct PackageTest : PrivateRootTest {
   static mkpkg::PackageContents Contents();
   /// An unsigned package.
   static std::string Compose(const mkpkg::PackageContents& contents);
+  /// Signs with the maker's key. Fails the test when it cannot.
   static std::string Sign(std::string package, const mkpkg::SignatureForm& form);
   /// Contents(), signed with a trailer that names "maker", or in the head.
   static std::string GoodPackage(bool in_head = false);

@@ -14,6 +14,7 @@
 /// Base of the fixtures that need files at the system's own places. Without a root of the test's own nothing else of a
 /// fixture runs: it would work on the machine's.
 struct PrivateRootTest : testing::Test {
+  /// Enters the root; fails the test, or skips it where nobody may make namespaces.
   PrivateRootTest();
 };
 

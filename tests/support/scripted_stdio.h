@@ -9,7 +9,9 @@
 /// the end of the input; what is written is kept. Neither is a terminal.
 class ScriptedStdio {
  public:
+  /// Puts the two in place.
   explicit ScriptedStdio(std::string_view keys = {});
+  /// Gives the process its own back.
   ~ScriptedStdio();
   ScriptedStdio(const ScriptedStdio&) = delete;
   ScriptedStdio& operator=(const ScriptedStdio&) = delete;

@@ -15,7 +15,9 @@ struct TestCallbacks {
 /// A view with commands of the test's own; it is the current one while it lives.
 class TestView {
  public:
+  /// @param commands as for Add.
   explicit TestView(const char* prompt, std::initializer_list<const char*> commands = {});
+  /// Frees the view with its commands and makes the one before current.
   ~TestView();
   TestView(const TestView&) = delete;
   TestView& operator=(const TestView&) = delete;

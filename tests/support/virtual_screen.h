@@ -16,8 +16,10 @@ class VirtualScreen {
     bool operator==(const Place&) const = default;
   };
 
+  /// An empty screen, the cursor home.
   VirtualScreen(int rows, int columns);
 
+  /// Obeys these bytes; a sequence may be cut anywhere and go on in the next call.
   void Write(std::string_view bytes);
   /// Clears the screen and puts the cursor home.
   void Reset();
@@ -26,7 +28,9 @@ class VirtualScreen {
   [[nodiscard]] std::string Row(int row) const;
   /// All rows down to the last that is not empty, each followed by "\n".
   [[nodiscard]] std::string Text() const;
+  /// Counted from 0.
   [[nodiscard]] Place Cursor() const;
+  /// The screen's height.
   [[nodiscard]] int Rows() const { return rows_; }
 
  private:

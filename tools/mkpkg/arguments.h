@@ -20,9 +20,11 @@ class Arguments {
   /// @return an empty text, or one line that says what is wrong.
   [[nodiscard]] std::string Parse(std::span<char* const> words, std::span<const Option> options);
 
+  /// Whether the option was given, with or without a value.
   [[nodiscard]] bool Has(std::string_view name) const { return Find(name) != nullptr; }
   /// @return the option's value; what is given as `otherwise` without it.
   [[nodiscard]] std::string Value(std::string_view name, const std::string& otherwise = "") const;
+  /// What is no option, in order.
   [[nodiscard]] const std::vector<std::string>& Operands() const { return operands_; }
 
  private:

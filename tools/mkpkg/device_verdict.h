@@ -20,6 +20,7 @@ struct DeviceVerdict {
   std::string reason;
   std::string line;  ///< what the device prints then
 
+  /// Whether no step refuses.
   [[nodiscard]] bool Accepts() const { return step.empty(); }
 };
 

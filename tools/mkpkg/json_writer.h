@@ -11,11 +11,17 @@ class JsonWriter {
  public:
   /// Values stand in an object with their key, in an array with an empty one.
   void BeginObject(std::string_view key = {}) { Begin(key, '{'); }
+  /// Every Begin has its End.
   void EndObject() { End('}'); }
+  /// An array is always a member.
   void BeginArray(std::string_view key) { Begin(key, '['); }
+  /// Ends what BeginArray began.
   void EndArray() { End(']'); }
+  /// A string; it need not be escaped.
   void Text(std::string_view key, std::string_view value);
+  /// A number in decimal. Above 2^53 not every reader keeps it exact.
   void Number(std::string_view key, std::uint64_t value);
+  /// true or false.
   void Flag(std::string_view key, bool value);
 
   /// The text so far, with a line end.

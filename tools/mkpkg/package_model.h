@@ -30,6 +30,7 @@ struct PackageModel {
   std::string trailer;     ///< text of the signature trailer; "" when there is none
   std::vector<ContainedFile> files;
 
+  /// Whether the signature stands in the main head and not in a trailer.
   [[nodiscard]] bool IsSignedInHead() const { return head.signature_format != kTrailerSigned; }
   /// @return the first file of an ID, which is the one that a device takes; none when there is none.
   [[nodiscard]] const ContainedFile* Find(std::uint32_t id) const;

@@ -12,10 +12,12 @@ class Progress {
   /// @param work   what is done, such as "Compressing image.cpio.xz".
   /// @param total  the number of bytes to go through.
   Progress(std::string work, std::uint64_t total);
+  /// Removes the line from the screen.
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
+  /// Counts bytes that are done; the line changes when the percentage does.
   void Advance(std::uint64_t bytes);
 
  private:

@@ -10,6 +10,7 @@ namespace mkpkg {
 /// warnings.
 /// @param path  of the package.
 [[nodiscard]] std::string TextReport(const PackageModel& package, const std::string& path);
+/// The same as one JSON object.
 [[nodiscard]] std::string JsonReport(const PackageModel& package, const std::string& path);
 
 /// @return a text that is safe on a terminal: what is not printable is shown as "?".

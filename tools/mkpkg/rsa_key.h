@@ -25,16 +25,18 @@ using UniqueKey = std::unique_ptr<EVP_PKEY, KeyFreer>;
 /// @return an empty text, or one line that says what went wrong.
 [[nodiscard]] std::string GenerateKey(std::uint32_t exponent, UniqueKey& key);
 
-/// The private key as PEM (PKCS #8, not encrypted), the public key as PEM (SubjectPublicKeyInfo).
+/// The private key as PEM (PKCS #8, not encrypted).
 /// @return an empty text when there is no memory.
 [[nodiscard]] std::string PrivatePem(const UniqueKey& key);
+/// The public key as PEM (SubjectPublicKeyInfo).
+/// @return as above.
 [[nodiscard]] std::string PublicPem(const UniqueKey& key);
 
-/// Reads a private key; an encrypted one asks for its pass phrase on the terminal. ReadPublicKey takes a private key's
-/// PEM too.
+/// Reads a private key; an encrypted one asks for its pass phrase on the terminal.
 /// @param origin  what messages call the text.
 /// @return an empty text, or one line that says why this key cannot be used: no RSA key, not 2048 bits.
 [[nodiscard]] std::string ReadPrivateKey(const std::string& pem, const std::string& origin, UniqueKey& key);
+/// Reads a public key, or the public half of a private key's PEM; results as above.
 [[nodiscard]] std::string ReadPublicKey(const std::string& pem, const std::string& origin, UniqueKey& key);
 
 /// @return whether the public exponent is one that no signature should hang on.

@@ -10,6 +10,7 @@ struct VerdictText {
   const char* name;    ///< for scripts: lower case, words joined by hyphens
   const char* reason;  ///< for the package's maker
 };
+/// Every verdict has a text.
 [[nodiscard]] const VerdictText& TextOf(PackageVerdict verdict);
 
 }  // namespace mkpkg
