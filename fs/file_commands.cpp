@@ -29,7 +29,7 @@ constexpr CommandWord Destination(ESH_CMD_HELP_F list_values) {
 constexpr CommandWord kDir = Word("dir", "List files or folders");
 constexpr CommandWord kAll = Word("/all", "List all files on storage media");
 constexpr CommandWord kListed = FileName(kFileHelp, HelpDir, ESH_FS_CheckInvalidFileDir, ESH_RecordSourceFile);
-// "mkdir" records into the destination, "rmdir" into the source.
+// "mkdir" records into the destination, "rmdir" into the source: deliberately, the handlers read them there.
 constexpr CommandWord kNewDirectory =
     FileName(kDirectoryHelp, HelpMkdir, ESH_FS_CheckUserManipulatedFile, ESH_RecordDestFile);
 constexpr CommandWord kDrive =

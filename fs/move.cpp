@@ -18,9 +18,7 @@
 namespace {
 
 constexpr char kMoveQuestion[] = "Move %s to %s?[Y/N]:";
-constexpr char kToolFolder[] = "/bin/";
 constexpr char kTool[] = "/bin/mv";
-constexpr char kMoveLine[] = "%smv %s %s";
 
 using TargetName = FixedText<kNameRoom + kComponentRoom>;
 
@@ -62,7 +60,7 @@ bool CanRun(const ToolLine& line) { return !line.Truncated() && access(kTool, X_
 
 std::uint32_t Move(const char* source, const char* destination, const char* target) {
   ToolLine line;
-  line.Append(kMoveLine, kToolFolder, source, destination);
+  line.Append("%s %s %s", kTool, source, destination);
   if (!CanRun(line) || WouldLose(source, target) || WouldAsk(target) || !TakeDeadLinkAway(target)) return ESH_ERR_FAIL;
   const std::uint32_t moved = RunTool(line);
   if (moved != kSuccess) RemovePart(source, target);

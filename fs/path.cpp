@@ -27,7 +27,7 @@ std::uint32_t JoinWorkingDirectory(const char* name, JoinedName& joined) {
   return kSuccess;
 }
 
-/// expandMnt2DiskFullFileName with a floor for "..".
+/// The full name of a name that holds a device. @param floor the depth at which ".." is refused.
 std::uint32_t ExpandWithDevice(std::string_view name, std::uint32_t floor, char* full) {
   if (name.starts_with(kMediaRoot)) name.remove_prefix(kMediaPrefix.size());
   if (!IsValidDeviceName(DeviceNameOf(name))) return ESH_ERR_FAIL;

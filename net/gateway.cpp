@@ -44,7 +44,7 @@ std::uint32_t ESH_ProcIPv6Gateway() {
   }
   if (std::strcmp(gateway, g_szMth0IPv6Gateway) == 0) return kSuccess;
   if (!IsPortShut()) {
-    (void)ESH_DeleteIPv6Gateway();  // likewise
+    (void)ESH_DeleteIPv6Gateway();  // the kernel may have dropped the route by itself
     const std::uint32_t applied = AddIPv6DefaultRoute(gateway);
     if (applied != kSuccess) return applied;
   }

@@ -7,7 +7,7 @@
 /// @return 0, also when the address is refused with a message; else the result of the tool.
 std::uint32_t ESH_ProcIPAddrMaskLen();
 
-/// "ip address" with a dotted mask, g_szIPv4Mask: the same.
+/// "ip address" with a dotted mask: as above, under g_szIPv4Mask.
 std::uint32_t ESH_ProcIPAddrMask();
 
 /// "undo ip address": removes the saved IPv4 address and gateway, and brings the port up when it is shut down.

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr char kLoginPrompt[] = "login as:";
-constexpr char kUserPrompt[] = "user:";
+constexpr char kFTPUserPrompt[] = "user:";
 constexpr char kPasswordPrompt[] = "password:";
 constexpr std::uint32_t kMaxSSHUser = 80;
 constexpr std::uint32_t kMaxFTPWord = 15;
@@ -48,7 +48,7 @@ const char* GetSSHUserName() {
 }
 
 std::uint32_t GetFTPUserPassword() {
-  const char* name = ReadAtPrompt(kUserPrompt, ESH_LINE_MODE_PLAIN, kMaxFTPWord);
+  const char* name = ReadAtPrompt(kFTPUserPrompt, ESH_LINE_MODE_PLAIN, kMaxFTPWord);
   const bool has_name = IsTyped(name, kMaxFTPWord) && ESH_RecordUserName(name) == kSuccess;
   const char* password = ReadAtPrompt(kPasswordPrompt, ESH_LINE_MODE_MASKED, kMaxFTPWord);
   const bool has_password = IsTyped(password, kMaxFTPWord) && ESH_RecordPassword(password) == kSuccess;

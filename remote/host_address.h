@@ -17,6 +17,6 @@ inline constexpr char kUnrecognizedIPv6Host[] = "Unrecognized IPv6 host or wrong
 /// Refuses an IPv6 address that does not convert, silently.
 [[nodiscard]] Refusal CheckIPv6Text();
 
-/// Likewise, and the unspecified one ("::") with a message.
+/// Refuses an IPv6 address that does not convert, silently, and the unspecified one ("::") with a message.
 /// @param message printed with puts(3).
 [[nodiscard]] Refusal CheckIPv6Host(const char* message);

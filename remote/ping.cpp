@@ -28,7 +28,8 @@ std::uint32_t ESH_ProcPing_c() {
 
 std::uint32_t ESH_ProcPing_s() {
   ToolLine line;
-  line.Append("/bin/ping -4 -c 5  -s %s %s", g_szSize, g_szIPv4Address);  // two blanks: the line is this one's own
+  line.Append("/bin/ping -4 -c 5  -s %s %s", g_szSize,
+              g_szIPv4Address);  // two blanks, deliberately: the tool sees none of them
   return PingIPv4(line);
 }
 

@@ -24,9 +24,9 @@ class TextBuilder {
 
   /// Appends formatted text. What does not fit is cut, and Truncated() says so from then on.
   void Append(const char* format, ...) __attribute__((format(printf, 2, 3)));
-  /// Appends text as it is, cut likewise.
+  /// Appends text as it is; what does not fit is cut.
   void AppendText(std::string_view text);
-  /// Appends one character `count` times, cut likewise.
+  /// Appends one character `count` times, or as often as fits.
   void AppendRepeated(char character, std::size_t count);
   /// Empties the text; nothing counts as cut then.
   void Clear() { CutTo(0); }

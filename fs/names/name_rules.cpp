@@ -26,10 +26,9 @@ constexpr CharacterSet AllBut(std::string_view forbidden) {
 constexpr CharacterSet kAllowedInNames = AllBut("\"'*<>?\\|");
 constexpr CharacterSet kAllowedInDeviceNames = AllBut("\"'*./<>?\\|");
 
-/// A device name that begins with this is checked from behind it and the one character that follows. Where nothing
-/// is left behind it to check, it passes.
+/// A device may come with the media's folder before it, as "/mnt/flash:": folder and slash are then not checked.
 constexpr std::string_view kUncheckedStart = "/mnt";
-constexpr std::string_view kUncheckedDevice = "/mnt:";
+constexpr std::string_view kUncheckedDevice = "/mnt:";  // the folder and a character more: nothing is left to check
 
 bool IsIn(const CharacterSet& set, char character) { return set[static_cast<unsigned char>(character)]; }
 

@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::string_view kBootSection = "[boot]";
 
-/// Whether a version is the line, or with a product version the line, a hyphen and that.
+/// Whether a line of the list names the running version: alone or, when there is a product version, with a hyphen and
+/// that behind it.
 bool IsCandidate(std::string_view line, std::string_view product_version, std::string_view running) {
   if (product_version.empty()) return running == line;
   const bool begins = running.starts_with(line);
@@ -19,7 +20,7 @@ bool IsCandidate(std::string_view line, std::string_view product_version, std::s
   return rest.starts_with('-') && rest.substr(1) == product_version;
 }
 
-/// What follows the keys of both versions, as far as the product version.
+/// Builds "PLATFORM-PRODUCT" from a description. Nothing behind the product version is read.
 void JoinVersions(READ_BUFF_S& description, TextBuilder& version) {
   constexpr std::string_view kPlatform(kPlatformVersion);
   constexpr std::string_view kProduct(kProductVersion);

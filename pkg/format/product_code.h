@@ -18,5 +18,5 @@ extern std::uint32_t g_uiDeviceCode;
 /// The device's product tag, read on first use. @return kUnknownTag when there is none.
 [[nodiscard]] std::uint32_t ProductCode();
 
-/// The device's device tag, likewise.
+/// The device's device tag, read on first use. @return kUnknownTag when there is none.
 [[nodiscard]] std::uint32_t DeviceCode();

@@ -12,7 +12,8 @@ UniqueBigNumber ReadNumber(std::span<const std::uint8_t> bytes) {
   return UniqueBigNumber(FIPS_bn_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr));
 }
 
-bool IsPlainName(std::string_view name) {
+/// A key's name comes from a package: it must not lead out of the directory of keys, nor to a hidden file there.
+bool IsVisibleFileName(std::string_view name) {
   return !name.empty() && name.front() != '.' && name.find('/') == std::string_view::npos;
 }
 
@@ -37,7 +38,7 @@ PackageVerdict ReadPublicKey(const char* directory, std::string_view name, Publi
   path.Append("%s/", directory);
   path.AppendText(name);
   path.AppendText(kKeySuffix);
-  if (!IsPlainName(name) || path.Truncated()) return PackageVerdict::kKeyName;
+  if (!IsVisibleFileName(name) || path.Truncated()) return PackageVerdict::kKeyName;
   const UniqueFile file = OpenRegularFile(path.Text(), Links::kRefuse, nullptr);
   if (file == nullptr) return PackageVerdict::kKeyFile;
   std::uint8_t bytes[kPrefixedKeySize + 1];

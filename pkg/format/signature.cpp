@@ -19,7 +19,8 @@
 
 namespace {
 
-/// Where a main head would end that begins the signed part of a package of the head form.
+/// Where a second main head ends. The signed part of a package whose signature is in the head must not begin with one:
+/// see JudgeSignedPart.
 constexpr std::uint64_t kInnerHeadEnd = 2 * kMainHeadSize;
 
 constexpr std::uint32_t kHeadForm = 0;

@@ -27,7 +27,7 @@ bool BeginsLine(std::string_view text, std::size_t place) {
   return place == 0 || kLineEnds.find(text[place - 1]) != std::string_view::npos;
 }
 
-/// The first line start, from `start` on, with this text. npos when there is none.
+/// Where the first line begins, from `start` on, that starts with this text; npos when none does.
 std::size_t FindAtLineStart(std::string_view text, std::string_view wanted, std::size_t start) {
   std::size_t place = text.find(wanted, start);
   while (place != std::string_view::npos && !BeginsLine(text, place)) place = text.find(wanted, place + 1);
@@ -49,7 +49,7 @@ std::string_view SectionText(std::string_view text, std::string_view section) {
   return text.substr(begin, end - begin);
 }
 
-/// Copies a value, in which a line break is written as characters, and cuts it.
+/// Copies a value, cut to its field. A line break in it is written as the characters "\r\n".
 template <std::size_t kRoom>
 void CopyValue(std::string_view value, char (&field)[kRoom]) {
   FixedText<kRoom> text;
@@ -65,7 +65,7 @@ void CopyValue(std::string_view value, char (&field)[kRoom]) {
 
 void SetCorporation(std::string_view value, OEM_CONSUMER_INFO_S& info) {
   for (std::uint32_t id = 0; id < kCorporations; ++id) {
-    // As long as the value is: the first characters of a name are enough.
+    // The value may be the name's first characters.
     if (g_apcCorpName[id] != nullptr && BeginsIgnoringCase(g_apcCorpName[id], value)) {
       info.uiCorpId = id;
       return;
@@ -113,7 +113,7 @@ KeyLine FindKeyLine(std::string_view section, std::string_view key, std::size_t 
   for (std::size_t begin = FindAtLineStart(section, key, start); begin != std::string_view::npos;
        begin = FindAtLineStart(section, key, begin + 1)) {
     const std::size_t colon = section.find_first_not_of(' ', begin + key.size());
-    // The section's first character stands behind its header, so no key line begins there.
+    // The section's text begins in the middle of its header's line.
     if (begin > 0 && colon != std::string_view::npos && section[colon] == ':') return {begin, colon + 1};
   }
   return kNoKeyLine;

@@ -101,7 +101,7 @@ void DescriptionCopyright(std::uint32_t id, TextBuilder& text) {
   char year[kYearRoom];
   (void)ESH_GetCompileTimeFromBoot(year);  // empty when it is not known
   char from_file[kIdentityRoom];
-  if (id > kLastBuiltInCorporation) (void)GetDefaultInfo(kCopyrightKey, from_file);  // likewise
+  if (id > kLastBuiltInCorporation) (void)GetDefaultInfo(kCopyrightKey, from_file);  // empty when there is none
   AppendWithYear(id > kLastBuiltInCorporation ? from_file : SlotOrNothing(g_apcCopyRight, id), year, text);
 }
 

@@ -69,7 +69,7 @@ struct OwnDevice final : LoadDevice {
 std::uint32_t Refuse(PackageVerdict verdict, const char* name) {
   if (verdict == PackageVerdict::kImage || verdict == PackageVerdict::kImageName) {
     std::printf(kNoImage);
-    DropCaches();  // and the line comes a second time
+    DropCaches();  // the line below says so once more, which is meant
   }
   return PrintRefusal(verdict, name);
 }

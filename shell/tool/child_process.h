@@ -50,7 +50,8 @@ std::uint32_t RunTool(const char* line);
 /// The same for a line that was built.
 std::uint32_t RunTool(const ToolLine& line);
 
-/// Likewise, but Ctrl+C ends the tool.
+/// Runs a tool without echo that Ctrl+C ends. A line that was cut is not run.
+/// @return 0 when the tool exited with status 0, otherwise ESH_ERR_FAIL.
 std::uint32_t RunStoppableTool(const ToolLine& line);
 
 /// Runs a tool through which the operator works on another host. Keys that elsewhere would end or stop it are the other
