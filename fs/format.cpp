@@ -6,7 +6,7 @@
 #include "fs/names/name_rules.h"
 #include "fs/working_directory.h"
 #include "shell/command/parameter.h"
-#include "shell/tool/child_process.h"
+#include "shell/tool/tool_line.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
 #include "util/result.h"

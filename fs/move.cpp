@@ -9,7 +9,7 @@
 #include "fs/named_file.h"
 #include "fs/names/name_rules.h"
 #include "shell/command/parameter.h"
-#include "shell/tool/child_process.h"
+#include "shell/tool/tool_line.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
 #include "util/new_file.h"

@@ -1,7 +1,7 @@
 #include "net/port_tools.h"
 
 #include "net/management_port.h"
-#include "shell/tool/child_process.h"
+#include "shell/tool/tool_line.h"
 #include "util/result.h"
 
 namespace {

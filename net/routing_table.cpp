@@ -3,7 +3,7 @@
 #include <cstddef>
 
 #include "net/network_commands.h"
-#include "shell/tool/child_process.h"
+#include "shell/tool/tool_line.h"
 #include "term/pager.h"
 #include "util/result.h"
 #include "util/unique_handle.h"

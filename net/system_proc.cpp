@@ -1,6 +1,6 @@
 #include "net/network_commands.h"
-#include "shell/tool/child_process.h"
 #include "shell/tool/script_file.h"
+#include "shell/tool/tool_line.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include "remote/local_file.h"
 #include "remote/remote_commands.h"
 #include "shell/command/parameter.h"
-#include "shell/tool/child_process.h"
+#include "shell/tool/tool_line.h"
 
 namespace {
 

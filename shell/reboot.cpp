@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "shell/command/command_table.h"
-#include "shell/tool/child_process.h"
+#include "shell/tool/tool_line.h"
 #include "term/prompts.h"
 #include "util/result.h"
 

@@ -24,6 +24,7 @@
 #include "shell/parser.h"
 #include "shell/reboot.h"
 #include "shell/tool/child_process.h"
+#include "shell/tool/tool_line.h"
 #include "shell/view_commands.h"
 #include "term/help/completion.h"
 #include "term/history.h"

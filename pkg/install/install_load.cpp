@@ -22,6 +22,7 @@
 #include "pkg/install/system_image.h"
 #include "shell/command/parameter.h"
 #include "shell/tool/child_process.h"
+#include "shell/tool/tool_line.h"
 #include "term/terminal.h"
 #include "util/fixed_text.h"
 #include "util/result.h"
