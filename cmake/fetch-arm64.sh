@@ -17,6 +17,7 @@ programs=(
 packages=(
   "${programs[@]}"
   libncurses-dev:arm64 libssl-dev:arm64
+  u-boot-qemu # what starts a boot image on the machine
   # what unpacks 7z; libarchive itself is linked statically
   libarchive-dev:arm64 liblzma5:arm64 liblzma-dev:arm64 libbz2-1.0:arm64 libbz2-dev:arm64 zlib1g-dev:arm64
   libzstd1:arm64 libzstd-dev:arm64

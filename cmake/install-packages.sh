@@ -19,7 +19,7 @@ build_packages=(
 )
 test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl python3 mandoc)
 bench_packages=(libcli-dev openssl strace valgrind)
-arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm ethtool socat)
+arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm ethtool socat python3 u-boot-tools mtools)
 fresh_packages=(debootstrap git)
 
 case ${1-} in

@@ -72,7 +72,7 @@ std::string KeysOf(const std::string& prompt, const std::string& text) {
 }
 
 /// A newcomer with a clone of the project, who types what its documents show.
-class NativeDocuments : public testing::Test {
+class Documents : public testing::Test {
  protected:
   void SetUp() override {
     std::string name = "/tmp/clone-XXXXXX";
@@ -80,7 +80,9 @@ class NativeDocuments : public testing::Test {
     clone_ = name;
     fs::create_directory(clone_ / "build");
     fs::create_symlink(ESH_BUILD, clone_ / "build/release");
-    fs::create_symlink(ESH_SOURCES "/device", clone_ / "device");
+    fs::create_symlink(ESH_SOURCES "/build/arm64", clone_ / "build/arm64");
+    for (const char* folder : {"cmake", "device", "image"})
+      fs::create_symlink(fs::path(ESH_SOURCES) / folder, clone_ / folder);
     std::ofstream(clone_ / "run") << "#!/bin/sh\necho 'Building ...'\nexec " ESH_DEVICE_PROGRAM " \"$@\"\n";
     fs::permissions(clone_ / "run", fs::perms::owner_all);
   }
@@ -123,8 +125,12 @@ class NativeDocuments : public testing::Test {
   fs::path clone_;
 };
 
+class NativeDocuments : public Documents {};
+class Arm64Documents : public Documents {};
+
 TEST_F(NativeDocuments, ReadmeIsTrue) { Play("README.md"); }
 TEST_F(NativeDocuments, OperatorGuideIsTrue) { Play("docs/operator-guide.md"); }
 TEST_F(NativeDocuments, MakingPackagesIsTrue) { Play("docs/making-packages.md"); }
+TEST_F(Arm64Documents, BootImageIsTrue) { Play("docs/boot-image.md"); }
 
 }  // namespace
