@@ -11,14 +11,12 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <string_view>
@@ -34,22 +32,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A medium is as it came from its maker while its first sector is all zeros.
-bool IsNew(const std::string& image) {
-  std::array<char, 512> sector{};
-  std::ifstream file(image, std::ios::binary);
-  return file.read(sector.data(), sector.size()) &&
-         std::all_of(sector.begin(), sector.end(), [](char byte) { return byte == 0; });
-}
-
 /// Makes the root file system in a directory, and beside it the archive of it that the kernel unpacks.
 std::string MakeFirstRoot(const BootOptions& options, const KindFiles& files, const PowerSupply& supply) {
   const std::string root = supply.empty_directory + "/root";
   (void)mkdir(root.c_str(), 0755);
   if (std::string problem = ComposeRoot(options, files, root); !problem.empty()) return problem;
   for (const Medium& medium : options.media) {
-    if (medium.contents.empty() || !IsNew(supply.media_directory + "/" + medium.name)) continue;
-    const std::string place = root + "/run/media/" + medium.name;  // where /init looks for what belongs on it
+    if (medium.contents.empty()) continue;
+    const std::string place = root + "/run/media/" + medium.name;  // where /init looks for what belongs on a new one
     std::error_code error;
     fs::create_directories(place, error);
     fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
