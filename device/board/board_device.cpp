@@ -289,15 +289,15 @@ CommandResult BoardDevice::RunOver(Channel& channel, const std::string& command,
   if (pwrite(given[0], input.data(), input.size(), 0) != static_cast<ssize_t>(input.size()) ||
       !channel.Send(MessageKind::kRun, id, 0, command, given))
     return {};
-  WaitUntil(time, [&] { return ended_commands_.contains(id) || channel.Descriptor() < 0; });
-  CommandResult result{false, -1, ContentsOf(streams[1]), ContentsOf(streams[2])};
-  if (const auto ended = ended_commands_.extract(id); !ended.empty()) {
-    result.finished = true;
-    result.status = ended.mapped();
-  } else {
+  const auto is_over = [&] { return ended_commands_.contains(id) || channel.Descriptor() < 0; };
+  WaitUntil(time, is_over);
+  const bool finished = ended_commands_.contains(id);
+  if (!finished) {
     channel.Send(MessageKind::kKill, id);
+    WaitUntil(kEndTime, is_over);  // an emulated device passes on what was written until then
   }
-  return result;
+  const auto ended = ended_commands_.extract(id);
+  return {finished, finished ? ended.mapped() : -1, ContentsOf(streams[1]), ContentsOf(streams[2])};
 }
 
 }  // namespace
