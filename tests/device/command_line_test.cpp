@@ -2,31 +2,11 @@
 #include <tuple>
 
 #include "tests/device/operator_console.h"
-#include "tests/support/virtual_screen.h"
 
 namespace {
 
 /// With windows, which a serial line has not, and with more lines than an emulated machine gets through in time.
 class NativeCommandLine : public OperatorConsole {};
-
-TEST_F(NativeCommandLine, PutsTheCaretBelowTheWordWhereverTheScreenWraps) {
-  constexpr int kColumns = 20;
-  options.columns = kColumns;
-  BootToPrompt();
-  for (const int column : {kColumns - 1, kColumns, kColumns + 1, 2 * kColumns - 1, 2 * kColumns}) {
-    const std::string start = "<boot>dir";
-    const std::size_t before = Printed().size() - std::string_view("<boot>").size();
-    Command("dir" + std::string(static_cast<std::size_t>(column) - start.size(), ' ') + "|");
-    VirtualScreen screen(24, kColumns);
-    screen.Write(std::string_view(Printed()).substr(before));
-    std::string ends;  // of the rows that reach as far as the word does
-    for (int row = 0; row < screen.Rows(); ++row) {
-      const std::string text = screen.Row(row);
-      if (static_cast<int>(text.size()) == column % kColumns + 1) ends += text.back();
-    }
-    EXPECT_EQ(ends.substr(0, 2), "|^") << column << "\n" << screen.Text();
-  }
-}
 
 TEST_F(NativeCommandLine, IsThereOnEveryTerminal) {
   const std::tuple<std::optional<std::string>, unsigned short, const char*> kTerminals[] = {

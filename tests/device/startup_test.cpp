@@ -109,16 +109,12 @@ TEST_F(NativeStartUp, StandsOnItsConsoleAloneWhateverItWasGiven) {
   Run("! chmod 666 /dev/null 2>&1");  // as it does with what it takes for its console; but this is the machine's own
 }
 
-TEST_F(NativeStartUp, GoesOnAfterAStepThatDoesNotCount) {
+TEST_F(NativeStartUp, GoesOnAfterAStepThatDoesNotCountOnAConsoleOfFifteenCharacters) {
   Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nexit 1\n");
   Replace("/bin/insmod", "#!/bin/sh\n[ $1 = /lib/modules/ipstack.ko ]\n");
-  BootToPrompt();
-  EXPECT_EQ(Run(std::string("cat ") + kConsoleSwitch), "1\n");
-}
-
-TEST_F(NativeStartUp, ReadsTheFirstFifteenCharactersOfTheConsolesName) {
   Replace("/etc/pkg/esh/ttyname.conf", "\n \t/dev//////pts/0123 4\n");  // fifteen to the first "0"
   BootToPrompt();
+  EXPECT_EQ(Run(std::string("cat ") + kConsoleSwitch), "1\n");
   EXPECT_EQ(Command("pwd"), "Working directory doesn't exist.\n") << "nothing was mounted";
 }
 
@@ -134,6 +130,48 @@ TEST_F(NativeStartUp, LinksTheDirectoriesBelowMntWhenTheCommandDaemonStartsIt) {
     BootToPrompt();
     EXPECT_EQ(Run("cd /mnt; for link in slot0*; do [ -L $link ] && echo $link $(readlink $link); done; true"), links);
   }
+}
+
+constexpr char kQuestion[] = "This Command will reboot the device. Continue? [Y/N]:";
+
+class Reboot : public OperatorConsole {};
+
+TEST_F(Reboot, IsCalledOffByANoAndKeepsTheMedia) {
+  BootToPrompt();
+  EXPECT_EQ(Command("reboot", "n\r"), std::string(kQuestion) + "n\n");
+  Run("echo kept > /mnt/flash:/kept.txt");
+  Type("reb\r");
+  Expect(kQuestion);
+  Type("y\r");
+  EXPECT_EQ(Outcome(), device::Outcome::kRebooted);
+  EXPECT_EQ(Printed().find("<boot>", Printed().rfind(kQuestion)), std::string::npos) << "the tool has returned";
+  BootToPrompt();
+  EXPECT_NE(Command("dir").find("kept.txt"), std::string::npos);
+}
+
+/// What the process that was started does when the shell has ended.
+class HandOver : public OperatorConsole {};
+class NativeHandOver : public HandOver {};
+
+TEST_F(HandOver, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
+  options.media.push_back({"usba0:", 1 << 20, ""});
+  Replace("/sbin/scmd", "#!/bin/sh\nkill -USR1 1\nexec sleep 60\n");
+  BootToPrompt();
+  ASSERT_EQ(Run("cat /proc/sys/7/8/1"), "1\n");
+  Run("kill -9 " + ShellPid());
+  EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
+  EXPECT_EQ(Run("cat /proc/sys/7/8/1"), "0\n");
+  EXPECT_EQ(Run("cd /mnt; ls -d slot0*"), "slot0#usba0:\n") << "only the links of flash: and cfa0: go";
+  if (!IsArm64())  // its kernel is built without a hotplug helper
+    EXPECT_EQ(Board().ReadFile("/proc/sys/kernel/hotplug").value_or(""), std::string("/sbin/hotplug\0", 14));
+}
+
+TEST_F(NativeHandOver, EndsQuietlyWithoutACommandProgram) {
+  options.files.push_back({"/sbin/scmd", std::nullopt});
+  BootToPrompt();
+  Run("kill -9 " + ShellPid());
+  EXPECT_EQ(Outcome(), device::Outcome::kShellEnded);
+  EXPECT_EQ(Board().ShellStatus(), 0);
 }
 
 }  // namespace

@@ -23,17 +23,14 @@ void VirtualScreen::Write(std::string_view bytes) { vterm_input_write(terminal_.
 
 void VirtualScreen::Reset() { vterm_screen_reset(screen_, 1); }
 
-std::string VirtualScreen::Row(int row) const {
-  std::string text(static_cast<std::size_t>(columns_) * 4, '\0');
-  text.resize(vterm_screen_get_text(screen_, text.data(), text.size(), {row, row + 1, 0, columns_}));
-  return WithoutTrailing(std::move(text), ' ');
-}
-
 std::string VirtualScreen::Text() const {
   std::string text;
-  for (int row = 0; row < rows_; ++row) text += Row(row) + "\n";
-  text = WithoutTrailing(std::move(text), '\n');
-  return text.empty() ? text : text + "\n";
+  std::string row(static_cast<std::size_t>(columns_) * 4, '\0');
+  for (int i = 0; i < rows_; ++i) {
+    const std::size_t length = vterm_screen_get_text(screen_, row.data(), row.size(), {i, i + 1, 0, columns_});
+    text += WithoutTrailing(row.substr(0, length), ' ') + "\n";
+  }
+  return WithoutTrailing(std::move(text), '\n');
 }
 
 VirtualScreen::Place VirtualScreen::Cursor() const {

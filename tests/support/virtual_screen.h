@@ -24,9 +24,7 @@ class VirtualScreen {
   /// Clears the screen and puts the cursor home.
   void Reset();
 
-  /// One row without trailing blanks.
-  [[nodiscard]] std::string Row(int row) const;
-  /// All rows down to the last that is not empty, each followed by "\n".
+  /// All rows down to the last that is not empty.
   [[nodiscard]] std::string Text() const;
   /// Counted from 0.
   [[nodiscard]] Place Cursor() const;

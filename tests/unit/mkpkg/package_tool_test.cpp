@@ -123,17 +123,6 @@ TEST_F(PackageTool, ArchiveDependsOnNamesAndContentsOnly) {
   EXPECT_NE(mkpkg::ArchiveDirectory("/tmp/one", 5, archives[0]), "") << "what it cannot hold must not vanish";
 }
 
-TEST_F(PackageTool, FailedWriteLeavesWhatWasThere) {
-  WriteFile("/tmp/place/file", "old");
-  EXPECT_NE(mkpkg::WriteWholeFile("/tmp/place/file", "new", 0600, false), "");
-  EXPECT_EQ(ReadFile("/tmp/place/file"), "old");
-  EXPECT_EQ(mkpkg::WriteWholeFile("/tmp/place/file", "new"), "");
-  EXPECT_EQ(ReadFile("/tmp/place/file"), "new");
-  std::filesystem::create_symlink("/dev/full", "/tmp/full");  // what a fault replaces is then not the machine's
-  EXPECT_NE(mkpkg::WriteWholeFile("/tmp/full", "new"), "");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator("/tmp/place"), {}), 1) << "a temporary file is left";
-}
-
 TEST_F(PackageTool, ResigningReplacesTheSignature) {
   const mkpkg::SignatureForm form = {.key_name = "maker"};
   EXPECT_EQ(Sign(GoodPackage(), form), GoodPackage());

@@ -27,13 +27,6 @@ TEST(GetChar, EveryKindOfNothingIsOneTryOfATenthOfASecond) {
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(290));
 }
 
-TEST(GetChar, ShowsAQuestionBeforeItWaits) {
-  const ScriptedEditor editor("y");
-  std::fputs("Sure?", stdout);
-  EXPECT_EQ(GetChar(1), 'y');
-  EXPECT_EQ(lseek(STDOUT_FILENO, 0, SEEK_END), 5);
-}
-
 constexpr struct {
   const char* why;
   ESH_LINE_MODE_E mode;

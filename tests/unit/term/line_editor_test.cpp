@@ -145,19 +145,4 @@ TEST(History, KeepsTenLinesAndNoRemarkOrRepetition) {
   EXPECT_EQ(recalled, "7|  |a!|\t|a|A|2|3|2|1|") << "each cut to the buffer";
 }
 
-TEST(CommandLine, CountsThePagesOfEveryCommandAnew) {
-  const ScriptedEditor editor("\n");
-  g_stESh_Display = {24, 1, 17};
-  (void)ESH_LINE_GetCmdLine();
-  EXPECT_EQ(g_stESh_Display.ulMoreLines, 24U);
-  EXPECT_EQ(g_stESh_Display.ulCurLines, 0U);
-}
-
-/// What is typed ahead of a tool is meant for the tool.
-TEST(TypeAhead, StaysForTheNextReader) {
-  ScriptedEditor editor("joe\rcat /etc/motd\n");
-  EXPECT_EQ(ReadLine(kPlain), "joe");
-  EXPECT_EQ(editor.TakeKeysLeft(), "cat /etc/motd\n");
-}
-
 }  // namespace

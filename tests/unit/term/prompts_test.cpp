@@ -1,7 +1,6 @@
 #include "term/prompts.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
@@ -39,12 +38,6 @@ TEST(Confirm, TakesYesOnlyForAYesThatStandsAtEnter) {
     EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;
     EXPECT_EQ(g_stESh_Line.ulMode, std::uint32_t{ESH_LINE_MODE_CONFIRM});
   }
-}
-
-TEST(Confirm, ShowsTheEndOfItsLineBeforeTheWorkBegins) {
-  const ScriptedEditor editor("y\n");
-  EXPECT_TRUE(IsConfirmed());
-  EXPECT_EQ(lseek(STDOUT_FILENO, 0, SEEK_CUR), 3) << "y, and CR LF";
 }
 
 }  // namespace
