@@ -9,6 +9,7 @@ printf '%s' "$0"
 printf ' <%s>' "$@"
 ignored=0x$(grep SigIgn /proc/$$/status | cut -f 2)
 [ $((ignored & 2)) = 0 ] || printf ' uninterrupted'
+[ $((ignored & 0x205001)) = 0 ] || printf ' deaf'  # to hang-ups, broken pipes, an end, output from the background
 [ $((ignored & 0x80000)) = 0 ] || printf ' unstopped'
 stty -a 2> /dev/null | grep -q '[^-]echo ' && printf ' echoing'
 echo

@@ -51,16 +51,6 @@ TEST(Tool, GetsItsWordsAndTellsByItsStatusHowItWent) {
   }
 }
 
-TEST(Tool, FindsItsSignalsAsIfNoShellHadChangedThem) {
-  for (const std::uint16_t ignore_int : {std::uint16_t{0}, std::uint16_t{1}}) {
-    const std::string output = OutputOf([&] { ESH_ForkProcess("/bin/grep SigIgn /proc/self/status", ignore_int, 1); });
-    const auto ignored = std::strtoull(output.substr(output.find(':') + 1).c_str(), nullptr, 16);
-    const auto is_ignored = [&](int signal) { return (ignored >> (signal - 1) & 1) != 0; };
-    EXPECT_EQ(is_ignored(SIGINT), ignore_int == 1) << ignore_int;
-    for (const int signal : {SIGTERM, SIGHUP, SIGPIPE, SIGTTOU}) EXPECT_FALSE(is_ignored(signal)) << output;
-  }
-}
-
 TEST(Tool, EndsByASignalPassedOnAndWithTheShell) {
   for (void (*const end)(int) : {+[](int) { ESH_Sig2SubProcess(SIGTERM); }, +[](int) { ESH_CloseSubProcess(); }}) {
     EXPECT_EQ(OutputOf([&] {
