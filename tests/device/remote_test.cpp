@@ -44,6 +44,7 @@ TEST_F(RemoteTools, ConnectionsAskForTheAddressFirstAndIgnoreCtrlC) {
       {"ssh2 239.1.1.1", "", kInvalid},
       {"ssh2 127.0.0.1", "\r", "login as:\n"},
       {"ssh2 127.0.0.1", "root -v\r", "login as:root -v\n"},
+      {"ssh2 127.0.0.1", "r\303\266t\r", "login as:r\303\266t\n"},
   });
   EXPECT_EQ(Modes(), modes);
 }
@@ -74,6 +75,7 @@ TEST_F(RemoteTools, TftpChecksAsksAndTransfers) {
   UseRecorders();
   ExpectAll({
       {"tftp 127.0.0.1 get x/b flash:/", "", get + "<x/b> <-l> </mnt/flash://b> <127.0.0.1>\n"},
+      {"tftp 127.0.0.1 get a/b/ flash:/dir/", "", get + "<a/b/> <-l> </mnt/flash:/dir//b> <127.0.0.1>\n"},
       {"tftp ipv6 ::1 get b flash:", "", get + "<b> <-l> </mnt/flash:/b> <::1>\n"},
       {"tftp 127.0.0.1 get - flash:", "", get + "<-> <-l> </mnt/flash:/-> <127.0.0.1>\n"},
       {"tftp 127.0.0.1 get b flash:/a", "y\r", overwrite + "y\n" + get + "<b> <-l> </mnt/flash:/a> <127.0.0.1>\n"},

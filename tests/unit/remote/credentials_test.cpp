@@ -1,10 +1,6 @@
-#include "remote/credentials.h"
-
 #include <gtest/gtest.h>
 
-#include <string>
 #include <string_view>
-#include <utility>
 
 #include "remote/remote_commands.h"
 #include "shell/command/parameter.h"
@@ -13,21 +9,6 @@
 #include "util/result.h"
 
 namespace {
-
-TEST(Credentials, AnSSHUserIsOneWord) {
-  const std::string longest(80, 'u');
-  const std::pair<std::string, const char*> names[] = {
-      {longest + "u\r", longest.c_str()},  // the 81st rings the bell
-      {"-v\r", "-v"},                      // the value of an option, whatever it looks like
-      {"  \r", nullptr},
-      {"root -oProxyCommand=id\r", nullptr},
-      {"r\303\266t\r", nullptr},
-  };
-  for (const auto& [keys, name] : names) {
-    const ScriptedEditor editor(keys);
-    EXPECT_STREQ(GetSSHUserName(), name) << keys;
-  }
-}
 
 TEST(Credentials, ThePasswordIsNowhereAfterItsUse) {
   for (const char* keys : {"me\rsecret\r", "\003secret\r", "me\rsecret\003"}) {

@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <string>
-#include <tuple>
 #include <utility>
 
 #include "shell/command/parameter.h"
@@ -15,24 +14,6 @@
 namespace {
 
 struct LocalFile : PrivateRootTest {};
-
-TEST_F(LocalFile, AGetWritesToTheNameOrIntoTheFolder) {
-  AddMedium("flash:");
-  std::filesystem::create_directory("/mnt/flash:/dir");
-  std::filesystem::create_directory_symlink("/mnt/flash:/dir", "/mnt/flash:/link");
-  std::filesystem::current_path("/mnt/flash:");  // which does not count
-  constexpr std::tuple<const char*, const char*, const char*> kTargets[] = {
-      {"flash:/new", "a/b.cfg", "/mnt/flash:/new"},    {"flash:/", "a/b.cfg", "/mnt/flash://b.cfg"},
-      {"flash:", "a/b.cfg", "/mnt/flash://b.cfg"},     {"flash:/", "b.cfg", "/mnt/flash:/b.cfg"},
-      {"flash:/link/", "a/b/", "/mnt/flash:/link//b"}, {"flash:/dir", "b/", "/mnt/flash:/dir/b"},
-      {"flash:/dir", "/", "/mnt/flash:/dir/"},         {"dir", "b.cfg", "/mnt/dir"},
-  };
-  for (const auto& [local, remote, expected] : kTargets) {
-    TargetName target;
-    EXPECT_FALSE(GetFullLocalName(local, remote, target));
-    EXPECT_STREQ(target.Text(), expected) << local << " from " << remote;
-  }
-}
 
 TEST_F(LocalFile, ALinkLeadsNoGetOffTheMedia) {
   for (const char* device : {"flash:", "cfa0:"}) AddMedium(device);
