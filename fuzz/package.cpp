@@ -11,8 +11,8 @@
 #include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/head_check.h"
 #include "pkg/format/signature.h"
+#include "util/regular_file.h"
 #include "util/unique_handle.h"
-#include "util/whole_file.h"
 
 namespace {
 

@@ -3,14 +3,16 @@
 #include <cstddef>
 
 #include "net/network_commands.h"
+#include "shell/tool/script_file.h"
 #include "shell/tool/tool_line.h"
 #include "term/pager.h"
+#include "util/regular_file.h"
 #include "util/result.h"
 #include "util/unique_handle.h"
-#include "util/whole_file.h"
 
 namespace {
 
+constexpr char kScript[] = "/var/tmp/TempFile";
 constexpr char kShowIPv4Table[] = "/bin/route";
 constexpr char kIPv6Table[] = "/etc/pkg/route_table6";
 constexpr char kWriteIPv6Table[] = "/bin/route -A inet6 -n > /etc/pkg/route_table6";
@@ -27,3 +29,5 @@ std::uint32_t ESH_ProcDisIPv6Gateway() {
   (void)unlink(kIPv6Table);
   return kSuccess;
 }
+
+std::uint32_t ESH_SystemProc(const char* command) { return RunAsScript(kScript, command, RunTool); }

@@ -5,9 +5,9 @@
 #include "pkg/format/line_reader.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
+#include "util/regular_file.h"
 #include "util/result.h"
 #include "util/unique_handle.h"
-#include "util/whole_file.h"
 
 std::uint32_t ReadKeyedLine(const char* path, const char* key, std::size_t room, char* value) {
   value[0] = '\0';

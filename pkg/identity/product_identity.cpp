@@ -10,9 +10,9 @@
 #include "pkg/identity/system_identity.h"
 #include "pkg/identity/version_file.h"
 #include "util/fixed_text.h"
+#include "util/regular_file.h"
 #include "util/result.h"
 #include "util/unique_handle.h"
-#include "util/whole_file.h"
 
 OEM_CONSUMER_INFO_S g_stOemConsumerInfo;
 pthread_once_t g_stOemDataLock = PTHREAD_ONCE_INIT;

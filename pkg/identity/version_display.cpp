@@ -10,9 +10,9 @@
 #include "pkg/identity/product_identity.h"
 #include "pkg/identity/system_identity.h"
 #include "term/pager.h"
+#include "util/regular_file.h"
 #include "util/result.h"
 #include "util/unique_handle.h"
-#include "util/whole_file.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include "tests/support/private_root.h"
 #include "util/kernel_setting.h"
+#include "util/regular_file.h"
 #include "util/result.h"
 #include "util/unique_handle.h"
-#include "util/whole_file.h"
 
 namespace {
 
