@@ -25,7 +25,7 @@ class ConsoleEnd {
 
  protected:
   /// Only a fault is silent this long. Less than the time after which a question answers itself by no.
-  static constexpr std::chrono::seconds kPatience{60};
+  static constexpr std::chrono::seconds kPatience{25};
 
   /// The descriptor, which does not block.
   [[nodiscard]] virtual int ConsoleFd() const = 0;
