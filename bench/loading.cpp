@@ -42,12 +42,10 @@ std::string MakeImage() {
   std::string data(kUnpacked, 'a');
   for (char& letter : data) letter = static_cast<char>('a' + random() % 16);
   WriteFile("/tmp/image/loaded", data);
-  std::string archive;
   std::string image;
-  mkpkg::Progress progress("Compressing an image", kUnpacked);
-  Require(mkpkg::ArchiveDirectory("/tmp/image", 0, archive).empty() &&
-              mkpkg::Compress(mkpkg::Compression::kGz, archive, progress, image).empty(),
-          "cannot make an image");
+  const mkpkg::Feed archive = [](const mkpkg::Sink& sink) { return mkpkg::ArchiveDirectory("/tmp/image", 0, sink); };
+  const mkpkg::Sink take = [&](std::string_view piece) { return image += piece, ""; };
+  Require(mkpkg::Compress(mkpkg::Compression::kGz, archive, take).empty(), "cannot make an image");
   fs::remove_all("/tmp/image");
   return image;
 }

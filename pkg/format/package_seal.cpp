@@ -54,6 +54,10 @@ const PackageSeal::Border* PackageSeal::Find(std::uint64_t offset) const {
   return kept ? &*border : nullptr;
 }
 
+bool PackageSeal::Covers(std::uint64_t offset, std::uint64_t length) const {
+  return Find(offset) != nullptr && Find(offset + length) != nullptr;
+}
+
 bool PackageSeal::Holds(std::uint64_t offset, const void* bytes, std::uint64_t length) const {
   const Border* start = Find(offset);
   const Border* end = Find(offset + length);

@@ -32,6 +32,8 @@ class PackageSeal {
   /// short.
   [[nodiscard]] bool Keep(std::uint64_t offset, const FIPS_MD_CTX& running);
 
+  /// Whether a piece of the package was digested.
+  [[nodiscard]] bool Covers(std::uint64_t offset, std::uint64_t length) const;
   /// Whether a piece of the package was digested exactly like this.
   [[nodiscard]] bool Holds(std::uint64_t offset, const void* bytes, std::uint64_t length) const;
 

@@ -54,9 +54,11 @@ class NativeInstall : public OperatorConsole {
   }
 
   static std::string Compressed(mkpkg::Compression how, const std::string& data) {
-    mkpkg::Progress silent("", 0);
     std::string compressed;
-    EXPECT_EQ(mkpkg::Compress(how, data, silent, compressed), "");
+    const mkpkg::Sink take = [&](std::string_view piece) { return compressed += piece, ""; };
+    EXPECT_EQ(mkpkg::Compress(
+                  how, [&](const mkpkg::Sink& sink) { return sink(data); }, take),
+              "");
     return compressed;
   }
 

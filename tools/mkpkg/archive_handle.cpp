@@ -1,19 +1,35 @@
 #include "tools/mkpkg/archive_handle.h"
 
+#include <cerrno>
+
 namespace mkpkg {
 namespace {
 
-la_ssize_t AppendToText(archive* /*output*/, void* text, const void* bytes, std::size_t length) {
-  static_cast<std::string*>(text)->append(static_cast<const char*>(bytes), length);
-  return static_cast<la_ssize_t>(length);
+constexpr int kBlock = 1 << 16;
+
+la_ssize_t GiveToSink(archive* output, void* sink, const void* bytes, std::size_t length) {
+  const std::string problem = (*static_cast<const Sink*>(sink))({static_cast<const char*>(bytes), length});
+  if (problem.empty()) return static_cast<la_ssize_t>(length);
+  archive_set_error(output, EIO, "%s", problem.c_str());
+  return ARCHIVE_FATAL;
 }
 
 }  // namespace
 
-bool OpenToText(archive* output, std::string& text) {
+bool OpenToSink(archive* output, const Sink& sink) {
   // Not filled up to a whole block at the end.
-  return archive_write_set_bytes_in_last_block(output, 1) == ARCHIVE_OK &&
-         archive_write_open(output, &text, nullptr, AppendToText, nullptr) == ARCHIVE_OK;
+  return archive_write_set_bytes_per_block(output, kBlock) == ARCHIVE_OK &&
+         archive_write_set_bytes_in_last_block(output, 1) == ARCHIVE_OK &&
+         archive_write_open(output, const_cast<Sink*>(&sink), nullptr, GiveToSink, nullptr) == ARCHIVE_OK;
+}
+
+std::string WriteToArchive(archive* output, std::string_view data) {
+  while (!data.empty()) {
+    const la_ssize_t written = archive_write_data(output, data.data(), data.size());
+    if (written <= 0) return ArchiveReason(output);
+    data.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return "";
 }
 
 std::string ArchiveReason(archive* handle) {

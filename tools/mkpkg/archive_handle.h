@@ -5,11 +5,17 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+
+#include "tools/mkpkg/pieces.h"
 
 namespace mkpkg {
 
 struct ArchiveWriteFreer {
-  void operator()(archive* output) const { archive_write_free(output); }
+  void operator()(archive* output) const {
+    archive_write_fail(output);  // or what was not closed would be ended now, as if all were in it
+    archive_write_free(output);
+  }
 };
 using UniqueArchiveWriter = std::unique_ptr<archive, ArchiveWriteFreer>;
 
@@ -23,9 +29,11 @@ struct ArchiveEntryFreer {
 };
 using UniqueArchiveEntry = std::unique_ptr<archive_entry, ArchiveEntryFreer>;
 
-/// Has an archive write to the end of a text, which must outlive it.
-/// @return false when the archive could not be opened.
-[[nodiscard]] bool OpenToText(archive* output, std::string& text);
+/// Has an archive write to a sink, which must outlive it. @return false when the archive could not be opened.
+[[nodiscard]] bool OpenToSink(archive* output, const Sink& sink);
+
+/// Adds data to the entry that was begun. @return an empty text, or one line that says what went wrong.
+[[nodiscard]] std::string WriteToArchive(archive* output, std::string_view data);
 
 /// @return what the archive says went wrong.
 [[nodiscard]] std::string ArchiveReason(archive* handle);

@@ -1,3 +1,6 @@
+#include <cerrno>
+#include <cstring>
+
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/contents.h"
 #include "tools/mkpkg/exit_status.h"
@@ -9,9 +12,11 @@ namespace mkpkg {
 namespace {
 
 constexpr char kHelp[] =
-    "usage: mkpkg build DESCRIPTION PACKAGE\n"
+    "usage: mkpkg build [--force] DESCRIPTION PACKAGE\n"
     "Makes a package from a description file. It is not signed yet. The same input gives the same bytes; entries of\n"
     "archives get the time that SOURCE_DATE_EPOCH tells, and 0 without it.\n"
+    "\n"
+    "  --force  replace a package that exists\n"
     "\n"
     "A description, in full in mkpkg-format(5):\n"
     "  product-tag: 0x0A100001\n"
@@ -29,36 +34,43 @@ constexpr char kHelp[] =
     "Exit status: 0 done, 2 wrong command line, 3 the description or what it names is missing or wrong,\n"
     "4 the package could not be written.\n";
 
+constexpr Option kOptions[] = {{"force"}};
+
 std::string DirectoryOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   return slash == std::string::npos ? "" : path.substr(0, slash == 0 ? 1 : slash);
 }
 
-std::string Compose(const std::string& origin, std::string& package) {
+std::string Describe(const std::string& origin, PackageContents& contents) {
   std::string text;
   PackageDescription description;
-  PackageContents contents;
   if (std::string problem = ReadWholeFile(origin, text); !problem.empty()) return problem;
   if (std::string problem = ParseDescription(text, origin, description); !problem.empty()) return problem;
-  if (std::string problem = CollectContents(description, DirectoryOf(origin), contents); !problem.empty())
-    return problem;
-  return ComposePackage(contents, package);
+  return CollectContents(description, DirectoryOf(origin), contents);
 }
 
 int Run(const Arguments& arguments) {
   const std::string& path = arguments.Operands()[1];
-  std::string package;
-  if (std::string problem = Compose(arguments.Operands()[0], package); !problem.empty())
+  PackageContents contents;
+  if (std::string problem = Describe(arguments.Operands()[0], contents); !problem.empty())
     return Fail(kBadInput, problem);
-  if (std::string problem = WriteWholeFile(path, package); !problem.empty()) return Fail(kCannotWrite, problem);
   PackageModel written;
-  if (std::string problem = ReadPackage(path, written); !problem.empty()) return Fail(kCannotWrite, problem);
+  int status = kCannotWrite;
+  const FillFile write = [&](int fd) {
+    std::string problem = WritePackage(contents, fd);
+    if (problem.ends_with(kCannotWriteData)) return "cannot write " + path + ": " + std::strerror(errno);
+    if (problem.empty()) problem = ReadPackage("/proc/self/fd/" + std::to_string(fd), true, written);
+    if (!problem.empty()) status = kBadInput;
+    return problem;
+  };
+  if (std::string problem = WriteFile(path, write, 0666, arguments.Has("force")); !problem.empty())
+    return Fail(status, problem);
   for (const std::string& warning : WarningsFor(written, BaseName(path))) Warn(warning);
   return kDone;
 }
 
 }  // namespace
 
-const Command kBuildCommand = {"build", kHelp, {}, 2, 2, Run};
+const Command kBuildCommand = {"build", kHelp, kOptions, 2, 2, Run};
 
 }  // namespace mkpkg

@@ -75,7 +75,7 @@ std::string MissingInput(const Arguments& arguments) {
 
 void PrintWarnings(const std::string& path, const DeviceFacts& facts) {
   PackageModel package;
-  if (!ReadPackage(path, package).empty()) return;  // the verdict says it
+  if (!ReadPackage(path, false, package).empty()) return;  // the verdict says it
   for (const std::string& warning : WarningsFor(package, BaseName(facts.typed_name))) Warn(Printable(warning));
   for (const std::string& warning : SignatureWarningsFor(package)) Warn(Printable(warning));
   if (NamesWeakKey(package, facts.key_directory))

@@ -1,15 +1,18 @@
 #include "tools/mkpkg/compression.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
+#include <utility>
 
 #include "tools/mkpkg/archive_handle.h"
+#include "util/unique_handle.h"
 
 namespace mkpkg {
 namespace {
 
-constexpr std::size_t kWriteSize = 1 << 18;  // between two looks at the progress
-constexpr char kEntryName[] = "data";        // of the only file in a 7z archive; nobody reads it
+constexpr std::size_t kReadSize = 1 << 16;
+constexpr char kEntryName[] = "data";  // of the only file in a 7z archive; nobody reads it
 
 int SetUpGz(archive* output) {
   const int result = archive_write_add_filter_gzip(output);
@@ -37,23 +40,86 @@ const Method& MethodOf(Compression compression) {
       [&](const Method& method) { return method.compression == compression; });
 }
 
-bool WriteData(archive* output, std::string_view data, Progress& progress) {
-  for (std::string_view rest = data; !rest.empty();) {
-    const la_ssize_t written = archive_write_data(output, rest.data(), std::min(rest.size(), kWriteSize));
-    if (written <= 0) return false;
-    rest.remove_prefix(static_cast<std::size_t>(written));
-    progress.Advance(static_cast<std::size_t>(written));
-  }
-  return true;
+std::string CannotCompress(archive* output, const Method& method) {
+  return std::string("cannot compress with ") + method.name + ": " + ArchiveReason(output);
 }
 
-UniqueArchiveReader OpenText(std::string_view text, int (*support)(archive*), int (*filters)(archive*)) {
-  UniqueArchiveReader input(archive_read_new());
-  if (!input || support(input.get()) != ARCHIVE_OK || filters(input.get()) < ARCHIVE_WARN ||
-      archive_read_open_memory(input.get(), text.data(), text.size()) != ARCHIVE_OK)
-    return nullptr;
-  return input;
+/// Makes an archive of one file. @param size of its data; only a 7z archive tells it.
+std::string WriteArchive(const Method& method, std::uint64_t size, const Feed& feed, const Sink& sink) {
+  const UniqueArchiveWriter output(archive_write_new());
+  const UniqueArchiveEntry entry(archive_entry_new());
+  if (!output || !entry) return "out of memory";
+  archive_entry_set_pathname(entry.get(), kEntryName);
+  archive_entry_set_filetype(entry.get(), AE_IFREG);
+  archive_entry_set_perm(entry.get(), 0644);
+  archive_entry_set_size(entry.get(), static_cast<la_int64_t>(size));
+  if (method.set_format(output.get()) != ARCHIVE_OK || method.set_up(output.get()) != ARCHIVE_OK ||
+      !OpenToSink(output.get(), sink) || archive_write_header(output.get(), entry.get()) != ARCHIVE_OK)
+    return CannotCompress(output.get(), method);
+  std::string problem = feed([&](std::string_view piece) { return WriteToArchive(output.get(), piece); });
+  if (problem.empty() && archive_write_close(output.get()) != ARCHIVE_OK)
+    problem = CannotCompress(output.get(), method);
+  return problem;
 }
+
+/// The head of a 7z archive tells the length of what is in it, so that is kept in a file until its length is known.
+std::string Keep(const Feed& feed, std::FILE* kept, std::uint64_t& size) {
+  const std::string problem = feed([&](std::string_view piece) -> std::string {
+    size += piece.size();
+    return std::fwrite(piece.data(), 1, piece.size(), kept) == piece.size() ? "" : "cannot write a temporary file";
+  });
+  return problem.empty() && std::fflush(kept) != 0 ? "cannot write a temporary file" : problem;
+}
+
+la_ssize_t ReadPiece(archive* /*input*/, void* pieces, const void** bytes) {
+  const std::string_view piece = static_cast<Pieces*>(pieces)->Next();
+  *bytes = piece.data();
+  return static_cast<Pieces*>(pieces)->Problem().empty() ? static_cast<la_ssize_t>(piece.size()) : ARCHIVE_FATAL;
+}
+
+la_int64_t SeekPiece(archive* /*input*/, void* pieces, la_int64_t offset, int whence) {
+  auto* file = static_cast<FilePieces*>(pieces);
+  if (whence == SEEK_CUR) offset += static_cast<la_int64_t>(file->Place());
+  if (whence == SEEK_END) offset += static_cast<la_int64_t>(file->Length());
+  file->SetPlace(static_cast<std::uint64_t>(offset));
+  return offset;
+}
+
+/// What comes out of a 7z archive.
+class SevenZipPieces final : public Pieces {
+ public:
+  SevenZipPieces(std::unique_ptr<FilePieces> packed, std::uint64_t size)
+      : packed_(std::move(packed)), input_(archive_read_new()), buffer_(kReadSize) {
+    archive_entry* entry = nullptr;
+    if (!input_ || archive_read_support_format_7zip(input_.get()) != ARCHIVE_OK ||
+        archive_read_set_seek_callback(input_.get(), SeekPiece) != ARCHIVE_OK ||
+        archive_read_open(input_.get(), packed_.get(), nullptr, ReadPiece, nullptr) != ARCHIVE_OK ||
+        archive_read_next_header(input_.get(), &entry) != ARCHIVE_OK) {
+      problem_ = "the data are no 7z archive";
+      return;
+    }
+    left_ = archive_entry_size(entry);
+    if (left_ <= 0 || static_cast<std::uint64_t>(left_) > size)
+      problem_ = "the 7z data unpack to nothing, or to more than the size that the package tells";
+  }
+
+  [[nodiscard]] std::string_view Next() override {
+    if (!problem_.empty() || left_ == 0) return {};
+    const la_ssize_t count = archive_read_data(input_.get(), buffer_.data(), buffer_.size());
+    if (count <= 0) {
+      problem_ = "the 7z data are damaged";
+      return {};
+    }
+    left_ -= count;
+    return {buffer_.data(), static_cast<std::size_t>(count)};
+  }
+
+ private:
+  std::unique_ptr<FilePieces> packed_;
+  UniqueArchiveReader input_;
+  std::vector<char> buffer_;
+  la_int64_t left_ = 0;
+};
 
 }  // namespace
 
@@ -65,42 +131,28 @@ std::optional<Compression> CompressionNamed(std::string_view name) {
 
 const char* SuffixOf(Compression compression) { return MethodOf(compression).suffix; }
 
-std::string Compress(Compression compression, std::string_view data, Progress& progress, std::string& compressed) {
+std::string Compress(Compression compression, const Feed& feed, const Sink& sink) {
   const Method& method = MethodOf(compression);
-  compressed.clear();
-  const UniqueArchiveWriter output(archive_write_new());
-  const UniqueArchiveEntry entry(archive_entry_new());
-  if (!output || !entry) return "out of memory";
-  archive_entry_set_pathname(entry.get(), kEntryName);
-  archive_entry_set_filetype(entry.get(), AE_IFREG);
-  archive_entry_set_perm(entry.get(), 0644);
-  archive_entry_set_size(entry.get(), static_cast<la_int64_t>(data.size()));
-  if (method.set_format(output.get()) != ARCHIVE_OK || method.set_up(output.get()) != ARCHIVE_OK ||
-      !OpenToText(output.get(), compressed) || archive_write_header(output.get(), entry.get()) != ARCHIVE_OK ||
-      !WriteData(output.get(), data, progress) || archive_write_close(output.get()) != ARCHIVE_OK)
-    return std::string("cannot compress with ") + method.name + ": " + ArchiveReason(output.get());
-  return "";
+  if (compression != Compression::k7z) return WriteArchive(method, 0, feed, sink);
+  const UniqueFile kept(std::tmpfile());
+  std::uint64_t size = 0;
+  if (!kept) return "cannot make a temporary file";
+  if (std::string problem = Keep(feed, kept.get(), size); !problem.empty()) return problem;
+  FilePieces pieces(fileno(kept.get()), 0, size);
+  return WriteArchive(
+      method, size, [&](const Sink& archive) { return FeedPieces(pieces, archive); }, sink);
 }
 
-std::string Unpack7z(std::string_view packed, std::size_t size, std::string& data) {
-  const UniqueArchiveReader input =
-      OpenText(packed, archive_read_support_format_7zip, archive_read_support_filter_none);
-  archive_entry* entry = nullptr;
-  if (!input || archive_read_next_header(input.get(), &entry) != ARCHIVE_OK) return "the data are no 7z archive";
-  const la_int64_t length = archive_entry_size(entry);
-  if (length <= 0 || static_cast<std::size_t>(length) > size)
-    return "the 7z data unpack to nothing, or to more than the size that the package tells";
-  data.assign(static_cast<std::size_t>(length), '\0');
-  if (archive_read_data(input.get(), data.data(), data.size()) != length) {
-    data = {};
-    return "the 7z data are damaged";
-  }
-  return "";
+UniquePieces Unpack7z(std::unique_ptr<FilePieces> packed, std::uint64_t size) {
+  return std::make_unique<SevenZipPieces>(std::move(packed), size);
 }
 
-std::optional<ImageRoom> MeasureImage(std::string_view image) {
-  const UniqueArchiveReader input = OpenText(image, archive_read_support_format_cpio, archive_read_support_filter_all);
-  if (!input) return std::nullopt;
+std::optional<ImageRoom> MeasureImage(Pieces& image) {
+  const UniqueArchiveReader input(archive_read_new());
+  if (!input || archive_read_support_format_cpio(input.get()) != ARCHIVE_OK ||
+      archive_read_support_filter_all(input.get()) < ARCHIVE_WARN ||
+      archive_read_open(input.get(), &image, nullptr, ReadPiece, nullptr) != ARCHIVE_OK)
+    return std::nullopt;
   ImageRoom room;
   archive_entry* entry = nullptr;
   int result = ARCHIVE_OK;

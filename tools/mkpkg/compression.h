@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "tools/mkpkg/progress.h"
+#include "tools/mkpkg/pieces.h"
 
 namespace mkpkg {
 
@@ -18,15 +20,13 @@ enum class Compression { kGz, kLzma, kXz, k7z };
 /// @return the suffix that an image compressed so must have, with its dot; "" for 7z.
 [[nodiscard]] const char* SuffixOf(Compression compression);
 
-/// Compresses data. The same data give the same bytes, at any time.
+/// Compresses what a feed gives. The same data give the same bytes, at any time.
 /// @return an empty text, or one line that says what went wrong.
-[[nodiscard]] std::string Compress(Compression compression, std::string_view data, Progress& progress,
-                                   std::string& compressed);
+[[nodiscard]] std::string Compress(Compression compression, const Feed& feed, const Sink& sink);
 
 /// Unpacks 7z data as a device does.
-/// @param size  the most bytes that may come out.
-/// @return an empty text, or one line that says what is wrong with the data.
-[[nodiscard]] std::string Unpack7z(std::string_view packed, std::size_t size, std::string& data);
+/// @param size  the most bytes that may come out; nothing is set aside for them.
+[[nodiscard]] UniquePieces Unpack7z(std::unique_ptr<FilePieces> packed, std::uint64_t size);
 
 /// What a device's root file system gets from an image.
 struct ImageRoom {
@@ -36,6 +36,6 @@ struct ImageRoom {
 
 /// Counts what is in an image: a cpio archive, compressed or not.
 /// @return nullopt when it is no such archive, or a damaged one.
-[[nodiscard]] std::optional<ImageRoom> MeasureImage(std::string_view image);
+[[nodiscard]] std::optional<ImageRoom> MeasureImage(Pieces& image);
 
 }  // namespace mkpkg

@@ -1,5 +1,7 @@
 #include "tools/mkpkg/contents.h"
 
+#include <limits>
+
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/image_archive.h"
 
@@ -23,45 +25,61 @@ std::string NameOf(const FileDescription& file) {
   return name;
 }
 
-std::string FetchData(const FileDescription& file, const std::string& base, std::string& data) {
-  if (!file.directory.empty()) return ArchiveDirectory(Below(base, file.directory), TimeOfEntries(), data);
-  if (!file.file.empty()) return ReadWholeFile(Below(base, file.file), data);
-  data = file.text;
-  return "";
+Feed SourceOf(const FileDescription& file, const std::string& base, std::int64_t time) {
+  if (!file.directory.empty()) {
+    return [directory = Below(base, file.directory), time](const Sink& sink) {
+      return ArchiveDirectory(directory, time, sink);
+    };
+  }
+  if (!file.file.empty()) return [path = Below(base, file.file)](const Sink& sink) { return FeedFile(path, sink); };
+  return [text = file.text](const Sink& sink) { return sink(text); };
 }
 
-std::string CollectFile(const FileDescription& described, const std::string& base, PackageFile& file) {
+/// Gives what a feed gives, and notes its length in the package's file.
+std::string FeedCounted(const Feed& feed, PackageFile& file, const Sink& sink) {
+  std::uint64_t size = 0;
+  const std::string problem = feed([&](std::string_view piece) -> std::string {
+    size += piece.size();
+    return size > std::numeric_limits<std::uint32_t>::max() ? file.name + " is larger than 4 GB" : sink(piece);
+  });
+  file.unpacked_size = static_cast<std::uint32_t>(size);
+  return problem;
+}
+
+PackageFile CollectFile(const FileDescription& described, const std::string& base, std::int64_t time) {
+  PackageFile file;
   file.id = described.id;
   file.device_code = described.device_tag;
   file.name = NameOf(described);
-  if (std::string problem = FetchData(described, base, file.data); !problem.empty()) return problem;
-  for (const Compression compression : described.compressions) {
-    if (compression == Compression::k7z) {
-      if (file.data.size() > 0xFFFFFFFF) return file.name + " is larger than 4 GB";
-      file.unpacked_size = static_cast<std::uint32_t>(file.data.size());
+  Feed feed = SourceOf(described, base, time);
+  for (const Compression compression : described.compressions)
+    if (compression == Compression::k7z)
       file.packing = kPacked7z;
-    }
-    Progress progress("Compressing " + file.name, file.data.size());
-    std::string compressed;
-    if (std::string problem = Compress(compression, file.data, progress, compressed); !problem.empty()) return problem;
-    file.data = std::move(compressed);
+    else
+      feed = [feed, compression](const Sink& sink) { return Compress(compression, feed, sink); };
+  if (file.packing == kPacked7z) {
+    file.feed = [feed](PackageFile& self, const Sink& sink) {
+      return Compress(
+          Compression::k7z, [&](const Sink& archive) { return FeedCounted(feed, self, archive); }, sink);
+    };
+  } else {
+    file.feed = [feed](PackageFile& /*self*/, const Sink& sink) { return feed(sink); };
   }
-  return "";
+  return file;
 }
 
 }  // namespace
 
 std::string CollectContents(const PackageDescription& description, const std::string& base, PackageContents& contents) {
+  std::int64_t time = 0;
+  if (std::string problem = ReadTimeOfEntries(time); !problem.empty()) return problem;
   contents = {};
   contents.product_tag = description.product_tag;
   contents.type = description.type;
   contents.attribute = description.attribute;
   contents.host_order = description.host_order;
-  for (const FileDescription& described : description.files) {
-    PackageFile file;
-    if (std::string problem = CollectFile(described, base, file); !problem.empty()) return problem;
-    contents.files.push_back(std::move(file));
-  }
+  for (const FileDescription& described : description.files)
+    contents.files.push_back(CollectFile(described, base, time));
   return "";
 }
 

@@ -7,7 +7,7 @@
 
 namespace mkpkg {
 
-/// Fetches and compresses what a description names.
+/// Tells what a package holds that a description is of. What it names is fetched and compressed when that is written.
 /// @param base  directory that its relative paths start from.
 /// @return an empty text, or one line that says what went wrong.
 [[nodiscard]] std::string CollectContents(const PackageDescription& description, const std::string& base,

@@ -67,7 +67,7 @@ DeviceVerdict JudgeWord(const std::string& name) {
 /// Opens a text of a package for reading line by line; none when it has no such text.
 UniqueLines TextIn(PKG_READER_S* package, std::uint32_t id) {
   const PackageFileEntry* entry = FindFile(*package, id);
-  const std::string text = entry == nullptr ? "" : ReadContained(package, *entry).data;
+  const std::string text = entry == nullptr ? "" : ReadContained(package, *entry, false).begin;
   return UniqueLines(text.empty() ? nullptr : ReadBuffCreateByMem(text.data(), text.size()));
 }
 
@@ -110,7 +110,7 @@ class ToldDevice final : public LoadDevice {
     return ReadVersionTag(facts_.version_file.c_str(), kDeviceTagName);
   }
   bool TakeImage(PKG_READER_S* package, const PackageFileEntry& entry) override {
-    const ContainedFile image = ReadContained(package, entry);
+    const ContainedFile image = ReadContained(package, entry, false);
     if (!image.problem.empty()) reason_ = "image " + image.name + " gives no data: " + image.problem;
     return image.problem.empty();
   }

@@ -5,12 +5,14 @@
 #include <cstdio>
 #include <cstring>
 
+#include "pkg/format/package_reader.h"
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/package_model.h"
 #include "tools/mkpkg/report.h"
+#include "tools/mkpkg/verdict_text.h"
 
 namespace mkpkg {
 namespace {
@@ -38,23 +40,29 @@ std::string SafeName(const ContainedFile& file, std::size_t place, const std::ve
 int Run(const Arguments& arguments) {
   const std::string& path = arguments.Operands()[0];
   const std::string& directory = arguments.Operands()[1];
-  PackageModel package;
-  if (std::string problem = ReadPackage(path, package); !problem.empty()) return Fail(kBadInput, problem);
+  PKG_READER_S* opened = nullptr;
+  const PackageVerdict verdict = OpenPackage(path.c_str(), opened);
+  const UniquePackage reader(opened);
+  if (verdict != PackageVerdict::kGood) return Fail(kBadInput, path + ": " + TextOf(verdict).reason);
   if (mkdir(directory.c_str(), 0777) != 0 && errno != EEXIST)
     return Fail(kCannotWrite, "cannot make " + directory + ": " + std::strerror(errno));
   int status = kDone;
   std::vector<std::string> used;
-  for (std::size_t place = 0; place < package.files.size(); ++place) {
-    const ContainedFile& file = package.files[place];
+  for (std::uint32_t place = 0; place < reader->head.file_count; ++place) {
+    ContainedFile file;
+    const UniquePieces data = OpenContained(reader.get(), reader->head.files[place], file);
     const std::string name = SafeName(file, place, used);
-    if (!file.problem.empty()) {
-      status = Fail(kBadInput, name + ": " + file.problem);
+    const std::string target = std::string(directory).append("/").append(name);
+    std::string problem = file.problem;
+    if (data)
+      problem = WriteFile(
+          target, [&](int fd) { return FeedPieces(*data, IntoFile(fd, target)); }, 0666, false);
+    if (!data || !data->Problem().empty()) {
+      status = Fail(kBadInput, path + ": " + name + ": " + problem);
       continue;
     }
+    if (!problem.empty()) return Fail(kCannotWrite, problem);
     used.push_back(name);
-    const std::string target = std::string(directory).append("/").append(name);
-    if (std::string problem = WriteWholeFile(target, file.data, 0666, false); !problem.empty())
-      return Fail(kCannotWrite, problem);
     std::printf("%s\n", target.c_str());
   }
   return std::max(status, EndOutput());

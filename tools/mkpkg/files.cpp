@@ -1,6 +1,7 @@
 #include "tools/mkpkg/files.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,14 +11,17 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <vector>
 
+#include "tools/mkpkg/progress.h"
 #include "util/new_file.h"
 #include "util/unique_handle.h"
 
 namespace mkpkg {
 namespace {
 
-constexpr std::size_t kPiece = 1 << 20;
+constexpr std::size_t kPiece = 1 << 18;
 constexpr int kFatalSignals[] = {SIGHUP, SIGINT, SIGTERM};
 
 char g_temporary[PATH_MAX];  // the file to remove when a signal ends the program; "": none
@@ -28,8 +32,8 @@ extern "C" void RemoveTemporary(int number) {
   (void)raise(number);
 }
 
-std::string Reason(const char* what, const std::string& path) {
-  return std::string("cannot ") + what + " " + path + ": " + std::strerror(errno);
+std::string Reason(const char* what, const std::string& path, int error = errno) {
+  return std::string("cannot ") + what + " " + path + ": " + std::strerror(error);
 }
 
 /// A temporary file that is gone when the object is, unless it took the place of another.
@@ -50,6 +54,7 @@ class Temporary {
   }
 
   [[nodiscard]] int Get() const { return fd_.Get(); }
+  [[nodiscard]] const std::string& Name() const { return name_; }
 
   /// @param replace  false: fails with EEXIST when the place is taken.
   bool TakePlaceOf(const std::string& path, bool replace) const {
@@ -62,43 +67,78 @@ class Temporary {
   UniqueFd fd_;
 };
 
-std::string WriteInPlace(const std::string& path, std::string_view bytes) {
-  UniqueFd fd(open(path.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!fd || !WriteAll(fd.Get(), bytes.data(), bytes.size()) || close(fd.Release()) != 0) return Reason("write", path);
-  return "";
+bool IsRegular(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode);
 }
 
 }  // namespace
 
-std::string ReadWholeFile(const std::string& path, std::string& bytes) {
-  bytes.clear();
+Sink IntoFile(int fd, const std::string& path) {
+  return [fd, path](std::string_view piece) {
+    return WriteAll(fd, piece.data(), piece.size()) ? "" : Reason("write", path);
+  };
+}
+
+std::string FeedFile(const std::string& path, const Sink& sink) {
   const UniqueFd fd(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   struct stat status {};
   if (!fd || fstat(fd.Get(), &status) != 0) return Reason("read", path);
-  if (S_ISREG(status.st_mode)) bytes.reserve(static_cast<std::size_t>(status.st_size));
+  Progress progress("Reading " + path, S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0);
+  std::vector<char> piece(kPiece);
   for (;;) {
-    const std::size_t had = bytes.size();
-    bytes.resize(had + kPiece);
-    const ssize_t count = read(fd.Get(), bytes.data() + had, kPiece);
-    const int error = errno;
-    bytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    errno = error;
-    if (count < 0 && errno != EINTR) return Reason("read", path);
+    const ssize_t count = read(fd.Get(), piece.data(), piece.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return Reason("read", path);
     if (count == 0) return "";
+    const auto length = static_cast<std::size_t>(count);
+    if (std::string problem = sink({piece.data(), length}); !problem.empty()) return problem;
+    progress.Advance(length);
   }
 }
 
-std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode_t mode, bool replace) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return WriteInPlace(path, bytes);
-  const Temporary temporary(path);
+std::string ReadWholeFile(const std::string& path, std::string& bytes) {
+  bytes.clear();
+  return FeedFile(path, [&](std::string_view piece) {
+    bytes += piece;
+    return "";
+  });
+}
+
+std::string WriteFile(const std::string& path, const FillFile& fill, mode_t mode, bool replace) {
+  const bool is_regular = IsRegular(path);
+  if (!replace && is_regular && access(path.c_str(), F_OK) == 0)
+    return Reason("write", path, EEXIST);  // before long work, not after it
+  const Temporary temporary(is_regular ? path : std::filesystem::temp_directory_path().string() + "/mkpkg");
+  if (temporary.Get() < 0) return Reason("write", path);
+  if (std::string problem = fill(temporary.Get()); !problem.empty()) return problem;
+  if (!is_regular) {
+    const UniqueFd fd(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    return fd ? FeedFile(temporary.Name(), IntoFile(fd.Get(), path)) : Reason("write", path);
+  }
   const mode_t mask = umask(0);
   umask(mask);
-  if (temporary.Get() < 0 || !WriteAll(temporary.Get(), bytes.data(), bytes.size()) ||
-      fchmod(temporary.Get(), mode & ~mask) != 0 || fsync(temporary.Get()) != 0 ||
+  if (fchmod(temporary.Get(), mode & ~mask) != 0 || fsync(temporary.Get()) != 0 ||
       !temporary.TakePlaceOf(path, replace))
     return Reason("write", path);
   return "";
+}
+
+std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode_t mode, bool replace) {
+  return WriteFile(
+      path, [&](int fd) { return IntoFile(fd, path)(bytes); }, mode, replace);
+}
+
+std::string InMemory(std::string& bytes, const FillFile& work) {
+  const UniqueFd fd(memfd_create("package", MFD_CLOEXEC));
+  if (!fd || !WriteAll(fd.Get(), bytes.data(), bytes.size())) return "out of memory";
+  if (std::string problem = work(fd.Get()); !problem.empty()) return problem;
+  bytes.clear();
+  FilePieces pieces(fd.Get(), 0, static_cast<std::uint64_t>(lseek(fd.Get(), 0, SEEK_END)));
+  return FeedPieces(pieces, [&](std::string_view piece) {
+    bytes += piece;
+    return "";
+  });
 }
 
 std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }

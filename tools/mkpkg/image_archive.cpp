@@ -31,14 +31,14 @@ std::string ListEntries(const std::string& directory, std::vector<fs::path>& pat
 }
 
 /// Fills an entry from a file. What an archive cannot hold is refused: a socket would vanish without a word.
-std::string DescribeFile(const fs::path& path, archive_entry* entry, std::string& data) {
+std::string DescribeFile(const fs::path& path, archive_entry* entry) {
   struct stat status {};
   if (lstat(path.c_str(), &status) != 0) return "cannot read " + path.string() + ": " + std::strerror(errno);
   archive_entry_set_filetype(entry, status.st_mode & S_IFMT);
   archive_entry_set_perm(entry, status.st_mode & 07777);
   archive_entry_set_nlink(entry, S_ISDIR(status.st_mode) ? 2 : 1);
-  if (S_ISDIR(status.st_mode)) return "";
-  if (S_ISREG(status.st_mode)) return ReadWholeFile(path.string(), data);
+  archive_entry_set_size(entry, S_ISREG(status.st_mode) ? status.st_size : 0);
+  if (S_ISDIR(status.st_mode) || S_ISREG(status.st_mode)) return "";
   if (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode)) {
     archive_entry_set_rdev(entry, status.st_rdev);
     return "";
@@ -49,39 +49,50 @@ std::string DescribeFile(const fs::path& path, archive_entry* entry, std::string
   return error ? "cannot read " + path.string() + ": " + error.message() : "";
 }
 
+std::string WriteEntry(archive* output, const fs::path& path, archive_entry* entry) {
+  // A name beyond ASCII only warns: its bytes are written as they are.
+  if (archive_write_header(output, entry) < ARCHIVE_WARN) return ArchiveReason(output);
+  if (archive_entry_filetype(entry) != AE_IFREG) return "";
+  auto left = static_cast<std::uint64_t>(archive_entry_size(entry));
+  const std::string problem = FeedFile(path, [&](std::string_view piece) -> std::string {
+    if (piece.size() > left) return "it grows while it is read";
+    left -= piece.size();
+    return WriteToArchive(output, piece);
+  });
+  return problem.empty() && left > 0 ? "it became shorter while it was read" : problem;
+}
+
 }  // namespace
 
-std::string ArchiveDirectory(const std::string& directory, std::int64_t time, std::string& archive) {
+std::string ArchiveDirectory(const std::string& directory, std::int64_t time, const Sink& sink) {
   std::vector<fs::path> paths;
   if (std::string problem = ListEntries(directory, paths); !problem.empty()) return problem;
-  archive.clear();
   const UniqueArchiveWriter output(archive_write_new());
-  if (!output || archive_write_set_format_cpio_newc(output.get()) != ARCHIVE_OK || !OpenToText(output.get(), archive))
+  if (!output || archive_write_set_format_cpio_newc(output.get()) != ARCHIVE_OK || !OpenToSink(output.get(), sink))
     return "cannot make an archive: " + ArchiveReason(output.get());
   la_int64_t number = 0;
   for (const fs::path& path : paths) {
     const UniqueArchiveEntry entry(archive_entry_new());
     if (!entry) return "out of memory";
-    std::string data;
-    if (std::string problem = DescribeFile(path, entry.get(), data); !problem.empty()) return problem;
+    if (std::string problem = DescribeFile(path, entry.get()); !problem.empty()) return problem;
     archive_entry_set_pathname(entry.get(), path.lexically_relative(directory).c_str());
     archive_entry_set_ino64(entry.get(), ++number);
     archive_entry_set_mtime(entry.get(), time, 0);
-    archive_entry_set_size(entry.get(), static_cast<la_int64_t>(data.size()));
-    // A name beyond ASCII only warns: its bytes are written as they are.
-    if (archive_write_header(output.get(), entry.get()) < ARCHIVE_WARN ||
-        archive_write_data(output.get(), data.data(), data.size()) != static_cast<la_ssize_t>(data.size()))
-      return "cannot archive " + path.string() + ": " + ArchiveReason(output.get());
+    if (std::string problem = WriteEntry(output.get(), path, entry.get()); !problem.empty())
+      return "cannot archive " + path.string() + ": " + problem;
   }
-  return archive_write_close(output.get()) == ARCHIVE_OK ? "" : "cannot end the archive";
+  return archive_write_close(output.get()) == ARCHIVE_OK ? ""
+                                                         : "cannot end the archive: " + ArchiveReason(output.get());
 }
 
-std::int64_t TimeOfEntries() {
+std::string ReadTimeOfEntries(std::int64_t& time) {
   const char* text = std::getenv("SOURCE_DATE_EPOCH");
   std::uint64_t seconds = 0;
   // The format has 32 bits for it.
-  return text != nullptr && ReadDecimal(text, seconds) && seconds <= 0xFFFFFFFF ? static_cast<std::int64_t>(seconds)
-                                                                                : 0;
+  if (text != nullptr && (!ReadDecimal(text, seconds) || seconds > 0xFFFFFFFF))
+    return std::string("SOURCE_DATE_EPOCH is no number of seconds below 4294967296: ") + text;
+  time = static_cast<std::int64_t>(seconds);
+  return "";
 }
 
 }  // namespace mkpkg

@@ -24,7 +24,7 @@ constexpr Option kOptions[] = {{"json"}};
 int Run(const Arguments& arguments) {
   const std::string& path = arguments.Operands()[0];
   PackageModel package;
-  if (std::string problem = ReadPackage(path, package); !problem.empty()) return Fail(kBadInput, problem);
+  if (std::string problem = ReadPackage(path, true, package); !problem.empty()) return Fail(kBadInput, problem);
   const std::string report = arguments.Has("json") ? JsonReport(package, path) : TextReport(package, path);
   (void)std::fputs(report.c_str(), stdout);
   return EndOutput();

@@ -1,7 +1,9 @@
 #include "tools/mkpkg/package_model.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
+#include <utility>
 
 #include "pkg/format/contained_file.h"
 #include "pkg/format/line_reader.h"
@@ -9,7 +11,6 @@
 #include "pkg/format/package_seal.h"
 #include "pkg/format/package_text.h"
 #include "tools/mkpkg/compression.h"
-#include "tools/mkpkg/files.h"
 #include "tools/mkpkg/package_signer.h"
 #include "tools/mkpkg/verdict_text.h"
 #include "util/unique_handle.h"
@@ -17,47 +18,79 @@
 namespace mkpkg {
 namespace {
 
+constexpr std::size_t kMostText = 1 << 20;  // no maker writes longer ones
+constexpr std::size_t kMostMagic = 8;
+
 std::string_view NameIn(const PackageFileHead& head) {
   return {head.name, std::find(std::begin(head.name), std::end(head.name), '\0')};
 }
 
-/// Only packed data are unpacked here: the device does it with a library of its own.
-std::string UnpackData(const PackageFileHead& head, std::string_view stored, std::string& data) {
-  if (head.compression == kStoredAsIs) {
-    data = stored;
-    return "";
+/// Passes data on and keeps what a maker is told of them.
+class ObservedPieces final : public Pieces {
+ public:
+  ObservedPieces(Pieces& data, ContainedFile& file) : data_(data), file_(file) {}
+
+  [[nodiscard]] std::string_view Next() override {
+    const std::string_view piece = data_.Next();
+    file_.size += piece.size();
+    const std::size_t wanted = file_.IsText() ? kMostText + 1 : kMostMagic;
+    file_.begin.append(piece.substr(0, wanted - std::min(wanted, file_.begin.size())));
+    problem_ = data_.Problem();
+    return piece;
   }
-  if (head.compression == kPacked7z) return Unpack7z(stored, head.unpacked_size, data);
-  return "compression " + std::to_string(head.compression) + " is unknown to devices";
-}
+
+ private:
+  Pieces& data_;
+  ContainedFile& file_;
+};
 
 }  // namespace
 
-ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry) {
-  ContainedFile file;
+UniquePieces OpenContained(PKG_READER_S* reader, const PackageFileEntry& entry, ContainedFile& file) {
+  file = {};
   file.id = entry.file_id;
   const UniqueFileHead head(FileHeadCreateByFileDesc(reader, &entry));
   if (!head) {
     file.problem = "its head lies outside the package, does not agree with the file table or is not signed";
-    return file;
+    return nullptr;
   }
   file.has_head = true;
   file.device_code = head->device_code;
   file.compression = head->compression;
   file.stored_size = head->stored_size;
-  file.told_size = head->compression == kPacked7z ? head->unpacked_size : head->stored_size;
   file.name = NameIn(*head);
   const std::uint64_t offset = std::uint64_t{entry.head_offset} + kFileHeadSize;
-  const UniqueText stored(static_cast<char*>(ReadBlockFromFile(&reader->source, offset, head->stored_size)));
-  if (!stored) {
-    file.problem = head->stored_size == 0 ? "it is empty" : "its data lie outside the package";
-    return file;
-  }
-  if (reader->seal != nullptr && !reader->seal->Holds(offset, stored.get(), head->stored_size)) {
+  if (head->stored_size == 0)
+    file.problem = "it is empty";
+  else if (offset + head->stored_size > SizeOfSource(reader->source))
+    file.problem = "its data lie outside the package";
+  else if (reader->seal != nullptr && !reader->seal->Covers(offset, head->stored_size))
     file.problem = "its data are not covered by the signature";
-    return file;
+  else if (head->compression != kStoredAsIs && head->compression != kPacked7z)
+    file.problem = "compression " + std::to_string(head->compression) + " is unknown to devices";
+  if (!file.problem.empty()) return nullptr;
+  auto stored = std::make_unique<FilePieces>(fileno(reader->source.stream), offset, head->stored_size);
+  if (head->compression == kStoredAsIs) return stored;
+  // The device does it with a library of its own.
+  return Unpack7z(std::move(stored), head->unpacked_size);
+}
+
+ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry, bool measures_images) {
+  ContainedFile file;
+  const UniquePieces data = OpenContained(reader, entry, file);
+  if (!data) return file;
+  ObservedPieces observed(*data, file);
+  file.is_measured = measures_images && file.id == kSystemImageFile;
+  if (file.is_measured) file.room = MeasureImage(observed);
+  // Packed data are good only when all of them came; of others the beginning will do.
+  const bool reads_all = file.IsText() || file.compression == kPacked7z;
+  while ((reads_all || file.size == 0) && !observed.Next().empty()) {
   }
-  file.problem = UnpackData(*head, {stored.get(), head->stored_size}, file.data);
+  if (file.compression == kStoredAsIs) file.size = file.stored_size;
+  file.problem = data->Problem();
+  if (file.problem.empty() && file.begin.size() > kMostText)
+    file.problem = "a text of more than " + std::to_string(kMostText) + " bytes is not read here";
+  if (!file.problem.empty()) file.begin.clear();
   return file;
 }
 
@@ -66,19 +99,17 @@ const ContainedFile* PackageModel::Find(std::uint32_t id) const {
   return found == files.end() ? nullptr : &*found;
 }
 
-std::string ReadPackage(const std::string& path, PackageModel& package) {
+std::string ReadPackage(const std::string& path, bool measures_images, PackageModel& package) {
   package = {};
   PKG_READER_S* opened = nullptr;
   const PackageVerdict verdict = OpenPackage(path.c_str(), opened);
   const UniquePackage reader(opened);
   if (verdict != PackageVerdict::kGood) return path + ": " + TextOf(verdict).reason;
   package.head = reader->head;
+  package.size = SizeOfSource(reader->source);
+  if (!package.IsSignedInHead()) package.trailer = FindTrailer(fileno(reader->source.stream), package.size);
   for (std::uint32_t i = 0; i < reader->head.file_count; ++i)
-    package.files.push_back(ReadContained(reader.get(), reader->head.files[i]));
-  std::string bytes;
-  if (std::string problem = ReadWholeFile(path, bytes); !problem.empty()) return problem;
-  package.size = bytes.size();
-  if (!package.IsSignedInHead()) package.trailer = bytes.substr(bytes.size() - TrailerSize(bytes));
+    package.files.push_back(ReadContained(reader.get(), reader->head.files[i], measures_images));
   return "";
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "pkg/format/package_format.h"
+#include "tools/mkpkg/compression.h"
 
 struct PKG_READER_S;
 
@@ -17,10 +19,14 @@ struct ContainedFile {
   std::uint32_t device_code = 0;
   std::uint32_t compression = kStoredAsIs;
   std::uint64_t stored_size = 0;
-  std::uint64_t told_size = 0;  ///< of the data, as its head tells
+  std::uint64_t size = 0;  ///< of the data that a device gets
   std::string name;
-  std::string data;     ///< unpacked
+  std::string begin;         ///< of the data; of a text all of it
+  bool is_measured = false;  ///< `room` was asked for
+  std::optional<ImageRoom> room;
   std::string problem;  ///< why a device gets no data; "": it does
+
+  [[nodiscard]] bool IsText() const { return id == kCompatibilityFile || id == kDescriptionFile; }
 };
 
 /// A package as a device finds it, before anybody asks whether it is genuine.
@@ -37,11 +43,17 @@ struct PackageModel {
 };
 
 /// Reads a package with the reader that the device has.
+/// @param measures_images  whether all of an image is read, to tell the room that it needs.
 /// @return an empty text, or one line that says why a device could not open it.
-[[nodiscard]] std::string ReadPackage(const std::string& path, PackageModel& package);
+[[nodiscard]] std::string ReadPackage(const std::string& path, bool measures_images, PackageModel& package);
 
 /// Reads the file of a row of the table; of a verified package only what its signature covers.
-[[nodiscard]] ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry);
+[[nodiscard]] ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry, bool measures_images);
+
+/// Opens its data, unpacked, without reading them.
+/// @param file  receives what its head tells.
+/// @return none when there are none; `file` tells why.
+[[nodiscard]] UniquePieces OpenContained(PKG_READER_S* reader, const PackageFileEntry& entry, ContainedFile& file);
 
 /// @return the rest of a trailer's line that starts with `field`, such as kKeyLabel; "" when there is no such line.
 [[nodiscard]] std::string TrailerField(const PackageModel& package, std::string_view field);

@@ -1,13 +1,18 @@
 #include "tools/mkpkg/package_signer.h"
 
 #include <openssl/evp.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <csignal>
+#include <memory>
 #include <string_view>
 
 #include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/package_format.h"
+#include "tools/mkpkg/files.h"
 #include "tools/mkpkg/package_bytes.h"
 #include "util/ascii.h"
 
@@ -24,6 +29,10 @@ constexpr std::uint32_t kSignedInHead = 0;
 constexpr std::size_t kFormatAt = offsetof(PackageMainHead, signature_format);
 constexpr std::size_t kSignatureLengthAt = offsetof(PackageMainHead, signature_length);
 constexpr std::size_t kSignatureAt = offsetof(PackageMainHead, signature);
+
+struct DigestFreer {
+  void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
+};
 
 const unsigned char* Bytes(std::string_view text) { return reinterpret_cast<const unsigned char*>(text.data()); }
 
@@ -51,6 +60,40 @@ bool IsTrailer(std::string_view text) {
   return stands_between(kGenericMarkers) || stands_between(kVendorMarkers);
 }
 
+bool Put(int fd, std::string_view bytes, std::uint64_t offset) {
+  return pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(offset)) == static_cast<ssize_t>(bytes.size());
+}
+
+/// @return the bytes of a part of a file; fewer when it cannot be read.
+std::string Part(int fd, std::uint64_t begin, std::uint64_t end) {
+  std::string bytes(end - begin, '\0');
+  bytes.resize(
+      static_cast<std::size_t>(std::max<ssize_t>(pread(fd, bytes.data(), bytes.size(), static_cast<off_t>(begin)), 0)));
+  return bytes;
+}
+
+/// Puts a main head and what stands behind the signed part. The end comes first: it may find no room.
+bool PutEnds(int fd, const std::string& head, std::uint64_t end, const std::string& behind) {
+  return Put(fd, behind, end) && ftruncate(fd, static_cast<off_t>(end + behind.size())) == 0 && Put(fd, head, 0) &&
+         fsync(fd) == 0;
+}
+
+/// Keeps the signals of an operator from coming between two changes that belong together.
+class SignalsHeld {
+ public:
+  SignalsHeld() {
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+  ~SignalsHeld() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_;
+};
+
 }  // namespace
 
 std::string ReasonAgainstKeyName(const std::string& name) {
@@ -62,33 +105,47 @@ std::string ReasonAgainstKeyName(const std::string& name) {
   return clean ? "" : "the key name must be printable and hold no blank";
 }
 
-std::size_t TrailerSize(const std::string& package) {
-  const std::string_view bytes = package;
-  const std::size_t length = ToldTrailerLength(bytes).value_or(0);
-  if (length > bytes.size() || bytes.size() - length < kMainHeadSize) return 0;
-  return IsTrailer(bytes.substr(bytes.size() - length)) ? length : 0;
+std::string FindTrailer(int fd, std::uint64_t size) {
+  const std::size_t length =
+      ToldTrailerLength(Part(fd, size - std::min<std::uint64_t>(size, kTrailerTail), size)).value_or(0);
+  if (length > size || size - length < kMainHeadSize) return "";
+  const std::string trailer = Part(fd, size - length, size);
+  return IsTrailer(trailer) ? trailer : "";
 }
 
-std::string PrepareForSigning(const SignatureForm& form, std::string& package) {
+std::string PrepareForSigning(const SignatureForm& form, int fd, PreparedPackage& package) {
   if (!form.in_head) {
     if (std::string reason = ReasonAgainstKeyName(form.key_name); !reason.empty()) return reason;
   }
-  const bool host_order = IsHostOrder(package);
-  if (GetWord(package, kFormatAt, host_order) == kTrailerSigned) package.resize(package.size() - TrailerSize(package));
-  std::fill_n(package.begin() + kSignatureAt, kHeadSignatureRoom, '\0');
-  PutWord(package, kSignatureLengthAt, 0, host_order);
-  PutWord(package, kFormatAt, form.in_head ? kSignedInHead : kTrailerSigned, host_order);
-  RenewHeadCrc(package);
+  package.head = Part(fd, 0, kMainHeadSize);
+  if (!HasMainHead(package.head)) return "it is no package";
+  const bool host_order = IsHostOrder(package.head);
+  package.end = static_cast<std::uint64_t>(lseek(fd, 0, SEEK_END));
+  if (GetWord(package.head, kFormatAt, host_order) == kTrailerSigned)
+    package.end -= FindTrailer(fd, package.end).size();
+  std::fill_n(package.head.begin() + kSignatureAt, kHeadSignatureRoom, '\0');
+  PutWord(package.head, kSignatureLengthAt, 0, host_order);
+  PutWord(package.head, kFormatAt, form.in_head ? kSignedInHead : kTrailerSigned, host_order);
+  RenewHeadCrc(package.head);
   return "";
 }
 
-std::string DigestToSign(const SignatureForm& form, const std::string& package) {
+std::string DigestToSign(const SignatureForm& form, int fd, const PreparedPackage& package, std::string& digest) {
+  const std::unique_ptr<EVP_MD_CTX, DigestFreer> context(EVP_MD_CTX_new());
   // A signature in the head cannot cover the head.
-  const std::string_view covered = std::string_view(package).substr(form.in_head ? kMainHeadSize : 0);
-  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-  unsigned length = 0;
-  if (EVP_Digest(covered.data(), covered.size(), digest.data(), &length, EVP_sha256(), nullptr) != 1) return "";
-  return {reinterpret_cast<const char*>(digest.data()), length};
+  const std::size_t head = form.in_head ? 0 : package.head.size();
+  if (!context || EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) != 1 ||
+      EVP_DigestUpdate(context.get(), package.head.data(), head) != 1)
+    return "out of memory";
+  FilePieces rest(fd, kMainHeadSize, package.end - kMainHeadSize);
+  std::string problem = FeedPieces(rest, [&](std::string_view piece) {
+    return EVP_DigestUpdate(context.get(), piece.data(), piece.size()) == 1 ? "" : "out of memory";
+  });
+  digest.assign(kDigestSize, '\0');
+  if (problem.empty() &&
+      EVP_DigestFinal_ex(context.get(), reinterpret_cast<unsigned char*>(digest.data()), nullptr) != 1)
+    problem = "out of memory";
+  return problem;
 }
 
 std::string BlockToSign(const SignatureForm& form, const std::string& digest) {
@@ -107,27 +164,42 @@ std::string Trailer(const SignatureForm& form, const std::string& signature) {
   return std::string(markers.begin) + counted + text + counted + std::string(markers.end);
 }
 
-std::string AttachSignature(const SignatureForm& form, const std::string& signature, std::string& package) {
+std::string ReasonAgainstSignature(const SignatureForm& form, const std::string& signature) {
   if (signature.empty()) return "the signature is empty";
   const bool fits =
       form.in_head ? signature.size() <= kHeadSignatureRoom : Base64(signature).size() <= kMostSignatureText;
-  if (!fits) return "the signature is longer than a package can carry";
-  if (!form.in_head) {
-    package += Trailer(form, signature);
-    return "";
+  return fits ? "" : "the signature is longer than a package can carry";
+}
+
+bool AttachSignature(const SignatureForm& form, const std::string& signature, int fd, PreparedPackage package) {
+  if (form.in_head) {
+    PutWord(package.head, kSignatureLengthAt, static_cast<std::uint32_t>(signature.size()), IsHostOrder(package.head));
+    std::copy(signature.begin(), signature.end(), package.head.begin() + kSignatureAt);
+    RenewHeadCrc(package.head);
   }
-  PutWord(package, kSignatureLengthAt, static_cast<std::uint32_t>(signature.size()), IsHostOrder(package));
-  std::copy(signature.begin(), signature.end(), package.begin() + kSignatureAt);
-  RenewHeadCrc(package);
-  return "";
+  const std::string head_before = Part(fd, 0, kMainHeadSize);
+  const std::string behind_before = Part(fd, package.end, static_cast<std::uint64_t>(lseek(fd, 0, SEEK_END)));
+  const SignalsHeld held;
+  if (PutEnds(fd, package.head, package.end, form.in_head ? "" : Trailer(form, signature))) return true;
+  const int error = errno;
+  (void)PutEnds(fd, head_before, package.end, behind_before);  // there was room for it
+  errno = error;
+  return false;
 }
 
 std::string SignPackage(const SignatureForm& form, const UniqueKey& key, std::string& package) {
-  if (std::string problem = PrepareForSigning(form, package); !problem.empty()) return problem;
-  std::string signature;
-  if (std::string problem = SignBlock(key, BlockToSign(form, DigestToSign(form, package)), signature); !problem.empty())
-    return problem;
-  return AttachSignature(form, signature, package);
+  return InMemory(
+      package,
+      [&](int fd) {
+        PreparedPackage prepared;
+        std::string digest;
+        std::string signature;
+        std::string problem = PrepareForSigning(form, fd, prepared);
+        if (problem.empty()) problem = DigestToSign(form, fd, prepared, digest);
+        if (problem.empty()) problem = SignBlock(key, BlockToSign(form, digest), signature);
+        if (problem.empty()) problem = ReasonAgainstSignature(form, signature);
+        return problem.empty() && !AttachSignature(form, signature, fd, prepared) ? "cannot write" : problem;
+      });
 }
 
 }  // namespace mkpkg

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "tools/mkpkg/rsa_key.h"
@@ -18,13 +19,20 @@ struct SignatureForm {
 /// @return an empty text, or one line that says why a trailer cannot name this key on a device.
 [[nodiscard]] std::string ReasonAgainstKeyName(const std::string& name);
 
-/// Brings a package into the state that its signature covers: an older signature goes, the head tells the form.
-/// @param package  a package that starts with a whole main head.
-/// @return an empty text, or one line that says why it cannot be signed so.
-[[nodiscard]] std::string PrepareForSigning(const SignatureForm& form, std::string& package);
+/// A package in the state that its signature covers.
+struct PreparedPackage {
+  std::string head;       ///< its main head
+  std::uint64_t end = 0;  ///< of what is signed; an older trailer stands there
+};
 
-/// @return the SHA-256 digest, 32 bytes, of what the signature of a prepared package covers.
-[[nodiscard]] std::string DigestToSign(const SignatureForm& form, const std::string& package);
+/// Tells what a signature is to cover: an older signature is left out, the head tells the form. Nothing is changed yet.
+/// @param fd  of the package.
+/// @return an empty text, or one line that says why it cannot be signed so.
+[[nodiscard]] std::string PrepareForSigning(const SignatureForm& form, int fd, PreparedPackage& package);
+
+/// Computes the SHA-256 digest, 32 bytes, of what the signature of a prepared package covers.
+[[nodiscard]] std::string DigestToSign(const SignatureForm& form, int fd, const PreparedPackage& package,
+                                       std::string& digest);
 
 /// @return the block for a digest that is padded and signed: the digest, or its DigestInfo.
 [[nodiscard]] std::string BlockToSign(const SignatureForm& form, const std::string& digest);
@@ -32,16 +40,22 @@ struct SignatureForm {
 /// The text of a trailer around a signature.
 [[nodiscard]] std::string Trailer(const SignatureForm& form, const std::string& signature);
 
-/// Adds the signature to a prepared package.
-/// @return an empty text, or one line that says why it does not fit.
-[[nodiscard]] std::string AttachSignature(const SignatureForm& form, const std::string& signature,
-                                          std::string& package);
+/// @return an empty text, or one line that says why a package cannot carry this signature.
+[[nodiscard]] std::string ReasonAgainstSignature(const SignatureForm& form, const std::string& signature);
 
-/// Prepares a package, signs it and attaches the signature; the three steps above in one.
+/// Writes the signature into the file of a prepared package, in place: only the main head and what stands behind the
+/// signed part change.
+/// @return false, with errno, when that fails; what was changed is then put back.
+[[nodiscard]] bool AttachSignature(const SignatureForm& form, const std::string& signature, int fd,
+                                   PreparedPackage package);
+
+/// All of these steps for a package in memory.
 /// @return an empty text, or one line that says what went wrong.
 [[nodiscard]] std::string SignPackage(const SignatureForm& form, const UniqueKey& key, std::string& package);
 
-/// @return how many bytes at the end of a package are a signature trailer; 0 when there is none.
-[[nodiscard]] std::size_t TrailerSize(const std::string& package);
+/// @return the text of the signature trailer that a package ends in; "" when there is none.
+/// @param fd    of the package.
+/// @param size  of the package.
+[[nodiscard]] std::string FindTrailer(int fd, std::uint64_t size);
 
 }  // namespace mkpkg

@@ -1,12 +1,15 @@
 #include "tools/mkpkg/package_writer.h"
 
+#include <unistd.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <limits>
 
 #include "pkg/format/package_format.h"
+#include "tools/mkpkg/files.h"
 #include "tools/mkpkg/package_bytes.h"
+#include "util/new_file.h"
 
 namespace mkpkg {
 namespace {
@@ -18,14 +21,12 @@ std::string ReasonAgainst(const PackageContents& contents) {
     return "a package holds at most " + std::to_string(kMaxPackageFiles) + " files, not " +
            std::to_string(contents.files.size());
   }
-  std::uint64_t size = kMainHeadSize;
   for (const PackageFile& file : contents.files) {
-    size += kFileHeadSize + file.data.size();
     if (file.name.size() >= kContainedNameRoom)
       return "the name " + file.name + " is longer than " + std::to_string(kContainedNameRoom - 1) + " bytes";
     if (file.name.find('\0') != std::string::npos) return "a name holds a NUL byte";
   }
-  return size > kMaxPackage ? "the package would be larger than 4 GB" : "";
+  return "";
 }
 
 template <typename Record>
@@ -33,9 +34,32 @@ std::string_view BytesOf(const Record& record) {
   return {reinterpret_cast<const char*>(&record), sizeof(record)};
 }
 
-PackageFileHead FileHead(const PackageFile& file, bool host_order) {
+/// What was stored of a file.
+struct Stored {
+  std::uint64_t size = 0;
+  std::uint32_t crc = 0;
+};
+
+/// Stores a file's data from the descriptor's offset on. @param end receives where they end.
+std::string StoreData(PackageFile& file, int fd, std::uint64_t& end, Stored& stored) {
+  const Sink store = [&](std::string_view piece) -> std::string {
+    stored.size += piece.size();
+    end += piece.size();
+    stored.crc =
+        static_cast<std::uint32_t>(crc32_z(stored.crc, reinterpret_cast<const Bytef*>(piece.data()), piece.size()));
+    if (end > kMaxPackage) return "the package would be larger than 4 GB";
+    return WriteAll(fd, piece.data(), piece.size()) ? "" : kCannotWriteData;
+  };
+  return file.feed ? file.feed(file, store) : store(file.data);
+}
+
+bool WriteAt(int fd, std::uint64_t offset, std::string_view bytes) {
+  return pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(offset)) == static_cast<ssize_t>(bytes.size());
+}
+
+PackageFileHead FileHead(const PackageFile& file, const Stored& stored, bool host_order) {
   PackageFileHead head{};
-  const auto size = static_cast<std::uint32_t>(file.data.size());
+  const auto size = static_cast<std::uint32_t>(stored.size);
   head.check_a = file.id;
   head.device_code = file.device_code;
   head.stored_size = size;
@@ -43,8 +67,7 @@ PackageFileHead FileHead(const PackageFile& file, bool host_order) {
   head.byte_order = host_order ? kHostOrder : kBigEndianOrder;
   std::copy(file.name.begin(), file.name.end(), head.name);
   head.data_length = size;
-  head.check_b =
-      static_cast<std::uint32_t>(crc32_z(0, reinterpret_cast<const Bytef*>(file.data.data()), file.data.size()));
+  head.check_b = stored.crc;
   head.compression = file.packing;
   return head;
 }
@@ -61,26 +84,36 @@ PackageFileEntry EntryOf(const PackageFileHead& head, std::uint32_t id, std::siz
 
 }  // namespace
 
-std::string ComposePackage(const PackageContents& contents, std::string& package) {
+std::string WritePackage(const PackageContents& contents, int fd) {
   if (std::string reason = ReasonAgainst(contents); !reason.empty()) return reason;
   PackageMainHead head{};
-  package.assign(kMainHeadSize, '\0');
-  for (const PackageFile& file : contents.files) {
-    PackageFileHead file_head = FileHead(file, contents.host_order);
-    head.files[head.file_count++] = EntryOf(file_head, file.id, package.size());
+  std::uint64_t end = kMainHeadSize;
+  for (PackageFile file : contents.files) {
+    const std::uint64_t begin = end;
+    end += kFileHeadSize;
+    if (lseek(fd, static_cast<off_t>(end), SEEK_SET) < 0) return kCannotWriteData;
+    Stored stored;
+    if (std::string problem = StoreData(file, fd, end, stored); !problem.empty()) return problem;
+    PackageFileHead file_head = FileHead(file, stored, contents.host_order);
+    head.files[head.file_count++] = EntryOf(file_head, file.id, begin);
     if (!contents.host_order) ConvertFileHead(file_head);
-    package.append(BytesOf(file_head)).append(file.data);
+    if (!WriteAt(fd, begin, BytesOf(file_head))) return kCannotWriteData;
   }
   head.product_tag = contents.product_tag;
-  head.minimum_payload = static_cast<std::uint32_t>(package.size() - kMainHeadSize);
+  head.minimum_payload = static_cast<std::uint32_t>(end - kMainHeadSize);
   head.signature_format = contents.signature_format;
   head.byte_order = contents.host_order ? kHostOrder : kBigEndianOrder;
   head.attributes = contents.attribute;
   head.package_type = contents.type;
   if (!contents.host_order) ConvertMainHead(head, head.file_count);
-  package.replace(0, kMainHeadSize, BytesOf(head));
-  RenewHeadCrc(package);
-  return "";
+  std::string bytes(BytesOf(head));
+  RenewHeadCrc(bytes);
+  return WriteAt(fd, 0, bytes) ? "" : kCannotWriteData;
+}
+
+std::string ComposePackage(const PackageContents& contents, std::string& package) {
+  package.clear();
+  return InMemory(package, [&](int fd) { return WritePackage(contents, fd); });
 }
 
 }  // namespace mkpkg

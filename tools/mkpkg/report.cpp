@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
 #include <vector>
 
 #include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/package_format.h"
-#include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/json_writer.h"
 #include "tools/mkpkg/warnings.h"
@@ -44,10 +42,6 @@ const char* PackingOf(const ContainedFile& file) {
   return file.compression == kPacked7z ? "7z" : "unknown";
 }
 
-std::optional<ImageRoom> RoomOf(const ContainedFile& file) {
-  return file.id == kSystemImageFile && file.problem.empty() ? MeasureImage(file.data) : std::nullopt;
-}
-
 const char* FormOf(const PackageModel& package) {
   if (package.IsSignedInHead()) return package.head.signature_length == 0 ? "none" : "head";
   return package.trailer.empty() ? "none" : "trailer";
@@ -60,17 +54,16 @@ std::vector<std::string> AllWarnings(const PackageModel& package, const std::str
 }
 
 void AppendFile(std::string& text, const ContainedFile& file) {
-  AppendLine(text, "%-14s 0x%08X  %s  %zu bytes, %s%s", RoleOf(file.id), file.id, Printable(file.name).c_str(),
-             file.data.size(), PackingOf(file), file.compression == kStoredAsIs ? "" : " in the package");
+  AppendLine(text, "%-14s 0x%08X  %s  %ju bytes, %s%s", RoleOf(file.id), file.id, Printable(file.name).c_str(),
+             std::uintmax_t{file.size}, PackingOf(file), file.compression == kStoredAsIs ? "" : " in the package");
   if (file.id == kSystemImageFile) AppendLine(text, "  device tag   0x%08X", file.device_code);
-  if (const std::optional<ImageRoom> room = RoomOf(file)) {
-    AppendLine(text, "  room needed  %zu bytes in /tmp while it is unpacked, then %llu bytes in %llu files",
-               file.data.size(), static_cast<unsigned long long>(room->bytes),
-               static_cast<unsigned long long>(room->files));
+  if (file.room) {
+    AppendLine(text, "  room needed  %ju bytes in /tmp while it is unpacked, then %ju bytes in %ju files",
+               std::uintmax_t{file.size}, std::uintmax_t{file.room->bytes}, std::uintmax_t{file.room->files});
   }
   if (!file.problem.empty()) AppendLine(text, "  no data      %s", file.problem.c_str());
-  if (file.id != kDescriptionFile && file.id != kCompatibilityFile) return;
-  for (const std::string& line : LinesOf(file.data)) text += "  | " + Printable(line) + "\n";
+  if (!file.IsText()) return;
+  for (const std::string& line : LinesOf(file.begin)) text += "  | " + Printable(line) + "\n";
 }
 
 void AppendFile(JsonWriter& json, const ContainedFile& file) {
@@ -78,21 +71,21 @@ void AppendFile(JsonWriter& json, const ContainedFile& file) {
   json.Number("id", file.id);
   json.Text("role", RoleOf(file.id));
   json.Text("name", file.name);
-  json.Number("deviceTag", file.device_code);
+  json.Number("device_tag", file.device_code);
   json.Text("packing", PackingOf(file));
-  json.Number("storedSize", file.stored_size);
-  json.Number("size", file.data.size());
+  json.Number("stored_size", file.stored_size);
+  json.Number("size", file.size);
   if (!file.problem.empty()) json.Text("problem", file.problem);
-  if (const std::optional<ImageRoom> room = RoomOf(file)) {
+  if (file.room) {
     json.BeginObject("room");
-    json.Number("temporary", file.data.size());
-    json.Number("bytes", room->bytes);
-    json.Number("files", room->files);
+    json.Number("temporary", file.size);
+    json.Number("bytes", file.room->bytes);
+    json.Number("files", file.room->files);
     json.EndObject();
   }
-  if (file.id == kDescriptionFile || file.id == kCompatibilityFile) {
+  if (file.IsText()) {
     json.BeginArray("lines");
-    for (const std::string& line : LinesOf(file.data)) json.Text("", line);
+    for (const std::string& line : LinesOf(file.begin)) json.Text("", line);
     json.EndArray();
   }
   json.EndObject();
@@ -127,10 +120,10 @@ std::string JsonReport(const PackageModel& package, const std::string& path) {
   json.BeginObject();
   json.Text("path", path);
   json.Number("size", package.size);
-  json.Number("productTag", head.product_tag);
+  json.Number("product_tag", head.product_tag);
   json.Number("type", head.package_type);
   json.Number("attribute", head.attributes);
-  json.Text("byteOrder", head.byte_order == kHostOrder ? "host" : "big-endian");
+  json.Text("byte_order", head.byte_order == kHostOrder ? "host" : "big-endian");
   json.Text("signature", FormOf(package));
   if (!package.trailer.empty()) json.Text("key", TrailerField(package, kKeyLabel));
   json.BeginArray("files");

@@ -1,12 +1,15 @@
+#include <fcntl.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/messages.h"
-#include "tools/mkpkg/package_bytes.h"
 #include "tools/mkpkg/package_signer.h"
-#include "tools/mkpkg/progress.h"
+#include "util/unique_handle.h"
 
 namespace mkpkg {
 namespace {
@@ -95,25 +98,27 @@ int Run(const Arguments& arguments) {
   if (std::string problem = ReadForm(arguments, form); !problem.empty())
     return Fail(kUsage, problem + "; see \"mkpkg sign --help\"");
   const std::string& path = arguments.Operands()[0];
-  std::string package;
-  if (std::string problem = ReadWholeFile(path, package); !problem.empty()) return Fail(kBadInput, problem);
-  if (!HasMainHead(package)) return Fail(kBadInput, path + " is no package");
-  if (std::string problem = PrepareForSigning(form, package); !problem.empty()) return Fail(kBadInput, problem);
-  const std::string digest = DigestToSign(form, package);
+  const bool writes = arguments.Has("private-key") || arguments.Has("attach");
+  const UniqueFd fd(open(path.c_str(), (writes ? O_RDWR : O_RDONLY) | O_CLOEXEC));
+  if (!fd) return Fail(kBadInput, "cannot open " + path + ": " + std::strerror(errno));
+  PreparedPackage package;
+  std::string digest;
+  std::string problem = PrepareForSigning(form, fd.Get(), package);
+  if (problem.empty()) problem = DigestToSign(form, fd.Get(), package, digest);
+  if (!problem.empty()) return Fail(kBadInput, path + ": " + problem);
   const std::string block = BlockToSign(form, digest);
-  if (digest.empty()) return Fail(kBadInput, "out of memory");
   if (arguments.Has("show-digest")) return ShowDigest(digest);
   if (arguments.Has("write-block")) {
-    const std::string problem = WriteWholeFile(arguments.Value("write-block"), block);
+    problem = WriteWholeFile(arguments.Value("write-block"), block);
     return problem.empty() ? kDone : Fail(kCannotWrite, problem);
   }
   std::string signature;
-  std::string problem = arguments.Has("attach") ? SignatureFromElsewhere(arguments, block, signature)
-                                                : SignatureWithKey(arguments, block, signature);
-  if (problem.empty()) problem = AttachSignature(form, signature, package);
+  problem = arguments.Has("attach") ? SignatureFromElsewhere(arguments, block, signature)
+                                    : SignatureWithKey(arguments, block, signature);
+  if (problem.empty()) problem = ReasonAgainstSignature(form, signature);
   if (!problem.empty()) return Fail(kBadInput, problem);
-  problem = WriteWholeFile(path, package);
-  return problem.empty() ? kDone : Fail(kCannotWrite, problem);
+  if (AttachSignature(form, signature, fd.Get(), package)) return kDone;
+  return Fail(kCannotWrite, "cannot write " + path + ": " + std::strerror(errno));
 }
 
 }  // namespace

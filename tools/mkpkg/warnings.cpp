@@ -11,7 +11,6 @@
 #include "pkg/format/package_name.h"
 #include "pkg/format/package_text.h"
 #include "pkg/format/product_code.h"
-#include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/package_signer.h"
 #include "util/ascii.h"
 
@@ -70,7 +69,7 @@ void CheckTexts(const PackageModel& package, Lines& warnings) {
     if (count == 0) warnings.push_back(std::string("there is no ") + text.name + ": " + text.consequence);
     if (count > 1) warnings.push_back(std::string("there is more than one ") + text.name + ": the first one counts");
     const ContainedFile* file = package.Find(text.id);
-    if (file != nullptr && file->data.find('\0') != std::string::npos)
+    if (file != nullptr && file->begin.find('\0') != std::string::npos)
       warnings.push_back(std::string("the ") + text.name + " holds a NUL byte: what follows it is not read");
   }
 }
@@ -78,7 +77,7 @@ void CheckTexts(const PackageModel& package, Lines& warnings) {
 void CheckCompatibility(const PackageModel& package, Lines& warnings) {
   const ContainedFile* file = package.Find(kCompatibilityFile);
   if (file == nullptr || !file->problem.empty()) return;
-  Lines lines = LinesOf(file->data);
+  Lines lines = LinesOf(file->begin);
   for (std::string& line : lines) line = TrimmedLine(line);
   const auto boot = std::find(lines.begin(), lines.end(), kBootLine);
   if (boot == lines.end())
@@ -91,7 +90,7 @@ void CheckDescription(const PackageModel& package, Lines& warnings) {
   const ContainedFile* file = package.Find(kDescriptionFile);
   if (file == nullptr || !file->problem.empty()) return;
   std::size_t versions = 0;
-  for (const std::string& raw : LinesOf(file->data)) {
+  for (const std::string& raw : LinesOf(file->begin)) {
     const std::string line = TrimmedLine(raw);
     if (!BeginsIgnoringCase(line, kProductVersion)) continue;
     ++versions;
@@ -124,7 +123,7 @@ void CheckImageName(const ContainedFile& image, Lines& warnings) {
     warnings.push_back("image " + name +
                        ": only \".gz\", \".lzma\" and \".xz\" are unpacked; a device leaves this one "
                        "out and goes on without a word");
-  } else if (image.problem.empty() && !image.data.starts_with(rule->magic)) {
+  } else if (image.problem.empty() && !image.begin.starts_with(rule->magic)) {
     warnings.push_back("image " + name + ": the data are not what the suffix says; a device does not unpack them");
   }
 }
@@ -143,7 +142,7 @@ void CheckImages(const PackageModel& package, Lines& warnings) {
                          " and is taken");
     }
     seen.push_back(file.device_code);
-    if (file.problem.empty() && !MeasureImage(file.data))
+    if (file.is_measured && file.problem.empty() && !file.room)
       warnings.push_back("image " + file.name + ": the data are no whole cpio archive");
   }
 }
