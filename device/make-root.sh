@@ -42,6 +42,8 @@ add_foreign_libraries_of() {
   [ -z "$new" ] || add_foreign_libraries_of $new
 }
 
+[ -z "$system" ] || [ -e "$system/complete" ] ||
+  fail "$system is missing; cmake/install-packages.sh arm64 fetches it"
 cd "$root"
 cp -R "$here/rootfs/." "$samples/root/." "$here/$kind/rootfs/." .
 mkdir -p bin dev/pts dev/shm dev/media etc/pkg etc/sign_pub_key lib/modules mnt proc root/.ssh run sbin sys tmp var/tmp

@@ -28,9 +28,6 @@ class DeviceKind {
   DeviceKind& operator=(const DeviceKind&) = delete;
   virtual ~DeviceKind() = default;
 
-  /// @return one line that says what of this kind's parts is missing on the host, or an empty text.
-  [[nodiscard]] virtual std::string WhatIsMissing() const = 0;
-
   /// Makes a medium as it comes from its maker.
   /// @param place  its path in the board's directory, where nothing is yet.
   /// @return an empty text, or one line that says what went wrong.

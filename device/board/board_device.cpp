@@ -110,7 +110,6 @@ void BoardDevice::EndBoard() {
 }
 
 std::string BoardDevice::StartBoard() {
-  if (std::string problem = kind_->WhatIsMissing(); !problem.empty()) return problem;
   std::string problem = StartBoard(true);
   if (geteuid() != 0 || !TellsOfForbidding(problem)) return problem;
   // Some machines forbid user namespaces, or to mount in them. Root can do without.

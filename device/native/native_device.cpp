@@ -205,8 +205,6 @@ void GoDown(int reboots) {
 
 class NativeKind final : public DeviceKind {
  public:
-  std::string WhatIsMissing() const override { return ""; }
-
   /// A file system in memory whose size is limited. Links on it are not followed, as on every medium that may come from
   /// anywhere; whatever the first process mounts of it takes that over.
   std::string MakeMedium(const Medium& medium, const std::string& place) const override {
