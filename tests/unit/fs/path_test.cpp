@@ -136,10 +136,6 @@ TEST_F(PathTest, DisplayNameIsTheFullOneWithoutTheMountPoint) {
     EXPECT_EQ(ESH_FS_GetUserFileName(name, sizeof(output), output), result) << name;
     EXPECT_STREQ(output, display);
   }
-  char stale[] = "stale";
-  EXPECT_EQ(ESH_InputName2FullValidName("a/", 1, sizeof(stale), stale), ESH_ERR_FAIL);
-  EXPECT_STREQ(stale, "");
-  EXPECT_EQ(ESH_FS_GetUserFileNameByFullName("/mnt/flash:/a", kNameRoom, nullptr), ESH_ERR_FAIL);
 }
 
 TEST_F(PathTest, ARemovedWorkingDirectoryFailsRelativeNamesUnlessSyspathStandsIn) {
