@@ -43,14 +43,4 @@ TEST_F(LocalFile, ALinkLeadsNoGetOffTheMedia) {
   EXPECT_EQ(umount("/mnt/cfa0:/node"), 0);
 }
 
-TEST_F(LocalFile, ATargetOfMoreThan4096CharactersIsRefused) {
-  const std::string local = "flash:/" + std::string(kMaxTarget - std::string("/mnt/flash:/").size(), 'x');
-  TargetName longest;
-  EXPECT_FALSE(GetFullLocalName(local.c_str(), "a", longest));
-  ScriptedStdio stdio;
-  TargetName target;
-  EXPECT_EQ(GetFullLocalName((local + "x").c_str(), "a", target), Refusal(ESH_ERR_FAIL));
-  EXPECT_EQ(stdio.TakeOutput(), "Local file " + local + " is too long.\r\n");  // what fits of it
-}
-
 }  // namespace

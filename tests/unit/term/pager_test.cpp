@@ -104,13 +104,4 @@ TEST(Pager, EndsEveryLineTheSameWay) {
   }
 }
 
-TEST(Pager, BeginsBelowTheWholeInputLine) {
-  ScriptedEditor editor("display\002\002\t");
-  (void)ESH_LINE_GetLine(ESH_LINE_MODE_COMMAND, 80);
-  (void)editor.TakeOutput();
-  ESH_OutString(Copy("a").get());
-  ESH_OutString(Copy("b").get());
-  EXPECT_EQ(editor.TakeOutput(), "\033[2Cab");
-}
-
 }  // namespace

@@ -19,12 +19,4 @@ TEST(FixedText, CutsEveryWayOfAppendingAtTheRoomAndSaysSo) {
   EXPECT_TRUE(text.Truncated());
 }
 
-TEST(FixedText, CopySaysWhetherItWasCut) {
-  char buffer[4];
-  EXPECT_TRUE(CopyText(buffer, "abc"));
-  EXPECT_STREQ(buffer, "abc");
-  EXPECT_FALSE(CopyText(buffer, "wxyz"));
-  EXPECT_STREQ(buffer, "wxy");
-}
-
 }  // namespace

@@ -4,9 +4,7 @@
 
 #include "tests/support/private_root.h"
 #include "util/kernel_setting.h"
-#include "util/regular_file.h"
 #include "util/result.h"
-#include "util/unique_handle.h"
 
 namespace {
 
@@ -36,20 +34,6 @@ TEST_F(SystemFiles, AKernelTextLosesItsLineEnd) {
     char found[4];
     EXPECT_EQ(ReadKernelText(kSwitch, sizeof(found), found), kSuccess);
     EXPECT_STREQ(found, text);
-  }
-}
-
-TEST_F(SystemFiles, AWholeFileIsTerminated) {
-  WriteFile("/etc/text", "abc");
-  WriteFile("/etc/empty", "");
-  std::size_t size = 0;
-  const UniqueText text(FileReadWhole("/etc/text", &size));
-  ASSERT_NE(text, nullptr);
-  EXPECT_STREQ(text.get(), "abc");
-  EXPECT_EQ(size, 3U);
-  for (const char* none : {"/etc/empty", "/etc/none", "/etc"}) {
-    EXPECT_EQ(FileReadWhole(none, &size), nullptr) << none;
-    EXPECT_EQ(size, 0U);
   }
 }
 

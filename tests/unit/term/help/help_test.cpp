@@ -61,26 +61,6 @@ TEST(WholeHelp, IsLaidOutInTwoColumns) {
   for (const auto& c : kLayouts) EXPECT_EQ(Print(c.lines, 1), c.output + (c.lines.empty() ? "" : "\r\n")) << c.why;
 }
 
-TEST(WholeHelp, FillsItsBufferToTheLastByte) {
-  for (const std::size_t over : {0U, 1U}) {
-    Lines lines;
-    std::string expected;
-    for (int i = 100; i < 152; ++i) {
-      // 51 lines of 79 bytes, and one that makes it 4087 or one more.
-      lines.emplace_back("k" + std::to_string(i), i == 151 ? Many(48 + over, 'z') : Many(69, 'x'));
-      expected += "  " + lines.back().first + "  " + lines.back().second + "\r\n";
-    }
-    ASSERT_EQ(expected.size(), kHelpOutputRoom - 1 + over);
-    const UniqueHelpList list = MakeList(lines);
-    char buffer[kHelpOutputRoom];
-    ScriptedStdio stdio;
-    PrintWholeHelp(list.get(), buffer);
-    const std::string printed = stdio.TakeOutput();
-    EXPECT_EQ(printed + buffer, expected);
-    EXPECT_EQ(printed.empty(), over == 0) << "printed before it was full";
-  }
-}
-
 TEST(NamesOnly, AreNumbersThenTextsThenTheEndEachOnce) {
   // As the screen shall show them.
   constexpr const char* kOrder[] = {"0007", "9",     "10", "09a", "0x", "10a",  "5 blind",
