@@ -85,18 +85,6 @@ TEST_F(NativeFileFaults, AGetWaitsForTheMediumThatItWroteAlone) {
   }
 }
 
-TEST_F(NativeFileFaults, TABTakesNoPartOfTheNamesForAll) {
-  UseShell();
-  Run("touch /mnt/flash:/flash.txt");
-  for (const char* plan : {"aligned_alloc 1 ENOMEM", "opendir 1 ENOMEM", "opendir 2 ENOMEM"}) {
-    Plan(plan);
-    Type("dir fl\t\r");
-    Expect("The file or directory doesn't exist.");
-  }
-  Type("dir fl\t");
-  Expect("flash");
-}
-
 TEST_F(NativeFileFaults, AShellKilledInACopyLosesNoSource) {
   UseShell();
   Prepare();

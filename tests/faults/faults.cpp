@@ -88,9 +88,5 @@ void* malloc(size_t size) noexcept {
   return size >= kLargeBlock && Fails("malloc") ? nullptr : next(size);
 }
 
-void* aligned_alloc(size_t alignment, size_t size) noexcept {
-  return Fails("aligned_alloc") ? nullptr : Next<void*>("aligned_alloc", alignment, size);
-}
-
 }  // extern "C"
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)

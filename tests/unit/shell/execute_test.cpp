@@ -51,6 +51,7 @@ TEST(Execute, RunsTheCommandThatTheWordsBeginOrTellsWhatIsWrong) {
   ExpectAll({
       {"beginnings of words", "int m", Ran("interface m-eth0 <cr>")},
       {"no such command", "zeta", At(0, kUnrecognized)},
+      {"all but blanks is part of a word", "\t\v\f alpha \t o\tne", At(12, kUnrecognized)},
       {"longer than the keyword", "alphas", At(0, kUnrecognized)},
       {"no such second word", "  alpha   zeta one", At(10, kUnrecognized)},
       {"a word behind the end", "alpha one two three", At(10, kTooMany)},
