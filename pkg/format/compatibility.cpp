@@ -65,13 +65,19 @@ void ReadBootVersion(READ_BUFF_S* description, char* version) {
   CopyBounded(version, kRunningVersionRoom, joined.View());
 }
 
+const char* NextBootLine(READ_BUFF_S* list, bool& in_section) {
+  for (char* text = ReadBuffGets(list); text != nullptr; text = ReadBuffGets(list)) {
+    const char* line = TrimLine(text);
+    in_section = in_section || line == kBootSection;
+    if (in_section) return line;
+  }
+  return nullptr;
+}
+
 bool IsCompliant(READ_BUFF_S* list, const char* product_version, const char* running) {
   if (running[0] == '\0') return false;
   bool in_section = false;
-  for (char* text = ReadBuffGets(list); text != nullptr; text = ReadBuffGets(list)) {
-    const std::string_view line(TrimLine(text));
-    in_section = in_section || line == kBootSection;
-    if (in_section && IsCandidate(line, product_version, running)) return true;
-  }
+  for (const char* line = NextBootLine(list, in_section); line != nullptr; line = NextBootLine(list, in_section))
+    if (IsCandidate(line, product_version, running)) return true;
   return false;
 }

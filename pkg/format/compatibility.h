@@ -30,7 +30,12 @@ void ReadProductVersion(READ_BUFF_S* description, char* version);
 /// @param version     room for kRunningVersionRoom bytes; empty when there is none.
 void ReadBootVersion(READ_BUFF_S* description, char* version);
 
-/// Whether a compatibility list allows a boot image: one of the lines from "[boot]" on is its version, or that less
-/// the hyphen and the package's own product version. The line "[boot]" itself counts.
+/// Takes the next of a compatibility list's lines that can name a boot image, those from "[boot]" on with that one.
+/// @param in_section false before the first call, then the function's.
+/// @return the line, trimmed, or none at the end.
+[[nodiscard]] const char* NextBootLine(READ_BUFF_S* list, bool& in_section);
+
+/// Whether a compatibility list allows a boot image: one of those lines is its version, or that less the hyphen and the
+/// package's own product version.
 /// @param running version of the boot image; an unknown one, which is empty, is never allowed.
 [[nodiscard]] bool IsCompliant(READ_BUFF_S* list, const char* product_version, const char* running);

@@ -34,21 +34,20 @@ PackageVerdict JudgeCompatibility(PKG_READER_S* package, LoadDevice& device) {
   return IsCompliant(list.get(), product_version, running) ? PackageVerdict::kGood : PackageVerdict::kCompatible;
 }
 
-PackageVerdict JudgeImage(PKG_READER_S* package, LoadDevice& device) {
-  const std::uint32_t tag = device.DeviceTag();
-  if (tag == kUnknownTag) return PackageVerdict::kDeviceTag;
+}  // namespace
+
+PackageVerdict JudgeImage(PKG_READER_S* package, std::uint32_t device_tag, LoadDevice& device) {
+  if (device_tag == kUnknownTag) return PackageVerdict::kDeviceTag;
   char name[kImageNameRoom];
-  const PackageFileEntry* image = FindSystemImage(package, tag, name);
+  const PackageFileEntry* image = FindSystemImage(package, device_tag, name);
   if (image == nullptr || !device.TakeImage(package, *image)) return PackageVerdict::kImage;
   return IsPlainImageName(name) ? PackageVerdict::kGood : PackageVerdict::kImageName;
 }
-
-}  // namespace
 
 PackageVerdict JudgeLoad(PKG_READER_S* package, LoadDevice& device) {
   if (package->head.attributes != 0 || package->head.package_type != kSystemPackage)
     return PackageVerdict::kPackageType;
   PackageVerdict verdict = device.Verify(package);
   if (verdict == PackageVerdict::kGood) verdict = JudgeCompatibility(package, device);
-  return verdict == PackageVerdict::kGood ? JudgeImage(package, device) : verdict;
+  return verdict == PackageVerdict::kGood ? JudgeImage(package, device.DeviceTag(), device) : verdict;
 }

@@ -26,6 +26,10 @@ class LoadDevice {
   [[nodiscard]] virtual bool TakeImage(PKG_READER_S* package, const PackageFileEntry& image) = 0;
 };
 
+/// The part of the judgement that is about the image.
+/// @param device_tag which devices' image is taken.
+[[nodiscard]] PackageVerdict JudgeImage(PKG_READER_S* package, std::uint32_t device_tag, LoadDevice& device);
+
 /// Whether a device loads an open package: the judgement of the shell and of the tool that foretells it.
 /// @return kGood when the device has taken the image, otherwise what speaks against it.
 [[nodiscard]] PackageVerdict JudgeLoad(PKG_READER_S* package, LoadDevice& device);

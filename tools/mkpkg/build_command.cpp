@@ -65,12 +65,14 @@ int Run(const Arguments& arguments) {
   };
   if (std::string problem = WriteFile(path, write, 0666, arguments.Has("force")); !problem.empty())
     return Fail(status, problem);
-  for (const std::string& warning : WarningsFor(written, BaseName(path))) Warn(warning);
-  return kDone;
+  return Conclude(arguments, WarningsFor(written, BaseName(path)), [&](JsonWriter& json) {
+    json.Text("package", path);
+    json.Number("size", written.size);
+  });
 }
 
 }  // namespace
 
-const Command kBuildCommand = {"build", kHelp, kOptions, 2, 2, Run};
+const Command kBuildCommand = {"build", kHelp, kOptions, {"DESCRIPTION", "PACKAGE"}, Run};
 
 }  // namespace mkpkg

@@ -1,13 +1,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/device_verdict.h"
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
-#include "tools/mkpkg/json_writer.h"
 #include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/report.h"
 #include "tools/mkpkg/warnings.h"
@@ -24,62 +25,66 @@ constexpr char kHelp[] =
     "  --keys=DIRECTORY      the device's /etc/sign_pub_key\n"
     "  --boot-image=PACKAGE  the device's boot image package, for install load; without it no package is compatible\n"
     "  --name=NAME           what the operator types for the package; flash:/ and its file name without this option\n"
-    "  --json                the verdict for programs\n"
     "\n"
     "Exit status: 0 the device shows and loads the package, 1 it refuses one or both, 2 wrong command line, 3 a file\n"
     "is missing, 4 the text could not be written. Warnings are printed on standard error and change no status.\n";
 
-constexpr Option kOptions[] = {{"version-file", true}, {"keys", true}, {"boot-image", true}, {"name", true}, {"json"}};
+constexpr Option kOptions[] = {{"version-file", true}, {"keys", true}, {"boot-image", true}, {"name", true}};
 constexpr char kMedium[] = "flash:/";
 
-struct NamedVerdict {
-  const char* command;
-  DeviceVerdict verdict;
-};
-
-std::string TextOf(const NamedVerdict& named) {
-  const std::string command = named.command;
-  if (named.verdict.Accepts()) return command + ": accepted\n";
-  return command + ": refused at step \"" + named.verdict.step + "\": " + Printable(named.verdict.reason) + "\n" +
-         "  the device prints: " + Printable(named.verdict.line) + "\n";
+std::string TextOf(const char* command, const DeviceVerdict& verdict) {
+  if (verdict.Accepts()) return std::string(command) + ": accepted\n";
+  return std::string(command) + ": refused at step \"" + verdict.step + "\": " + Printable(verdict.reason) + "\n" +
+         "  the device prints: " + Printable(verdict.line) + "\n";
 }
 
-std::string JsonOf(const NamedVerdict (&verdicts)[2]) {
-  JsonWriter json;
-  json.BeginObject();
-  for (const auto& [command, verdict] : verdicts) {
-    json.BeginObject(command);
-    json.Flag("accepted", verdict.Accepts());
-    if (!verdict.Accepts()) {
-      json.Text("step", verdict.step);
-      json.Text("reason", verdict.reason);
-      json.Text("line", verdict.line);
-    }
-    json.EndObject();
+std::string TextOf(const DeviceVerdicts& verdicts) {
+  std::string text = TextOf("display install package", verdicts.display) + TextOf("install load", verdicts.install);
+  for (const TakenImage& image : verdicts.images)
+    text += "devices of tag " + HexWord(image.device_tag) + " take image " + Printable(image.name) + "\n";
+  for (const std::string& version : verdicts.boot_versions)
+    text += "boot images of version " + Printable(version) + " take it\n";
+  return text;
+}
+
+void AddVerdict(JsonWriter& json, const char* command, const DeviceVerdict& verdict) {
+  json.BeginObject(command);
+  json.Flag("accepted", verdict.Accepts());
+  if (!verdict.Accepts()) {
+    json.Text("step", verdict.step);
+    json.Text("reason", verdict.reason);
+    json.Text("line", verdict.line);
   }
   json.EndObject();
-  return json.Written();
+}
+
+void AddVerdicts(JsonWriter& json, const DeviceVerdicts& verdicts) {
+  AddVerdict(json, "display_install_package", verdicts.display);
+  AddVerdict(json, "install_load", verdicts.install);
+  json.BeginArray("images");
+  for (const TakenImage& image : verdicts.images) {
+    json.BeginObject();
+    json.Number("device_tag", image.device_tag);
+    json.Text("name", image.name);
+    json.EndObject();
+  }
+  json.EndArray();
+  json.Texts("boot_versions", verdicts.boot_versions);
 }
 
 std::string MissingInput(const Arguments& arguments) {
   struct stat status {};
-  for (const char* file : {"version-file", "boot-image"}) {
-    const std::string path = arguments.Value(file);
-    if (arguments.Has(file) && access(path.c_str(), R_OK) != 0) return "cannot read " + path;
-  }
-  const std::string keys = arguments.Value("keys");
-  if (stat(keys.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return keys + " is no directory";
   const std::string& package = arguments.Operands()[0];
-  return access(package.c_str(), R_OK) == 0 ? "" : "cannot read " + package;
+  for (const std::string& path : {arguments.Value("version-file"), arguments.Value("boot-image", package), package})
+    if (access(path.c_str(), R_OK) != 0) return "cannot read " + path + ": " + std::strerror(errno);
+  const std::string keys = arguments.Value("keys");
+  return stat(keys.c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? "" : keys + " is no directory";
 }
 
-void PrintWarnings(const std::string& path, const DeviceFacts& facts) {
+std::vector<std::string> WarningsOf(const std::string& path, const DeviceFacts& facts) {
   PackageModel package;
-  if (!ReadPackage(path, false, package).empty()) return;  // the verdict says it
-  for (const std::string& warning : WarningsFor(package, BaseName(facts.typed_name))) Warn(Printable(warning));
-  for (const std::string& warning : SignatureWarningsFor(package)) Warn(Printable(warning));
-  if (NamesWeakKey(package, facts.key_directory))
-    Warn("the device's key has a public exponent below 65537: with it anybody can sign packages");
+  if (!ReadPackage(path, false, package).empty()) return {};  // the verdict says it
+  return AllWarningsFor(package, BaseName(facts.typed_name));
 }
 
 int Run(const Arguments& arguments) {
@@ -89,17 +94,16 @@ int Run(const Arguments& arguments) {
   const std::string& path = arguments.Operands()[0];
   const DeviceFacts facts = {arguments.Value("version-file"), arguments.Value("keys"), arguments.Value("boot-image"),
                              arguments.Value("name", kMedium + BaseName(path))};
-  const NamedVerdict verdicts[] = {{"display install package", JudgeDisplay(path, facts)},
-                                   {"install load", JudgeInstall(path, facts)}};
-  const std::string report = arguments.Has("json") ? JsonOf(verdicts) : TextOf(verdicts[0]) + TextOf(verdicts[1]);
-  (void)std::fputs(report.c_str(), stdout);
-  PrintWarnings(path, facts);
-  if (const int status = EndOutput(); status != kDone) return status;
-  return verdicts[0].verdict.Accepts() && verdicts[1].verdict.Accepts() ? kDone : kRefused;
+  const DeviceVerdicts verdicts = JudgeForDevice(path, facts);
+  if (!arguments.Has(kJson.name)) (void)std::fputs(TextOf(verdicts).c_str(), stdout);
+  const int status =
+      Conclude(arguments, WarningsOf(path, facts), [&](JsonWriter& json) { AddVerdicts(json, verdicts); });
+  if (status != kDone) return status;
+  return verdicts.display.Accepts() && verdicts.install.Accepts() ? kDone : kRefused;
 }
 
 }  // namespace
 
-const Command kCheckCommand = {"check", kHelp, kOptions, 1, 1, Run};
+const Command kCheckCommand = {"check", kHelp, kOptions, {"PACKAGE"}, Run};
 
 }  // namespace mkpkg

@@ -7,14 +7,15 @@
 
 namespace mkpkg {
 
+inline constexpr std::size_t kMostOperands = 3;
+
 /// A sub-command of the tool.
 struct Command {
   const char* name;
-  const char* help;  ///< what --help prints
-  std::span<const Option> options;
-  std::size_t least_operands;
-  std::size_t most_operands;
-  int (*run)(const Arguments& arguments);  ///< returns an ExitStatus
+  const char* help;                         ///< what --help prints
+  std::span<const Option> options;          ///< besides --json, which all have
+  const char* operands[kMostOperands + 1];  ///< what the help calls them; a null pointer ends them
+  int (*run)(const Arguments& arguments);   ///< returns an ExitStatus
 };
 
 extern const Command kBuildCommand;

@@ -14,24 +14,24 @@ namespace {
 constexpr std::size_t kReadSize = 1 << 16;
 constexpr char kEntryName[] = "data";  // of the only file in a 7z archive; nobody reads it
 
-int SetUpGz(archive* output) {
-  const int result = archive_write_add_filter_gzip(output);
-  // The time would make each day's bytes different.
-  return result == ARCHIVE_OK ? archive_write_set_filter_option(output, "gzip", "timestamp", nullptr) : result;
-}
-
+/// Dictionaries of 4 MB: the level above takes twice the memory, here and on the device, for a hundredth of the size.
 struct Method {
   Compression compression;
   const char* name;
   const char* suffix;
   int (*set_up)(archive*);
   int (*set_format)(archive*);
+  const char* options;
 };
 constexpr Method kMethods[] = {
-    {Compression::kGz, "gz", ".gz", SetUpGz, archive_write_set_format_raw},
-    {Compression::kLzma, "lzma", ".lzma", archive_write_add_filter_lzma, archive_write_set_format_raw},
-    {Compression::kXz, "xz", ".xz", archive_write_add_filter_xz, archive_write_set_format_raw},
-    {Compression::k7z, "7z", "", archive_write_add_filter_none, archive_write_set_format_7zip},
+    // The time would make each day's bytes different.
+    {Compression::kGz, "gz", ".gz", archive_write_add_filter_gzip, archive_write_set_format_raw, "gzip:!timestamp"},
+    {Compression::kLzma, "lzma", ".lzma", archive_write_add_filter_lzma, archive_write_set_format_raw,
+     "lzma:compression-level=4"},
+    {Compression::kXz, "xz", ".xz", archive_write_add_filter_xz, archive_write_set_format_raw,
+     "xz:compression-level=4"},
+    {Compression::k7z, "7z", "", archive_write_add_filter_none, archive_write_set_format_7zip,
+     "7zip:compression-level=4"},
 };
 
 const Method& MethodOf(Compression compression) {
@@ -54,7 +54,8 @@ std::string WriteArchive(const Method& method, std::uint64_t size, const Feed& f
   archive_entry_set_perm(entry.get(), 0644);
   archive_entry_set_size(entry.get(), static_cast<la_int64_t>(size));
   if (method.set_format(output.get()) != ARCHIVE_OK || method.set_up(output.get()) != ARCHIVE_OK ||
-      !OpenToSink(output.get(), sink) || archive_write_header(output.get(), entry.get()) != ARCHIVE_OK)
+      archive_write_set_options(output.get(), method.options) != ARCHIVE_OK || !OpenToSink(output.get(), sink) ||
+      archive_write_header(output.get(), entry.get()) != ARCHIVE_OK)
     return CannotCompress(output.get(), method);
   std::string problem = feed([&](std::string_view piece) { return WriteToArchive(output.get(), piece); });
   if (problem.empty() && archive_write_close(output.get()) != ARCHIVE_OK)

@@ -22,20 +22,14 @@ bool AppendNumber(const UniqueKey& key, const char* name, std::string& file) {
 
 std::string EncodeDeviceKey(const UniqueKey& key, std::size_t size, std::string& file) {
   if (HasSmallExponent(key))
-    return "the public exponent is below " + std::to_string(kLeastExponent) + ": signatures for it can be forged";
+    return "the public exponent is below " + std::to_string(kLeastExponent) +
+           ", which a key of 516 bytes makes forgeable";
   // The number of bits, as wide as the header is.
   file.assign(size - 2 * kKeyNumberSize, '\0');
   file[file.size() - 2] = static_cast<char>(kKeyBits >> 8);
   file[file.size() - 1] = static_cast<char>(kKeyBits & 0xFF);
   if (AppendNumber(key, OSSL_PKEY_PARAM_RSA_N, file) && AppendNumber(key, OSSL_PKEY_PARAM_RSA_E, file)) return "";
   return "cannot write the key: " + CryptographicReason();
-}
-
-bool IsWeakDeviceKey(const std::string& file) {
-  if (file.size() != kShortKeyFile && file.size() != kLongKeyFile) return false;
-  const auto* digits = reinterpret_cast<const unsigned char*>(file.data() + file.size() - kKeyNumberSize);
-  const UniqueBigNumber exponent(FIPS_bn_bin2bn(digits, static_cast<int>(kKeyNumberSize), nullptr));
-  return exponent != nullptr && IsBelow(exponent.get(), kLeastExponent);
 }
 
 }  // namespace mkpkg

@@ -16,7 +16,4 @@ constexpr std::size_t kLongKeyFile = kPrefixedKeySize;  ///< opens them with or 
 /// @return an empty text, or one line that says what went wrong. A key with a small exponent is refused.
 [[nodiscard]] std::string EncodeDeviceKey(const UniqueKey& key, std::size_t size, std::string& file);
 
-/// @return whether the bytes are those of a device's key file with a public exponent below kLeastExponent.
-[[nodiscard]] bool IsWeakDeviceKey(const std::string& file);
-
 }  // namespace mkpkg

@@ -1,7 +1,9 @@
 #include "tools/mkpkg/device_verdict.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
+#include <optional>
 #include <string_view>
 
 #include "fs/names/dot_elimination.h"
@@ -16,8 +18,8 @@
 #include "pkg/format/package_reader.h"
 #include "pkg/format/product_code.h"
 #include "pkg/format/signature.h"
-#include "tools/mkpkg/device_key.h"
-#include "tools/mkpkg/files.h"
+#include "tools/mkpkg/package_model.h"
+#include "tools/mkpkg/package_signer.h"
 #include "tools/mkpkg/verdict_text.h"
 #include "util/ascii.h"
 #include "util/result.h"
@@ -93,10 +95,42 @@ class ToldDevice final : public LoadDevice {
     return Told(opened_ == PackageVerdict::kGood ? JudgeLoad(package_.get(), *this) : opened_);
   }
 
+  /// The images that devices take, whatever their tag is; of a genuine package only.
+  std::vector<TakenImage> TakenImages() {
+    std::vector<TakenImage> images;
+    for (std::uint32_t i = 0; verified_ == PackageVerdict::kGood && i < package_->head.file_count; ++i) {
+      ContainedFile file;
+      (void)OpenContained(package_.get(), package_->head.files[i], file);  // the judgement opens it again
+      const bool is_known = std::ranges::find(images, file.device_code, &TakenImage::device_tag) != images.end();
+      if (file.id == kSystemImageFile && file.has_head && !is_known &&
+          JudgeImage(package_.get(), file.device_code, *this) == PackageVerdict::kGood)
+        images.push_back({file.device_code, file.name});
+    }
+    return images;
+  }
+
+  /// The versions of boot images that may load it; of a genuine package only.
+  std::vector<std::string> BootVersions() {
+    std::vector<std::string> versions;
+    const bool is_genuine = verified_ == PackageVerdict::kGood;
+    const UniqueLines list = is_genuine ? TextIn(package_.get(), kCompatibilityFile) : nullptr;
+    if (list == nullptr) return versions;
+    char product[kProductVersionRoom];
+    ReadProductVersion(TextIn(package_.get(), kDescriptionFile).get(), product);
+    bool in_section = false;
+    (void)NextBootLine(list.get(), in_section);  // "[boot]"
+    for (const char* line = nullptr; (line = NextBootLine(list.get(), in_section)) != nullptr;)
+      if (*line != '\0') versions.push_back(*product == '\0' ? line : std::string(line) + "-" + product);
+    return versions;
+  }
+
   PackageVerdict Verify(PKG_READER_S* package) override {
     const std::uint32_t product = ReadVersionTag(facts_.version_file.c_str(), kProductTagName);
-    if (product == kUnknownTag) reason_ = "the device's version file has no ProductTag";
-    return JudgePackage(package, product, facts_.key_directory.c_str());
+    if (!verified_) verified_ = JudgePackage(package, product, facts_.key_directory.c_str());
+    reason_ = product == kUnknownTag                  ? "the device's version file has no ProductTag"
+              : verified_ == PackageVerdict::kKeyFile ? KeyFile() + " is missing, a symbolic link or of a wrong size"
+                                                      : "";
+    return *verified_;
   }
   UniqueLines OpenText(PKG_READER_S* package, std::uint32_t file_id) override { return TextIn(package, file_id); }
   void ReadRunningVersion(char* version) override {
@@ -122,28 +156,29 @@ class ToldDevice final : public LoadDevice {
     return {step, reason_.empty() ? reason : reason_, LineFor(verdict, facts_.typed_name)};
   }
 
+  /// The file of the key that the package names.
+  [[nodiscard]] std::string KeyFile() const {
+    const std::string trailer = FindTrailer(fileno(package_->source.stream), SizeOfSource(package_->source));
+    const bool is_in_head = package_->head.signature_format != kTrailerSigned;
+    const std::string name = is_in_head ? kHeadFormKey : TrailerField(trailer, kKeyLabel);
+    return facts_.key_directory + "/" + name + kKeySuffix;
+  }
+
   const DeviceFacts& facts_;
   UniquePackage package_;
   PackageVerdict opened_;
-  std::string reason_;  ///< of the verdict to come, where more can be said than its text does
+  std::optional<PackageVerdict> verified_;  ///< once for both commands: it takes the longest
+  std::string reason_;                      ///< of the verdict to come, where more can be said than its text does
 };
 
 }  // namespace
 
-DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts) {
-  const DeviceVerdict typed = JudgeWord(facts.typed_name);
-  return typed.Accepts() ? ToldDevice(path, facts).JudgeDisplay() : typed;
-}
-
-DeviceVerdict JudgeInstall(const std::string& path, const DeviceFacts& facts) {
-  const DeviceVerdict typed = JudgeWord(facts.typed_name);
-  return typed.Accepts() ? ToldDevice(path, facts).JudgeInstall() : typed;
-}
-
-bool NamesWeakKey(const PackageModel& package, const std::string& key_directory) {
-  const std::string name = package.IsSignedInHead() ? kHeadFormKey : TrailerField(package, kKeyLabel);
-  std::string key;
-  return ReadWholeFile(key_directory + "/" + name + kKeySuffix, key).empty() && IsWeakDeviceKey(key);
+DeviceVerdicts JudgeForDevice(const std::string& path, const DeviceFacts& facts) {
+  if (const DeviceVerdict typed = JudgeWord(facts.typed_name); !typed.Accepts()) return {typed, typed, {}, {}};
+  ToldDevice device(path, facts);
+  const DeviceVerdict display = device.JudgeDisplay();
+  const DeviceVerdict install = device.JudgeInstall();
+  return {display, install, device.TakenImages(), device.BootVersions()};
 }
 
 }  // namespace mkpkg

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
-
-#include "tools/mkpkg/package_model.h"
+#include <vector>
 
 namespace mkpkg {
 
@@ -24,14 +24,21 @@ struct DeviceVerdict {
   [[nodiscard]] bool Accepts() const { return step.empty(); }
 };
 
-/// The verdict of "display install package".
+/// An image, and the devices that take it.
+struct TakenImage {
+  std::uint32_t device_tag;
+  std::string name;
+};
+
+/// What a device says to a package, and of a genuine one what other devices take.
+struct DeviceVerdicts {
+  DeviceVerdict display;  ///< "display install package"
+  DeviceVerdict install;  ///< "install load"
+  std::vector<TakenImage> images;
+  std::vector<std::string> boot_versions;  ///< of the boot images that it is compatible with
+};
+
 /// @param path  the package on this machine.
-[[nodiscard]] DeviceVerdict JudgeDisplay(const std::string& path, const DeviceFacts& facts);
-
-/// The verdict of "install load".
-[[nodiscard]] DeviceVerdict JudgeInstall(const std::string& path, const DeviceFacts& facts);
-
-/// @return whether the key that a package is to be verified with has a public exponent below 65537.
-[[nodiscard]] bool NamesWeakKey(const PackageModel& package, const std::string& key_directory);
+[[nodiscard]] DeviceVerdicts JudgeForDevice(const std::string& path, const DeviceFacts& facts);
 
 }  // namespace mkpkg

@@ -48,6 +48,7 @@ int Run(const Arguments& arguments) {
     return Fail(kCannotWrite, "cannot make " + directory + ": " + std::strerror(errno));
   int status = kDone;
   std::vector<std::string> used;
+  std::vector<std::string> targets;
   for (std::uint32_t place = 0; place < reader->head.file_count; ++place) {
     ContainedFile file;
     const UniquePieces data = OpenContained(reader.get(), reader->head.files[place], file);
@@ -63,13 +64,14 @@ int Run(const Arguments& arguments) {
     }
     if (!problem.empty()) return Fail(kCannotWrite, problem);
     used.push_back(name);
-    std::printf("%s\n", target.c_str());
+    targets.push_back(target);
+    if (!arguments.Has(kJson.name)) std::printf("%s\n", target.c_str());
   }
-  return std::max(status, EndOutput());
+  return std::max(status, Conclude(arguments, {}, [&](JsonWriter& json) { json.Texts("files", targets); }));
 }
 
 }  // namespace
 
-const Command kExtractCommand = {"extract", kHelp, {}, 2, 2, Run};
+const Command kExtractCommand = {"extract", kHelp, {}, {"PACKAGE", "DIRECTORY"}, Run};
 
 }  // namespace mkpkg

@@ -27,6 +27,12 @@ void JsonWriter::Text(std::string_view key, std::string_view value) {
   Quote(value);
 }
 
+void JsonWriter::Texts(std::string_view key, const std::vector<std::string>& values) {
+  BeginArray(key);
+  for (const std::string& value : values) Text("", value);
+  EndArray();
+}
+
 void JsonWriter::Number(std::string_view key, std::uint64_t value) {
   Key(key);
   text_ += std::to_string(value);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace mkpkg {
 
@@ -21,6 +22,8 @@ class JsonWriter {
   void Text(std::string_view key, std::string_view value);
   /// A number in decimal. Above 2^53 not every reader keeps it exact.
   void Number(std::string_view key, std::uint64_t value);
+  /// An array of strings.
+  void Texts(std::string_view key, const std::vector<std::string>& values);
   /// true or false.
   void Flag(std::string_view key, bool value);
 

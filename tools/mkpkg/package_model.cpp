@@ -113,10 +113,16 @@ std::string ReadPackage(const std::string& path, bool measures_images, PackageMo
   return "";
 }
 
-std::string TrailerField(const PackageModel& package, std::string_view field) {
-  for (const std::string& line : LinesOf(package.trailer))
+std::string TrailerField(const std::string& trailer, std::string_view field) {
+  for (const std::string& line : LinesOf(trailer))
     if (line.starts_with(field)) return line.substr(field.size());
   return "";
+}
+
+std::string HexWord(std::uint32_t value) {
+  char text[sizeof("0x00000000")];
+  (void)std::snprintf(text, sizeof(text), "0x%08X", value);
+  return text;
 }
 
 std::vector<std::string> LinesOf(const std::string& text) {

@@ -56,7 +56,10 @@ struct PackageModel {
 [[nodiscard]] UniquePieces OpenContained(PKG_READER_S* reader, const PackageFileEntry& entry, ContainedFile& file);
 
 /// @return the rest of a trailer's line that starts with `field`, such as kKeyLabel; "" when there is no such line.
-[[nodiscard]] std::string TrailerField(const PackageModel& package, std::string_view field);
+[[nodiscard]] std::string TrailerField(const std::string& trailer, std::string_view field);
+
+/// @return a word as the reports show tags and IDs.
+[[nodiscard]] std::string HexWord(std::uint32_t value);
 
 /// Lines of a text file in a package, as a device reads them.
 [[nodiscard]] std::vector<std::string> LinesOf(const std::string& text);

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <vector>
 
 #include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/package_format.h"
 #include "tools/mkpkg/files.h"
-#include "tools/mkpkg/json_writer.h"
 #include "tools/mkpkg/warnings.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
@@ -47,12 +45,6 @@ const char* FormOf(const PackageModel& package) {
   return package.trailer.empty() ? "none" : "trailer";
 }
 
-std::vector<std::string> AllWarnings(const PackageModel& package, const std::string& path) {
-  std::vector<std::string> warnings = WarningsFor(package, BaseName(path));
-  for (std::string& warning : SignatureWarningsFor(package)) warnings.push_back(std::move(warning));
-  return warnings;
-}
-
 void AppendFile(std::string& text, const ContainedFile& file) {
   AppendLine(text, "%-14s 0x%08X  %s  %ju bytes, %s%s", RoleOf(file.id), file.id, Printable(file.name).c_str(),
              std::uintmax_t{file.size}, PackingOf(file), file.compression == kStoredAsIs ? "" : " in the package");
@@ -83,11 +75,7 @@ void AppendFile(JsonWriter& json, const ContainedFile& file) {
     json.Number("files", file.room->files);
     json.EndObject();
   }
-  if (file.IsText()) {
-    json.BeginArray("lines");
-    for (const std::string& line : LinesOf(file.begin)) json.Text("", line);
-    json.EndArray();
-  }
+  if (file.IsText()) json.Texts("lines", LinesOf(file.begin));
   json.EndObject();
 }
 
@@ -108,32 +96,26 @@ std::string TextReport(const PackageModel& package, const std::string& path) {
   AppendLine(text, "byte order     %s", head.byte_order == kHostOrder ? "host" : "big-endian");
   AppendLine(text, "signature      %s", FormOf(package));
   if (!package.trailer.empty())
-    AppendLine(text, "key            %s", Printable(TrailerField(package, kKeyLabel)).c_str());
+    AppendLine(text, "key            %s", Printable(TrailerField(package.trailer, kKeyLabel)).c_str());
   for (const ContainedFile& file : package.files) AppendFile(text, file);
-  for (const std::string& warning : AllWarnings(package, path)) text += "warning: " + Printable(warning) + "\n";
+  for (const std::string& warning : AllWarningsFor(package, BaseName(path)))
+    text += "warning: " + Printable(warning) + "\n";
   return text;
 }
 
-std::string JsonReport(const PackageModel& package, const std::string& path) {
+void AddReport(JsonWriter& json, const PackageModel& package, const std::string& path) {
   const PackageMainHead& head = package.head;
-  JsonWriter json;
-  json.BeginObject();
-  json.Text("path", path);
+  json.Text("package", path);
   json.Number("size", package.size);
   json.Number("product_tag", head.product_tag);
   json.Number("type", head.package_type);
   json.Number("attribute", head.attributes);
   json.Text("byte_order", head.byte_order == kHostOrder ? "host" : "big-endian");
   json.Text("signature", FormOf(package));
-  if (!package.trailer.empty()) json.Text("key", TrailerField(package, kKeyLabel));
+  if (!package.trailer.empty()) json.Text("key", TrailerField(package.trailer, kKeyLabel));
   json.BeginArray("files");
   for (const ContainedFile& file : package.files) AppendFile(json, file);
   json.EndArray();
-  json.BeginArray("warnings");
-  for (const std::string& warning : AllWarnings(package, path)) json.Text("", warning);
-  json.EndArray();
-  json.EndObject();
-  return json.Written();
 }
 
 }  // namespace mkpkg

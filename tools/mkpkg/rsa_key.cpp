@@ -84,19 +84,16 @@ std::string PublicPem(const UniqueKey& key) {
   return TextOf(bio);
 }
 
-std::string ReadPrivateKey(const std::string& pem, const std::string& origin, UniqueKey& key) {
+std::string ParseKey(const std::string& pem, const std::string& origin, KeyPart part,
+                     const std::optional<std::string>& passphrase, UniqueKey& key) {
+  const bool is_private = part == KeyPart::kPrivate || pem.find("PRIVATE KEY-----") != std::string::npos;
   const UniqueBio bio = Reader(pem);
-  key.reset(bio ? PEM_read_bio_PrivateKey(bio.get(), nullptr, nullptr, nullptr) : nullptr);
-  if (!key) return origin + " holds no private key in PEM form: " + CryptographicReason();
-  return ReasonAgainst(key, origin);
-}
-
-std::string ReadPublicKey(const std::string& pem, const std::string& origin, UniqueKey& key) {
-  if (pem.find("PRIVATE KEY-----") != std::string::npos) return ReadPrivateKey(pem, origin, key);
-  const UniqueBio bio = Reader(pem);
-  key.reset(bio ? PEM_read_bio_PUBKEY(bio.get(), nullptr, nullptr, nullptr) : nullptr);
-  if (!key) return origin + " holds no public key in PEM form: " + CryptographicReason();
-  return ReasonAgainst(key, origin);
+  if (!bio) return "out of memory";
+  void* phrase = passphrase ? const_cast<char*>(passphrase->c_str()) : nullptr;
+  key.reset(is_private ? PEM_read_bio_PrivateKey(bio.get(), nullptr, nullptr, phrase)
+                       : PEM_read_bio_PUBKEY(bio.get(), nullptr, nullptr, nullptr));
+  if (key) return ReasonAgainst(key, origin);
+  return origin + " holds no " + (is_private ? "private" : "public") + " key in PEM form: " + CryptographicReason();
 }
 
 bool HasSmallExponent(const UniqueKey& key) {

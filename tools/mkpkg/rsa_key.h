@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "pkg/format/public_key.h"
@@ -32,12 +33,14 @@ using UniqueKey = std::unique_ptr<EVP_PKEY, KeyFreer>;
 /// @return as above.
 [[nodiscard]] std::string PublicPem(const UniqueKey& key);
 
-/// Reads a private key; an encrypted one asks for its pass phrase on the terminal.
-/// @param origin  what messages call the text.
+enum class KeyPart { kPublic, kPrivate };
+
+/// Reads a key. Where the public part is wanted, a private key's PEM will do too.
+/// @param origin      what messages call the text.
+/// @param passphrase  of an encrypted key; without one the terminal is asked.
 /// @return an empty text, or one line that says why this key cannot be used: no RSA key, not 2048 bits.
-[[nodiscard]] std::string ReadPrivateKey(const std::string& pem, const std::string& origin, UniqueKey& key);
-/// Reads a public key, or the public half of a private key's PEM; results as above.
-[[nodiscard]] std::string ReadPublicKey(const std::string& pem, const std::string& origin, UniqueKey& key);
+[[nodiscard]] std::string ParseKey(const std::string& pem, const std::string& origin, KeyPart part,
+                                   const std::optional<std::string>& passphrase, UniqueKey& key);
 
 /// @return whether the public exponent is one that no signature should hang on.
 [[nodiscard]] bool HasSmallExponent(const UniqueKey& key);

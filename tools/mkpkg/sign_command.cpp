@@ -7,6 +7,7 @@
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/exit_status.h"
 #include "tools/mkpkg/files.h"
+#include "tools/mkpkg/key_option.h"
 #include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/package_signer.h"
 #include "util/unique_handle.h"
@@ -31,6 +32,7 @@ constexpr char kHelp[] =
     "                        device keys of 516 bytes take it. Without: the 32 bytes of the digest alone\n"
     "\n"
     "  --private-key=PEM     an RSA key of 2048 bits\n"
+    "  --passphrase-file=FILE  the first line of FILE opens an encrypted PEM; without it the terminal is asked\n"
     "  --show-digest         print the SHA-256 digest to be signed in hexadecimal\n"
     "  --write-block=FILE    write the block to be signed; what is left to do is PKCS #1 type 1 padding and RSA:\n"
     "                        openssl pkeyutl -sign -inkey PEM -pkeyopt rsa_padding_mode:pkcs1 -in FILE -out SIGNATURE\n"
@@ -40,9 +42,9 @@ constexpr char kHelp[] =
     "Exit status: 0 done, 2 wrong command line, 3 the package, key or signature is missing or wrong, 4 the result\n"
     "could not be written; the package is then as it was.\n";
 
-constexpr Option kOptions[] = {{"key-name", true},    {"markers", true},     {"in-head"},
-                               {"digest-info"},       {"private-key", true}, {"show-digest"},
-                               {"write-block", true}, {"attach", true},      {"public-key", true}};
+constexpr Option kOptions[] = {{"key-name", true},    {"markers", true},        {"in-head"},           {"digest-info"},
+                               {"private-key", true}, {"show-digest"},          {"write-block", true}, {"attach", true},
+                               {"public-key", true},  {"passphrase-file", true}};
 constexpr const char* kActions[] = {"private-key", "show-digest", "write-block", "attach"};
 constexpr std::size_t kSignatureSize = kKeyBits / 8;
 
@@ -63,13 +65,12 @@ std::string ReadForm(const Arguments& arguments, SignatureForm& form) {
   return form.in_head ? "" : ReasonAgainstKeyName(form.key_name);
 }
 
-std::string SignatureWithKey(const Arguments& arguments, const std::string& block, std::string& signature) {
+std::string SignatureWithKey(const Arguments& arguments, const std::string& block, std::string& signature,
+                             std::vector<std::string>& warnings) {
   const std::string origin = arguments.Value("private-key");
-  std::string pem;
   UniqueKey key;
-  if (std::string problem = ReadWholeFile(origin, pem); !problem.empty()) return problem;
-  if (std::string problem = ReadPrivateKey(pem, origin, key); !problem.empty()) return problem;
-  if (HasSmallExponent(key)) Warn(origin + " has a small public exponent: signatures for it can be forged");
+  if (std::string problem = ReadKey(arguments, origin, KeyPart::kPrivate, key); !problem.empty()) return problem;
+  if (HasSmallExponent(key)) warnings.push_back(origin + " has a public exponent below 65537: use it for no device");
   return SignBlock(key, block, signature);
 }
 
@@ -80,17 +81,19 @@ std::string SignatureFromElsewhere(const Arguments& arguments, const std::string
     return origin + " holds " + std::to_string(signature.size()) + " bytes; a signature has 256";
   if (!arguments.Has("public-key")) return "";
   const std::string key_origin = arguments.Value("public-key");
-  std::string pem;
   UniqueKey key;
-  if (std::string problem = ReadWholeFile(key_origin, pem); !problem.empty()) return problem;
-  if (std::string problem = ReadPublicKey(pem, key_origin, key); !problem.empty()) return problem;
+  if (std::string problem = ReadKey(arguments, key_origin, KeyPart::kPublic, key); !problem.empty()) return problem;
   return OpensTo(key, signature, block) ? "" : origin + " is not the signature of this package with " + key_origin;
 }
 
-int ShowDigest(const std::string& digest) {
-  for (const char byte : digest) std::printf("%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
-  std::printf("\n");
-  return EndOutput();
+std::string InHex(const std::string& bytes) {
+  std::string text;
+  for (const char byte : bytes) {
+    char digits[sizeof("00")];
+    (void)std::snprintf(digits, sizeof(digits), "%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
+    text += digits;
+  }
+  return text;
 }
 
 int Run(const Arguments& arguments) {
@@ -107,22 +110,30 @@ int Run(const Arguments& arguments) {
   if (problem.empty()) problem = DigestToSign(form, fd.Get(), package, digest);
   if (!problem.empty()) return Fail(kBadInput, path + ": " + problem);
   const std::string block = BlockToSign(form, digest);
-  if (arguments.Has("show-digest")) return ShowDigest(digest);
+  std::vector<std::string> warnings;
   if (arguments.Has("write-block")) {
     problem = WriteWholeFile(arguments.Value("write-block"), block);
-    return problem.empty() ? kDone : Fail(kCannotWrite, problem);
+    if (!problem.empty()) return Fail(kCannotWrite, problem);
+  } else if (writes) {
+    std::string signature;
+    problem = arguments.Has("attach") ? SignatureFromElsewhere(arguments, block, signature)
+                                      : SignatureWithKey(arguments, block, signature, warnings);
+    if (problem.empty()) problem = ReasonAgainstSignature(form, signature);
+    if (!problem.empty()) return Fail(kBadInput, problem);
+    if (!AttachSignature(form, signature, fd.Get(), package))
+      return Fail(kCannotWrite, "cannot write " + path + ": " + std::strerror(errno));
+  } else if (!arguments.Has(kJson.name)) {
+    std::printf("%s\n", InHex(digest).c_str());
   }
-  std::string signature;
-  problem = arguments.Has("attach") ? SignatureFromElsewhere(arguments, block, signature)
-                                    : SignatureWithKey(arguments, block, signature);
-  if (problem.empty()) problem = ReasonAgainstSignature(form, signature);
-  if (!problem.empty()) return Fail(kBadInput, problem);
-  if (AttachSignature(form, signature, fd.Get(), package)) return kDone;
-  return Fail(kCannotWrite, "cannot write " + path + ": " + std::strerror(errno));
+  return Conclude(arguments, warnings, [&](JsonWriter& json) {
+    json.Text("package", path);
+    json.Text("digest", InHex(digest));
+    json.Flag("is_signed", writes);
+  });
 }
 
 }  // namespace
 
-const Command kSignCommand = {"sign", kHelp, kOptions, 1, 1, Run};
+const Command kSignCommand = {"sign", kHelp, kOptions, {"PACKAGE"}, Run};
 
 }  // namespace mkpkg

@@ -1,7 +1,6 @@
 #include "tools/mkpkg/warnings.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 #include <string_view>
 
@@ -35,12 +34,6 @@ constexpr SuffixRule kSuffixRules[] = {{".gz", {"\x1F\x8B", 2}},
                                          6}}};
 
 using Lines = std::vector<std::string>;
-
-std::string Hex(std::uint32_t value) {
-  char text[sizeof("0x00000000")];
-  (void)std::snprintf(text, sizeof(text), "0x%08X", value);
-  return text;
-}
 
 std::size_t CountOf(const PackageModel& package, std::uint32_t id) {
   return static_cast<std::size_t>(std::count_if(
@@ -138,8 +131,8 @@ void CheckImages(const PackageModel& package, Lines& warnings) {
     if (file.device_code == kUnknownTag)
       warnings.push_back("image " + file.name + ": device tag 0xFFFFFFFF fits no device");
     if (std::find(seen.begin(), seen.end(), file.device_code) != seen.end()) {
-      warnings.push_back("image " + file.name + ": an earlier one has the same device tag " + Hex(file.device_code) +
-                         " and is taken");
+      warnings.push_back("image " + file.name + ": an earlier one has the same device tag " +
+                         HexWord(file.device_code) + " and is taken");
     }
     seen.push_back(file.device_code);
     if (file.is_measured && file.problem.empty() && !file.room)
@@ -150,7 +143,7 @@ void CheckImages(const PackageModel& package, Lines& warnings) {
 void CheckData(const PackageModel& package, Lines& warnings) {
   for (const ContainedFile& file : package.files)
     if (!file.problem.empty())
-      warnings.push_back("file " + Hex(file.id) + " " + file.name + " gives a device no data: " + file.problem);
+      warnings.push_back("file " + HexWord(file.id) + " " + file.name + " gives a device no data: " + file.problem);
 }
 
 void CheckFileName(const std::string& name, Lines& warnings) {
@@ -161,6 +154,14 @@ void CheckFileName(const std::string& name, Lines& warnings) {
     warnings.push_back("the file name is longer than 63 characters: it cannot be typed on a device");
   if (name.size() + kMedium.size() > kLoadRecordSize)
     warnings.push_back("the path flash:/" + name + " is longer than 64 bytes: the device's record of it is cut");
+}
+
+void CheckSignature(const PackageModel& package, Lines& warnings) {
+  const bool is_signed = package.IsSignedInHead() ? package.head.signature_length != 0 : !package.trailer.empty();
+  if (!is_signed) warnings.push_back("the package is not signed: see \"mkpkg sign --help\"");
+  if (!is_signed || package.IsSignedInHead()) return;
+  const std::string reason = ReasonAgainstKeyName(TrailerField(package.trailer, kKeyLabel));
+  if (!reason.empty()) warnings.push_back("no device finds the key: " + reason);
 }
 
 }  // namespace
@@ -177,13 +178,10 @@ std::vector<std::string> WarningsFor(const PackageModel& package, const std::str
   return warnings;
 }
 
-std::vector<std::string> SignatureWarningsFor(const PackageModel& package) {
-  const bool is_signed = package.IsSignedInHead() ? package.head.signature_length != 0 : !package.trailer.empty();
-  if (!is_signed) return {"the package is not signed: see \"mkpkg sign --help\""};
-  if (package.IsSignedInHead()) return {};
-  const std::string reason = ReasonAgainstKeyName(TrailerField(package, kKeyLabel));
-  if (reason.empty()) return {};
-  return {"no device finds the key: " + reason};
+std::vector<std::string> AllWarningsFor(const PackageModel& package, const std::string& file_name) {
+  Lines warnings = WarningsFor(package, file_name);
+  CheckSignature(package, warnings);
+  return warnings;
 }
 
 }  // namespace mkpkg

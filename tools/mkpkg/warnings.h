@@ -12,7 +12,7 @@ namespace mkpkg {
 /// @return one line for each finding; none for a package that is as it should be.
 [[nodiscard]] std::vector<std::string> WarningsFor(const PackageModel& package, const std::string& file_name);
 
-/// The same of its signature, which a package gets last.
-[[nodiscard]] std::vector<std::string> SignatureWarningsFor(const PackageModel& package);
+/// The same, and of its signature, which a package gets last.
+[[nodiscard]] std::vector<std::string> AllWarningsFor(const PackageModel& package, const std::string& file_name);
 
 }  // namespace mkpkg

@@ -158,10 +158,6 @@ TEST_F(PackageTool, ResigningReplacesTheSignature) {
 TEST_F(PackageTool, NoKeyWithASmallExponent) {
   mkpkg::UniqueKey key;
   for (const std::uint32_t exponent : {1U, 3U, 65535U, 65538U}) EXPECT_NE(mkpkg::GenerateKey(exponent, key), "");
-  std::string file(mkpkg::kLongKeyFile, '\xFF');
-  EXPECT_FALSE(mkpkg::IsWeakDeviceKey(file));
-  file.replace(mkpkg::kLongKeyFile - 256, 256, std::string(255, '\0') + "\x03");
-  EXPECT_TRUE(mkpkg::IsWeakDeviceKey(file));
 }
 
 TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
@@ -183,14 +179,19 @@ TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
   for (const Case& c : kCases) {
     WriteFile(kTestPackage, Sign(Changed(c.change), {.key_name = "maker"}));
     const mkpkg::DeviceVerdict verdict =
-        mkpkg::JudgeInstall(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", c.name});
+        mkpkg::JudgeForDevice(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", c.name}).install;
     EXPECT_EQ(verdict.step, c.outcome) << verdict.reason;
   }
   WriteFile("/tmp/boot.bin", Changed([](C& c) {
               c.files[1].data = "Platform version: V1\nProduct version: R1\n" + std::string(1 << 20, '\n');
             }));
-  EXPECT_EQ(mkpkg::JudgeInstall(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", "good.bin"}).step,
-            "compatible");
+  const mkpkg::DeviceVerdicts verdicts =
+      mkpkg::JudgeForDevice(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", "good.bin"});
+  EXPECT_EQ(verdicts.install.step, "compatible");
+  EXPECT_EQ(verdicts.boot_versions, std::vector<std::string>{"V1-R1"});
+  ASSERT_EQ(verdicts.images.size(), 2U);
+  EXPECT_EQ(verdicts.images[1].device_tag, kTestDeviceTag);
+  EXPECT_EQ(verdicts.images[1].name, "system.gz");
 }
 
 TEST(JsonText, IsValidWhateverItHolds) {
