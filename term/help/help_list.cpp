@@ -64,10 +64,11 @@ using UniqueLine = std::unique_ptr<ESH_HELP_INFO_S, MemoryFreer>;
 /// Gives a line to the list, unless one with its keyword is there.
 /// @return false when memory is short.
 bool AddLine(UniqueLine line, VEC_S& list) {
-  if (line == nullptr || !SeeLinesOf(list)) return false;
-  const ESH_HELP_INFO_S*& seen = SeenLine(line->szKeyWord);
+  ESH_HELP_INFO_S* added = line.get();
+  if (added == nullptr || !SeeLinesOf(list)) return false;
+  const ESH_HELP_INFO_S*& seen = SeenLine(added->szKeyWord);
   if (seen != nullptr) return true;
-  if (VEC_Add(&list, kNoIndex, line.get()) == kNoIndex) return false;
+  if (VEC_Add(&list, kNoIndex, added) == kNoIndex) return false;
   seen = line.release();
   g_seen.first_free = list.ulFirstFree;
   ++g_seen.count;
