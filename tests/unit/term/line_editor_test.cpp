@@ -38,7 +38,7 @@ const KeyCase kKeys[] = {
     {"taken from the end", "ab\010\n", "a\n", "ab\033[1D\033[J"},
     {"taken from inside", "abc\002\177\n", "ac\n", "abc\033[1D\033[2D\033[Jac\033[1D\033[1C"},
     {"of equal letters the last goes from the screen", "aa\001\004\n", "a\n", "aa\033[2D\033[1C\033[J\033[1D\033[1C"},
-    {"to both ends", "abc\001\005\n", "abc\n", "abc\033[3D\033[3C"},
+    {"to both ends and right", "abc\001\006\005\n", "abc\n", "abc\033[3D\033[1C\033[2C"},
     {"arrows and Delete", "abc\033[D\033[D\033[C\033[3~d\n", "abd\n", "abc\033[1D\033[1D\033[1C\033[Jd"},
     {"nothing there to move over or to take", "\002\006\010\177\004\033[C\033[D\033[3~\033[A\033[B\n", "\n",
      std::string(10, '\a')},
