@@ -29,8 +29,8 @@ struct KeyCase {
   std::string line;    ///< as the caller gets it
   std::string output;  ///< behind the prompt
   std::uint32_t mode = kCommand;
-  const char* term = "xterm";
   unsigned width = 80;
+  const char* term = "xterm";
 };
 
 const KeyCase kKeys[] = {
@@ -52,11 +52,11 @@ const KeyCase kKeys[] = {
     {"no key of a command line", "a\t\032\033[A\033[Bb?\r", "ab?", "ab?", kPlain},
     {"Ctrl+C", "ab\003", "\003", "ab", kPlain},
     {"stars", "abc\002\177\r", "ac", "***\033[1D\033[2D\033[J**\033[1D", kMasked},
-    {"a filled row is ended at once", "ab\n", "ab\n", "ab\r\n", kCommand, "xterm", 8},
-    {"over rows", "abc\001\005\n", "abc\n", "ab\r\nc\033[1A\033[5C\033[1B\033[5D", kCommand, "xterm", 8},
+    {"a filled row is ended at once", "ab\n", "ab\n", "ab\r\n", kCommand, 8},
+    {"over rows", "abc\001\005\n", "abc\n", "ab\r\nc\033[1A\033[5C\033[1B\033[5D", kCommand, 8},
     {"over rows that lose the column", "abc\001\005\n", "abc\n", "ab\r\nc\033[1A\033[8D\033[6C\033[1B\033[8D\033[1C",
-     kCommand, "linux", 8},
-    {"no rows", "abc\002\n", "abc\n", "abc\033[1D\033[1C", kCommand, "esh-zerowidth", 0},
+     kCommand, 8, "linux"},
+    {"no rows", "abc\002\n", "abc\n", "abc\033[1D\033[1C", kCommand, 0, "esh-zerowidth"},
     {"escape alone", "ab\002\033\0\0\n"s, "ab\n", "ab\033[1D\a\033[1C"},
     {"no such sequence", "ab\002\033[\0\0\033OA\0\0\033[E\0\0\n"s, "ab\n", "ab\033[1D\a\a\a\033[1C"},
     {"Delete cut short or changed", "ab\002\033[3\0\0\033[3;5~\0\0\033[2~\0\0\n"s, "ab\n", "ab\033[1D\a\a\a\033[1C"},
