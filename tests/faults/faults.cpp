@@ -36,8 +36,8 @@ bool Fails(const char* call) {
   char error[32] = "";
   int number = 0;
   const long plan = syscall(SYS_openat, AT_FDCWD, kPlan, O_RDWR | O_CLOEXEC);
-  // What does not convert leaves fewer than three.  NOLINTNEXTLINE(cert-err34-c)
   const bool counts = plan >= 0 && syscall(SYS_read, plan, text, sizeof(text) - 1) > 0 &&
+                      // What does not convert leaves fewer than three.  NOLINTNEXTLINE(cert-err34-c)
                       std::sscanf(text, "%31s %d %31s", planned, &number, error) == 3 &&
                       std::strcmp(planned, call) == 0;
   const bool is_due = counts && ++calls == number;
