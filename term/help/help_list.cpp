@@ -23,22 +23,28 @@ constexpr std::uint64_t kLongList = 1000;
 
 bool g_line_was_lost = false;
 
-/// The lines of the list that was added to last, hashed by keyword: to look for one in the list itself would cost the
-/// square of its length, which a directory of 100,000 files does not forgive.
+/// Where the lines of the list that was added to last stand in it, hashed by keyword: to look for one in the list
+/// itself would cost the square of its length, which a directory of 100,000 files does not forgive.
 struct {
   const VEC_S* list = nullptr;
-  std::uint64_t first_free = 0;  // another one now means that others have changed the list
+  std::uint64_t first_free = 0;  ///< another one now means that others have changed the list
   std::uint64_t count = 0;
   std::uint64_t room = 0;
-  std::unique_ptr<const ESH_HELP_INFO_S*[]> slots;
+  std::unique_ptr<std::uint64_t[]> slots;  ///< indexes plus one; 0: nothing
 } g_seen;
 
 void ForgetSeen() { g_seen = {}; }
 
-/// @return where a keyword's line stands in the table, or NULL where it would.
-const ESH_HELP_INFO_S*& SeenLine(std::string_view keyword) {
+bool HasLine(const VEC_S& list, std::uint64_t index, std::string_view keyword) {
+  const void* slot = index < list.ulCapacity ? list.ppvArray[index] : nullptr;
+  const auto* line = static_cast<const ESH_HELP_INFO_S*>(slot);
+  return line != nullptr && keyword == line->szKeyWord;
+}
+
+/// @return where a keyword's line stands in the table, or 0 where it would.
+std::uint64_t& SeenLine(const VEC_S& list, std::string_view keyword) {
   std::uint64_t slot = std::hash<std::string_view>()(keyword) % g_seen.room;
-  while (g_seen.slots[slot] != nullptr && keyword != g_seen.slots[slot]->szKeyWord) slot = (slot + 1) % g_seen.room;
+  while (g_seen.slots[slot] != 0 && !HasLine(list, g_seen.slots[slot] - 1, keyword)) slot = (slot + 1) % g_seen.room;
   return g_seen.slots[slot];
 }
 
@@ -49,10 +55,10 @@ bool SeeLinesOf(const VEC_S& list) {
   if (is_known && g_seen.count < g_seen.room / 2) return true;
   ForgetSeen();
   g_seen.room = kSlotsPerLine * std::max<std::uint64_t>(VEC_GetCount(&list), kUsualSlots);
-  g_seen.slots.reset(new (std::nothrow) const ESH_HELP_INFO_S* [g_seen.room] {});
+  g_seen.slots.reset(new (std::nothrow) std::uint64_t[g_seen.room]{});
   if (g_seen.slots == nullptr) return false;
-  ForEachSlot<ESH_HELP_INFO_S>(list, [](std::uint64_t, const ESH_HELP_INFO_S& line) {
-    SeenLine(line.szKeyWord) = &line;
+  ForEachSlot<ESH_HELP_INFO_S>(list, [&list](std::uint64_t index, const ESH_HELP_INFO_S& line) {
+    SeenLine(list, line.szKeyWord) = index + 1;
     ++g_seen.count;
   });
   g_seen.list = &list;
@@ -66,10 +72,12 @@ using UniqueLine = std::unique_ptr<ESH_HELP_INFO_S, MemoryFreer>;
 bool AddLine(UniqueLine line, VEC_S& list) {
   ESH_HELP_INFO_S* added = line.get();
   if (added == nullptr || !SeeLinesOf(list)) return false;
-  const ESH_HELP_INFO_S*& seen = SeenLine(added->szKeyWord);
-  if (seen != nullptr) return true;
-  if (VEC_Add(&list, kNoIndex, added) == kNoIndex) return false;
-  seen = line.release();
+  std::uint64_t& seen = SeenLine(list, added->szKeyWord);
+  if (seen != 0) return true;
+  const std::uint64_t index = VEC_Add(&list, kNoIndex, added);
+  if (index == kNoIndex) return false;
+  (void)line.release();  // the list's now
+  seen = index + 1;
   g_seen.first_free = list.ulFirstFree;
   ++g_seen.count;
   return true;
@@ -115,10 +123,7 @@ void NoteLostHelpLine() { g_line_was_lost = true; }
 
 bool HelpLineWasLost() { return g_line_was_lost; }
 
-void RemoveHelpLine(VEC_S& list, std::uint64_t index) {
-  ForgetSeen();
-  std::free(VEC_Del(&list, index));
-}
+void RemoveHelpLine(VEC_S& list, std::uint64_t index) { std::free(VEC_Del(&list, index)); }
 
 void ESH_FreeHelpInfoVec(VEC_S* list) {
   ForgetSeen();
@@ -142,10 +147,22 @@ int CmpHelpString(const char* a, const char* b) {
   return first.value < second.value ? -1 : 1;
 }
 
+// Not the library's sort: numbers that are equal, such as 01 and 001, come in the order that these exchanges leave.
 void QuickSortStrVec(VEC_S* list, std::int64_t lo, std::int64_t hi) {
-  if (lo >= hi) return;
-  // The library's quicksort: it keeps its time also where the order of the list splits badly.
-  std::sort(list->ppvArray + lo, list->ppvArray + hi + 1, [](const void* a, const void* b) {
+  void** lines = list->ppvArray;
+  const auto is_before = [](const void* a, const void* b) {
     return CmpHelpString(static_cast<const char*>(a), static_cast<const char*>(b)) < 0;
-  });
+  };
+  while (lo < hi) {
+    const void* pivot = lines[(lo + hi) / 2];
+    std::int64_t left = lo;
+    std::int64_t right = hi;
+    while (left <= right) {
+      while (left < hi && is_before(lines[left], pivot)) ++left;
+      while (right > lo && is_before(pivot, lines[right])) --right;
+      if (left <= right) std::swap(lines[left++], lines[right--]);
+    }
+    QuickSortStrVec(list, lo, right);
+    lo = left;
+  }
 }

@@ -72,6 +72,7 @@ TEST(NamesOnly, AreNumbersThenTextsThenTheEndEachOnce) {
     expected += "  " + std::string(keyword) + "\r\n";
   }
   EXPECT_EQ(Print(lines, 0), expected + "\r\n");
+  EXPECT_EQ(Print({{"0001", ""}, {"001", ""}, {"01", ""}}, 0), "  01\r\n  001\r\n  0001\r\n\r\n") << "equal numbers";
 }
 
 TEST(NamesOnly, AreComplete) {
