@@ -74,7 +74,6 @@ void TakeObjectId(OEM_CONSUMER_INFO_S& info, TextBuilder& section) {
 
 /// @param corporation_section room for the name that the corporation file may give.
 const char* ChooseDefaultSection(std::string_view own_section, char (&corporation_section)[kIdentityRoom]) {
-  if (own_section.empty()) return kDefaultSection;
   for (const DefaultSection& choice : kDefaultSections)
     if (own_section.starts_with(choice.prefix)) return choice.section;
   (void)GetDefaultInfo(kDefaultSectionKey, corporation_section);  // empty when there is none

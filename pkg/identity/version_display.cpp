@@ -9,6 +9,7 @@
 #include "pkg/identity/corporation_tables.h"
 #include "pkg/identity/product_identity.h"
 #include "pkg/identity/system_identity.h"
+#include "shell/command/command_table.h"
 #include "term/pager.h"
 #include "util/regular_file.h"
 #include "util/result.h"
@@ -24,6 +25,14 @@ constexpr char kCopyrightFile[] = "/etc/pkg/license/copyright";
 constexpr std::size_t kUptimeRoom = 64;
 constexpr std::size_t kSoftVersionRoom = 257;
 constexpr std::size_t kBriefVersionRoom = 4096;
+
+constexpr CommandRow kIdentityCommands[] = {
+    {ESH_ProcDisVersion, kAllViews, {kDisplay, Word("version", "System hardware and software version information")}},
+    {ESH_ProcDisCopyright,
+     kAllViews,
+     {kDisplay, Word("copyright", "System hardware and software copyright information")}},
+};
+static_assert(WellFormed(kIdentityCommands));
 
 constexpr long kMinute = 60;  // in seconds
 constexpr long kHour = 60 * kMinute;
@@ -93,6 +102,8 @@ void DisplayPkgInfoForDver() {
   ESH_GetBriefVerInfo(sizeof(brief), brief);
   std::printf("\r\n%s\r\n", brief);
 }
+
+void RegisterIdentityCommands() { RegisterCommands(kIdentityCommands); }
 
 std::uint32_t ESH_ProcDisVersion() {
   ESH_DVER_DisplayVersion();

@@ -36,7 +36,7 @@ std::uint32_t GetBootBinPkgInfo(const char* key, char* value) {
 void GetVersion(std::size_t size, char* text) {
   char platform[kPkgInfoRoom];
   char product[kPkgInfoRoom];
-  FixedText<2 * kPkgInfoRoom> version;
+  FixedText<sizeof("Version , ") + 2 * kPkgInfoRoom> version;
   if (GetBootBinPkgInfo(kPlatformVersion, platform) == kSuccess &&
       GetBootBinPkgInfo(kProductVersion, product) == kSuccess)
     version.Append("Version %s, %s", platform, product);

@@ -23,13 +23,12 @@ constexpr CommandRow kPackageCommands[] = {
      kAllViews,
      {kDisplay, Word("install", "Display information of system packages"),
       Word("package", "Display information about a package"), PackageName("[package name]", HelpDisInstallPkg)}},
-    {ESH_ProcDisVersion, kAllViews, {kDisplay, Word("version", "System hardware and software version information")}},
-    {ESH_ProcDisCopyright,
-     kAllViews,
-     {kDisplay, Word("copyright", "System hardware and software copyright information")}},
 };
 static_assert(WellFormed(kPackageCommands));
 
 }  // namespace
 
-void ESH_Pkgm_Init() { RegisterCommands(kPackageCommands); }
+void ESH_Pkgm_Init() {
+  RegisterCommands(kPackageCommands);
+  RegisterIdentityCommands();
+}

@@ -68,7 +68,7 @@ TEST_F(ProductIdentity, SectionFollowsTheObjectId) {
       {"1.3.6.1.4.1.47213.12.1.4.18446744073709551615", "", "Talvo", kMaker},
       {"1.3.6.1.4.1.9", kOwn, "own", kMaker},
       {"1.3.6.1.4.1.9", "default-oem: [default-Gone]\n", "Ostrel", kMaker},
-      {"no numbers", kOwn, "plain", kMaker},
+      {"no numbers", kOwn, "own", kMaker},
   };
   for (const auto& [object_id, corporation, name, contact] : kCases) {
     const OEM_CONSUMER_INFO_S record = Record(oem, object_id, corporation);
