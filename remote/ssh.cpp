@@ -1,7 +1,4 @@
-#include <unistd.h>
-
-#include "fs/named_file.h"
-#include "net/ip_stack.h"
+#include "net/known_hosts.h"
 #include "remote/credentials.h"
 #include "remote/host_address.h"
 #include "remote/remote_commands.h"
@@ -31,6 +28,4 @@ std::uint32_t ESH_ProcSsh2IPv6() {
   return refusal ? *refusal : Connect(g_szIPv6Address);
 }
 
-std::uint32_t ESH_ProcResetPublicKeySsh() {
-  return !Exists(kKnownHosts) || unlink(kKnownHosts) == 0 ? kSuccess : ESH_ERR_FAIL;
-}
+std::uint32_t ESH_ProcResetPublicKeySsh() { return ForgetKnownHosts(); }

@@ -33,9 +33,10 @@ const char* LineOfRefusal(PackageVerdict verdict) {
     case PackageVerdict::kDescription:
       return "\r\nOperation failed! \r\n";  // with its blank
     case PackageVerdict::kDeviceTag:
+      return "Operation failed!\r\n";
     case PackageVerdict::kImage:
     case PackageVerdict::kImageName:
-      return "Operation failed!\r\n";
+      return "\r\nOperation failed!\r\nOperation failed!\r\n";
     default:
       return "%s is corrupted.\r\n";
   }

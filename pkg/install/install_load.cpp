@@ -1,7 +1,5 @@
 #include "pkg/install/install_load.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 
@@ -10,6 +8,7 @@
 #include "fs/path.h"
 #include "net/ip_stack.h"
 #include "net/ipv4_address.h"
+#include "net/known_hosts.h"
 #include "pkg/format/contained_file.h"
 #include "pkg/format/package_judge.h"
 #include "pkg/format/package_reader.h"
@@ -31,8 +30,7 @@ namespace {
 
 constexpr char kChecking[] = "Check package %s ...\r\n";
 constexpr char kExtracting[] = "Extracting package ...\r";
-constexpr char kOperationFailed[] = "Operation failed!\r\n";
-constexpr char kNoImage[] = "\r\nOperation failed!\r\n";
+constexpr char kNotUnpacked[] = "Operation failed!\r\n";
 constexpr char kLoading[] = "\r\nLoading...\r";
 constexpr char kExitFailed[] = "Exit failed.\r";
 
@@ -68,16 +66,13 @@ struct OwnDevice final : LoadDevice {
 };
 
 std::uint32_t Refuse(PackageVerdict verdict, const char* name) {
-  if (verdict == PackageVerdict::kImage || verdict == PackageVerdict::kImageName) {
-    std::printf(kNoImage);
-    DropCaches();  // the line below says so once more, which is meant
-  }
+  if (verdict == PackageVerdict::kImage || verdict == PackageVerdict::kImageName) DropCaches();
   return PrintRefusal(verdict, name);
 }
 
 /// Leaves the console to the system that was loaded.
 [[noreturn]] void EndShell() {
-  (void)unlink(kKnownHosts);  // the loaded system's hosts are others; absent is what is wanted
+  (void)ForgetKnownHosts();  // the loaded system's are others
   ESH_Exit();
   std::exit(EXIT_SUCCESS);
 }
@@ -104,7 +99,7 @@ std::uint32_t ESH_PKG_InstallLoadSystem(const char* name) {
   const std::uint32_t unpacked = UnpackSystemImage(device.image);
   DropCaches();
   if (unpacked == kSuccess) return WriteChangeList(path);
-  std::printf(kOperationFailed);
+  std::printf(kNotUnpacked);
   return unpacked;
 }
 

@@ -18,13 +18,13 @@ constexpr char kScript[] = "/etc/pkg/TempFile";
 constexpr char kRemove[] = "/bin/rm";
 constexpr std::string_view kBlanks = " \t";
 
-void SetToolSignals() {
+void SetUnpackerSignals() {
   std::signal(SIGINT, SIG_IGN);   // SIGHUP the shell ignores already
   std::signal(SIGPIPE, SIG_DFL);  // which it ignores too, but a tool before a pipe ends by it
 }
 
 [[noreturn]] void BecomeProgram(char* const* arguments) {
-  SetToolSignals();
+  SetUnpackerSignals();
   execv(arguments[0], arguments);
   _exit(EXIT_FAILURE);
 }
