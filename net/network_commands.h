@@ -14,8 +14,3 @@ std::uint32_t ESH_ProcDisIPGateway();
 
 /// "display ipv6 routing-table": the same for IPv6, a page at a time. @return 0.
 std::uint32_t ESH_ProcDisIPv6Gateway();
-
-/// Runs a shell command line, with redirections and all, as a script of the device's /bin/sh. Ctrl+C cannot break it
-/// off.
-/// @return 0 when the script succeeded, else ESH_ERR_FAIL; also when it could not be written, and then nothing ran.
-std::uint32_t ESH_SystemProc(const char* command);

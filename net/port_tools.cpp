@@ -1,6 +1,7 @@
 #include "net/port_tools.h"
 
 #include "net/management_port.h"
+#include "shell/tool/script_file.h"
 #include "shell/tool/tool_line.h"
 #include "util/result.h"
 
@@ -11,6 +12,7 @@ constexpr char kRemoveIPv4DefaultRoute[] = "/bin/route del default";
 constexpr char kRemoveIPv6DefaultRoute[] = "/bin/route -A inet6 del ::/0";
 constexpr char kPortUp[] = "/bin/ifconfig m-eth0 up";
 constexpr char kPortDown[] = "/bin/ifconfig m-eth0 down";
+constexpr char kScript[] = "/var/tmp/TempFile";
 
 }  // namespace
 
@@ -57,3 +59,5 @@ std::uint32_t TakePortDown() {
   const std::uint32_t down = RunTool(kPortDown);
   return address_removed == kSuccess && down == kSuccess ? kSuccess : ESH_ERR_FAIL;
 }
+
+std::uint32_t ESH_SystemProc(const char* command) { return RunAsScript(kScript, command, RunTool); }

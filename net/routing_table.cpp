@@ -3,7 +3,7 @@
 #include <cstddef>
 
 #include "net/network_commands.h"
-#include "shell/tool/script_file.h"
+#include "net/port_tools.h"
 #include "shell/tool/tool_line.h"
 #include "term/pager.h"
 #include "util/regular_file.h"
@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr char kScript[] = "/var/tmp/TempFile";
 constexpr char kShowIPv4Table[] = "/bin/route";
 constexpr char kIPv6Table[] = "/etc/pkg/route_table6";
 constexpr char kWriteIPv6Table[] = "/bin/route -A inet6 -n > /etc/pkg/route_table6";
@@ -29,5 +28,3 @@ std::uint32_t ESH_ProcDisIPv6Gateway() {
   (void)unlink(kIPv6Table);
   return kSuccess;
 }
-
-std::uint32_t ESH_SystemProc(const char* command) { return RunAsScript(kScript, command, RunTool); }
