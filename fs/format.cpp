@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <string_view>
 
 #include "fs/file_commands.h"
 #include "fs/names/name_rules.h"
@@ -22,8 +23,9 @@ constexpr std::size_t kMediumPathRoom = 21;
 }  // namespace
 
 std::uint32_t ESH_ProcFormat() {
-  FixedText<sizeof(g_szDiskName)> device;  // the root may have been typed with its slash
-  device.AppendText(DeviceNameOf(g_szDiskName));
+  const std::string_view root = DeviceNameOf(g_szDiskName);  // it may have been typed with its slash
+  FixedText<sizeof(g_szDiskName)> device;
+  device.AppendText(root.empty() ? g_szDiskName : root);
   FixedText<kMediumPathRoom> medium;
   medium.Append("%s/%s", kMediaRoot, device.Text());
   if (access(medium.Text(), F_OK) != 0) {
