@@ -45,7 +45,6 @@ constexpr char kLoadAddon[] = "/bin/insmod /lib/modules/addon.ko";
 constexpr char kLoadIpStack[] = "/bin/insmod /lib/modules/ipstack.ko";
 constexpr char kLoopbackUp[] = "/bin/ifconfig lo up";
 
-/// A tool of start-up: Ctrl+C cannot break it off.
 /// @return the verdict on the steps that count.
 std::uint32_t LoadModules() {
   if (HasLoadedKo() == 0) (void)RunTool(kLoadAddon);  // the shell can do without what the add-on tells

@@ -94,12 +94,9 @@ std::uint32_t VEC_Reduce(VEC_S* vec, std::uint64_t need) {
 
 std::uint32_t VEC_Resize(VEC_S* vec, std::uint64_t slots) {
   if (slots > kMostSlots) return ESH_ERR_FAIL;
-  // Not calloc, which passes over the allocator's list of blocks that were freed a moment ago.
-  auto** array = static_cast<void**>(std::malloc(slots * sizeof(void*)));
+  auto** array = static_cast<void**>(std::calloc(slots, sizeof(void*)));
   if (array == nullptr) return ESH_ERR_FAIL;
-  const std::uint64_t kept = std::min(vec->ulCapacity, slots);
-  std::copy_n(vec->ppvArray, kept, array);
-  std::fill(array + kept, array + slots, nullptr);
+  std::copy_n(vec->ppvArray, std::min(vec->ulCapacity, slots), array);
   std::free(vec->ppvArray);
   vec->ppvArray = array;
   vec->ulCapacity = slots;

@@ -13,27 +13,12 @@
 #include "term/line_editor.h"
 #include "term/terminal.h"
 #include "util/result.h"
+#include "util/signals_held.h"
 
 std::int32_t g_EShSubPid = -1;
 std::int32_t g_iShellGid = -1;
 
 namespace {
-
-/// Holds all signals back. One that comes before the shell knows its child's process id could not be passed on.
-class SignalsHeld {
- public:
-  SignalsHeld() {
-    sigset_t all;
-    sigfillset(&all);
-    sigprocmask(SIG_SETMASK, &all, &before_);
-  }
-  SignalsHeld(const SignalsHeld&) = delete;
-  SignalsHeld& operator=(const SignalsHeld&) = delete;
-  ~SignalsHeld() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-
- private:
-  sigset_t before_;
-};
 
 /// No signal is held back from a tool, whatever the shell does.
 void SetToolSignals(std::uint16_t ignoreInt) {
