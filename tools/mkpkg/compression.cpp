@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tools/mkpkg/archive_handle.h"
+#include "tools/mkpkg/files.h"
 #include "util/unique_handle.h"
 
 namespace mkpkg {
@@ -64,12 +65,12 @@ std::string WriteArchive(const Method& method, std::uint64_t size, const Feed& f
 }
 
 /// The head of a 7z archive tells the length of what is in it, so that is kept in a file until its length is known.
-std::string Keep(const Feed& feed, std::FILE* kept, std::uint64_t& size) {
-  const std::string problem = feed([&](std::string_view piece) -> std::string {
+std::string Keep(const Feed& feed, const UniqueFd& kept, std::uint64_t& size) {
+  const Sink into_file = IntoFile(kept.Get(), "a temporary file");
+  return feed([&](std::string_view piece) {
     size += piece.size();
-    return std::fwrite(piece.data(), 1, piece.size(), kept) == piece.size() ? "" : "cannot write a temporary file";
+    return into_file(piece);
   });
-  return problem.empty() && std::fflush(kept) != 0 ? "cannot write a temporary file" : problem;
 }
 
 la_ssize_t ReadPiece(archive* /*input*/, void* pieces, const void** bytes) {
@@ -135,11 +136,11 @@ const char* SuffixOf(Compression compression) { return MethodOf(compression).suf
 std::string Compress(Compression compression, const Feed& feed, const Sink& sink) {
   const Method& method = MethodOf(compression);
   if (compression != Compression::k7z) return WriteArchive(method, 0, feed, sink);
-  const UniqueFile kept(std::tmpfile());
-  std::uint64_t size = 0;
+  const UniqueFd kept = OpenScratch();
   if (!kept) return "cannot make a temporary file";
-  if (std::string problem = Keep(feed, kept.get(), size); !problem.empty()) return problem;
-  FilePieces pieces(fileno(kept.get()), 0, size);
+  std::uint64_t size = 0;
+  if (std::string problem = Keep(feed, kept, size); !problem.empty()) return problem;
+  FilePieces pieces(kept.Get(), 0, size);
   return WriteArchive(
       method, size, [&](const Sink& archive) { return FeedPieces(pieces, archive); }, sink);
 }

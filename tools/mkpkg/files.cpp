@@ -16,7 +16,6 @@
 
 #include "tools/mkpkg/progress.h"
 #include "util/new_file.h"
-#include "util/unique_handle.h"
 
 namespace mkpkg {
 namespace {
@@ -127,6 +126,13 @@ std::string WriteFile(const std::string& path, const FillFile& fill, mode_t mode
 std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode_t mode, bool replace) {
   return WriteFile(
       path, [&](int fd) { return IntoFile(fd, path)(bytes); }, mode, replace);
+}
+
+UniqueFd OpenScratch() {
+  std::string name = std::filesystem::temp_directory_path().string() + "/mkpkg.XXXXXX";
+  UniqueFd fd(mkostemp(name.data(), O_CLOEXEC));
+  if (fd) (void)unlink(name.c_str());  // a name that stays is the administrator's affair
+  return fd;
 }
 
 std::string InMemory(std::string& bytes, const FillFile& work) {

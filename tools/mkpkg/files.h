@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tools/mkpkg/pieces.h"
+#include "util/unique_handle.h"
 
 namespace mkpkg {
 
@@ -34,6 +35,10 @@ using FillFile = std::function<std::string(int fd)>;
 /// WriteFile with these bytes.
 [[nodiscard]] std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode_t mode = 0666,
                                          bool replace = true);
+
+/// Opens a file that is nobody's and gone when it is closed, in the directory for temporary files.
+/// @return an owner of nothing when that is not possible.
+[[nodiscard]] UniqueFd OpenScratch();
 
 /// Has a function work on a file in memory that holds these bytes, and takes what it leaves there.
 [[nodiscard]] std::string InMemory(std::string& bytes, const FillFile& work);
