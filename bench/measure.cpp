@@ -14,6 +14,22 @@ double Millis(const timeval& time) {
   return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
 }
 
+/// What a child cost that ran `body`.
+rusage UsageOfChild(const std::function<void()>& body) {
+  std::fflush(stdout);
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+    body();
+    std::fflush(stdout);
+    _exit(0);
+  }
+  int status = -1;
+  rusage usage{};
+  Require(child > 0 && wait4(child, &status, 0, &usage) == child && status == 0, "a measured process fails");
+  return usage;
+}
+
 }  // namespace
 
 void Report(const char* figure, double ours, double peer, double goal) {
@@ -29,20 +45,9 @@ double Median(std::vector<double> samples) {
 
 double MillisOf(const rusage& usage) { return Millis(usage.ru_utime) + Millis(usage.ru_stime); }
 
-double MillisOfChild(const std::function<void()>& body) {
-  std::fflush(stdout);
-  const pid_t child = fork();
-  if (child == 0) {
-    dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-    body();
-    std::fflush(stdout);
-    _exit(0);
-  }
-  int status = -1;
-  rusage usage{};
-  Require(child > 0 && wait4(child, &status, 0, &usage) == child && status == 0, "a measured process fails");
-  return MillisOf(usage);
-}
+double MillisOfChild(const std::function<void()>& body) { return MillisOf(UsageOfChild(body)); }
+
+double PeakOfChild(const std::function<void()>& body) { return static_cast<double>(UsageOfChild(body).ru_maxrss); }
 
 void Require(bool holds, const char* what) {
   if (!holds) {

@@ -21,5 +21,8 @@ void Report(const char* figure, double ours, double peer, double goal);
 /// @return user and system time in milliseconds. A child that fails ends the benchmark.
 [[nodiscard]] double MillisOfChild(const std::function<void()>& body);
 
+/// Most memory that such a child had, in KB.
+[[nodiscard]] double PeakOfChild(const std::function<void()>& body);
+
 /// Ends the benchmark when something that it relies on does not hold: no figure is better than a wrong one.
 void Require(bool holds, const char* what);
