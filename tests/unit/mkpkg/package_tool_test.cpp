@@ -1,7 +1,10 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <utility>
 
@@ -142,6 +145,11 @@ TEST_F(PackageTool, ArchiveDependsOnNamesAndContentsOnly) {
   EXPECT_EQ(Measured(archives[0])->bytes, 8U);
   EXPECT_EQ(Measured(archives[0])->files, 4U);
   EXPECT_FALSE(Measured(archives[0].substr(0, archives[0].size() / 2)));
+  std::int64_t time = 0;
+  for (const auto& [text, is_time] : {std::pair("5", true), {"-5", false}, {"", false}, {"4294967296", false}}) {
+    setenv("SOURCE_DATE_EPOCH", text, 1);
+    EXPECT_EQ(mkpkg::ReadTimeOfEntries(time).empty(), is_time) << text;
+  }
   ASSERT_EQ(mkfifo("/tmp/one/pipe", 0600), 0);
   EXPECT_NE(mkpkg::ArchiveDirectory("/tmp/one", 5, Into(archives[0])), "") << "what it cannot hold must not vanish";
 }
@@ -153,6 +161,24 @@ TEST_F(PackageTool, ResigningReplacesTheSignature) {
   std::string damaged = GoodPackage();
   damaged[damaged.rfind(kLengthLabel)] = 'f';
   EXPECT_GT(Sign(damaged, form).size(), damaged.size()) << "a device looks for it at the package's end alone";
+}
+
+TEST_F(PackageTool, SignatureWithoutRoomLeavesThePackageAsItWas) {
+  const std::string before = GoodPackage(true);
+  WriteFile(kTestPackage, before);
+  const UniqueFd fd(open(kTestPackage, O_RDWR));
+  const mkpkg::SignatureForm form = {.key_name = "maker"};
+  mkpkg::PreparedPackage prepared;
+  ASSERT_EQ(mkpkg::PrepareForSigning(form, fd.Get(), prepared), "");
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit full = {before.size() + 10, limit.rlim_max};
+  (void)std::signal(SIGXFSZ, SIG_IGN);
+  for (const bool has_room : {false, true}) {
+    setrlimit(RLIMIT_FSIZE, has_room ? &limit : &full);
+    EXPECT_EQ(mkpkg::AttachSignature(form, std::string(256, 's'), fd.Get(), prepared), has_room);
+    EXPECT_EQ(ReadFile(kTestPackage) == before, !has_room);
+  }
 }
 
 TEST_F(PackageTool, NoKeyWithASmallExponent) {
