@@ -9,8 +9,9 @@ target_compile_options(esh_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wc
                                            # two builds in two places are the same bytes
                                            -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 if(ESH_SANITIZE)
-  target_compile_options(esh_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
-                                             -fno-omit-frame-pointer -g1)
+  # Not what an object's class is: the product is built without RTTI.
+  target_compile_options(esh_flags INTERFACE -fsanitize=address,undefined -fno-sanitize=vptr
+                                             -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   target_link_options(esh_flags INTERFACE -fsanitize=address,undefined)
 endif()
 

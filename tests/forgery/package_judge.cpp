@@ -36,7 +36,7 @@ void Judge(const char* path, std::uint32_t product_tag, const char* key_director
   PackageVerdict verdict = OpenPackage(path, opened);
   const UniquePackage reader(opened);
   if (reader != nullptr) verdict = JudgePackage(reader.get(), product_tag, key_directory);
-  std::printf("%s", mkpkg::TextOf(verdict).name);
+  std::printf("%s", mkpkg::VerdictTextOf(verdict).name);
   if (verdict == PackageVerdict::kGood) PrintFiles(reader.get());
   std::printf("\n");
 }

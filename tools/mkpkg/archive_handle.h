@@ -12,10 +12,8 @@
 namespace mkpkg {
 
 struct ArchiveWriteFreer {
-  void operator()(archive* output) const {
-    archive_write_fail(output);  // or what was not closed would be ended now, as if all were in it
-    archive_write_free(output);
-  }
+  /// What was not closed is ended as if all were in it: its sink must still be there.
+  void operator()(archive* output) const { archive_write_free(output); }
 };
 using UniqueArchiveWriter = std::unique_ptr<archive, ArchiveWriteFreer>;
 

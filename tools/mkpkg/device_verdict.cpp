@@ -152,7 +152,7 @@ class ToldDevice final : public LoadDevice {
  private:
   [[nodiscard]] DeviceVerdict Told(PackageVerdict verdict) const {
     if (verdict == PackageVerdict::kGood) return {};
-    const auto& [named, step, reason] = TextOf(verdict);
+    const auto& [named, step, reason] = VerdictTextOf(verdict);
     return {step, reason_.empty() ? reason : reason_, LineFor(verdict, facts_.typed_name)};
   }
 

@@ -43,7 +43,7 @@ int Run(const Arguments& arguments) {
   PKG_READER_S* opened = nullptr;
   const PackageVerdict verdict = OpenPackage(path.c_str(), opened);
   const UniquePackage reader(opened);
-  if (verdict != PackageVerdict::kGood) return Fail(kBadInput, path + ": " + TextOf(verdict).reason);
+  if (verdict != PackageVerdict::kGood) return Fail(kBadInput, path + ": " + VerdictTextOf(verdict).reason);
   if (mkdir(directory.c_str(), 0777) != 0 && errno != EEXIST)
     return Fail(kCannotWrite, "cannot make " + directory + ": " + std::strerror(errno));
   int status = kDone;

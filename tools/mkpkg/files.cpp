@@ -20,7 +20,7 @@
 namespace mkpkg {
 namespace {
 
-constexpr std::size_t kPiece = 1 << 18;
+constexpr std::size_t kFilePiece = 1 << 18;
 constexpr int kFatalSignals[] = {SIGHUP, SIGINT, SIGTERM};
 
 char g_temporary[PATH_MAX];  // the file to remove when a signal ends the program; "": none
@@ -84,7 +84,7 @@ std::string FeedFile(const std::string& path, const Sink& sink) {
   struct stat status {};
   if (!fd || fstat(fd.Get(), &status) != 0) return Reason("read", path);
   Progress progress("Reading " + path, S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0);
-  std::vector<char> piece(kPiece);
+  std::vector<char> piece(kFilePiece);
   for (;;) {
     const ssize_t count = read(fd.Get(), piece.data(), piece.size());
     if (count < 0 && errno == EINTR) continue;
@@ -126,6 +126,10 @@ std::string WriteFile(const std::string& path, const FillFile& fill, mode_t mode
 std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode_t mode, bool replace) {
   return WriteFile(
       path, [&](int fd) { return IntoFile(fd, path)(bytes); }, mode, replace);
+}
+
+bool WriteAt(int fd, std::uint64_t offset, std::string_view bytes) {
+  return pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(offset)) == static_cast<ssize_t>(bytes.size());
 }
 
 UniqueFd OpenScratch() {

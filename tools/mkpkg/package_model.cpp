@@ -104,7 +104,7 @@ std::string ReadPackage(const std::string& path, bool measures_images, PackageMo
   PKG_READER_S* opened = nullptr;
   const PackageVerdict verdict = OpenPackage(path.c_str(), opened);
   const UniquePackage reader(opened);
-  if (verdict != PackageVerdict::kGood) return path + ": " + TextOf(verdict).reason;
+  if (verdict != PackageVerdict::kGood) return path + ": " + VerdictTextOf(verdict).reason;
   package.head = reader->head;
   package.size = SizeOfSource(reader->source);
   if (!package.IsSignedInHead()) package.trailer = FindTrailer(fileno(reader->source.stream), package.size);

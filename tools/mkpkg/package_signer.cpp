@@ -60,10 +60,6 @@ bool IsTrailer(std::string_view text) {
   return stands_between(kGenericMarkers) || stands_between(kVendorMarkers);
 }
 
-bool Put(int fd, std::string_view bytes, std::uint64_t offset) {
-  return pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(offset)) == static_cast<ssize_t>(bytes.size());
-}
-
 /// @return the bytes of a part of a file; fewer when it cannot be read.
 std::string Part(int fd, std::uint64_t begin, std::uint64_t end) {
   std::string bytes(end - begin, '\0');
@@ -74,8 +70,8 @@ std::string Part(int fd, std::uint64_t begin, std::uint64_t end) {
 
 /// Puts a main head and what stands behind the signed part. The end comes first: it may find no room.
 bool PutEnds(int fd, const std::string& head, std::uint64_t end, const std::string& behind) {
-  return Put(fd, behind, end) && ftruncate(fd, static_cast<off_t>(end + behind.size())) == 0 && Put(fd, head, 0) &&
-         fsync(fd) == 0;
+  return WriteAt(fd, end, behind) && ftruncate(fd, static_cast<off_t>(end + behind.size())) == 0 &&
+         WriteAt(fd, 0, head) && fsync(fd) == 0;
 }
 
 /// Keeps the signals of an operator from coming between two changes that belong together.

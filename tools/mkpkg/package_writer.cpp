@@ -53,10 +53,6 @@ std::string StoreData(PackageFile& file, int fd, std::uint64_t& end, Stored& sto
   return file.feed ? file.feed(file, store) : store(file.data);
 }
 
-bool WriteAt(int fd, std::uint64_t offset, std::string_view bytes) {
-  return pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(offset)) == static_cast<ssize_t>(bytes.size());
-}
-
 PackageFileHead FileHead(const PackageFile& file, const Stored& stored, bool host_order) {
   PackageFileHead head{};
   const auto size = static_cast<std::uint32_t>(stored.size);

@@ -11,7 +11,7 @@ namespace mkpkg {
 
 /// Images are larger than what a build machine has to spare, so data go piece by piece wherever they can be large.
 
-/// Takes the next piece. @return an empty text, or one line that says what went wrong; nothing comes then any more.
+/// Takes the next piece. @return an empty text, or one line that says what went wrong, which ends the feed.
 using Sink = std::function<std::string(std::string_view piece)>;
 
 /// Gives all of its data to a sink. @return an empty text, or one line that says what went wrong.

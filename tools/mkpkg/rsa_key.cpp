@@ -93,7 +93,8 @@ std::string ParseKey(const std::string& pem, const std::string& origin, KeyPart 
   key.reset(is_private ? PEM_read_bio_PrivateKey(bio.get(), nullptr, nullptr, phrase)
                        : PEM_read_bio_PUBKEY(bio.get(), nullptr, nullptr, nullptr));
   if (key) return ReasonAgainst(key, origin);
-  return origin + " holds no " + (is_private ? "private" : "public") + " key in PEM form: " + CryptographicReason();
+  const char* kind = is_private ? "private" : "public";
+  return std::string("cannot read a ") + kind + " key in PEM form from " + origin + ": " + CryptographicReason();
 }
 
 bool HasSmallExponent(const UniqueKey& key) {

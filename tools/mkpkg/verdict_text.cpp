@@ -43,7 +43,7 @@ constexpr VerdictText kVerdictTexts[] = {
 
 }  // namespace
 
-const VerdictText& TextOf(PackageVerdict verdict) {
+const VerdictText& VerdictTextOf(PackageVerdict verdict) {
   return *std::ranges::find(kVerdictTexts, verdict, &VerdictText::verdict);
 }
 

@@ -11,6 +11,6 @@ struct VerdictText {
   const char* reason;  ///< for the package's maker
 };
 /// Every verdict has a text.
-[[nodiscard]] const VerdictText& TextOf(PackageVerdict verdict);
+[[nodiscard]] const VerdictText& VerdictTextOf(PackageVerdict verdict);
 
 }  // namespace mkpkg
