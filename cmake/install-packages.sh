@@ -15,11 +15,11 @@ build_packages=(
   build-essential cmake ninja-build pkg-config
   libncurses-dev ncurses-base libssl-dev zlib1g-dev liblzma-dev libbz2-dev libzstd-dev libarchive-dev
   libgtest-dev libvterm-dev
-  busybox-static openssh-client
+  busybox-static openssh-client python3
 )
-test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl python3 mandoc)
+test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl mandoc)
 bench_packages=(libcli-dev openssl strace valgrind)
-arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm ethtool socat python3 u-boot-tools mtools)
+arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm ethtool socat u-boot-tools mtools)
 fresh_packages=(debootstrap git)
 
 case ${1-} in

@@ -36,11 +36,16 @@ namespace fs = std::filesystem;
 /// @return the place of what preset arm64 builds.
 std::string Built(const std::string& name) { return std::string(ESH_ARM64_BUILD "/") + name; }
 
-/// Makes the root file system in a directory, and beside it the archive of it that the kernel unpacks.
+/// Makes the archive that the kernel unpacks: the boot image, and behind it a second archive of what the machine needs
+/// to serve the host.
 std::string MakeFirstRoot(const BootOptions& options, const KindFiles& files, const PowerSupply& supply) {
+  const std::string archive = supply.empty_directory + "/first-root.cpio";
+  if (std::string problem = MakeImage(options, files, archive); !problem.empty()) return problem;
   const std::string root = supply.empty_directory + "/root";
-  (void)mkdir(root.c_str(), 0755);
-  if (std::string problem = ComposeRoot(options, files, root); !problem.empty()) return problem;
+  std::error_code copied;
+  fs::copy(ESH_DEVICE_FILES "/arm64/machine-root", root, fs::copy_options::recursive, copied);
+  if (copied) return "cannot copy the machine's own files: " + copied.message();
+  if (std::string problem = PlaceText(StartScript(options), root); !problem.empty()) return problem;
   for (const Medium& medium : options.media) {
     if (medium.contents.empty()) continue;
     const std::string place = root + "/run/media/" + medium.name;  // where /init looks for what belongs on a new one
@@ -49,7 +54,8 @@ std::string MakeFirstRoot(const BootOptions& options, const KindFiles& files, co
     fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
     if (error) return "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message();
   }
-  const std::string pack = "cd " + ShellQuoted(root) + " && find . | busybox cpio -o -H newc > ../first-root.cpio";
+  const std::string pack =
+      "cd " + ShellQuoted(root) + " && find . | busybox cpio -o -H newc >> " + ShellQuoted(archive);
   std::string said;
   return RunProgram({"sh", "-c", pack}, said) ? "" : "cannot pack the machine's root file system: " + said;
 }

@@ -16,13 +16,47 @@ namespace fs = std::filesystem;
 
 constexpr char kShellPath[] = "/sbin/esh";
 
-std::string StartScript(const BootOptions& options) {
+}  // namespace
+
+std::string PackageRoot(const std::string& name) {
+  const std::string place = "/esh/" + name + "-root";
+  const char* cache = std::getenv("XDG_CACHE_HOME");
+  if (cache != nullptr && *cache != '\0') return cache + place;
+  const char* home = std::getenv("HOME");
+  return (home == nullptr ? "/root" : home) + ("/.cache" + place);
+}
+
+std::string MakeImage(const BootOptions& options, const KindFiles& kind, const std::string& archive) {
+  const std::string files = archive + ".files";
+  std::vector<std::string> words{"sh",
+                                 ESH_DEVICE_FILES "/gather-files.sh",
+                                 kind.kind,
+                                 files,
+                                 options.term.value_or(""),
+                                 kind.system,
+                                 ESH_DEVICE_PACKAGES};
+  for (const std::vector<HostFile>& copies : {kind.copies, options.host_files})
+    for (const HostFile& file : copies) words.insert(words.end(), {file.host_path, file.path});
+  std::string said;
+  if (!RunProgram(words, said)) return "the device's files cannot be gathered: " + said;
+  for (const FileText& file : options.files)
+    if (std::string problem = PlaceText(file, files); !problem.empty()) return problem;
+
+  words = {ESH_IMAGE_MAKE,         "--part", "--sysroot", kind.system.empty() ? "/" : kind.system, options.shell,
+           files + "/bin/busybox", files,    archive};
+  const bool is_made = RunProgram(words, said);
+  std::error_code error;
+  fs::remove_all(files, error);
+  return is_made ? "" : "the device's boot image cannot be made: " + said;
+}
+
+FileText StartScript(const BootOptions& options) {
   std::string script = "#!/bin/sh\nexec env -i PATH=/bin:/sbin HOME=/root USER=root";
   if (options.term) script += " " + ShellQuoted("TERM=" + *options.term);
   for (const std::string& variable : options.environment) script += " " + ShellQuoted(variable);
   script += std::string(" ") + kShellPath;
   for (const std::string& argument : options.arguments) script += " " + ShellQuoted(argument);
-  return script + "\n";
+  return {kStartShellPath, script + "\n"};
 }
 
 std::string PlaceText(const FileText& file, const std::string& root) {
@@ -36,35 +70,6 @@ std::string PlaceText(const FileText& file, const std::string& root) {
   stream.close();
   const mode_t mode = file.text->starts_with("#!") ? 0755 : 0644;
   return stream && chmod(target.c_str(), mode) == 0 ? "" : "cannot write " + file.path;
-}
-
-}  // namespace
-
-std::string PackageRoot(const std::string& name) {
-  const std::string place = "/esh/" + name + "-root";
-  const char* cache = std::getenv("XDG_CACHE_HOME");
-  if (cache != nullptr && *cache != '\0') return cache + place;
-  const char* home = std::getenv("HOME");
-  return (home == nullptr ? "/root" : home) + ("/.cache" + place);
-}
-
-std::string ComposeRoot(const BootOptions& options, const KindFiles& kind, const std::string& root) {
-  std::vector<std::string> words{"sh",
-                                 ESH_DEVICE_FILES "/make-root.sh",
-                                 kind.kind,
-                                 root,
-                                 options.term.value_or(""),
-                                 kind.system,
-                                 ESH_DEVICE_PACKAGES};
-  const auto copy = [&words](const HostFile& file) { words.insert(words.end(), {file.host_path, file.path}); };
-  copy({options.shell, kShellPath});
-  for (const HostFile& file : kind.copies) copy(file);
-  for (const HostFile& file : options.host_files) copy(file);
-  if (std::string said; !RunProgram(words, said)) return "the device's files cannot be put together: " + said;
-  if (std::string problem = PlaceText({kStartShellPath, StartScript(options)}, root); !problem.empty()) return problem;
-  for (const FileText& file : options.files)
-    if (std::string problem = PlaceText(file, root); !problem.empty()) return problem;
-  return "";
 }
 
 }  // namespace device

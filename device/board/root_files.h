@@ -22,8 +22,16 @@ struct KindFiles {
 /// @return the directory, on the host, into which cmake/fetch-NAME.sh unpacks packages; it need not be there.
 std::string PackageRoot(const std::string& name);
 
-/// Makes the root file system in an empty directory.
+/// Makes the device's boot image, a newc archive, with the tool that makers use.
+/// @param archive  where to; beside it, files are gathered meanwhile.
 /// @return an empty text, or one line that says what went wrong.
-[[nodiscard]] std::string ComposeRoot(const BootOptions& options, const KindFiles& kind, const std::string& root);
+[[nodiscard]] std::string MakeImage(const BootOptions& options, const KindFiles& kind, const std::string& archive);
+
+/// @return the script that becomes the shell, see kStartShellPath.
+FileText StartScript(const BootOptions& options);
+
+/// Writes a text to its place below a directory, or removes what is there.
+/// @return an empty text, or one line that says what went wrong.
+[[nodiscard]] std::string PlaceText(const FileText& file, const std::string& root);
 
 }  // namespace device

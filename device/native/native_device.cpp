@@ -99,15 +99,25 @@ std::string EnterRoot(const std::string& root) {
   return std::string("cannot enter the device's root file system: ") + std::strerror(errno);
 }
 
+/// A device node of the image cannot be made where an ordinary user runs the device, which has others.
+std::string UnpackImage(const BootOptions& options, const std::string& root) {
+  const std::string archive = root + "/image.cpio";
+  if (std::string problem = MakeImage(options, {"native", "", {{ESH_DEVICE_UN7Z, kUn7zPath}}}, archive);
+      !problem.empty())
+    return problem;
+  std::string said;
+  const std::string unpack = "cd " + ShellQuoted(root) + " && busybox cpio -i < image.cpio && rm image.cpio";
+  return RunProgram({"sh", "-c", unpack}, said) ? "" : "cannot unpack the device's boot image: " + said;
+}
+
 std::string SetUpDevice(const BootOptions& options, const PowerSupply& supply) {
   const std::string& root = supply.empty_directory;
   if (unshare(CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC) != 0)
     return std::string("cannot make the device's namespaces: ") + std::strerror(errno);
   (void)sethostname(kHostName, std::strlen(kHostName));
   if (std::string problem = Mount("tmpfs", root, "tmpfs", MS_NOSUID, "mode=755"); !problem.empty()) return problem;
-  if (std::string problem = ComposeRoot(options, {"native", "", {{ESH_DEVICE_UN7Z, kUn7zPath}}}, root);
-      !problem.empty())
-    return problem;
+  if (std::string problem = UnpackImage(options, root); !problem.empty()) return problem;
+  if (std::string problem = PlaceText(StartScript(options), root); !problem.empty()) return problem;
   if (std::string problem = MountDev(root); !problem.empty()) return problem;
   if (std::string problem = MountProc(root); !problem.empty()) return problem;
   MountSys(root);

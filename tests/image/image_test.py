@@ -86,6 +86,7 @@ class Image(unittest.TestCase):
         self.assertIn("libc.so.6 has no GLIBC_2.34: /sbin/esh", said)
         os.remove(self.path(f"files/{CONSOLE}"))
         self.assertIn(f"no /{CONSOLE}", self.make(archive="4")[0])
+        self.assertIsNotNone(self.make("--part", archive="5")[1])
 
     def test_links_of_the_maker_stay_in_the_image(self):
         os.makedirs(self.path("files/usr/lib"))
