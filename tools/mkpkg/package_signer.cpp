@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <memory>
 #include <string_view>
 
@@ -15,6 +14,7 @@
 #include "tools/mkpkg/files.h"
 #include "tools/mkpkg/package_bytes.h"
 #include "util/ascii.h"
+#include "util/signals_held.h"
 
 namespace mkpkg {
 namespace {
@@ -73,22 +73,6 @@ bool PutEnds(int fd, const std::string& head, std::uint64_t end, const std::stri
   return WriteAt(fd, end, behind) && ftruncate(fd, static_cast<off_t>(end + behind.size())) == 0 &&
          WriteAt(fd, 0, head) && fsync(fd) == 0;
 }
-
-/// Keeps the signals of an operator from coming between two changes that belong together.
-class SignalsHeld {
- public:
-  SignalsHeld() {
-    sigset_t all;
-    sigfillset(&all);
-    sigprocmask(SIG_SETMASK, &all, &before_);
-  }
-  SignalsHeld(const SignalsHeld&) = delete;
-  SignalsHeld& operator=(const SignalsHeld&) = delete;
-  ~SignalsHeld() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-
- private:
-  sigset_t before_;
-};
 
 }  // namespace
 
@@ -175,7 +159,7 @@ bool AttachSignature(const SignatureForm& form, const std::string& signature, in
   }
   const std::string head_before = Part(fd, 0, kMainHeadSize);
   const std::string behind_before = Part(fd, package.end, static_cast<std::uint64_t>(lseek(fd, 0, SEEK_END)));
-  const SignalsHeld held;
+  const SignalsHeld held;  // an operator's Ctrl+C must not come between two changes that belong together
   if (PutEnds(fd, package.head, package.end, form.in_head ? "" : Trailer(form, signature))) return true;
   const int error = errno;
   (void)PutEnds(fd, head_before, package.end, behind_before);  // there was room for it
