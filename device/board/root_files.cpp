@@ -15,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kShellPath[] = "/sbin/esh";
+constexpr char kGatherFiles[] = ESH_DEVICE_FILES "/gather-files.sh";
 
 }  // namespace
 
@@ -28,13 +29,8 @@ std::string PackageRoot(const std::string& name) {
 
 std::string MakeImage(const BootOptions& options, const KindFiles& kind, const std::string& archive) {
   const std::string files = archive + ".files";
-  std::vector<std::string> words{"sh",
-                                 ESH_DEVICE_FILES "/gather-files.sh",
-                                 kind.kind,
-                                 files,
-                                 options.term.value_or(""),
-                                 kind.system,
-                                 ESH_DEVICE_PACKAGES};
+  std::vector<std::string> words{kGatherFiles, kind.kind,          files, options.term.value_or(""),
+                                 kind.system,  ESH_DEVICE_PACKAGES};
   for (const std::vector<HostFile>& copies : {kind.copies, options.host_files})
     for (const HostFile& file : copies) words.insert(words.end(), {file.host_path, file.path});
   std::string said;
