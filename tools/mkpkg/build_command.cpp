@@ -1,5 +1,7 @@
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include "tools/mkpkg/commands.h"
 #include "tools/mkpkg/contents.h"
@@ -51,6 +53,8 @@ std::string Describe(const std::string& origin, PackageContents& contents) {
 
 int Run(const Arguments& arguments) {
   const std::string& path = arguments.Operands()[1];
+  if (std::error_code error; !arguments.Has("force") && std::filesystem::is_regular_file(path, error))
+    return Fail(kCannotWrite, path + " exists; --force replaces it");
   PackageContents contents;
   if (std::string problem = Describe(arguments.Operands()[0], contents); !problem.empty())
     return Fail(kBadInput, problem);

@@ -31,8 +31,8 @@ extern "C" void RemoveTemporary(int number) {
   (void)raise(number);
 }
 
-std::string Reason(const char* what, const std::string& path, int error = errno) {
-  return std::string("cannot ") + what + " " + path + ": " + std::strerror(error);
+std::string Reason(const char* what, const std::string& path) {
+  return std::string("cannot ") + what + " " + path + ": " + std::strerror(errno);
 }
 
 /// A temporary file that is gone when the object is, unless it took the place of another.
@@ -106,8 +106,6 @@ std::string ReadWholeFile(const std::string& path, std::string& bytes) {
 
 std::string WriteFile(const std::string& path, const FillFile& fill, mode_t mode, bool replace) {
   const bool is_regular = IsRegular(path);
-  if (!replace && is_regular && access(path.c_str(), F_OK) == 0)
-    return Reason("write", path, EEXIST);  // before long work, not after it
   const Temporary temporary(is_regular ? path : std::filesystem::temp_directory_path().string() + "/mkpkg");
   if (temporary.Get() < 0) return Reason("write", path);
   if (std::string problem = fill(temporary.Get()); !problem.empty()) return problem;
