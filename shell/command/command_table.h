@@ -73,6 +73,6 @@ constexpr bool WellFormed(const CommandRow (&rows)[kRows]) {
   return true;
 }
 
-/// Adds the commands to their views, in the order of the table, which is the order on the screen. Out of memory
-/// costs a command, not the shell.
+/// Adds the commands to their views, in the order of the table, in which TAB offers them. Out of memory costs a
+/// command, not the shell.
 void RegisterCommands(std::span<const CommandRow> rows);
