@@ -18,20 +18,12 @@
 
 namespace {
 
-constexpr char kUsage[] =
-    "usage: esh-device [--arm64] [--shell PROGRAM] [--tftp DIRECTORY] [--keys DIRECTORY]\n"
-    "Boots a device in namespaces of this machine and connects its console with the terminal.\n"
-    "When standard input is no terminal, its lines are typed on the console one by one.\n"
-    "  --arm64           boot an emulated Arm machine\n"
-    "  --shell PROGRAM   boot this program instead of the shell of this build\n"
-    "  --tftp DIRECTORY  what the lab's FTP and TFTP servers give out and receive\n"
-    "  --keys DIRECTORY  whose *.key files stand beside the device's own, or in place of those of the same name\n";
+constexpr char kUsage[] = "esh-device takes the options of ./run; ./run --help tells them\n";
 constexpr char kKeyDirectory[] = "/etc/sign_pub_key/";
 constexpr char kTerminalWithoutName[] = "vt100";
 
 /// What the command line asks for.
 struct Request {
-  bool asks_for_help = false;
   bool emulated = false;
   device::BootOptions options = device::DefaultBootOptions();
 };
@@ -54,9 +46,7 @@ std::optional<Request> ReadArguments(std::span<char* const> arguments) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string_view name = arguments[i];
     const bool has_value = i + 1 < arguments.size();
-    if (name == "--help") {
-      request.asks_for_help = true;
-    } else if (name == "--arm64") {
+    if (name == "--arm64") {
       request.emulated = true;
     } else if (name == "--shell" && has_value) {
       request.options.shell = Absolute(arguments[++i]);
@@ -95,9 +85,9 @@ void OpenStandardDescriptors() {
 int main(int argc, char** argv) {
   OpenStandardDescriptors();
   const std::optional<Request> request = ReadArguments({argv + 1, argv + argc});
-  if (!request || request->asks_for_help) {
-    (void)std::fputs(kUsage, request ? stdout : stderr);
-    return request ? 0 : 2;
+  if (!request) {
+    (void)std::fputs(kUsage, stderr);
+    return 2;
   }
 
   device::SessionSignals signals;
