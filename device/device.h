@@ -72,7 +72,7 @@ enum class Outcome {
   kShellEnded,  ///< the shell ended and nothing followed it; the device is up
   kRebooted,    ///< the device restarted itself: it is down until Boot is called again
   kPoweredOff,  ///< the device halted itself, or PowerOff was called
-  kDied         // the device stopped in another way
+  kDied         ///< the device stopped in another way
 };
 
 /// Name of an outcome for messages.
@@ -93,11 +93,11 @@ class Device {
   /// @return an empty text, or one line that says what is missing or went wrong.
   [[nodiscard]] virtual std::string Boot() = 0;
 
-  /// Begins to start the device, like Boot, and does not wait until its shell starts: an emulated machine takes
-  /// seconds. What goes wrong later is an outcome, and a line of the report.
-  [[nodiscard]] virtual std::string StartBoot() = 0;
+  /// Begins a boot, like Boot, and does not wait until the shell starts: an emulated machine takes seconds. What goes
+  /// wrong later is an outcome, and a line of the report.
+  [[nodiscard]] virtual std::string PowerOn() = 0;
 
-  /// @return true from StartBoot until the shell starts or the device is down.
+  /// @return true from PowerOn until the shell starts or the device is down.
   [[nodiscard]] virtual bool IsStarting() const = 0;
 
   /// The console, seen from the operator's side: what is written here is typed, what is read here was printed. The

@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
 
   device::SessionSignals signals;
   const std::unique_ptr<device::Device> chosen = MakeDevice(*request);
-  if (const std::string problem = chosen->StartBoot(); !problem.empty()) {
+  if (const std::string problem = chosen->PowerOn(); !problem.empty()) {
     (void)std::fprintf(stderr, "esh-device: %s\n", problem.c_str());
     return 1;
   }

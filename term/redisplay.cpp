@@ -12,7 +12,7 @@
 namespace {
 
 struct ScreenPlace {
-  std::uint64_t row;  // counted from the prompt's
+  std::uint64_t row;  ///< counted from the prompt's
   std::uint64_t column;
 };
 

@@ -44,7 +44,7 @@ class BoardDevice final : public Device {
   ~BoardDevice() override { EndBoard(); }
 
   std::string Boot() override;
-  std::string StartBoot() override;
+  std::string PowerOn() override;
   bool IsStarting() const override { return IsUp() && !shell_started_; }
   int Console() const override { return console_.Get(); }
   void ResizeConsole(unsigned short columns, unsigned short rows) override;
@@ -63,8 +63,8 @@ class BoardDevice final : public Device {
   const std::string& LabNotice() const override { return lab_notice_; }
 
  private:
-  std::string StartBoard();
-  std::string StartBoard(bool with_users);
+  std::string SetUpBoard();
+  std::string ForkBoard(bool with_users);
   void EndBoard();
   CommandResult RunOver(Channel& channel, const std::string& command, const std::string& input, milliseconds time);
   template <typename Condition>
@@ -88,12 +88,12 @@ class BoardDevice final : public Device {
   Outcome outcome_ = Outcome::kPoweredOff;
   bool power_taken_ = false;
   bool shell_started_ = false;
-  std::uint32_t boot_ = 0;  // how many boots there were
+  std::uint32_t boot_ = 0;  ///< how many boots there were
   int shell_status_ = -1;
   std::string problem_;
   bool board_ready_ = false;
   std::uint32_t last_command_ = 0;
-  std::map<std::uint32_t, int> ended_commands_;  // exit status by request number
+  std::map<std::uint32_t, int> ended_commands_;  ///< exit status by request number
   std::string report_;
   std::string lab_notice_;
 };
@@ -109,18 +109,18 @@ void BoardDevice::EndBoard() {
   board_process_ = -1;
 }
 
-std::string BoardDevice::StartBoard() {
-  std::string problem = StartBoard(true);
+std::string BoardDevice::SetUpBoard() {
+  std::string problem = ForkBoard(true);
   if (geteuid() != 0 || !TellsOfForbidding(problem)) return problem;
   // Some machines forbid user namespaces, or to mount in them. Root can do without.
   EndBoard();
   problem_.clear();
-  problem = StartBoard(false);
+  problem = ForkBoard(false);
   lab_notice_.insert(0, "No user namespaces on this machine: the device's root has real rights here.\n");
   return problem;
 }
 
-std::string BoardDevice::StartBoard(bool with_users) {
+std::string BoardDevice::ForkBoard(bool with_users) {
   const UniqueFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
   UniqueFd own_end;
   UniqueFd board_end;
@@ -149,17 +149,17 @@ std::string BoardDevice::StartBoard(bool with_users) {
 }
 
 std::string BoardDevice::Boot() {
-  if (std::string problem = StartBoot(); !problem.empty()) return problem;
+  if (std::string problem = PowerOn(); !problem.empty()) return problem;
   WaitUntil(kind_->BootTime(), [this] { return !IsStarting(); });
   if (shell_started_) return "";
   PowerOff();
   return Fail(problem_.empty() ? "the device did not start" : problem_);
 }
 
-std::string BoardDevice::StartBoot() {
+std::string BoardDevice::PowerOn() {
   problem_.clear();
   if (!board_ready_) {
-    if (std::string problem = StartBoard(); !problem.empty()) return Fail(problem);
+    if (std::string problem = SetUpBoard(); !problem.empty()) return Fail(problem);
   }
   PowerOff();
   UniqueFd own_end;

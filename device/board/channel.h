@@ -25,7 +25,7 @@ enum class MessageKind : std::uint32_t {
   kCommandEnded,  ///< answer to kRun: value is the exit status
   kHandedOver,    ///< device -> launcher: /sbin/scmd has the console
   kShellEnded,    ///< device -> launcher: value is the exit status
-  kPlugCable      // launcher -> device: value 1: the cable was put in, 0: it was pulled out
+  kPlugCable      ///< launcher -> device: value 1: the cable was put in, 0: it was pulled out
 };
 
 struct Message {

@@ -143,7 +143,7 @@ void ConsoleSession::BootAgain() {
   Say("The device reboots.");
   typed_.clear();
   last_boot_ = Clock::now();
-  if (const std::string problem = device_.StartBoot(); !problem.empty()) {
+  if (const std::string problem = device_.PowerOn(); !problem.empty()) {
     Say(problem);
     Leave(1);
   }

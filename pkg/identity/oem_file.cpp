@@ -83,7 +83,7 @@ void CopyMac(std::string_view value, std::uint8_t (&field)[6]) {
 
 struct Field {
   SetField set;
-  bool is_cleared;  // by an empty value, which otherwise changes nothing
+  bool is_cleared;  ///< by an empty value, which otherwise changes nothing
 };
 
 /// The fields of the keys, in their order.

@@ -85,7 +85,7 @@ bool AddLine(UniqueLine line, VEC_S& list) {
 
 struct Number {
   unsigned long value;
-  const char* rest;  // what follows it; the whole text when it does not begin with a number
+  const char* rest;  ///< what follows it; the whole text when it does not begin with a number
 };
 
 Number LeadingNumber(const char* text) {

@@ -184,7 +184,7 @@ class Parser {
   const std::string& origin_;
   PackageDescription& package_;
   std::string problem_;
-  std::vector<std::string_view> seen_;  // keys of this section
+  std::vector<std::string_view> seen_;  ///< keys of this section
   bool has_product_tag_ = false;
   int line_ = 0;
 };
