@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "device/board/command_server.h"
+#include "device/board/lab_servers.h"
 #include "device/board/namespaces.h"
 #include "device/board/process.h"
 

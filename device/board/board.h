@@ -49,12 +49,6 @@ class DeviceKind {
 /// tells how it ended, and runs commands in the lab. Ends with the channel, and everything on it ends with it.
 [[noreturn]] void RunBoard(const DeviceKind& kind, const BootOptions& options, Channel launcher);
 
-/// Starts the servers of the lab on the far side of m-eth0, in this process's namespaces; they end with them.
-/// @param directory  what FTP and TFTP give out and receive; "": their own files.
-/// @param place      an empty directory that becomes their root file system.
-/// @return what an operator should know of the lab: lines about it, and about servers that did not start.
-[[nodiscard]] std::string StartLabServers(const std::string& directory, const std::string& place);
-
 /// Makes a device of a kind on a board of its own, in namespaces of this machine. Nothing is started before the first
 /// Boot; the device ends with the thread that called it.
 std::unique_ptr<Device> MakeBoardDevice(std::unique_ptr<DeviceKind> kind, BootOptions options);

@@ -71,6 +71,7 @@ class BoardDevice final : public Device {
   void WaitUntil(milliseconds time, Condition is_so);
   void TakeMessages(int milliseconds_to_wait);
   void Handle(Message& message);
+  void NoteShell(const Message& message);
   void DeviceDown(int wait_status);
   void Note(const std::string& event) { report_ += event + "\n"; }
   [[nodiscard]] bool IsUp() const { return device_.Descriptor() >= 0; }
@@ -246,17 +247,9 @@ void BoardDevice::Handle(Message& message) {
       console_ = std::move(message.descriptors.at(0));
       break;
     case MessageKind::kShellStarts:
-      shell_started_ = true;
-      Note("the shell starts");
-      break;
     case MessageKind::kHandedOver:
-      outcome_ = Outcome::kHandedOver;
-      Note("the shell ended and handed the console over");
-      break;
     case MessageKind::kShellEnded:
-      outcome_ = Outcome::kShellEnded;
-      shell_status_ = message.value;
-      Note("the shell's process ended with status " + std::to_string(shell_status_));
+      NoteShell(message);
       break;
     case MessageKind::kDeviceDown:
       if (message.id == boot_) DeviceDown(message.value);
@@ -266,6 +259,21 @@ void BoardDevice::Handle(Message& message) {
       break;
     default:
       break;  // the launcher's own
+  }
+}
+
+/// Keeps what became of the shell.
+void BoardDevice::NoteShell(const Message& message) {
+  if (message.kind == MessageKind::kShellStarts) {
+    shell_started_ = true;
+    Note("the shell starts");
+  } else if (message.kind == MessageKind::kHandedOver) {
+    outcome_ = Outcome::kHandedOver;
+    Note("the shell ended and handed the console over");
+  } else {
+    outcome_ = Outcome::kShellEnded;
+    shell_status_ = message.value;
+    Note("the shell's process ended with status " + std::to_string(shell_status_));
   }
 }
 

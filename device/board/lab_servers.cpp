@@ -1,3 +1,5 @@
+#include "device/board/lab_servers.h"
+
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
@@ -7,7 +9,6 @@
 #include <array>
 #include <fstream>
 
-#include "device/board/board.h"
 #include "device/board/process.h"
 #include "device/board/root_files.h"
 

@@ -14,7 +14,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-/// Ends of a console's output that ask for input.
+/// Ends of a console's output that ask for input: the prompts of the views (shell/command/command_tree.h), questions of
+/// the commands, the pager (term/pager.cpp), and what is asked for before another host is reached
+/// (remote/credentials.cpp).
 constexpr std::string_view kPrompts[] = {"<boot>",    "[boot]", "[boot-m-eth0]", "[Y/N]:", "---- More ----     ",
                                          "login as:", "user:",  "password:"};
 constexpr std::size_t kTailLength = 64;
