@@ -106,7 +106,7 @@ TEST_F(FileCommands, AFullMediumLosesNothing) {
   EXPECT_TRUE(Ask("copy big cfa0:", "y").ends_with(kNoRoom));
   EXPECT_TRUE(Ask("move big cfa0:", "y").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("stat -c %s big; ls /mnt/cfa0:"), "2048000\n");
-  ASSERT_TRUE(Board().FillMedium("cfa0:"));
+  ASSERT_TRUE(Device().FillMedium("cfa0:"));
   EXPECT_TRUE(Ask("copy a cfa0:", "y").ends_with(kNoRoom));
   EXPECT_TRUE(Ask("move a cfa0:", "y").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("cat a; ls /mnt/cfa0:"), "text\nfill\n");
@@ -119,7 +119,7 @@ TEST_F(FileCommands, AMoveOutlivesThePower) {
   Run("disk=$(sed -n 's| /mnt/cfa0: vfat.*||p' /proc/mounts); [ -z \"$disk\" ] || "
       "{ umount /mnt/cfa0: && mount -t vfat $disk /mnt/cfa0:; }");
   Ask("move a cfa0:", "y");
-  Board().PowerOff();
+  Device().PowerOff();
   BootToPrompt();
   EXPECT_EQ(OnFlash("cat /mnt/cfa0:/a; ls"), "text\nb\ndir\n");
 }
@@ -127,7 +127,7 @@ TEST_F(FileCommands, AMoveOutlivesThePower) {
 TEST_F(FileCommands, AProtectedMediumStaysAsItIs) {
   UseFiles();
   Run("mkdir /mnt/cfa0:/dir && echo kept > /mnt/cfa0:/a");
-  ASSERT_TRUE(Board().ProtectMedium("cfa0:"));
+  ASSERT_TRUE(Device().ProtectMedium("cfa0:"));
   ExpectAnswers({
       {"copy b cfa0:", "y", std::string("Copy flash:/b to cfa0:/b?[Y/N]:y\n") + kNoRoom},
       {"copy b cfa0:/a", "yy",
@@ -205,7 +205,7 @@ TEST_F(FileCommands, AMediumMayBePulledWhileSomethingWaits) {
   for (const auto& [line, waits, medium, key] : kPulls) {
     Type(std::string(line) + "\r");
     Expect(waits);
-    ASSERT_TRUE(Board().PullMedium(medium));
+    ASSERT_TRUE(Device().PullMedium(medium));
     Type(key);
     Expect("<boot>");
     EXPECT_EQ(OnFlash("cat a"), "text\n") << line;

@@ -44,7 +44,7 @@ class NativeFileFaults : public OperatorConsole {
     Run("cd /tmp && dd if=/dev/urandom of=a bs=1000 count=100 2>/dev/null; echo older > o");
   }
 
-  void Plan(const std::string& plan) { ASSERT_TRUE(Board().WriteFile("/tmp/fault", plan)); }
+  void Plan(const std::string& plan) { ASSERT_TRUE(Device().WriteFile("/tmp/fault", plan)); }
 
   /// A source of three blocks and a bit, an older file, a folder with a file and an empty one.
   void Prepare() { Run("cd /mnt/flash: && rm -rf * && mkdir dir empty && cp /tmp/a /tmp/o . && cp /tmp/o dir/x"); }

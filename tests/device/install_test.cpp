@@ -82,7 +82,7 @@ class NativeInstall : public OperatorConsole {
     return package;
   }
 
-  void Put(const std::string& path, const std::string& bytes) { ASSERT_TRUE(Board().WriteFile(path, bytes)); }
+  void Put(const std::string& path, const std::string& bytes) { ASSERT_TRUE(Device().WriteFile(path, bytes)); }
 
   /// What a load must leave behind whatever became of it.
   void ExpectNoScratchFiles() { EXPECT_EQ(Run("ls -A /tmp; ls -d /etc/pkg/TempFile 2> /dev/null; true"), ""); }
@@ -255,7 +255,7 @@ TEST_F(SamplePackages, LoadAndTakeOver) {
     Run("rm /sbin/tessaro /etc/tessaro-version");  // the next package brings its own
     EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
     const std::string record = "flash:/" + package;
-    EXPECT_EQ(Board().ReadFile("/var/pkg/change.list"), record + std::string(64 - record.size(), '\0'));
+    EXPECT_EQ(Device().ReadFile("/var/pkg/change.list"), record + std::string(64 - record.size(), '\0'));
     EXPECT_EQ(Run("ls -A /tmp /root/.ssh; grep -c ipstack /proc/modules; ls /sys/class/net | grep m-eth0; true"),
               "/root/.ssh:\n\n/tmp:\n0\n");
     if (!IsArm64())  // there it is a kernel's, which lets nobody read it

@@ -12,7 +12,7 @@ class Lab : public OperatorConsole {
   void UseLab() {
     options.has_lab_servers = true;
     UseDevice();
-    ASSERT_NE(Board().LabNotice().find("servers  ftp tftp telnet ssh2 "), std::string::npos) << Board().LabNotice();
+    ASSERT_NE(Device().LabNotice().find("servers  ftp tftp telnet ssh2 "), std::string::npos) << Device().LabNotice();
     for (const char* line : {"system-view", "interface m-eth0", "ip address 10.0.0.2 24", "ipv6 address fd00::2 64",
                              "ip gateway 10.0.0.254", "ipv6 gateway fe80::1", "quit", "quit"})
       Command(line);
@@ -89,18 +89,18 @@ TEST_F(Lab, LoginsAndPingsThatBreakLeaveThePrompt) {
   UseLab();
   LogInBySsh("10.0.0.1");
   // All but the server itself, which is the oldest. One that ends just now by itself is no fault.
-  Board().RunInLab("kill -KILL $(busybox pidof dropbear | tr ' ' '\\n' | sort -n | tail -n +2)");
+  Device().RunInLab("kill -KILL $(busybox pidof dropbear | tr ' ' '\\n' | sort -n | tail -n +2)");
   Expect("Connection to 10.0.0.1 closed");
   ExpectPrompt();
 
   LogInByTelnet("ipv6 fd00::1");
-  EXPECT_TRUE(Board().PlugCable(false));
+  EXPECT_TRUE(Device().PlugCable(false));
   Type("\x1d");
   Expect("exit telnet");
   Type("e");
   ExpectPrompt();
   EXPECT_NE(Command("display interface m-eth0").find("state: DOWN"), std::string::npos);
-  EXPECT_TRUE(Board().PlugCable(true));
+  EXPECT_TRUE(Device().PlugCable(true));
   EXPECT_NE(Command("ping ipv6 -c 1 fd00:1::1").find(" 0% packet loss"), std::string::npos);
 
   Type("ping -c 1000 10.0.0.1\r");

@@ -192,7 +192,7 @@ TEST_F(ManagementPort, RoutesAreShownAsTheToolShowsThem) {
   Command("ip gateway 10.0.0.77");
   EXPECT_EQ(Command("display ip routing-table"), Run("busybox route"));
   EXPECT_EQ(Command("display ipv6 routing-table"), Run("busybox route -A inet6 -n"));
-  EXPECT_EQ(Board().ReadFile("/tmp/script"),
+  EXPECT_EQ(Device().ReadFile("/tmp/script"),
             std::string("#!/bin/sh\r\n\0/bin/route -A inet6 -n > /etc/pkg/route_table6", 58));
   EXPECT_EQ(Run("stat -c %a /tmp/script"), "666\n");
 

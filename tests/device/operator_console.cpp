@@ -33,8 +33,8 @@ class Machine : public testing::Environment {
 
 }  // namespace
 
-std::unique_ptr<device::Device> OperatorConsole::board_;
-device::BootOptions OperatorConsole::board_options_;
+std::unique_ptr<device::Device> OperatorConsole::device_;
+device::BootOptions OperatorConsole::device_options_;
 
 bool OperatorConsole::IsArm64() { return DeviceName() == "arm64"; }
 
@@ -42,12 +42,12 @@ void OperatorConsole::SetUp() { ASSERT_TRUE(IsArm64() || DeviceName() == "native
 
 void OperatorConsole::TearDown() {
   if (HasFailure()) ADD_FAILURE() << "on the " << DeviceName() << " device, whose console says:\n" << printed_;
-  if (HasFailure() || !others_may_use_) board_.reset();
+  if (HasFailure() || !others_may_use_) device_.reset();
 }
 
 bool OperatorConsole::UseDevice() {
   others_may_use_ = true;
-  if (board_ == nullptr || board_options_ != options) {
+  if (device_ == nullptr || device_options_ != options) {
     BootToPrompt();
     return true;
   }
@@ -63,13 +63,13 @@ bool OperatorConsole::UseDevice() {
 void OperatorConsole::Boot() {
   if (!is_booted_) NewDevice();
   is_booted_ = true;
-  if (board_ == nullptr) {
-    board_ = IsArm64() ? device::MakeArm64Device(options) : device::MakeNativeDevice(options);
-    board_options_ = options;
+  if (device_ == nullptr) {
+    device_ = IsArm64() ? device::MakeArm64Device(options) : device::MakeNativeDevice(options);
+    device_options_ = options;
   }
   printed_.clear();
   waited_for_ = 0;
-  const std::string problem = board_->Boot();
+  const std::string problem = device_->Boot();
   if (!problem.empty()) GiveUp("the device does not start: " + problem);
 }
 
@@ -112,14 +112,14 @@ void OperatorConsole::ExpectAll(const std::vector<Exchange>& exchanges) {
 
 device::Outcome OperatorConsole::Outcome() {
   if (HasGivenUp()) return device::Outcome::kRunning;
-  const device::Outcome outcome = board_->WaitForOutcome(kPatience);
+  const device::Outcome outcome = device_->WaitForOutcome(kPatience);
   TakeIn(milliseconds(0));
   return outcome;
 }
 
 std::string OperatorConsole::Run(const std::string& command) {
   if (HasGivenUp()) return {};
-  const device::CommandResult result = board_->Run(command);
+  const device::CommandResult result = device_->Run(command);
   EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
   return result.output;
 }

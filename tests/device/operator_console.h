@@ -28,7 +28,7 @@ struct Exchange {
 class OperatorConsole : public testing::Test, public ConsoleEnd {
  public:
   /// Ends the suite's device.
-  static void TearDownTestSuite() { board_.reset(); }
+  static void TearDownTestSuite() { device_.reset(); }
 
  protected:
   /// What the device is made of; changed before it is booted.
@@ -42,7 +42,7 @@ class OperatorConsole : public testing::Test, public ConsoleEnd {
   /// @return whether it is a new one.
   bool UseDevice();
   /// Puts the device away; the next Boot makes another from the options.
-  static void NewDevice() { board_.reset(); }
+  static void NewDevice() { device_.reset(); }
   /// Starts a device of the test's own, or starts it again; nothing is waited for.
   void Boot();
   /// The same, and waits for the prompt of the user view.
@@ -76,14 +76,14 @@ class OperatorConsole : public testing::Test, public ConsoleEnd {
 
   /// All that was printed since the boot.
   [[nodiscard]] const std::string& Printed() const { return printed_; }
-  [[nodiscard]] device::Device& Board() { return *board_; }
+  [[nodiscard]] device::Device& Device() { return *device_; }
 
  private:
-  [[nodiscard]] int ConsoleFd() const override { return board_->Console(); }
+  [[nodiscard]] int ConsoleFd() const override { return device_->Console(); }
 
-  static std::unique_ptr<device::Device> board_;
-  static device::BootOptions board_options_;  ///< what the device is made of
-  bool is_booted_ = false;                    ///< by this test, or taken over by it
+  static std::unique_ptr<device::Device> device_;
+  static device::BootOptions device_options_;  ///< what the device is made of
+  bool is_booted_ = false;                     ///< by this test, or taken over by it
   bool others_may_use_ = false;
 };
 

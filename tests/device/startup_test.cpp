@@ -48,7 +48,7 @@ TEST_F(StartUp, RunsItsToolsInOrderAndGivesTheConsoleToRootAlone) {
   EXPECT_EQ(Run("stat -c '%u %g %a' " + ConsolePath()), "0 0 600\n");
 
   // Nobody else exists where the device is an ordinary user's; elsewhere user namespaces may be forbidden.
-  const device::CommandResult stranger = Board().Run(
+  const device::CommandResult stranger = Device().Run(
       "unshare -U true && exec unshare -U /sbin/esh scmd; echo other:x:1:1::/: >> /etc/passwd;"
       "exec start-stop-daemon -S -c other -p /none -x /sbin/esh -- scmd");
   EXPECT_EQ(stranger.output, "login from a non-root user\n");
@@ -163,7 +163,7 @@ TEST_F(HandOver, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
   EXPECT_EQ(Run("cat /proc/sys/7/8/1"), "0\n");
   EXPECT_EQ(Run("cd /mnt; ls -d slot0*"), "slot0#usba0:\n") << "only the links of flash: and cfa0: go";
   if (!IsArm64())  // its kernel is built without a hotplug helper
-    EXPECT_EQ(Board().ReadFile("/proc/sys/kernel/hotplug").value_or(""), std::string("/sbin/hotplug\0", 14));
+    EXPECT_EQ(Device().ReadFile("/proc/sys/kernel/hotplug").value_or(""), std::string("/sbin/hotplug\0", 14));
 }
 
 TEST_F(NativeHandOver, EndsQuietlyWithoutACommandProgram) {
@@ -171,7 +171,7 @@ TEST_F(NativeHandOver, EndsQuietlyWithoutACommandProgram) {
   BootToPrompt();
   Run("kill -9 " + ShellPid());
   EXPECT_EQ(Outcome(), device::Outcome::kShellEnded);
-  EXPECT_EQ(Board().ShellStatus(), 0);
+  EXPECT_EQ(Device().ShellStatus(), 0);
 }
 
 }  // namespace

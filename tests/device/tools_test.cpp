@@ -15,7 +15,7 @@ class Tools : public OperatorConsole {
   }
 
   void StartTool(const std::string& script) {
-    ASSERT_TRUE(Board().WriteFile("/tmp/tool", script));
+    ASSERT_TRUE(Device().WriteFile("/tmp/tool", script));
     Type("reboot\r");
     Expect("[Y/N]:");
     Type("y\r");
@@ -63,7 +63,7 @@ TEST_F(Tools, ReadWhatIsTypedWhileTheyRunAndLeaveTheRest) {
 TEST_F(Tools, ThatStopAreWaitedFor) {
   StartTool("echo $$ > /tmp/pid; kill -STOP $$; echo went on\n");
   ASSERT_TRUE(
-      Eventually([&] { return Board().Run("grep 'State:.*stopped' /proc/$(cat /tmp/pid)/status").status == 0; }));
+      Eventually([&] { return Device().Run("grep 'State:.*stopped' /proc/$(cat /tmp/pid)/status").status == 0; }));
   Type(kCtrlZ);
   Type("pwd\r");
   Run("kill -CONT $(cat /tmp/pid)");
