@@ -23,7 +23,7 @@ constexpr Fault kFaults[] = {
     {"copy a x", "y", "write 2 HALF", kNoRoom, kBefore},
     {"copy a x", "y", "read 2 EIO", kDone, "a:A dir empty o:O x:? "},
     {"copy a x", "y", "fsync 1 EIO", kNoRoom, kBefore},
-    {"copy a x", "y", "malloc 1 ENOMEM", kNoRoom, kBefore},
+    {"copy a x", "y", "large-malloc 1 ENOMEM", kNoRoom, kBefore},
     {"copy a o", "yy", "write 4 EIO", kNoRoom, "a:A dir empty "},
     {"copy a o", "yy", "remove 1 EROFS", kNoRoom, kBefore},
     {"move a x", "y", "fork 1 EAGAIN", kNoRoom, kBefore},
@@ -82,6 +82,29 @@ TEST_F(NativeFileFaults, AGetWaitsForTheMediumThatItWroteAlone) {
     Plan(plan);
     Command("tftp 127.0.0.1 get o flash:/x", "y\r");
     EXPECT_EQ(Run("cat /tmp/fault"), plan[4] == ' ' ? "sync 1 EIO" : "due\n");
+  }
+}
+
+/// Loses each block of memory in turn. From a part of the names TAB would take the only one, which "dir" then lists.
+TEST_F(NativeFileFaults, TABTakesNoPartOfTheNamesForAll) {
+  UseShell();
+  Run("touch /mnt/flash:/flash.txt");
+  for (const std::string key : {"?", "\t"}) {
+    std::string said;
+    int number = 0;
+    for (bool is_due = true; is_due && number < 200;) {
+      Type("dir fl");
+      Expect("dir fl");
+      Plan("malloc " + std::to_string(++number) + " ENOMEM");
+      Type(key);
+      Expect("<boot>");
+      is_due = Run("cat /tmp/fault; rm /tmp/fault") == "due\n";
+      Type("\r");
+      said = Expect("<boot>");
+      EXPECT_EQ(said.find("Directory of"), std::string::npos) << number << said;
+    }
+    EXPECT_NE(said.find(key == "?" ? "dir fl\n" : "dir flash\n"), std::string::npos) << number << said;
+    EXPECT_GT(number, 10);
   }
 }
 

@@ -1,6 +1,7 @@
 // Makes the n-th call of one kind fail. The plan stands in /tmp/fault: "CALL N ERROR", where ERROR is the name of an
 // error number, HALF (the call writes half of what it was given) or KILL (the process is killed). Calls on standard
-// input, output and error do not count: a console is no medium. The call that fails leaves "due" for a plan.
+// input, output and error do not count: a console is no medium. The call that fails leaves "due" for a plan. Counting
+// begins anew with each plan.
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -36,6 +37,7 @@ bool Fails(const char* call) {
   char error[32] = "";
   int number = 0;
   const long plan = syscall(SYS_openat, AT_FDCWD, kPlan, O_RDWR | O_CLOEXEC);
+  if (plan < 0) calls = 0;
   const bool counts = plan >= 0 && syscall(SYS_read, plan, text, sizeof(text) - 1) > 0 &&
                       // What does not convert leaves fewer than three.  NOLINTNEXTLINE(cert-err34-c)
                       std::sscanf(text, "%31s %d %31s", planned, &number, error) == 3 &&
@@ -85,7 +87,7 @@ void sync() noexcept {
 
 void* malloc(size_t size) noexcept {
   static const auto next = reinterpret_cast<void* (*)(size_t)>(dlsym(RTLD_NEXT, "malloc"));
-  return size >= kLargeBlock && Fails("malloc") ? nullptr : next(size);
+  return Fails(size >= kLargeBlock ? "large-malloc" : "malloc") ? nullptr : next(size);
 }
 
 }  // extern "C"
