@@ -15,6 +15,9 @@
 namespace device {
 namespace {
 
+constexpr char kStartServers[] = ESH_DEVICE_FILES "/lab/servers.sh";
+constexpr char kSamples[] = ESH_DEVICE_PACKAGES "/lab";
+
 /// System calls by which a server becomes somebody else before it serves.
 constexpr std::array kIdentityCalls{SYS_setgroups, SYS_setuid,    SYS_setgid,   SYS_setreuid, SYS_setregid,
                                     SYS_setresuid, SYS_setresgid, SYS_setfsuid, SYS_setfsgid};
@@ -52,9 +55,7 @@ std::string StartLabServers(const std::string& directory, const std::string& pla
     setsid();
     if (HasOneIdentity()) PretendIdentities();
   };
-  if (!RunProgram({"busybox", "sh", ESH_DEVICE_FILES "/lab/servers.sh", PackageRoot("lab"), place, directory,
-                   ESH_DEVICE_PACKAGES "/lab"},
-                  notice, prepare))
+  if (!RunProgram({"busybox", "sh", kStartServers, PackageRoot("lab"), place, directory, kSamples}, notice, prepare))
     notice += "lab: no servers\n";
   return notice;
 }
