@@ -38,7 +38,7 @@ Feed SourceOf(const FileDescription& file, const std::string& base, std::int64_t
 /// Gives what a feed gives, and notes its length in the package's file.
 std::string FeedCounted(const Feed& feed, PackageFile& file, const Sink& sink) {
   std::uint64_t size = 0;
-  const std::string problem = feed([&](std::string_view piece) -> std::string {
+  std::string problem = feed([&](std::string_view piece) -> std::string {
     size += piece.size();
     return size > std::numeric_limits<std::uint32_t>::max() ? file.name + " is larger than 4 GB" : sink(piece);
   });

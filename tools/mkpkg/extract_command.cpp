@@ -59,7 +59,7 @@ int Run(const Arguments& arguments) {
       problem = WriteFile(
           target, [&](int fd) { return FeedPieces(*data, IntoFile(fd, target)); }, 0666, false);
     if (!data || !data->Problem().empty()) {
-      status = Fail(kBadInput, path + ": " + name + ": " + problem);
+      status = Fail(kBadInput, std::string(name).append(" of ").append(path).append(": ").append(problem));
       continue;
     }
     if (!problem.empty()) return Fail(kCannotWrite, problem);
