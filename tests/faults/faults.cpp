@@ -90,5 +90,10 @@ void* malloc(size_t size) noexcept {
   return Fails(size >= kLargeBlock ? "large-malloc" : "malloc") ? nullptr : next(size);
 }
 
+void* calloc(size_t count, size_t size) noexcept {
+  static const auto next = reinterpret_cast<void* (*)(size_t, size_t)>(dlsym(RTLD_NEXT, "calloc"));
+  return Fails("malloc") ? nullptr : next(count, size);
+}
+
 }  // extern "C"
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)
