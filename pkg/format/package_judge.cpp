@@ -49,5 +49,7 @@ PackageVerdict JudgeLoad(PKG_READER_S* package, LoadDevice& device) {
     return PackageVerdict::kPackageType;
   PackageVerdict verdict = device.Verify(package);
   if (verdict == PackageVerdict::kGood) verdict = JudgeCompatibility(package, device);
-  return verdict == PackageVerdict::kGood ? JudgeImage(package, device.DeviceTag(), device) : verdict;
+  if (verdict != PackageVerdict::kGood) return verdict;
+  device.BeginImage();
+  return JudgeImage(package, device.DeviceTag(), device);
 }

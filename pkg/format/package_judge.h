@@ -20,6 +20,8 @@ class LoadDevice {
   [[nodiscard]] virtual UniqueLines OpenText(PKG_READER_S* package, std::uint32_t file_id) = 0;
   /// @param version room for kRunningVersionRoom bytes (compatibility.h); empty when it is not known.
   virtual void ReadRunningVersion(char* version) = 0;
+  /// The package is good, and its image comes next.
+  virtual void BeginImage() {}
   /// @return kUnknownTag when it is not known.
   [[nodiscard]] virtual std::uint32_t DeviceTag() = 0;
   /// Takes the data of the image. @return false when there are none.

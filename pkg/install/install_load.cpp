@@ -50,11 +50,11 @@ struct OwnDevice final : LoadDevice {
   PackageVerdict Verify(PKG_READER_S* package) override { return VerifyWithDots(name, package); }
   UniqueLines OpenText(PKG_READER_S* package, std::uint32_t id) override { return OpenPackageText(package, id); }
   void ReadRunningVersion(char* version) override { ::ReadRunningVersion(version); }
-  std::uint32_t DeviceTag() override {
+  void BeginImage() override {
     std::puts(kExtracting);
     ESH_TERM_OFlush();  // what follows works for long
-    return DeviceCode();
   }
+  std::uint32_t DeviceTag() override { return DeviceCode(); }
   bool TakeImage(PKG_READER_S* package, const PackageFileEntry& entry) override {
     image.data.reset(static_cast<char*>(
         GetFileFromReadHeadByFileDesc(&entry, package, sizeof(image.name), &image.size, image.name)));

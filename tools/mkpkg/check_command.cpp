@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "tools/mkpkg/commands.h"
@@ -12,6 +13,7 @@
 #include "tools/mkpkg/messages.h"
 #include "tools/mkpkg/report.h"
 #include "tools/mkpkg/warnings.h"
+#include "util/unique_handle.h"
 
 namespace mkpkg {
 namespace {
@@ -94,7 +96,8 @@ int Run(const Arguments& arguments) {
   const std::string& path = arguments.Operands()[0];
   const DeviceFacts facts = {arguments.Value("version-file"), arguments.Value("keys"), arguments.Value("boot-image"),
                              arguments.Value("name", kMedium + BaseName(path))};
-  const DeviceVerdicts verdicts = JudgeForDevice(path, facts);
+  const UniqueText target(realpath(path.c_str(), nullptr));  // a link here is none on the device
+  const DeviceVerdicts verdicts = JudgeForDevice(target == nullptr ? path : target.get(), facts);
   if (!arguments.Has(kJson.name)) (void)std::fputs(TextOf(verdicts).c_str(), stdout);
   const int status =
       Conclude(arguments, WarningsOf(path, facts), [&](JsonWriter& json) { AddVerdicts(json, verdicts); });

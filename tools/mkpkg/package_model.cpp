@@ -18,7 +18,7 @@
 namespace mkpkg {
 namespace {
 
-constexpr std::size_t kMostText = 1 << 20;  // no maker writes longer ones
+constexpr std::size_t kMostText = 4 << 20;  // no maker writes longer ones
 constexpr std::size_t kMostMagic = 8;
 
 std::string_view NameIn(const PackageFileHead& head) {
