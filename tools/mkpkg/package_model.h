@@ -26,6 +26,7 @@ struct ContainedFile {
   std::optional<ImageRoom> room;
   std::string problem;  ///< why a device gets no data; "": it does
 
+  /// Whether devices read it line by line.
   [[nodiscard]] bool IsText() const { return id == kCompatibilityFile || id == kDescriptionFile; }
 };
 

@@ -43,7 +43,9 @@ class FilePieces final : public Pieces {
   FilePieces(int fd, std::uint64_t begin, std::uint64_t length) : fd_(fd), begin_(begin), length_(length) {}
 
   [[nodiscard]] std::string_view Next() override;
+  /// Bytes in all.
   [[nodiscard]] std::uint64_t Length() const { return length_; }
+  /// Bytes before the next piece.
   [[nodiscard]] std::uint64_t Place() const { return place_; }
   /// Sets which byte of the part comes next.
   void SetPlace(std::uint64_t place) { place_ = place; }
