@@ -248,9 +248,11 @@ TEST_F(SamplePackages, LoadAndTakeOver) {
   Run("touch /root/.ssh/known_hosts");
   for (const std::string package : {"system.bin", "system-xz.bin", "system-7z.bin"}) {
     Type("install load " + package + "\r");
-    EXPECT_EQ(Expect("Loading...\r\r\n"), "install load " + package + "\nCheck package " + package +
-                                              " ...\nVerifying the file " + package +
-                                              " ...Done.\nExtracting package ...\n\nLoading...\n");
+    std::string shown = "install load " + package;
+    shown += "\nCheck package " + package;
+    shown += " ...\nVerifying the file " + package;
+    shown += " ...Done.\nExtracting package ...\n\nLoading...\n";
+    EXPECT_EQ(Expect("Loading...\r\r\n"), shown);
     Expect("Loaded package: flash:/" + package);
     Run("rm /sbin/tessaro /etc/tessaro-version");  // the next package brings its own
     EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
