@@ -49,10 +49,8 @@ std::string MakeFirstRoot(const BootOptions& options, const KindFiles& files, co
   for (const Medium& medium : options.media) {
     if (medium.contents.empty()) continue;
     const std::string place = root + "/run/media/" + medium.name;  // where /init looks for what belongs on a new one
-    std::error_code error;
-    fs::create_directories(place, error);
-    fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
-    if (error) return "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message();
+    fs::create_directories(place, copied);
+    if (std::string problem = CopyContents(medium, place); !problem.empty()) return problem;
   }
   const std::string pack =
       "cd " + ShellQuoted(root) + " && find . | busybox cpio -o -H newc >> " + ShellQuoted(archive);

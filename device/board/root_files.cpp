@@ -68,4 +68,10 @@ std::string PlaceText(const FileText& file, const std::string& root) {
   return stream && chmod(target.c_str(), mode) == 0 ? "" : "cannot write " + file.path;
 }
 
+std::string CopyContents(const Medium& medium, const std::string& place) {
+  std::error_code error;
+  fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
+  return error ? "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message() : "";
+}
+
 }  // namespace device

@@ -34,4 +34,7 @@ FileText StartScript(const BootOptions& options);
 /// @return an empty text, or one line that says what went wrong.
 [[nodiscard]] std::string PlaceText(const FileText& file, const std::string& root);
 
+/// Copies what a medium has at its first boot into a directory that is there. @return an empty text, or the problem.
+[[nodiscard]] std::string CopyContents(const Medium& medium, const std::string& place);
+
 }  // namespace device

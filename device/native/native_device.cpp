@@ -16,8 +16,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include "device/board/board.h"
@@ -218,15 +216,11 @@ class NativeKind final : public DeviceKind {
   /// A file system in memory whose size is limited. Links on it are not followed, as on every medium that may come from
   /// anywhere; whatever the first process mounts of it takes that over.
   std::string MakeMedium(const Medium& medium, const std::string& place) const override {
-    namespace fs = std::filesystem;
     (void)mkdir(place.c_str(), 0755);
     const std::string size = "mode=755,size=" + std::to_string(medium.bytes);
     constexpr unsigned long kFlags = MS_NOSUID | MS_NODEV | MS_NOSYMFOLLOW;
-    if (std::string problem = Mount(medium.name, place, "tmpfs", kFlags, size); !problem.empty()) return problem;
-    if (medium.contents.empty()) return "";
-    std::error_code error;
-    fs::copy(medium.contents, place, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
-    return error ? "cannot fill " + medium.name + " from " + medium.contents + ": " + error.message() : "";
+    std::string problem = Mount(medium.name, place, "tmpfs", kFlags, size);
+    return problem.empty() && !medium.contents.empty() ? CopyContents(medium, place) : problem;
   }
 
   /// What is open stays usable, as memory does; by name nothing is found any more.

@@ -139,10 +139,8 @@ class ToldDevice final : public LoadDevice {
     ReadBootVersion(is_readable ? TextIn(boot.get(), kDescriptionFile).get() : nullptr, version);
     if (*version != '\0') reason_ = std::string("the compatibility list does not name boot image version ") + version;
   }
-  std::uint32_t DeviceTag() override {
-    reason_.clear();
-    return ReadVersionTag(facts_.version_file.c_str(), kDeviceTagName);
-  }
+  void BeginImage() override { reason_.clear(); }
+  std::uint32_t DeviceTag() override { return ReadVersionTag(facts_.version_file.c_str(), kDeviceTagName); }
   bool TakeImage(PKG_READER_S* package, const PackageFileEntry& entry) override {
     const ContainedFile image = ReadContained(package, entry, false);
     if (!image.problem.empty()) reason_ = "image " + image.name + " gives no data: " + image.problem;
