@@ -25,7 +25,7 @@ constexpr char kSizesFile[] = "/tmp/sizes";
 /// Caches that a large directory no longer fits into bend a straight line; a square would come to 3 and 10.
 constexpr double kStraight = 1.5;
 
-/// A person who asks for a list waits no longer here than elsewhere.
+/// A person who asks for a list waits hardly longer here than elsewhere.
 constexpr double kListGoal = 1.5;
 constexpr double kSameMemory = 1.1;
 constexpr double kGivenBack = 1.25;  // a list kept would come to 50
