@@ -18,10 +18,9 @@ using InterfaceReading = PrivateRootTest;
 
 TEST_F(InterfaceReading, TakesTheCountersOfItsOwnLine) {
   constexpr std::tuple<const char*, const char*, const char*, unsigned long long, unsigned long long> kCases[] = {
-      {"the second line", "    lo: 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9\nm-eth0: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n",
+      {"the first of two, behind another's",
+       "    lo: 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9\n\t m-eth0:1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\nm-eth0: 3 4\n",
        "m-eth0", 1, 16},
-      {"the first of two", "\t m-eth0:1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 2\nm-eth0: 3 0 0 0 0 0 0 0 0 0 0 0 0 0 0 4\n",
-       "m-eth0", 1, 2},
       {"64 bits", "m-eth0: 18446744073709551615 0 0 0 0 0 0 0 0 0 0 0 0 0 0 9223372036854775808\n", "m-eth0",
        18446744073709551615U, 9223372036854775808U},
       {"numbers are missing", "m-eth0: 7 8", "m-eth0", 7, 0},
