@@ -63,6 +63,7 @@ TEST_F(PathTest, TypedNamesStayInsideTheirMedium) {
   constexpr std::tuple<const char*, const char*, Reach> kCases[] = {
       {"flash:/./a/.", "/mnt/flash:/a", kEntry},
       {"flash:/a/../b/", "/mnt/flash:/b", kEntry},
+      {"flash:/.../..b/", "/mnt/flash:/.../..b", kEntry},
       {"a/b/", "/mnt/flash:/logs/a/b", kEntry},
       {"../.a", "/mnt/flash:/.a", kEntry},
       {".", "/mnt/flash:/logs", kEntry},
@@ -98,6 +99,8 @@ TEST_F(PathTest, TypedNamesStayInsideTheirMedium) {
   MoveTo("/tmp");
   EXPECT_EQ(Full("a"), "/tmp/a");
   EXPECT_EQ(ReachOf("a"), kAbsent);
+  MoveTo("/");
+  EXPECT_EQ(Full("a"), kRefused) << "no component is empty";
 }
 
 TEST_F(PathTest, BlanksAreForQuotedArguments) {
