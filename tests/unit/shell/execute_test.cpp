@@ -80,7 +80,7 @@ TEST(Execute, SettlesWhatWasMeantByLaterWordsAndTheLinesEnd) {
 TEST(Execute, TakesKeywordsBeforeValuesAndValuesThatFit) {
   TestView view("",
                 {"ping X.X.X.X <cr>", "ping all <cr>", "set INTEGER<1-5> <cr>", "set STRING<1-3> <cr>", "set six <cr>",
-                 "show X:X::X:X <cr>", "show X:X::X:X/M <cr>", "move INTEGER<1-5> <cr>", "move <cr>"});
+                 "show X:X::X:X <cr>", "show X:X::X:X/M <cr>", "move INTEGER<1-2147483647> <cr>", "move <cr>"});
   view.Add("note STRING<1-3> <cr>", {.check = Check});
   view.Add("note INTEGER<7-7> <cr>");
   ExpectAll({
@@ -96,7 +96,9 @@ TEST(Execute, TakesKeywordsBeforeValuesAndValuesThatFit) {
       {"a value that is taken", "note ok", Ran("note STRING<1-3> <cr>")},
       {"a value of which cannot be told", "note it", At(5, kWrong)},
       {"and which another command takes", "note 7", At(5, kAmbiguous)},
-      {"a wrong value rather than too many words", "move 6", At(5, kWrong)},
+      {"less than its least", "move 0", At(5, kWrong)},
+      {"the longest bound", "move 2147483647", Ran("move INTEGER<1-2147483647> <cr>")},
+      {"a wrong value rather than too many words", "move 2147483648", At(5, kWrong)},
   });
 }
 
