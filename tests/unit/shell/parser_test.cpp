@@ -3,14 +3,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "shell/command/view.h"
-#include "term/help/completion.h"
-#include "term/line_editor.h"
+#include "term/help/help_list.h"
 #include "term/line_state.h"
 #include "tests/support/test_view.h"
+#include "tests/unit/term/scripted_editor.h"
 #include "util/fixed_text.h"
 
 namespace {
@@ -30,25 +29,20 @@ std::uint32_t NoteWhatIsShown(const char* /*word*/) {
 
 struct Parser : testing::Test {
   Parser() {
-    setenv("TERM", "vt100", 1);
-    EXPECT_EQ(ESH_LINE_Init(), 0U);
     g_pstEshUserView = g_pstEshCurrentView;
     ESH_SetCmdMode(g_pstEshUserView);
     view.Add("two STRING<1-511> <cr>", {.help = ListTheWord, .records = {NoteWhatIsShown}});
   }
-  ~Parser() override {
-    ESH_LINE_Exit();
-    g_pstEshUserView = nullptr;
-  }
+  ~Parser() override { g_pstEshUserView = nullptr; }
 
   /// @return what appears on the console.
-  static std::string Parse(const std::string& line) {
+  std::string Parse(const std::string& line) {
     CopyBounded(g_stESh_Line.pcBuf, kLineRoom, line);
-    testing::internal::CaptureStdout();
     ESH_CmdParser(g_stESh_Line.pcBuf);
-    return testing::internal::GetCapturedStdout();
+    return editor.TakeOutput();
   }
 
+  ScriptedEditor editor;
   TestView view{"<boot>",
                 {"one <cr>", "twin <cr>", "half", "set INTEGER<10-31> <cr>", "set X.X.X.X <cr>", "show X:X::X:X <cr>",
                  "show X:X::X:X/M <cr>", "show STRING<1-3> <cr>"}};
@@ -68,12 +62,16 @@ constexpr char kAll[] =
     "\r\n<boot>";
 
 constexpr ParseCase kLines[] = {
-    {"one\n", "\r\n", "one <cr>\n", ""},
     {"x\n", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n", "", ""},
     {"  o\t", "\r\n<boot>", "", "one "},
     {"two x\t", "\r\n<boot>", "", "two x... "},
+    {"t\t", "\r\n<boot>", "", "tw"},
+    {"tw\t", "\r\n<boot>", "", "twin"},
+    {"one\n", "\r\n", "one <cr>\n", ""},  // it ends a completion
+    {"tw\t", "\r\n<boot>", "", "twin"},
+    {"tw?", "\r\n  twin\r\n  two\r\n\r\n<boot>", "", "tw"},  // as help does
+    {"tw\t", "\r\n<boot>", "", "twin"},
     {"?one\n", kAll, "", ""},
-    {"tw?", "\r\n  twin\r\n  two\r\n\r\n<boot>", "", "tw"},
     {"TWO ?", "\r\n  ?...  A name\r\n\r\n<boot>", "", "TWO "},
     {"two fl?", "\r\n  fl...\r\n\r\n<boot>", "", "two fl"},
     {"one ?x ?\n", "\r\n  <cr>  \r\n\r\n<boot>", "", "one "},
@@ -104,15 +102,6 @@ TEST_F(Parser, AnswersABlankLineWithALineBreakOnly) {
 TEST_F(Parser, ShowsTheEndOfTheLineBeforeTheCommandRuns) {
   (void)Parse("two x\n");
   EXPECT_EQ(g_shown, 2) << "CR LF";
-}
-
-TEST_F(Parser, EnterAndHelpEndACompletion) {
-  for (const char* line : {"one\n", "t?"}) {
-    (void)Parse("t\t");
-    ASSERT_STRNE(g_stTabState.szPrefix, "");
-    (void)Parse(line);
-    EXPECT_STREQ(g_stTabState.szPrefix, "") << line;
-  }
 }
 
 }  // namespace
