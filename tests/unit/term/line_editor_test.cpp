@@ -33,6 +33,7 @@ struct KeyCase {
   const char* term = "xterm";
 };
 
+const std::string kLong(99, 'x');
 const KeyCase kKeys[] = {
     {"inserted where the cursor is", "ac\002b\n", "abc\n", "ac\033[1D\033[1D\033[Jabc\033[1D\033[1C"},
     {"taken from the end", "ab\010\n", "a\n", "ab\033[1D\033[J"},
@@ -56,7 +57,8 @@ const KeyCase kKeys[] = {
     {"over rows", "abc\001\005\n", "abc\n", "ab\r\nc\033[1A\033[5C\033[1B\033[5D", kCommand, 8},
     {"over rows that lose the column", "abc\001\005\n", "abc\n", "ab\r\nc\033[1A\033[8D\033[6C\033[1B\033[8D\033[1C",
      kCommand, 8, "linux"},
-    {"no rows", "abc\002\n", "abc\n", "abc\033[1D\033[1C", kCommand, 0, "esh-zerowidth"},
+    {"no rows", kLong + "\002\n", kLong + "\n", kLong + "\033[1D\033[1C", kCommand, 0, "esh-zerowidth"},
+    {"a row without an end", kLong + "\n", kLong + "\n", kLong, kCommand, 0, "esh-nowidth"},
     {"escape alone", "ab\002\033\0\0\n"s, "ab\n", "ab\033[1D\a\033[1C"},
     {"no such sequence", "ab\002\033[\0\0\033OA\0\0\033[E\0\0\n"s, "ab\n", "ab\033[1D\a\a\a\033[1C"},
     {"Delete cut short or changed", "ab\002\033[3\0\0\033[3;5~\0\0\033[2~\0\0\n"s, "ab\n", "ab\033[1D\a\a\a\033[1C"},
@@ -90,11 +92,11 @@ std::string RandomLines(unsigned seed, std::size_t lines, std::size_t keys_of_a_
   std::string keys;
   for (; lines > 0; --lines) {
     for (std::size_t key = random() % (2 * keys_of_a_line); key > 0; --key) {
-      const auto dice = random() % 100;
-      if (dice < 40)
-        keys += kEditing[random() % std::size(kEditing)];
+      const auto dice = random() % 35;
+      if (dice < std::size(kEditing))
+        keys += kEditing[dice];
       else  // in a row of equal letters only the tail is written
-        keys += dice < 60 ? 'a' : static_cast<char>('@' + random() % 63);
+        keys += dice < 21 ? 'a' : static_cast<char>('@' + random() % 63);
     }
     keys += "\n";
   }

@@ -36,7 +36,5 @@ ScriptedEditor::ScriptedEditor(std::string_view keys, const char* term, unsigned
 ScriptedEditor::~ScriptedEditor() {
   ESH_LINE_Exit();
   ForgetHistory();
-  ForgetTerminal();
+  del_curterm(cur_term);
 }
-
-void ForgetTerminal() { del_curterm(cur_term); }

@@ -23,6 +23,3 @@ class ScriptedEditor {
  private:
   ScriptedStdio stdio_;
 };
-
-/// Frees the terminal description that the terminfo library holds.
-void ForgetTerminal();
