@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "term/line_editor.h"
 #include "term/line_state.h"
@@ -18,8 +18,6 @@ namespace {
 
 constexpr char kMore[] = "---- More ----     \033[19D\033[K";
 
-void StartCommand(std::uint32_t page_length) { g_stESh_Display = {page_length, page_length, 0}; }
-
 /// A text that the pager may change, with nothing behind its end.
 UniqueText Copy(const std::string& text) { return UniqueText(strdup(text.c_str())); }
 
@@ -30,37 +28,31 @@ std::string Lines(int count, int first = 1) {
   return text;
 }
 
-/// What pages of such lines look like: "24M1" is 24 lines, a More prompt and one more line.
-std::string Pages(const char* pages) {
+/// What pages of so many such lines look like, a More prompt between them.
+std::string Pages(const std::vector<int>& pages) {
   std::string text;
   int line = 1;
-  for (char* next = nullptr; *pages != '\0'; pages = next) {
-    const int count = static_cast<int>(std::strtol(pages, &next, 10));
-    text += Lines(count, line);
+  for (const int count : pages) {
+    text += (line == 1 ? "" : kMore) + Lines(count, line);
     line += count;
-    if (*next == 'M') {
-      text += kMore;
-      ++next;
-    }
   }
   return text;
 }
 
-constexpr struct {
+const struct {
   const char* why;
   const char* keys;
-  std::uint32_t page_length;
   std::uint16_t paging;
   std::uint16_t all_shown;
   int lines;
-  const char* pages;
+  std::vector<int> pages;
 } kPages[] = {
-    {"Space shows a page, the prompt's row counted", "  left", 24, 1, 1, 60, "24M23M13"},
-    {"Enter shows one line", "\r\n  left", 24, 1, 1, 60, "24M1M1M23M11"},
-    {"a key that sends a sequence is one key", "\033[A", 24, 1, 0, 60, "24M"},
-    {"exactly a page", " left", 24, 1, 1, 24, "24M"},
-    {"exactly a page, declined", "xleft", 24, 1, 0, 24, "24M"},
-    {"paging not wanted", "left", 24, 0, 1, 60, "60"},
+    {"Space shows a page, the prompt's row counted", "  left", 1, 1, 60, {24, 23, 13}},
+    {"Enter shows one line", "\r\n  left", 1, 1, 60, {24, 1, 1, 23, 11}},
+    {"a key that sends a sequence is one key", "\033[A", 1, 0, 60, {24, 0}},
+    {"exactly a page", " left", 1, 1, 24, {24, 0}},
+    {"exactly a page, declined", "xleft", 1, 0, 24, {24, 0}},
+    {"paging not wanted", "left", 0, 1, 60, {60}},
 };
 
 /// Shows so many lines in texts of seven. @return the last answer.
@@ -74,7 +66,7 @@ std::uint16_t Show(int lines, std::uint16_t paging) {
 TEST(Pager, StopsAtEveryFullPageOfTheWholeCommand) {
   for (const auto& c : kPages) {
     ScriptedEditor editor(c.keys);
-    StartCommand(c.page_length);
+    g_stESh_Display = {24, 24, 0};
     EXPECT_EQ(Show(c.lines, c.paging), c.all_shown) << c.why;
     EXPECT_EQ(editor.TakeOutput(), Pages(c.pages)) << c.why;
     EXPECT_EQ(editor.TakeKeysLeft(), c.keys[0] == '\033' ? "" : "left") << c.why;
@@ -97,7 +89,7 @@ constexpr struct {
 
 TEST(Pager, EndsEveryLineTheSameWay) {
   ScriptedEditor editor;
-  StartCommand(24);
+  g_stESh_Display = {24, 24, 0};
   for (const auto& c : kLineEnds) {
     EXPECT_EQ(ESH_OutString(Copy(c.text).get()), kSuccess) << c.why;
     EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;
