@@ -14,28 +14,13 @@ constexpr char kNoRoom[] =
 class FileCommands : public OperatorConsole {
  protected:
   void SetUp() override {
-    OperatorConsole::SetUp();
     options.media = {{"flash:", 8 << 20, ""}, {"cfa0:", 1 << 20, ""}, {"usba0:", 1 << 20, ""}, {"usba1:", 1 << 20, ""}};
+    Replace("/bin/mv", "#!/bin/sh\nexec /bin/busybox mv \"$@\" 2> /dev/null\n");  // whose words differ by release
   }
 
   void UseFiles() {
     UseDevice();
     OnFlash("mkdir dir && echo text > a && echo older > b");
-  }
-
-  /// Types a line and a "y" or "n" for each of its questions. @return what was printed, without what mv itself says.
-  std::string Ask(const std::string& line, const std::string& answers) {
-    std::string keys;
-    for (const char answer : answers) keys += {answer, '\r'};
-    std::string printed = Command(line, keys);
-    for (std::size_t start = 0; (start = printed.find("mv: ", start)) != std::string::npos;)
-      printed.erase(start, printed.find('\n', start) + 1 - start);
-    return printed;
-  }
-
-  void ExpectAnswers(const std::vector<Exchange>& exchanges) {
-    for (const Exchange& exchange : exchanges)
-      EXPECT_EQ(Ask(exchange.line, exchange.keys), exchange.printed) << exchange.line;
   }
 
   /// Mounts a medium again so that its links are followed, as a device may have mounted it.
@@ -56,42 +41,42 @@ class NativeFileCommands : public FileCommands {
 
 TEST_F(FileCommands, CopyAndMoveAskAndTell) {
   UseFiles();
-  ExpectAnswers({
-      {"copy a c", "n", "Copy flash:/a to flash:/c?[Y/N]:n\n"},
-      {"copy a c", "y", "Copy flash:/a to flash:/c?[Y/N]:y\nStart to copy flash:/a to flash:/c... Done.\n"},
+  ExpectAll({
+      {"copy a c", "n\r", "Copy flash:/a to flash:/c?[Y/N]:n\n"},
+      {"copy a c", "y\r", "Copy flash:/a to flash:/c?[Y/N]:y\nStart to copy flash:/a to flash:/c... Done.\n"},
       {"copy a ./a", "", kSameFile},
       {"copy a nodir/x", "", kNoSuchFile},
       {"copy dir x", "", kNoSuchFile},
-      {"copy a dir", "y", "Copy flash:/a to flash:/dir/a?[Y/N]:y\nStart to copy flash:/a to flash:/dir/a... Done.\n"},
-      {"copy a cfa0:", "y", "Copy flash:/a to cfa0:/a?[Y/N]:y\nStart to copy flash:/a to cfa0:/a... Done.\n"},
+      {"copy a dir", "y\r", "Copy flash:/a to flash:/dir/a?[Y/N]:y\nStart to copy flash:/a to flash:/dir/a... Done.\n"},
+      {"copy a cfa0:", "y\r", "Copy flash:/a to cfa0:/a?[Y/N]:y\nStart to copy flash:/a to cfa0:/a... Done.\n"},
   });
   EXPECT_EQ(OnFlash("cat c dir/a b /mnt/cfa0:/a"), "text\ntext\nolder\ntext\n");
-  EXPECT_TRUE(Ask("copy b c", "yy").ends_with("Done.\n"));
+  EXPECT_TRUE(Command("copy b c", "y\ry\r").ends_with("Done.\n"));
   EXPECT_EQ(OnFlash("cat b c"), "older\nolder\n");
 
-  ExpectAnswers({
-      {"move a d", "y", "Move flash:/a to flash:/d?[Y/N]:y\n"},
-      {"move d b", "y", "Move flash:/d to flash:/b?[Y/N]:y\n"},
-      {"move b dir", "y", "Move flash:/b to flash:/dir/b?[Y/N]:y\n"},
+  ExpectAll({
+      {"move a d", "y\r", "Move flash:/a to flash:/d?[Y/N]:y\n"},
+      {"move d b", "y\r", "Move flash:/d to flash:/b?[Y/N]:y\n"},
+      {"move b dir", "y\r", "Move flash:/b to flash:/dir/b?[Y/N]:y\n"},
       {"move dir x", "", kNoSuchFile},
   });
-  Ask("move dir/b dir/b", "y");
+  Command("move dir/b dir/b", "y\r");
   EXPECT_EQ(OnFlash("ls; cat dir/b"), "c\ndir\ntext\n") << "a move onto itself must not lose the file";
 }
 
 TEST_F(FileCommands, DeleteMkdirAndRmdirAskAndTell) {
   UseFiles();
   OnFlash("mkdir full && touch full/.hidden");
-  ExpectAnswers({
+  ExpectAll({
       {"mkdir new", "", "Directory flash:/new created.\n"},
       {"mkdir new/", "", "The directory already exists.\n"},
       {"mkdir a", "", "The file with the same name already exists.\n"},
-      {"rmdir new", "y", "Remove directory flash:/new?[Y/N]:y\nDirectory flash:/new removed.\n"},
+      {"rmdir new", "y\r", "Remove directory flash:/new?[Y/N]:y\nDirectory flash:/new removed.\n"},
       {"rmdir a", "", "The directory doesn't exist.\n"},
-      {"rmdir full", "y",
+      {"rmdir full", "y\r",
        "Remove directory flash:/full?[Y/N]:y\nFailed to remove the directory because it is not empty.\n"},
-      {"delete a", "n", "Delete flash:/a?[Y/N]:n\n"},
-      {"delete a", "y", std::string("Delete flash:/a?[Y/N]:y\n") + kWait + "Start to delete flash:/a...Done.\n"},
+      {"delete a", "n\r", "Delete flash:/a?[Y/N]:n\n"},
+      {"delete a", "y\r", std::string("Delete flash:/a?[Y/N]:y\n") + kWait + "Start to delete flash:/a...Done.\n"},
       {"delete a", "", kNoSuchFile},
       {"delete b/", "", kNoSuchFile},
       {"delete dir", "", "Please use 'rmdir' to remove a directory.\n"},
@@ -103,12 +88,12 @@ TEST_F(FileCommands, DeleteMkdirAndRmdirAskAndTell) {
 TEST_F(FileCommands, AFullMediumLosesNothing) {
   UseFiles();
   OnFlash("dd if=/dev/zero of=big bs=1k count=2000 2>/dev/null");
-  EXPECT_TRUE(Ask("copy big cfa0:", "y").ends_with(kNoRoom));
-  EXPECT_TRUE(Ask("move big cfa0:", "y").ends_with(kNoRoom));
+  EXPECT_TRUE(Command("copy big cfa0:", "y\r").ends_with(kNoRoom));
+  EXPECT_TRUE(Command("move big cfa0:", "y\r").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("stat -c %s big; ls /mnt/cfa0:"), "2048000\n");
   ASSERT_TRUE(Device().FillMedium("cfa0:"));
-  EXPECT_TRUE(Ask("copy a cfa0:", "y").ends_with(kNoRoom));
-  EXPECT_TRUE(Ask("move a cfa0:", "y").ends_with(kNoRoom));
+  EXPECT_TRUE(Command("copy a cfa0:", "y\r").ends_with(kNoRoom));
+  EXPECT_TRUE(Command("move a cfa0:", "y\r").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("cat a; ls /mnt/cfa0:"), "text\nfill\n");
   EXPECT_TRUE(Command("dir cfa0:").ends_with(" KB total (0 KB free)\n"));
 }
@@ -118,7 +103,7 @@ TEST_F(FileCommands, AMoveOutlivesThePower) {
   // Mounted so that it is written to in its own time, where it can be.
   Run("disk=$(sed -n 's| /mnt/cfa0: vfat.*||p' /proc/mounts); [ -z \"$disk\" ] || "
       "{ umount /mnt/cfa0: && mount -t vfat $disk /mnt/cfa0:; }");
-  Ask("move a cfa0:", "y");
+  Command("move a cfa0:", "y\r");
   Device().PowerOff();
   BootToPrompt();
   EXPECT_EQ(OnFlash("cat /mnt/cfa0:/a; ls"), "text\nb\ndir\n");
@@ -128,17 +113,17 @@ TEST_F(FileCommands, AProtectedMediumStaysAsItIs) {
   UseFiles();
   Run("mkdir /mnt/cfa0:/dir && echo kept > /mnt/cfa0:/a");
   ASSERT_TRUE(Device().ProtectMedium("cfa0:"));
-  ExpectAnswers({
-      {"copy b cfa0:", "y", std::string("Copy flash:/b to cfa0:/b?[Y/N]:y\n") + kNoRoom},
-      {"copy b cfa0:/a", "yy",
+  ExpectAll({
+      {"copy b cfa0:", "y\r", std::string("Copy flash:/b to cfa0:/b?[Y/N]:y\n") + kNoRoom},
+      {"copy b cfa0:/a", "y\ry\r",
        std::string("Copy flash:/b to cfa0:/a?[Y/N]:y\ncfa0:/a already exists. Overwrite it?[Y/N]:y\n") + kNoRoom},
-      {"move b cfa0:/a", "y", std::string("Move flash:/b to cfa0:/a?[Y/N]:y\n") + kNoRoom},
-      {"move cfa0:/a flash:/moved", "y", std::string("Move cfa0:/a to flash:/moved?[Y/N]:y\n") + kNoRoom},
-      {"delete cfa0:/a", "y", std::string("Delete cfa0:/a?[Y/N]:y\n") + kWait + "Execution failure.\n"},
+      {"move b cfa0:/a", "y\r", std::string("Move flash:/b to cfa0:/a?[Y/N]:y\n") + kNoRoom},
+      {"move cfa0:/a flash:/moved", "y\r", std::string("Move cfa0:/a to flash:/moved?[Y/N]:y\n") + kNoRoom},
+      {"delete cfa0:/a", "y\r", std::string("Delete cfa0:/a?[Y/N]:y\n") + kWait + "Execution failure.\n"},
       {"mkdir cfa0:/new", "", "Execution failure.\n"},
-      {"rmdir cfa0:/dir", "y", "Remove directory cfa0:/dir?[Y/N]:y\nFailed to remove directory.\n"},
+      {"rmdir cfa0:/dir", "y\r", "Remove directory cfa0:/dir?[Y/N]:y\nFailed to remove directory.\n"},
       {"more cfa0:/a", "", "kept\n"},
-      {"copy cfa0:/a c", "y", "Copy cfa0:/a to flash:/c?[Y/N]:y\nStart to copy cfa0:/a to flash:/c... Done.\n"},
+      {"copy cfa0:/a c", "y\r", "Copy cfa0:/a to flash:/c?[Y/N]:y\nStart to copy cfa0:/a to flash:/c... Done.\n"},
   });
   EXPECT_EQ(OnFlash("cat b c /mnt/cfa0:/a; ls; ls /mnt/cfa0:"), "older\nkept\nkept\na\nb\nc\ndir\na\ndir\n");
   Run("mount -o remount,bind,rw /mnt/cfa0:");
@@ -153,13 +138,14 @@ TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {
     FollowLinksOn("flash:");
     OnFlash("mkdir twin && mount -o bind dir twin && ln -s a link");
   }
-  EXPECT_EQ(Ask("copy dir/a " + other, ""), kSameFile);
-  Ask("move dir/a " + other, "y");
+  EXPECT_EQ(Command("copy dir/a " + other), kSameFile);
+  Command("move dir/a " + other, "y\r");
   EXPECT_EQ(OnFlash("cat dir/[aA]"), "both\n");
   if (!IsArm64()) {
-    EXPECT_TRUE(Ask("move link a", "y").ends_with(kNoRoom)) << "the link would take the file's place";
+    EXPECT_TRUE(Command("move link a", "y\r").ends_with(kNoRoom)) << "the link would take the file's place";
     OnFlash("mkdir dir/in && echo deep > dir/in/in");
-    EXPECT_TRUE(Ask("move twin/in/in dir", "y").ends_with(kNoRoom)) << "the folder of that name holds the file itself";
+    EXPECT_TRUE(Command("move twin/in/in dir", "y\r").ends_with(kNoRoom))
+        << "the folder of that name holds the file itself";
     EXPECT_EQ(OnFlash("cat dir/in/in; rm -r dir/in; umount twin"), "deep\n");
   }
   EXPECT_EQ(OnFlash("cat a"), "text\n");
@@ -181,9 +167,9 @@ TEST_F(FileCommands, MoreShowsTextOnly) {
 
 TEST_F(FileCommands, FormatEmptiesAMediumAndChoosesTheDirectoryAgain) {
   UseFiles();
-  EXPECT_EQ(Ask("format flash:", "n"), "All data on flash: will be lost, proceed with format? [Y/N]:n\n");
+  EXPECT_EQ(Command("format flash:", "n\r"), "All data on flash: will be lost, proceed with format? [Y/N]:n\n");
   EXPECT_EQ(OnFlash("cat a"), "text\n");
-  Ask("format flash:/", "y");
+  Command("format flash:/", "y\r");
   EXPECT_EQ(OnFlash("ls"), "");
   EXPECT_EQ(Command("pwd"), "flash:\n");
   for (const char* line : {"format .", "format /mnt/flash:"})
@@ -229,16 +215,16 @@ TEST_F(NativeFileCommands, TheWorkingDirectoryMayVanish) {
 TEST_F(NativeFileCommands, LinksAndFoldersAreNotMistaken) {
   UseLinks();
   OnFlash("mkdir -p full/a && echo kept > full/a/kept");
-  ExpectAnswers({
+  ExpectAll({
       {"copy link a", "", kSameFile},
-      {"copy a full", "yy",
+      {"copy a full", "y\ry\r",
        std::string("Copy flash:/a to flash:/full/a?[Y/N]:y\nflash:/full/a already exists. Overwrite it?[Y/N]:y\n") +
            kNoRoom},
-      {"copy a c", "y", "Copy flash:/a to flash:/c?[Y/N]:y\nStart to copy flash:/a to flash:/c... Done.\n"},
+      {"copy a c", "y\r", "Copy flash:/a to flash:/c?[Y/N]:y\nStart to copy flash:/a to flash:/c... Done.\n"},
       {"mkdir dangling", "", "Execution failure.\n"},
-      {"rmdir to-dir", "y", "Remove directory flash:/to-dir?[Y/N]:y\nFailed to remove directory.\n"},
+      {"rmdir to-dir", "y\r", "Remove directory flash:/to-dir?[Y/N]:y\nFailed to remove directory.\n"},
       {"more fifo", "", kNoSuchFile},
-      {"delete link", "y",
+      {"delete link", "y\r",
        std::string("Delete flash:/link?[Y/N]:y\n") + kWait + "Start to delete flash:/link...Done.\n"},
   });
   EXPECT_EQ(OnFlash("cat a full/a/kept; stat -c %a c"), "text\nkept\n640\n");
@@ -255,9 +241,9 @@ TEST_F(NativeFileCommands, ALinkLeadsNoWriteOffTheMedia) {
     EXPECT_EQ(Command(line), kNoSuchFile) << line;
   EXPECT_EQ(Command("rmdir cfa0:/l/dir"), "The directory doesn't exist.\n");
   EXPECT_EQ(Command("more cfa0:/l/file"), "own\n") << "reading follows them";
-  EXPECT_TRUE(Ask("copy cfa0:/l/file cfa0:/other/x", "y").ends_with("Done.\n")) << "from one medium to another";
-  Ask("move a cfa0:/new", "y");
-  Ask("move b cfa0:", "y");
+  EXPECT_TRUE(Command("copy cfa0:/l/file cfa0:/other/x", "y\r").ends_with("Done.\n")) << "from one medium to another";
+  Command("move a cfa0:/new", "y\r");
+  Command("move b cfa0:", "y\r");
   EXPECT_EQ(Run("cd /mnt/cfa0:; cat new b/b /mnt/flash:/dir/x; cd /tmp/own; ls; cat file"),
             "text\nolder\nown\ndir\nfile\nown\n")
       << "links that lead nowhere are replaced";
@@ -267,7 +253,7 @@ TEST_F(NativeFileCommands, OverwritingReplacesTheEntryAndNothingElse) {
   UseLinks();
   OnFlash("ln -s b to-b");
   for (const char* destination : {"hard", "to-b", "dangling", "fifo"})
-    EXPECT_NE(Ask(std::string("copy b ") + destination, "yy").find("Done."), std::string::npos) << destination;
+    EXPECT_NE(Command(std::string("copy b ") + destination, "y\ry\r").find("Done."), std::string::npos) << destination;
   EXPECT_EQ(OnFlash("cat a b hard to-b dangling fifo; ls gone 2>&1 | wc -l; find . -type l -name 'to-b' -o -type l "
                     "-name dangling"),
             "text\nolder\nolder\nolder\nolder\nolder\n1\n")
@@ -277,10 +263,10 @@ TEST_F(NativeFileCommands, OverwritingReplacesTheEntryAndNothingElse) {
 TEST_F(NativeFileCommands, AToolThatIsKilledLosesNothing) {
   Replace("/bin/mv", "#!/bin/sh\ncp $1 $2; [ -e /tmp/last ] && rm $1; kill -9 $$\n");
   UseFiles();
-  EXPECT_TRUE(Ask("move a x", "y").ends_with(kNoRoom));
+  EXPECT_TRUE(Command("move a x", "y\r").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("cat a; ls x 2>/dev/null; true"), "text\n") << "the part goes, the source stays";
   Run("touch /tmp/last");
-  EXPECT_TRUE(Ask("move a x", "y").ends_with(kNoRoom));
+  EXPECT_TRUE(Command("move a x", "y\r").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("cat x"), "text\n") << "the only copy is kept";
 }
 

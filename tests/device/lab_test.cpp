@@ -9,7 +9,7 @@ constexpr char kFarPrompt[] = "\x1b[6n";
 /// A device that is connected with real servers.
 class Lab : public OperatorConsole {
  protected:
-  void UseLab() {
+  void SetUp() override {
     options.has_lab_servers = true;
     UseDevice();
     ASSERT_NE(Device().LabNotice().find("servers  ftp tftp telnet ssh2 "), std::string::npos) << Device().LabNotice();
@@ -25,17 +25,12 @@ class Lab : public OperatorConsole {
     Expect(question);
     Type(answer + "\r");
   }
-  void LogInByTelnet(const std::string& address) {
-    Type("telnet " + address + "\r");
-    Answer("lab login: ", "operator");
-    Answer("Password: ", kPassword);
-    Expect(kFarPrompt);
-  }
-  void LogInBySsh(const std::string& address) {
-    Type("ssh2 " + address + "\r");
-    Answer("login as:", "operator");
-    Answer("(yes/no/[fingerprint])? ", "yes");
-    Answer("password: ", kPassword);
+  void LogIn(const std::string& line) {
+    const bool is_secure = line.starts_with("ssh2");
+    Type(line + "\r");
+    Answer(is_secure ? "login as:" : "lab login: ", "operator");
+    if (is_secure) Answer("(yes/no/[fingerprint])? ", "yes");
+    Answer("assword: ", kPassword);
     Expect(kFarPrompt);
   }
   void ExpectPrompt() {
@@ -48,7 +43,6 @@ class Lab : public OperatorConsole {
 };
 
 TEST_F(Lab, TransfersBringWhatWasSent) {
-  UseLab();
   const std::string login = std::string("operator\r") + kPassword + "\r";
   const std::pair<const char*, std::string> ways[] = {
       {"tftp 10.0.0.1", ""}, {"tftp ipv6 fd00::1", ""}, {"ftp 10.1.0.1", login}, {"ftp ipv6 fd00:1::1", login}};
@@ -60,22 +54,19 @@ TEST_F(Lab, TransfersBringWhatWasSent) {
 }
 
 TEST_F(Lab, LoginsReachAShellAndComeBack) {
-  UseLab();
-  for (const bool secure : {false, true}) {
-    for (const char* address : {"10.0.0.1", "ipv6 fd00:1::1"}) {
-      SCOPED_TRACE(std::string(secure ? "ssh2 " : "telnet ") + address);
-      secure ? LogInBySsh(address) : LogInByTelnet(address);
-      Type("echo $USER at $(hostname); cat\r");
-      Expect("operator at lab");
-      Type("twice\r");
-      Expect("twice\r\ntwice");  // what runs there is there
-      Type(kCtrlC);              // ends it, not the connection
-      Expect(kFarPrompt);
-      Type("ls\r");
-      Expect("readme.txt");
-      Type("exit\r");
-      ExpectPrompt();
-    }
+  for (const char* line : {"telnet 10.0.0.1", "telnet ipv6 fd00:1::1", "ssh2 10.0.0.1", "ssh2 ipv6 fd00:1::1"}) {
+    SCOPED_TRACE(line);
+    LogIn(line);
+    Type("echo $USER at $(hostname); cat\r");
+    Expect("operator at lab");
+    Type("twice\r");
+    Expect("twice\r\ntwice");  // what runs there is there
+    Type(kCtrlC);              // ends it, not the connection
+    Expect(kFarPrompt);
+    Type("ls\r");
+    Expect("readme.txt");
+    Type("exit\r");
+    ExpectPrompt();
   }
   EXPECT_EQ(Run("wc -l < /root/.ssh/known_hosts"), "2\n");
   Run("touch /root/.ssh/config");
@@ -86,14 +77,13 @@ TEST_F(Lab, LoginsReachAShellAndComeBack) {
 }
 
 TEST_F(Lab, LoginsAndPingsThatBreakLeaveThePrompt) {
-  UseLab();
-  LogInBySsh("10.0.0.1");
+  LogIn("ssh2 10.0.0.1");
   // All but the server itself, which is the oldest. One that ends just now by itself is no fault.
   Device().RunInLab("kill -KILL $(busybox pidof dropbear | tr ' ' '\\n' | sort -n | tail -n +2)");
   Expect("Connection to 10.0.0.1 closed");
   ExpectPrompt();
 
-  LogInByTelnet("ipv6 fd00::1");
+  LogIn("telnet ipv6 fd00::1");
   EXPECT_TRUE(Device().PlugCable(false));
   Type("\x1d");
   Expect("exit telnet");

@@ -6,7 +6,6 @@ namespace {
 class ManagementPort : public OperatorConsole {
  protected:
   void SetUp() override {
-    OperatorConsole::SetUp();
     // A line that stands in /tmp/broken fails. The script that a tool is called from is kept.
     constexpr char kRecorder[] =
         "#!/bin/sh\n"
@@ -18,10 +17,7 @@ class ManagementPort : public OperatorConsole {
         "exec /bin/busybox $call\n";
     Replace("/bin/ifconfig", kRecorder);
     Replace("/bin/route", kRecorder);
-  }
-
-  /// Stands in the interface view of a shell that has saved nothing.
-  void UsePort() {
+    // Stands in the interface view of a shell that has saved nothing.
     if (!UseDevice()) NewShell();
     Command("system-view");
     Command("interface m-eth0");
@@ -67,7 +63,6 @@ std::string Gateway(const std::string& gateway) { return "route add default gw "
 std::string Gateway6(const std::string& gateway) { return "route -A inet6 add ::/0 gw " + gateway + " dev m-eth0\n"; }
 
 TEST_F(NativeManagementPort, SavesAnAddressWhenItsToolWorked) {
-  UsePort();
   ExpectSteps({
       {"undo ip address", ""},
       {"undo ipv6 address", ""},
@@ -87,7 +82,6 @@ TEST_F(NativeManagementPort, SavesAnAddressWhenItsToolWorked) {
 }
 
 TEST_F(NativeManagementPort, SavesAGatewayThatFitsItsAddress) {
-  UsePort();
   ExpectSteps({
       {"undo ip gateway", ""},
       {"undo ipv6 gateway", ""},
@@ -113,7 +107,6 @@ TEST_F(NativeManagementPort, SavesAGatewayThatFitsItsAddress) {
 }
 
 TEST_F(NativeManagementPort, ComesUpAgainWithWhatIsSaved) {
-  UsePort();
   ExpectSteps({
       {"ip address 10.9.2.1 24", Address("10.9.2.1")},
       {"ipv6 address fd09::2 64", Address6("fd09::2")},
@@ -149,7 +142,6 @@ TEST_F(NativeManagementPort, ComesUpAgainWithWhatIsSaved) {
 }
 
 TEST_F(ManagementPort, IsSetAsTheKernelSays) {
-  UsePort();
   for (const char* line : {"ip address 10.0.0.9 255.255.255.0", "ip gateway 10.0.0.1", "ipv6 address fd00::9 64",
                            "ipv6 gateway fe80::1", "shutdown", "undo shutdown"})
     EXPECT_EQ(Command(line), "");
@@ -172,7 +164,6 @@ TEST_F(ManagementPort, IsSetAsTheKernelSays) {
 }
 
 TEST_F(ManagementPort, ThatIsGoneFailsEveryCommand) {
-  UsePort();
   Run("/bin/rmmod ipstack");
   EXPECT_EQ(Command("display interface m-eth0"), "Operation failed.\n");
   EXPECT_NE(Command("undo shutdown").find("\nOperation failed.\n"), std::string::npos);
@@ -187,7 +178,6 @@ TEST_F(ManagementPort, ThatIsGoneFailsEveryCommand) {
 }
 
 TEST_F(ManagementPort, RoutesAreShownAsTheToolShowsThem) {
-  UsePort();
   Command("ip address 10.0.0.9 24");
   Command("ip gateway 10.0.0.77");
   EXPECT_EQ(Command("display ip routing-table"), Run("busybox route"));
@@ -216,7 +206,6 @@ TEST_F(ManagementPort, RoutesAreShownAsTheToolShowsThem) {
 }
 
 TEST_F(NativeManagementPort, StaysShutDownWithoutItsCarrierFile) {
-  UsePort();
   const std::string display = "display interface m-eth0";
   EXPECT_TRUE(Command(display).starts_with("m-eth0 current state: UP\nLine protocol current state: UP\nThe Maximum"));
   Run("umount -l /sys/.kernel 2> /dev/null || rm -r /sys/class/net");

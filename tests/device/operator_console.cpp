@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <thread>
 
 #include "tests/support/private_root.h"
 
@@ -10,12 +9,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr std::string_view kPrompts[] = {"<boot>", "[boot]", "[boot-m-eth0]"};
-
 bool EndsInPrompt(std::string_view text) {
-  for (const std::string_view prompt : kPrompts)
-    if (text.ends_with(prompt)) return true;
-  return false;
+  return text.ends_with("<boot>") || text.ends_with("[boot]") || text.ends_with("[boot-m-eth0]");
 }
 
 std::string DeviceName() {
@@ -26,6 +21,7 @@ std::string DeviceName() {
 /// Skips all that this program tests where there can be no device.
 class Machine : public testing::Environment {
   void SetUp() override {
+    ASSERT_TRUE(DeviceName() == "arm64" || DeviceName() == "native") << DeviceName();
     if (const char* reason = WhyNoNamespaces()) GTEST_SKIP() << reason;
   }
 };
@@ -37,8 +33,6 @@ std::unique_ptr<device::Device> OperatorConsole::device_;
 device::BootOptions OperatorConsole::device_options_;
 
 bool OperatorConsole::IsArm64() { return DeviceName() == "arm64"; }
-
-void OperatorConsole::SetUp() { ASSERT_TRUE(IsArm64() || DeviceName() == "native") << DeviceName(); }
 
 void OperatorConsole::TearDown() {
   if (HasFailure()) ADD_FAILURE() << "on the " << DeviceName() << " device, whose console says:\n" << printed_;
@@ -122,15 +116,6 @@ std::string OperatorConsole::Run(const std::string& command) {
   const device::CommandResult result = device_->Run(command);
   EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
   return result.output;
-}
-
-bool OperatorConsole::Eventually(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
-  while (!condition()) {
-    if (HasGivenUp() || std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(milliseconds(20));
-  }
-  return true;
 }
 
 std::string OperatorConsole::ShellPid() {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -34,7 +33,6 @@ class OperatorConsole : public testing::Test, public ConsoleEnd {
   /// What the device is made of; changed before it is booted.
   device::BootOptions options = device::DefaultBootOptions();
 
-  void SetUp() override;
   void TearDown() override;
 
   /// Stands at the prompt of the user view, with empty media and an empty /tmp, on a device that others may have used:
@@ -57,8 +55,6 @@ class OperatorConsole : public testing::Test, public ConsoleEnd {
   void ExpectAll(const std::vector<Exchange>& exchanges);
   /// Waits until the device's outcome is not that the shell runs.
   device::Outcome Outcome();
-  /// Waits until a condition on the device holds. @return whether it does.
-  [[nodiscard]] bool Eventually(const std::function<bool()>& condition);
 
   /// Whether the device is the emulated one: its media are FAT, its modules and kernel settings are a kernel's.
   [[nodiscard]] static bool IsArm64();
@@ -87,7 +83,5 @@ class OperatorConsole : public testing::Test, public ConsoleEnd {
   bool others_may_use_ = false;
 };
 
-inline constexpr std::string_view kUp = "\x1b[A";
-inline constexpr std::string_view kLeft = "\x1b[D";
 inline constexpr std::string_view kCtrlC = "\x03";
 inline constexpr std::string_view kCtrlZ = "\x1a";

@@ -8,7 +8,6 @@ constexpr char kConsoleSwitch[] = "/proc/sys/7/8/1";
 class StartUp : public OperatorConsole {
  protected:
   void SetUp() override {
-    OperatorConsole::SetUp();
     // An impatient operator's Ctrl+C reaches the shell, too.
     Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\necho mount.sh >> /tmp/calls\nkill -INT $PPID\n");
     Record("insmod");
@@ -18,13 +17,6 @@ class StartUp : public OperatorConsole {
   /// Stands a recorder in for a tool. @param rest what it does besides.
   void Record(const std::string& tool, const std::string& rest = "") {
     Replace("/bin/" + tool, "#!/bin/sh\necho " + tool + " $* >> /tmp/calls\n" + rest + "\n");
-  }
-
-  /// Has the reboot tool note that it was called and the console switch; then the device stays for the test to see.
-  void RecordReboot() {
-    Record("reboot", std::string("cat ") + kConsoleSwitch + " > /tmp/switch");
-    Record("ln");
-    Replace("/sbin/scmd", "#!/bin/sh\nkill -USR1 1\n");
   }
 
   std::string Calls() { return Run("cat /tmp/calls"); }
@@ -80,7 +72,9 @@ TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
        "#!/bin/sh\necho insmod $* >> /tmp/calls\n[ $1 = /lib/modules/addon.ko ]\n", true},
       {"no loopback interface", "/bin/ifconfig", "#!/bin/sh\necho ifconfig $* >> /tmp/calls\n[ $1 = m-eth0 ]\n", true},
   };
-  RecordReboot();
+  Record("reboot", std::string("cat ") + kConsoleSwitch + " > /tmp/switch");
+  Record("ln");
+  Replace("/sbin/scmd", "#!/bin/sh\nkill -USR1 1\n");
   const std::vector<device::FileText> usual = options.files;
   for (const auto& [why, path, text, tools_run] : kFailures) {
     SCOPED_TRACE(why);
