@@ -1,3 +1,4 @@
+#include <fnmatch.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -51,14 +52,9 @@ std::string Lasting(const std::string& text) {
 
 /// @return whether what was printed is what the document shows, where a line "..." stands for any lines.
 bool Fits(const std::string& shown, const std::string& printed) {
-  const std::string any = "\n...\n";
-  const std::size_t head = shown.find(any);
-  if (head == std::string::npos) return shown == printed;
-  if (printed.compare(0, head + 1, shown, 0, head + 1) != 0) return false;
-  const std::string rest = shown.substr(head + any.size() - 1);  // from the end of a line on
-  for (std::size_t end = head; end != std::string::npos; end = printed.find('\n', end + 1))
-    if (Fits(rest, printed.substr(end))) return true;
-  return false;
+  const std::string literally = std::regex_replace(shown, std::regex(R"([*?+@!\[\\])"), "\\$&");
+  const std::string pattern = std::regex_replace(literally, std::regex("\n\\.\\.\\.(?=\n)"), "?(\n*)");
+  return fnmatch(pattern.c_str(), printed.c_str(), FNM_EXTMATCH) == 0;
 }
 
 /// The keys that a text behind a prompt stands for: with Enter, unless it ends in "<TAB>", "<Ctrl+Z>" or the like, or
