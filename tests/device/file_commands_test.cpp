@@ -48,9 +48,8 @@ TEST_F(FileCommands, CopyAndMoveAskAndTell) {
       {"copy a nodir/x", "", kNoSuchFile},
       {"copy dir x", "", kNoSuchFile},
       {"copy a dir", "y\r", "Copy flash:/a to flash:/dir/a?[Y/N]:y\nStart to copy flash:/a to flash:/dir/a... Done.\n"},
-      {"copy a cfa0:", "y\r", "Copy flash:/a to cfa0:/a?[Y/N]:y\nStart to copy flash:/a to cfa0:/a... Done.\n"},
   });
-  EXPECT_EQ(OnFlash("cat c dir/a b /mnt/cfa0:/a"), "text\ntext\nolder\ntext\n");
+  EXPECT_EQ(OnFlash("cat c dir/a b"), "text\ntext\nolder\n");
   EXPECT_TRUE(Command("copy b c", "y\ry\r").ends_with("Done.\n"));
   EXPECT_EQ(OnFlash("cat b c"), "older\nolder\n");
 

@@ -36,7 +36,8 @@ constexpr Fault kFaults[] = {
 /// A shell of which a chosen call fails.
 class NativeFileFaults : public OperatorConsole {
  protected:
-  void UseShell() {
+  void SetUp() override {
+    Replace("/bin/tftp", "#!/bin/sh\ncp /tmp/$3 $5\n");
     options.host_files.push_back({ESH_FAULTS_LIBRARY, "/lib/faults.so"});
     options.environment.emplace_back("LD_PRELOAD=/lib/faults.so");
     options.environment.emplace_back("ASAN_OPTIONS=verify_asan_link_order=0:allocator_may_return_null=1");
@@ -53,7 +54,6 @@ class NativeFileFaults : public OperatorConsole {
 };
 
 TEST_F(NativeFileFaults, LoseNoSourceLeaveNoPartAndAreTold) {
-  UseShell();
   const std::string descriptors = Descriptors();
   for (const auto& [line, answers, plan, said, files] : kFaults) {
     SCOPED_TRACE(std::string(line) + ": " + plan);
@@ -76,8 +76,6 @@ TEST_F(NativeFileFaults, LoseNoSourceLeaveNoPartAndAreTold) {
 }
 
 TEST_F(NativeFileFaults, AGetWaitsForTheMediumThatItWroteAlone) {
-  Replace("/bin/tftp", "#!/bin/sh\ncp /tmp/$3 $5\n");
-  UseShell();
   for (const char* plan : {"sync 1 EIO", "syncfs 1 EIO"}) {
     Plan(plan);
     Command("tftp 127.0.0.1 get o flash:/x", "y\r");
@@ -87,7 +85,6 @@ TEST_F(NativeFileFaults, AGetWaitsForTheMediumThatItWroteAlone) {
 
 /// Loses each block of memory in turn. From a part of the names TAB would take the only one, which "dir" then lists.
 TEST_F(NativeFileFaults, TABTakesNoPartOfTheNamesForAll) {
-  UseShell();
   Run("touch /mnt/flash:/flash.txt");
   for (const std::string key : {"?", "\t"}) {
     std::string said;
@@ -109,7 +106,6 @@ TEST_F(NativeFileFaults, TABTakesNoPartOfTheNamesForAll) {
 }
 
 TEST_F(NativeFileFaults, AShellKilledInACopyLosesNoSource) {
-  UseShell();
   Prepare();
   Type("copy a x\r");
   Expect("[Y/N]:");

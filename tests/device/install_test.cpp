@@ -121,14 +121,13 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
 TEST_F(NativeInstall, RefusesNamesThatAreNoPackages) {
   UseDevice();
   PutBootImage();
-  Run("touch /mnt/flash:/text.txt /mnt/usba1:/a.bin");
+  Run("cd /mnt/flash:; mkdir dir.bin; touch text.txt a~1.bin /mnt/usba1:/a.bin");
   ExpectAll({
       {"install load usba1:/a.bin", "", "The startup software images must be in the primary partition.\n"},
       {"install load text.txt", "", "Check package text.txt ...\ntext.txt: Invalid file name.\n"},
       {"install load a~.bin", "", "Check package a~.bin ...\na~.bin: Invalid file name.\n"},
       {"install load gone.BIN", "", "Check package gone.BIN ...\nThe package gone.BIN doesn't exist. \n"},
   });
-  Run("mkdir /mnt/flash:/dir.bin; touch /mnt/flash:/a~1.bin");
   Type("install load flash:/?");
   EXPECT_EQ(Expect("<boot>"), "install load flash:/?\n  flash:/boot.bin\n\n<boot>");
 }
@@ -152,12 +151,8 @@ TEST_F(NativeInstall, ShowsWhatAPackageIs) {
 TEST_F(NativeInstall, ClaimsNoSuccessThatItDoesNotHave) {
   options.files.push_back({"/lib/modules/ipstack.ko", std::nullopt});
   const std::string extracting = std::string(kBegin) + kVerified + "Extracting package ...\n";
-  const struct {
-    const char* why;
-    const char* fault;
-    std::string printed;  // "": the load goes on to its end
-    bool is_unpacked;
-  } cases[] = {
+  // What is printed, "" where the load goes on to its end, and whether the image is unpacked.
+  const std::tuple<const char*, const char*, std::string, bool> cases[] = {
       {"rm is killed", "rm /bin/rm; printf '#!/bin/sh\nkill -9 $$\n' > /bin/rm; chmod 755 /bin/rm",
        extracting + "Operation failed!\n", true},
       {"no place for the record", "touch /var/pkg", extracting, true},
@@ -167,22 +162,22 @@ TEST_F(NativeInstall, ClaimsNoSuccessThatItDoesNotHave) {
       {"no place for the script", "mkdir /etc/pkg/TempFile", "", false},
       {"a planted link", "ln -s /mnt/flash:/victim /tmp/system.gz; echo safe > /mnt/flash:/victim", "", true},
   };
-  for (const auto& c : cases) {
+  for (const auto& [why, fault, printed, is_unpacked] : cases) {
     NewDevice();
     BootToPrompt();
     PutBootImage();
     Put(kPackage, Signed(Contents()));
-    Run(c.fault);
-    if (c.printed.empty()) {
+    Run(fault);
+    if (printed.empty()) {
       Type(std::string(kInstall) + "\r");
       Expect("Loading...");
-      EXPECT_EQ(Outcome(), device::Outcome::kHandedOver) << c.why;
+      EXPECT_EQ(Outcome(), device::Outcome::kHandedOver) << why;
     } else {
-      EXPECT_EQ(Command(kInstall), c.printed) << c.why;
-      EXPECT_EQ(Run("ls /var/pkg/change.list* 2> /dev/null; true"), "") << c.why;
+      EXPECT_EQ(Command(kInstall), printed) << why;
+      EXPECT_EQ(Run("ls /var/pkg/change.list* 2> /dev/null; true"), "") << why;
     }
-    EXPECT_EQ(Run("ls /sbin/tessaro 2> /dev/null; true"), c.is_unpacked ? "/sbin/tessaro\n" : "") << c.why;
-    EXPECT_EQ(Run("cat /mnt/flash:/victim 2> /dev/null || echo safe"), "safe\n") << c.why;
+    EXPECT_EQ(Run("ls /sbin/tessaro 2> /dev/null; true"), is_unpacked ? "/sbin/tessaro\n" : "") << why;
+    EXPECT_EQ(Run("cat /mnt/flash:/victim 2> /dev/null || echo safe"), "safe\n") << why;
   }
 }
 

@@ -62,7 +62,7 @@ std::string NoAddress6(const std::string& address) { return "ifconfig m-eth0 del
 std::string Gateway(const std::string& gateway) { return "route add default gw " + gateway + "\n"; }
 std::string Gateway6(const std::string& gateway) { return "route -A inet6 add ::/0 gw " + gateway + " dev m-eth0\n"; }
 
-TEST_F(NativeManagementPort, SavesAnAddressWhenItsToolWorked) {
+TEST_F(NativeManagementPort, SavesAnAddressOrAGatewayThatFitsWhenItsToolWorked) {
   ExpectSteps({
       {"undo ip address", ""},
       {"undo ipv6 address", ""},
@@ -78,11 +78,6 @@ TEST_F(NativeManagementPort, SavesAnAddressWhenItsToolWorked) {
       {"undo ipv6 address", NoAddress6("fd09::2")},
       {"undo ip address", kNoAddress, kNoAddress},
       {"undo ip address", kNoAddress},
-  });
-}
-
-TEST_F(NativeManagementPort, SavesAGatewayThatFitsItsAddress) {
-  ExpectSteps({
       {"undo ip gateway", ""},
       {"undo ipv6 gateway", ""},
       {"ip gateway 10.9.1.254", "", "", "The gateway is invalid.\n"},

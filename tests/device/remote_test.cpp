@@ -18,7 +18,6 @@ echo
 constexpr char kInvalid[] = "Invalid IP address.\n";
 constexpr char kUnrecognized[] = "Unrecognized IPv6 host or wrong IPv6 address.\n";
 constexpr char kWrongName[] = "Wrong file name (directory name). Please check it.\n";
-constexpr char kLogin[] = "user:me\npassword:**\n";
 
 /// The commands that reach other hosts, with recorders in place of their tools.
 class RemoteTools : public OperatorConsole {
@@ -47,7 +46,6 @@ TEST_F(RemoteTools, ConnectionsAskForTheAddressFirstAndIgnoreCtrlC) {
 }
 
 TEST_F(RemoteTools, PingsPassTheirOptionsInTheOrderTyped) {
-  const char kWrong[] = " % Wrong parameter found at '^' position.\n";
   ExpectAll({
       {"ping 127.0.0.1", "", "/bin/ping <-4> <-c> <5> <127.0.0.1>\n"},
       {"ping -c 007 127.0.0.1", "", "/bin/ping <-4> <-c> <007> <127.0.0.1>\n"},
@@ -58,7 +56,7 @@ TEST_F(RemoteTools, PingsPassTheirOptionsInTheOrderTyped) {
       {"ping ipv6 -s 100 -c 3 ::1", "", "/bin/ping <-6> <-s> <100> <-c> <3> <::1>\n"},
       {"ping 255.255.255.255", "", kInvalid},
       {"ping ipv6 -s 20 ::", "", "Invalid IPv6 address.\n"},
-      {"ping -s 19 127.0.0.1", "", std::string(14, ' ') + "^\n" + kWrong},
+      {"ping -s 19 127.0.0.1", "", std::string(14, ' ') + "^\n % Wrong parameter found at '^' position.\n"},
   });
   Command("system-view");
   EXPECT_NE(Command("telnet 127.0.0.1").find("Unrecognized"), std::string::npos);
@@ -85,7 +83,7 @@ TEST_F(RemoteTools, TftpChecksAsksAndTransfers) {
 }
 
 TEST_F(RemoteTools, FtpAsksWhoBeforeItLooksAtTheFiles) {
-  const std::string login = kLogin;
+  const std::string login = "user:me\npassword:**\n";
   const std::string overwrite = login + "flash:/a already exists. Overwrite it?[Y/N]:";
   const std::string get = "/bin/ftpget <-u> <me> <-p> <pw> ";
   const std::string put = "/bin/ftpput <-u> <me> <-p> <pw> ";

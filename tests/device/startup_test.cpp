@@ -128,9 +128,11 @@ TEST_F(NativeStartUp, LinksTheDirectoriesBelowMntWhenTheCommandDaemonStartsIt) {
 
 constexpr char kQuestion[] = "This Command will reboot the device. Continue? [Y/N]:";
 
-class Reboot : public OperatorConsole {};
+/// How a shell ends, and what the process that was started does then.
+class ShellsEnd : public OperatorConsole {};
+class NativeShellsEnd : public ShellsEnd {};
 
-TEST_F(Reboot, IsCalledOffByANoAndKeepsTheMedia) {
+TEST_F(ShellsEnd, RebootIsCalledOffByANoAndKeepsTheMedia) {
   BootToPrompt();
   EXPECT_EQ(Command("reboot", "n\r"), std::string(kQuestion) + "n\n");
   Run("echo kept > /mnt/flash:/kept.txt");
@@ -143,11 +145,7 @@ TEST_F(Reboot, IsCalledOffByANoAndKeepsTheMedia) {
   EXPECT_NE(Command("dir").find("kept.txt"), std::string::npos);
 }
 
-/// What the process that was started does when the shell has ended.
-class HandOver : public OperatorConsole {};
-class NativeHandOver : public HandOver {};
-
-TEST_F(HandOver, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
+TEST_F(ShellsEnd, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
   options.media.push_back({"usba0:", 1 << 20, ""});
   Replace("/sbin/scmd", "#!/bin/sh\nkill -USR1 1\nexec sleep 60\n");
   BootToPrompt();
@@ -160,7 +158,7 @@ TEST_F(HandOver, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
     EXPECT_EQ(Device().ReadFile("/proc/sys/kernel/hotplug").value_or(""), std::string("/sbin/hotplug\0", 14));
 }
 
-TEST_F(NativeHandOver, EndsQuietlyWithoutACommandProgram) {
+TEST_F(NativeShellsEnd, IsQuietWithoutACommandProgram) {
   options.files.push_back({"/sbin/scmd", std::nullopt});
   BootToPrompt();
   Run("kill -9 " + ShellPid());
