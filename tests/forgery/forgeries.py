@@ -3,16 +3,10 @@
 import base64
 import hashlib
 
-from independent_judge import FILE_HEAD, HEAD, TRAILER_FORMAT
-from maker import DIGEST_INFO, head_sign, put, renew, trailer, trailer_sign, word
+from independent_judge import FILE_HEAD, HEAD, TRAILER_FORMAT, word
+from maker import DIGEST_INFO, head_sign, put, renew, split, trailer, trailer_sign
 
 EXTREMES = (0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF)
-
-
-def split(package):
-    """A package less its trailer, and the trailer."""
-    at = package.rfind(b"--=</Begin ")
-    return (package, b"") if at < 0 else (package[:at], package[at:])
 
 
 def flipped_bytes(maker, step):
@@ -167,7 +161,8 @@ def other_blocks(maker, _step):
 
 def other_form(maker, _step):
     """A package with a trailer behind a head of the forger's own: one key serves both forms."""
-    for order, body in maker.bodies.items():
+    for order in ("trailer", "host"):
+        body = split(maker.valid[order])[0]
         genuine = maker.pair.sign(hashlib.sha256(body).digest())
         head = put(put(body[:HEAD], 3104, 0), 3108, len(genuine))
         for entry in range(32, 32 + 24 * word(body, 4), 24):

@@ -20,7 +20,7 @@ TRAILER = re.compile(
     rb"Hash: sha256\n"
     rb"Signature: (?P<signature>[^\x00\s]+)\n"
     rb"Fingerprint Length: (?P=length)\n"
-    rb"--=</End (?P=word)Signed File Fingerprint\\>=--\n"
+    rb"--=</End (?P=word)Signed File Fingerprint\\>=--\n\Z"
 )
 BASE64 = re.compile(rb"(?:[A-Za-z0-9+/]{4})*(?:[A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=)?")
 
@@ -30,15 +30,12 @@ def crc16(data):
     return binascii.crc_hqx(data, 0)
 
 
-def opened_block(signature, modulus, exponent):
-    """What RSA and PKCS #1 type 1 padding leave of a signature; None when they leave nothing."""
-    size = (modulus.bit_length() + 7) // 8
-    number = int.from_bytes(signature, "big")
-    if len(signature) > size or number >= modulus or exponent >= modulus:
-        return None
-    block = pow(number, exponent, modulus).to_bytes(size, "big")
-    match = re.match(rb"\x00\x01\xff{8,}\x00", block)
-    return block[match.end() :] if match else None
+def order_of(package):
+    return "=" if struct.unpack_from("=I", package, 5168)[0] == HOST_ORDER else ">"
+
+
+def word(package, offset):
+    return struct.unpack_from(order_of(package) + "I", package, offset)[0]
 
 
 def key_accepts(key, signature, digest):
@@ -51,35 +48,28 @@ def key_accepts(key, signature, digest):
         return False
     if len(key) == 516 and exponent < 65537:
         return False
-    block = opened_block(signature, modulus, exponent)
-    if block is None:
+    size = (modulus.bit_length() + 7) // 8
+    number = int.from_bytes(signature, "big")
+    if len(signature) > size or number >= modulus or exponent >= modulus:
         return False
-    return block == digest if len(key) == 514 else len(block) >= 32 and block[-32:] == digest
+    # What RSA and PKCS #1 type 1 padding leave of it.
+    block = re.fullmatch(rb"\x00\x01\xff{8,}\x00(.*)", pow(number, exponent, modulus).to_bytes(size, "big"), re.S)
+    return block is not None and digest == (block[1] if len(key) == 514 else block[1][-32:])
 
 
-def claim(package, word):
+def claim(package):
     """Which bytes are signed, with which signature and key; None when the package makes no claim."""
-    if word(3104) != TRAILER_FORMAT:
-        length = word(3108)
+    if word(package, 3104) != TRAILER_FORMAT:
+        length = word(package, 3108)
         behind = package[HEAD : 2 * HEAD]
         holds_package = len(behind) == HEAD and behind[3104:3108] in (b"\xff\x00\xa1\x05", b"\x05\xa1\x00\xff")
         return None if length > 2048 or holds_package else (HEAD, len(package), package[3120 : 3120 + length], HEAD_KEY)
-    if len(package) < HEAD + word(28):
+    match = TRAILER.search(package)
+    if len(package) < HEAD + word(package, 28) or not match or int(match["length"]) != len(match[0]):
         return None
-    tail = package[-100:]
-    at = tail.find(b"Fingerprint Length: ")
-    digits = tail[at + 20 : at + 26] if at >= 0 else b""
-    if not re.fullmatch(rb"[0-9]{6}", digits):
+    if match.start() < HEAD or len(match["signature"]) > 2048 or not BASE64.fullmatch(match["signature"]):
         return None
-    length = int(digits)
-    if length == 0 or length > len(package) - HEAD:
-        return None
-    match = TRAILER.fullmatch(package[len(package) - length :])
-    if not match or int(match["length"]) != length:
-        return None
-    if len(match["signature"]) > 2048 or not BASE64.fullmatch(match["signature"]):
-        return None
-    return 0, len(package) - length, base64.b64decode(match["signature"]), match["key"]
+    return 0, match.start(), base64.b64decode(match["signature"]), match["key"]
 
 
 def contained(package, words, signed):
@@ -109,21 +99,12 @@ def judge(package, keys, product_tag):
     """
     if len(package) < HEAD:
         return None
-    order_word = struct.unpack_from("=I", package, 5168)[0]
-    if order_word not in (0, HOST_ORDER):
+    count, tag, attribute = (word(package, at) for at in (4, 8, 5176))
+    if word(package, 5168) not in (0, HOST_ORDER) or count > 128 or tag != product_tag or product_tag == 0xFFFFFFFF:
         return None
-    order = "=" if order_word == HOST_ORDER else ">"
-
-    def word(offset):
-        return struct.unpack_from(order + "I", package, offset)[0]
-
-    count = word(4)
-    attribute = word(5176)
-    if count > 128 or word(8) != product_tag or product_tag == 0xFFFFFFFF:
+    if (attribute & 1 == 1) != (attribute == 1) or word(package, 6176) != crc16(package[:6176]):
         return None
-    if (attribute & 1 == 1) != (attribute == 1) or word(6176) != crc16(package[:6176]):
-        return None
-    found = claim(package, word)
+    found = claim(package)
     if found is None:
         return None
     begin, end, signature, name = found
@@ -131,5 +112,5 @@ def judge(package, keys, product_tag):
         return None
     if not key_accepts(keys[name], signature, hashlib.sha256(package[begin:end]).digest()):
         return None
-    rows = [struct.unpack_from(order + "6I", package, 32 + 24 * row) for row in range(count)]
+    rows = [struct.unpack_from(order_of(package) + "6I", package, 32 + 24 * row) for row in range(count)]
     return [contained(package, row, (begin, end)) for row in rows]

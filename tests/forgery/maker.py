@@ -1,6 +1,7 @@
 """A maker of packages with a private key, who can sign whatever he likes, and the keys of the device he makes for."""
 
 import base64
+import functools
 import hashlib
 import os
 import re
@@ -8,7 +9,7 @@ import struct
 import subprocess
 from pathlib import Path
 
-from independent_judge import HEAD, HEAD_KEY, HOST_ORDER, TRAILER_FORMAT, crc16
+from independent_judge import HEAD, HEAD_KEY, crc16, order_of
 
 PRODUCT_TAG = 0x5100
 DIGEST_INFO = bytes.fromhex("3031300d060960864801650304020105000420")
@@ -41,24 +42,18 @@ class KeyPair:
 
     def __init__(self, directory, name, *options):
         self.pem = os.path.join(directory, name + ".pem")
-        run("openssl", "genrsa", "-out", self.pem, *options)
-        text = run("openssl", "rsa", "-in", self.pem, "-noout", "-text").decode()
-        self.exponent = int(re.search(r"publicExponent: (\d+)", text)[1])
-        fields = re.findall(r"^(\w+):\n((?: +[0-9a-f:]+\n)+)", text, re.M)
-        self.numbers = {name: int(re.sub(r"[\s:]", "", digits), 16) for name, digits in fields}
-        self.modulus = self.numbers["modulus"]
-        self.size = (self.modulus.bit_length() + 7) // 8
-        self.signed = {}  # what was signed already
+        run("openssl", "genrsa", "-traditional", "-out", self.pem, *options)
+        fields = re.findall(rb"INTEGER +:(\w+)", run("openssl", "asn1parse", "-in", self.pem))
+        _, self.modulus, self.exponent, _, *self.parts = (int(digits, 16) for digits in fields)
 
+    @functools.cache
     def sign(self, block):
         """Pads a block and does the private operation on it, by the Chinese remainder theorem."""
-        if block not in self.signed:
-            p, q = self.numbers["prime1"], self.numbers["prime2"]
-            number = int.from_bytes(b"\x00\x01" + (b"\x00" + block).rjust(self.size - 2, b"\xff"), "big")
-            p_part, q_part = pow(number, self.numbers["exponent1"], p), pow(number, self.numbers["exponent2"], q)
-            number = q_part + (p_part - q_part) * self.numbers["coefficient"] % p * q
-            self.signed[block] = number.to_bytes(self.size, "big")
-        return self.signed[block]
+        p, q, p_exponent, q_exponent, coefficient = self.parts
+        size = self.modulus.bit_length() // 8
+        number = int.from_bytes(b"\x00\x01" + (b"\x00" + block).rjust(size - 2, b"\xff"), "big")
+        p_part, q_part = pow(number, p_exponent, p), pow(number, q_exponent, q)
+        return (q_part + (p_part - q_part) * coefficient % p * q).to_bytes(size, "big")
 
     def device_key(self, size=514):
         return device_key(self.modulus, self.exponent, size)
@@ -66,6 +61,12 @@ class KeyPair:
 
 def device_key(modulus, exponent, size=514):
     return b"\x08\x00".rjust(size - 512, b"\0") + modulus.to_bytes(256, "big") + exponent.to_bytes(256, "big")
+
+
+def split(package):
+    """A package less its trailer, and the trailer."""
+    at = package.rfind(b"--=</Begin ")
+    return (package, b"") if at < 0 else (package[:at], package[at:])
 
 
 def trailer(signature, key=b"maker", word=b"", edit=list, lengths=None):
@@ -82,14 +83,6 @@ def trailer(signature, key=b"maker", word=b"", edit=list, lengths=None):
     body = b"\n".join([*edit(lines), b""])
     first, last = lengths or [b"%06d" % len(body)] * 2
     return body.replace(SIX_DIGITS, first, 1).replace(SIX_DIGITS, last)
-
-
-def order_of(package):
-    return "=" if struct.unpack_from("=I", package, 5168)[0] == HOST_ORDER else ">"
-
-
-def word(package, offset):
-    return struct.unpack_from(order_of(package) + "I", package, offset)[0]
 
 
 def put(package, offset, value):
@@ -125,28 +118,21 @@ class Maker:
         self.other = KeyPair(directory, "other", "2048")
         self.three = KeyPair(directory, "three", "-3", "2048")
         self.short = KeyPair(directory, "short", "1024")
-        self.bodies = {order: self.build(mkpkg, order) for order in ("big-endian", "host")}
-        self.body = self.bodies["big-endian"]
         self.valid = {
-            "trailer": trailer_sign(self.body, self.pair),
-            "vendor": trailer_sign(self.body, self.pair, DIGEST_INFO, key=b"long", word=b"Kelvane "),
-            "head": head_sign(self.body, self.pair),
-            "host": trailer_sign(self.bodies["host"], self.pair),
+            "trailer": self.package(mkpkg, "big-endian", "--key-name=maker"),
+            "vendor": self.package(mkpkg, "big-endian", "--key-name=long", "--markers=kelvane", "--digest-info"),
+            "head": self.package(mkpkg, "big-endian", "--in-head"),
+            "host": self.package(mkpkg, "host", "--key-name=maker"),
         }
+        self.body = split(self.valid["trailer"])[0]
         self.keys = self.make_keys()
         self.write_keys()
 
-    def build(self, mkpkg, order):
-        source, target = (os.path.join(self.directory, order + end) for end in (".pkg", ".bin"))
+    def package(self, mkpkg, order, *form):
+        source, target = (os.path.join(self.directory, "valid" + end) for end in (".pkg", ".bin"))
         Path(source).write_text(DESCRIPTION % order)
-        run(mkpkg, "build", source, target)
-        return put(Path(target).read_bytes(), 3104, TRAILER_FORMAT)
-
-    def signed_with_tool(self, mkpkg):
-        """The package signed by the tool, whose form must be what this maker's own is."""
-        target = os.path.join(self.directory, "tool.bin")
-        Path(target).write_bytes(self.body)
-        run(mkpkg, "sign", "--key-name=maker", "--private-key=" + self.pair.pem, target)
+        run(mkpkg, "build", "--force", source, target)
+        run(mkpkg, "sign", *form, "--private-key=" + self.pair.pem, target)
         return Path(target).read_bytes()
 
     def make_keys(self):

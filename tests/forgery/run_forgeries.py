@@ -15,7 +15,7 @@ from pathlib import Path
 
 import forgeries
 import independent_judge
-from maker import PRODUCT_TAG, Maker
+from maker import DIGEST_INFO, PRODUCT_TAG, Maker, head_sign, trailer_sign
 
 MAX_REPORTED = 20
 
@@ -25,13 +25,13 @@ class DeviceJudge:
 
     def __init__(self, program, maker):
         self.path = os.path.join(maker.directory, "package")
-        command = [program, str(PRODUCT_TAG), maker.key_directory]
+        command = [program, self.path, str(PRODUCT_TAG), maker.key_directory]
         self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
 
     def judge(self, package):
         """Its verdict, and what it hands out of each file of a good package; None of any other."""
         Path(self.path).write_bytes(package)
-        print(self.path, file=self.process.stdin, flush=True)
+        print(file=self.process.stdin, flush=True)
         answer = self.process.stdout.readline().split()
         if not answer:
             sys.exit(f"the verifier died on the package in {self.path}")
@@ -40,37 +40,35 @@ class DeviceJudge:
     def descriptors(self):
         return len(os.listdir(f"/proc/{self.process.pid}/fd"))
 
-    def end(self):
-        self.process.stdin.close()
-        return self.process.wait()
-
 
 def compare(maker, device, step):
     """Has both look at all forgeries. @return how many verdicts differ."""
     differences = 0
-    verdicts = collections.Counter()
     for group in forgeries.GROUPS:
-        count = accepted = 0
+        verdicts = collections.Counter()
         for what, package in group(maker, step):
             expected = independent_judge.judge(package, maker.keys, PRODUCT_TAG)
             verdict, files = device.judge(package)
             verdicts[verdict] += 1
-            count += 1
-            accepted += verdict == "good"
             differences += files != expected
             if files != expected and differences <= MAX_REPORTED:
                 wanted = "no" if expected is None else "good"
                 print(f"DIFFERENT: {group.__name__}: {what}: the device says {verdict}, the judge {wanted}")
-        print(f"{group.__name__}: {count} forgeries, {accepted} of them still good packages")
-    print("verdicts:", ", ".join(f"{name} {count}" for name, count in sorted(verdicts.items())))
-    print(f"{verdicts.total()} forgeries, {differences} verdicts differ")
+        counts = ", ".join(f"{name} {count}" for name, count in sorted(verdicts.items()))
+        print(f"{group.__name__}: {verdicts.total()} forgeries: {counts}")
+    print(f"{differences} verdicts differ")
     return differences
 
 
 def main(mkpkg, judge, step="1"):
     with tempfile.TemporaryDirectory(prefix="esh-forgeries.") as directory:
         maker = Maker(mkpkg, directory)
-        if maker.signed_with_tool(mkpkg) != maker.valid["trailer"]:
+        own = {
+            "trailer": trailer_sign(maker.body, maker.pair),
+            "vendor": trailer_sign(maker.body, maker.pair, DIGEST_INFO, key=b"long", word=b"Kelvane "),
+            "head": head_sign(maker.body, maker.pair),
+        }
+        if own.items() - maker.valid.items():
             sys.exit("the package tool signs otherwise than the maker of forgeries")
         device = DeviceJudge(judge, maker)
         for name, package in maker.valid.items():
@@ -80,7 +78,8 @@ def main(mkpkg, judge, step="1"):
         descriptors = device.descriptors()
         differences = compare(maker, device, int(step))
         leaked = device.descriptors() - descriptors
-        status = device.end()
+        device.process.communicate()
+        status = device.process.returncode
     print(f"The verifier left {leaked} descriptors open and ended with {status}.")
     return 0 if differences == leaked == status == 0 else 1
 
