@@ -1,40 +1,17 @@
 #include "tests/support/virtual_screen.h"
 
-#include <cstddef>
+#include <vterm.h>
 
-namespace {
+#include <memory>
 
-std::string WithoutTrailing(std::string text, char character) {
-  text.resize(text.find_last_not_of(character) + 1);
-  return text;
-}
-
-}  // namespace
-
-VirtualScreen::VirtualScreen(int rows, int columns)
-    : rows_(rows),
-      columns_(columns),
-      terminal_(vterm_new(rows, columns)),
-      screen_(vterm_obtain_screen(terminal_.get())) {
-  Reset();
-}
-
-void VirtualScreen::Write(std::string_view bytes) { vterm_input_write(terminal_.get(), bytes.data(), bytes.size()); }
-
-void VirtualScreen::Reset() { vterm_screen_reset(screen_, 1); }
-
-std::string VirtualScreen::Text() const {
-  std::string text;
-  std::string row(static_cast<std::size_t>(columns_) * 4, '\0');
-  for (int i = 0; i < rows_; ++i) {
-    const std::size_t length = vterm_screen_get_text(screen_, row.data(), row.size(), {i, i + 1, 0, columns_});
-    text += WithoutTrailing(row.substr(0, length), ' ') + "\n";
-  }
-  return WithoutTrailing(std::move(text), '\n');
-}
-
-VirtualScreen::Place VirtualScreen::Cursor() const {
-  VTermPos position{};
-  vterm_state_get_cursorpos(vterm_obtain_state(terminal_.get()), &position);
-  return {position.row, position.col};
+VirtualScreen ScreenAfter(std::string_view bytes, int rows, int columns) {
+  const std::unique_ptr<VTerm, decltype(&vterm_free)> terminal(vterm_new(rows, columns), vterm_free);
+  VTermScreen* screen = vterm_obtain_screen(terminal.get());
+  vterm_screen_reset(screen, 1);
+  vterm_input_write(terminal.get(), bytes.data(), bytes.size());
+  std::string text(static_cast<std::size_t>(rows * (columns + 1)) * 4, '\0');
+  text.resize(vterm_screen_get_text(screen, text.data(), text.size(), {0, rows, 0, columns}));
+  VTermPos cursor{};
+  vterm_state_get_cursorpos(vterm_obtain_state(terminal.get()), &cursor);
+  return {text, cursor.row, cursor.col};
 }

@@ -109,20 +109,16 @@ void ExpectScreens(std::uint32_t mode, const std::string& prompt, int columns, u
   ScriptedEditor editor(RandomLines(seed, kLines, static_cast<std::size_t>(columns) * 4 + 20), "xterm",
                         static_cast<unsigned>(columns));
   ESH_SetPrompt(prompt.c_str());
-  VirtualScreen written(600 / columns + 3, columns);
-  VirtualScreen expected(written.Rows(), columns);
+  const int rows = 600 / columns + 3;
   for (int line = 0; line < kLines; ++line) {
     std::string shown = ReadLine(mode, 511);
     std::erase(shown, '\n');
     if (mode == kMasked) shown.assign(shown.size(), '*');
-    written.Reset();
-    written.Write(editor.TakeOutput());
-    expected.Reset();
-    expected.Write(prompt + shown);
-    ASSERT_EQ(written.Text(), expected.Text());
+    const VirtualScreen written = ScreenAfter(editor.TakeOutput(), rows, columns);
+    ASSERT_EQ(written.text, ScreenAfter(prompt + shown, rows, columns).text);
     const int offset = static_cast<int>(prompt.size() + g_stESh_Line.ulCursor);
     // Behind a prompt that fills its row the cursor may still hang in the last column.
-    ASSERT_TRUE(written.Cursor() == (VirtualScreen::Place{offset / columns, offset % columns}) || shown.empty());
+    ASSERT_TRUE((written.row == offset / columns && written.column == offset % columns) || shown.empty());
   }
 }
 
