@@ -23,7 +23,4 @@ class ScriptedStdio {
 
  private:
   UniqueFd saved_input_;
-  UniqueFd saved_output_;
-  UniqueFile keys_;
-  UniqueFile output_;
 };
