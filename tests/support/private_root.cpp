@@ -1,18 +1,18 @@
 #include "tests/support/private_root.h"
 
+#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "device/board/namespaces.h"
+#include "util/unique_handle.h"
 
 namespace {
 
@@ -23,27 +23,17 @@ constexpr const char* kOwnDirectories[] = {"/mnt", "/etc", "/tmp", "/lib/modules
 constexpr const char* kOwnFiles[] = {"/proc/modules", "/sbin/scmd"};
 /// Directories that hold some of these, and otherwise show what the machine has there.
 constexpr const char* kMirrored[] = {"/", "/lib", "/proc", "/sbin"};
-constexpr char kSite[] = "/mnt";
 constexpr char kMachine[] = "/host";  // where the new root keeps the machine's
-
-std::string Failure(const std::string& step) { return "no private root: " + step + ": " + std::strerror(errno); }
 
 std::string EnterNamespaces() {
   const uid_t user = geteuid();
   const gid_t group = getegid();
-  if (unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) return device::MapOneIdentity(getpid(), user, group);
-  // Root can do without a user namespace where there are none.
-  return user == 0 && unshare(CLONE_NEWNS) == 0 ? "" : device::Forbidden("make a mount namespace");
-}
-
-std::string ChangeRoot() {
-  const std::string machine = std::string(kSite) + kMachine;
-  if (std::string problem = device::PartMounts(); !problem.empty()) return problem;
-  if (mount("tmpfs", kSite, "tmpfs", 0, "mode=0755") != 0) return Failure("cannot mount a file system in memory");
-  if (mkdir(machine.c_str(), 0755) != 0 || mount("/", machine.c_str(), nullptr, MS_BIND | MS_REC, nullptr) != 0 ||
-      chroot(kSite) != 0 || chdir("/") != 0)
-    return Failure("cannot change the root directory");
-  return "";
+  std::string problem;
+  if (unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0)
+    problem = device::MapOneIdentity(getpid(), user, group);
+  else if (user != 0 || unshare(CLONE_NEWNS) != 0)  // root can do without a user namespace where there are none
+    problem = device::Forbidden("make a mount namespace");
+  return problem.empty() ? device::PartMounts() : problem;
 }
 
 template <std::size_t kCount>
@@ -60,30 +50,20 @@ void Mirror(const fs::path& directory) {
   }
 }
 
-void EmptyOwnPlaces() {
-  for (const char* file : kOwnFiles) fs::remove(file);
-  for (const fs::path directory : kOwnDirectories) {
-    fs::create_directories(directory);
-    for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
-      umount2(entry.path().c_str(), MNT_DETACH);
-      fs::remove_all(entry.path());
-    }
-  }
-}
-
 }  // namespace
 
 std::string EnterPrivateRoot() {
-  static bool entered = false;
-  if (!entered) {
-    std::string failure = EnterNamespaces();
-    failure = failure.empty() ? ChangeRoot() : failure;
-    if (!failure.empty()) return failure;
-    for (const char* directory : kMirrored) Mirror(directory);
-    entered = true;
-  }
-  if (chdir("/") != 0) return Failure("cannot go to the root directory");
-  EmptyOwnPlaces();
+  static const std::string forbidden = EnterNamespaces();
+  if (!forbidden.empty()) return forbidden;
+  static const UniqueFd machine(open("/", O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (fchdir(machine.Get()) != 0 || chroot(".") != 0) return "cannot go back to the machine's root directory";
+  umount2("/mnt", MNT_DETACH);  // the root of the test before
+  std::string problem = device::Mount("tmpfs", "/mnt", "tmpfs", 0, "mode=0755");
+  if (problem.empty()) problem = device::BindMount("/", std::string("/mnt") + kMachine);
+  if (problem.empty() && (chroot("/mnt") != 0 || chdir("/") != 0)) problem = "cannot change the root directory";
+  if (!problem.empty()) return problem;
+  for (const char* directory : kMirrored) Mirror(directory);
+  for (const char* directory : kOwnDirectories) fs::create_directories(directory);
   return "";
 }
 
@@ -99,10 +79,7 @@ const char* WhyNoNamespaces() { return std::getenv("ESH_NO_NAMESPACES"); }
 
 void WriteFile(const std::string& path, const std::string& text) {
   fs::create_directories(fs::path(path).parent_path());
-  std::ofstream file(path, std::ios::binary);
-  file << text;
-  file.close();
-  EXPECT_TRUE(file) << path;
+  EXPECT_TRUE(std::ofstream(path, std::ios::binary) << text << std::flush) << path;
 }
 
 std::string ReadFile(const std::string& path) {
