@@ -75,7 +75,7 @@ def words(maker, step):
 def wrong_keys(maker, _step):
     """Every key of the device named for a good signature, names that lead elsewhere, and signatures of others."""
     names = [*maker.keys, b"link", b"directory", b"missing", b"../outside", b"./maker", b".hidden", b".."]
-    names += [b"keys/maker", b"/etc/hosts", b"maker.key", b"MAKER", b""]
+    names += [b"directory.key/../maker", b"keys/maker", b"/etc/hosts", b"maker.key", b"MAKER", b""]
     names += [b" maker", b"maker ", b"mak er", b"maker\tx", b"m" * 300]
     for key in names:
         for prefix in (b"", DIGEST_INFO):
