@@ -19,7 +19,10 @@ build_packages=(
 )
 test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl mandoc)
 bench_packages=(libcli-dev openssl strace valgrind)
-arm64_packages=(g++-aarch64-linux-gnu qemu-system-arm ethtool socat u-boot-tools mtools)
+arm64_packages=(
+  g++-aarch64-linux-gnu qemu-system-arm ethtool socat u-boot-tools mtools
+  e2fsprogs python3-pexpect # what looks at media after power cuts
+)
 fresh_packages=(debootstrap git)
 
 case ${1-} in

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Draws docs/session.svg, the picture that README.md opens with: types a session on the device of ./run and has what the
 console shows drawn. It needs python3-pexpect, of Debian, and svg-term in PATH, of npm's svg-term-cli.
 """

@@ -38,6 +38,7 @@ std::uint32_t ESH_ProcDelete() {
   ESH_TERM_OFlush();  // it is to be read while the medium works
   const bool removed = std::remove(file.full) == 0;
   sync();
+  SyncMediumOfEntry(file.full);
   if (!removed) return Refuse(kExecutionFailure);
   std::printf(kDeleted, file.display);
   return kSuccess;

@@ -69,6 +69,7 @@ std::uint32_t ESH_ProcMkdir() {
   if (stat(file.full, &status) == 0) return Refuse(S_ISDIR(status.st_mode) ? kDirectoryExists : kFileExists);
   if (!MakeDisplayName(file) || mkdir(file.full, kDirectoryMode) != 0) return Refuse(kExecutionFailure);
   sync();
+  SyncMediumOfEntry(file.full);
   std::printf(kCreated, file.display);
   return kSuccess;
 }
@@ -89,6 +90,7 @@ std::uint32_t ESH_ProcRmdir() {
     return kSuccess;  // the message says all there is; the result is success
   }
   sync();
+  SyncMediumOfEntry(file.full);
   std::printf(kRemoved, file.display);
   return kSuccess;
 }

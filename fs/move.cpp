@@ -12,7 +12,6 @@
 #include "shell/tool/tool_line.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
-#include "util/new_file.h"
 #include "util/result.h"
 
 namespace {
@@ -81,9 +80,9 @@ std::uint32_t ESH_ProcMove() {
   if (!IsConfirmed()) return ESH_ERR_FAIL;
   const std::uint32_t moved = Move(source.full, destination.full, target.Text());
   if (moved == kSuccess) {
-    // The tool does not wait for it: for a while the file could be on neither medium. A link would lead elsewhere.
-    target.CutTo(ParentOf(target.View()).size());
-    SyncMediumOf(target.Text());
+    // The tool does not wait for it: for a while the file could be on neither medium.
+    SyncMediumOfEntry(target.Text());
+    SyncMediumOfEntry(source.full);
     return kSuccess;
   }
   sync();

@@ -11,6 +11,7 @@
 #include "fs/path.h"
 #include "util/ascii.h"
 #include "util/fixed_text.h"
+#include "util/new_file.h"
 #include "util/result.h"
 #include "util/unique_handle.h"
 
@@ -79,6 +80,8 @@ bool LiesOnMedium(const char* full) {
   char real[PATH_MAX];
   return realpath(Parent(full).path, real) != nullptr && IsOfMedium(real) && IsDirectory(real);
 }
+
+void SyncMediumOfEntry(const char* full) { SyncMediumOf(Parent(full).path); }
 
 std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseName, char* output) {
   char full[kNameRoom];

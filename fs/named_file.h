@@ -22,6 +22,9 @@ struct NamedFile {
 /// medium may come from anywhere: a link on it must lead nobody's writing into the device's own files.
 [[nodiscard]] bool LiesOnMedium(const char* full);
 
+/// Waits until the medium of an entry has what was done to it, its removal too.
+void SyncMediumOfEntry(const char* full);
+
 /// Decides where "copy" and "move" write to: the typed destination, or in a directory the source's base name.
 /// @param typed          the destination as typed.
 /// @param sourceBaseName the typed source's last component.

@@ -24,5 +24,7 @@ bool WriteAll(int fd, const void* bytes, std::size_t length) {
 
 void SyncMediumOf(const char* path) {
   const UniqueFd file(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));  // what is no file must not be waited for either
-  if (file) (void)syncfs(file.Get());  // there is nobody to tell: the tool that wrote has ended well
+  if (!file) return;
+  (void)syncfs(file.Get());  // there is nobody to tell: what wrote has ended well
+  (void)fsync(file.Get());   // FAT's syncfs leaves it in the disk's own cache
 }

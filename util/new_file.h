@@ -14,6 +14,6 @@
 /// Writes all bytes. @return false when the medium has no room for them, or fails.
 [[nodiscard]] bool WriteAll(int fd, const void* bytes, std::size_t length);
 
-/// Waits until the medium that holds a file has it and all that was written there before. Other media, which may be
-/// slow or dying, are not waited for.
+/// Waits until the medium that holds a file or directory has it and all that was written there before, so that a power
+/// cut takes nothing of it. Other media, which may be slow or dying, are not waited for.
 void SyncMediumOf(const char* path);

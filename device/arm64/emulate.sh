@@ -3,7 +3,8 @@
 #   emulate.sh KERNEL DIRECTORY [IMAGE NAME]...
 # KERNEL      a kernel's file
 # DIRECTORY   holds first-root.cpio, which the kernel unpacks as its root file system; receives console.log
-# IMAGE NAME  a disk's bytes, and its serial number, at most 20 characters
+# IMAGE NAME  a disk's bytes, and its serial number, at most 20 characters. Where $ESH_LOGGED_DISKS names a directory, its
+#             files NAME and NAME.log take the image's place: the bytes, and a log of what is written and flushed
 # Descriptors, sockets if nothing else is said: 3 the console's line, a terminal; 4 to /sbin/serve-host; 5 from /init;
 # 6 the emulator's monitor, in QMP; 7 and 8 the ends of a line that carries whole frames.
 kernel=$1
@@ -17,8 +18,14 @@ escaped() { echo "$1" | sed 's/,/,,/g'; }
 
 number=0
 for _ in $(seq $(($# / 2))); do
-  set -- "$@" -drive "if=none,format=raw,cache=unsafe,id=disk$number,file=$(escaped "$1")" \
-    -device "virtio-blk-device,drive=disk$number,serial=$(escaped "$2")"
+  logged=$ESH_LOGGED_DISKS/$2
+  if [ -n "$ESH_LOGGED_DISKS" ]; then
+    set -- "$@" -blockdev "driver=file,node-name=file$number,cache.no-flush=on,filename=$(escaped "$logged")" -blockdev \
+      "driver=blklogwrites,node-name=disk$number,file=file$number,log.driver=file,log.filename=$(escaped "$logged").log"
+  else
+    set -- "$@" -drive "if=none,format=raw,cache=unsafe,id=disk$number,file=$(escaped "$1")"
+  fi
+  set -- "$@" -device "virtio-blk-device,drive=disk$number,serial=$(escaped "$2")"
   shift 2
   number=$((number + 1))
 done

@@ -1,0 +1,292 @@
+#!/usr/bin/python3
+"""Cuts the power at every flush, and at many moments between, of each command that changes a medium, and looks at what is
+left on the media then.
+
+The commands are typed on the emulated device, whose disks log what is written to them (dm-log-writes' format). A cut
+keeps all that was written before the last flush and any part of what came after it. In what is left
+  - a file that the command does not name is as it was,
+  - what the console had reported as done is there, whole,
+  - a file that is moved is there under one of its names, whole.
+Under the new name there may be a part of the file: the steps of the commands write there (docs/operator-guide.md, "What
+can be lost"). Those states are counted, and so are those in which an older file of that name is gone.
+
+Needs what builds and runs the arm64 device, e2fsprogs for ext4, and python3-pexpect.
+"""
+
+import argparse
+import bisect
+import os
+import pathlib
+import random
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+
+import pexpect
+
+TOP = pathlib.Path(__file__).resolve().parents[2]
+SECTOR = 512
+FLUSH, DISCARD = 1, 4
+MEDIA = "flash:", "cfa0:"
+
+
+class Entry:
+    """What a log says was done."""
+
+    def __init__(self, start, end, sector, count, flags, data):
+        self.start, self.end, self.sector, self.count, self.flags, self.data = start, end, sector, count, flags, data
+
+
+def entries_of(log):
+    """The entries that a log holds completely."""
+    bytes_, place, entries = log.read_bytes(), SECTOR, []
+    while place + SECTOR <= len(bytes_):
+        sector, count, flags, _ = struct.unpack_from("<QQQQ", bytes_, place)
+        data = place + SECTOR
+        end = data + (0 if flags & DISCARD else count * SECTOR)
+        if end > len(bytes_) or (count == 0 and not flags):
+            break
+        entries.append(Entry(place, end, sector, count, flags, bytes_[data:end]))
+        place = end
+    return entries
+
+
+class Disk:
+    """A disk's image, its log, and what of the log happened by when."""
+
+    def __init__(self, directory, name, contents, filesystem):
+        self.image, self.log, self.filesystem = directory / name, directory / (name + ".log"), filesystem
+        self.entries = []
+        self.log.touch()
+        with self.image.open("wb") as image:
+            image.truncate(8 << 20)
+        if filesystem == "fat":
+            run("mformat", "-i", self.image, "-c", "1", "::")
+            run("mcopy", "-s", "-i", self.image, *sorted(contents.iterdir()), "::")
+        else:
+            run("mke2fs", "-q", "-t", "ext4", "-b", "1024", "-d", contents, self.image)
+            with self.image.open("r+b") as image:
+                image.write(b"in use")  # the boot block: all zeros mean a new disk
+        self.base = self.image.read_bytes()
+
+    def count_at(self, size):
+        """How many entries a log of that size holds completely."""
+        return bisect.bisect_right([entry.end for entry in self.entries], size)
+
+    def state(self, count, chance):
+        """The bytes after so many entries: of those since the last flush, `chance` keeps some."""
+        image = bytearray(self.base)
+        last_flush = max((i for i in range(count) if self.entries[i].flags & FLUSH), default=0)
+        for number, entry in enumerate(self.entries[:count]):
+            if entry.data and (number < last_flush or chance is None or chance.random() < 0.5):
+                image[entry.sector * SECTOR : entry.sector * SECTOR + len(entry.data)] = entry.data
+        return bytes(image)
+
+    def files_in(self, state, directory):
+        """Name and bytes of every file, and None for a directory, in an image; lets ext4 replay its journal first."""
+        image, found = directory / "state", directory / "files"
+        image.write_bytes(state)
+        shutil.rmtree(found, ignore_errors=True)
+        found.mkdir()
+        if self.filesystem == "fat":
+            # One by one: what cannot be read ends the tool.
+            listed = subprocess.run(["mdir", "-/", "-b", "-i", image, "::"], capture_output=True, encoding="latin-1")
+            for name in sorted(listed.stdout.splitlines()):
+                place = found / name.removeprefix("::/")
+                if name.endswith("/"):
+                    place.mkdir(parents=True)
+                else:
+                    run("mcopy", "-n", "-i", image, name, place, check=False)
+        else:
+            run("e2fsck", "-fy", image, check=False)
+            run("debugfs", "-R", f"rdump / {found}", image, check=False)
+            shutil.rmtree(found / "lost+found", ignore_errors=True)
+        return {
+            str(path.relative_to(found)): path.read_bytes() if path.is_file() else None for path in found.rglob("*")
+        }
+
+
+def run(*words, check=True):
+    subprocess.run(words, check=check, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
+
+
+class Cuts:
+    """A device, its disks, and the counts of what was found."""
+
+    def __init__(self, directory, options):
+        self.directory, self.options = directory, options
+        self.chance = random.Random(options.seed)
+        self.counts = dict.fromkeys(("commands", "states", "parts", "older files gone", "faults"), 0)
+        sizes = {"keep/book.bin": 100_000, "keep/a long name.text": 5, "old": 60_000, "source": 150_000}
+        contents = directory / "contents"
+        (contents / "keep").mkdir(parents=True)
+        for name, size in {**sizes, "tftp.old": 60_000, "ftp.old": 60_000}.items():
+            (contents / name).write_bytes(self.chance.randbytes(size))
+        samples = TOP / "build/release/device/packages/samples/flash"
+        for name in "system.bin", "boot.bin":
+            shutil.copy(samples / name, contents / name)
+        lab = directory / "lab"
+        lab.mkdir()
+        (lab / "remote").write_bytes(self.chance.randbytes(120_000))
+        self.disks = [Disk(directory, name, contents, options.filesystem) for name in MEDIA]
+        self.console = pexpect.spawn(
+            str(TOP / "build/release/esh-device"),
+            ["--arm64", "--tftp", str(lab)],
+            env={**os.environ, "ESH_LOGGED_DISKS": str(directory)},
+            timeout=120,
+            dimensions=(24, 200),
+            encoding="latin-1",
+        )
+        self.console.expect("<boot>$")
+
+    def type(self, line, prompt="<boot>", samples=()):
+        """Types a line, says yes and logs in; takes samples of the logs' sizes until the prompt is back."""
+        self.console.send(line + "\r")
+        said, limit = "", time.monotonic() + 60
+        while not said.endswith(prompt) or "\n" not in said:
+            if time.monotonic() > limit:
+                raise TimeoutError(f"{line}: {said}")
+            try:
+                said += self.console.read_nonblocking(4096, timeout=0.001)
+            except pexpect.TIMEOUT:
+                pass
+            for question, answer in ("[Y/N]:", "y"), ("user:", "operator"), ("password:", "harbour"):
+                if said.endswith(question):
+                    self.console.send(answer + "\r")
+                    said += " "
+            if samples:
+                self.sample(samples)
+        return said
+
+    def cut(self, line, after, prompt="<boot>"):
+        """Types a command and looks at what cuts leave; `after` makes of all files those that are to be there then."""
+        self.counts["commands"] += 1
+        samples = [self.sizes()]
+        before = self.look(samples[0])
+        said = self.type(line, prompt, samples)
+        done = samples[-1]
+        for _ in range(30):  # what comes late
+            time.sleep(0.01)
+            self.sample(samples)
+        wanted = after(dict(before))
+        if self.look(samples[-1]) != wanted:
+            self.fault(line, "is not what was expected: " + said.strip())
+        for sizes, chance in [*self.flushes(samples), *self.moments(samples)]:
+            self.counts["states"] += 1
+            reported = all(size >= size_then for size, size_then in zip(sizes, done))
+            self.judge(line, before, wanted, self.look(sizes, chance), reported)
+
+    def sizes(self):
+        return [disk.log.stat().st_size for disk in self.disks]
+
+    def sample(self, samples):
+        """Notes the logs' sizes when one has grown: what one disk had when another one had something."""
+        sizes = self.sizes()
+        if sizes != samples[-1]:
+            samples.append(sizes)
+
+    def flushes(self, samples):
+        """For every flush the sizes of the logs just behind it."""
+        for number, disk in enumerate(self.disks):
+            for entry in disk.entries:
+                if entry.flags & FLUSH and samples[0][number] < entry.end <= samples[-1][number]:
+                    sizes = list(next(sample for sample in samples if sample[number] >= entry.end))
+                    sizes[number] = entry.end
+                    yield sizes, None
+
+    def moments(self, samples):
+        """Sizes somewhere between those of two samples."""
+        for _ in range(self.options.points):
+            number = self.chance.randrange(len(samples))
+            bounds = zip(samples[max(number - 1, 0)], samples[number])
+            yield [self.chance.randint(least, most) for least, most in bounds], self.chance
+
+    def look(self, sizes, chance=None):
+        files = {}
+        for name, disk, size in zip(MEDIA, self.disks, sizes):
+            if not disk.entries or disk.entries[-1].end < size:
+                disk.entries = entries_of(disk.log)
+            state = disk.state(disk.count_at(size), chance)
+            files.update({f"{name}/{path}": data for path, data in disk.files_in(state, self.directory).items()})
+        return files
+
+    def judge(self, line, before, wanted, found, reported):
+        if reported:
+            if found != wanted:
+                self.fault(line, "was reported, and is not there: " + difference(wanted, found))
+            return
+        for name in sorted(before | wanted | found, key=str):
+            old, new = before.get(name, ""), wanted.get(name, "")
+            state = found.get(name, "")
+            if state in (old, new):
+                continue
+            if old == new:
+                self.fault(line, f"{name} is not the command's and changed")
+            elif state == "":
+                self.counts["older files gone"] += 1
+            else:
+                self.counts["parts"] += 1
+        for name, data in before.items():  # moved
+            if data and name not in wanted and data in wanted.values() and data not in found.values():
+                self.fault(line, f"{name} is nowhere")
+
+    def fault(self, line, problem):
+        self.counts["faults"] += 1
+        print(f"{line}: {problem}", file=sys.stderr)
+
+
+def difference(wanted, found):
+    return ", ".join(name for name in sorted(wanted | found) if wanted.get(name, "") != found.get(name, ""))
+
+
+def with_file(name, data_of):
+    """A change: the file is there, with the bytes of another one, or these."""
+    return lambda files: {**files, name: files[data_of] if isinstance(data_of, str) else data_of}
+
+
+def without(*names):
+    return lambda files: {name: data for name, data in files.items() if name not in names}
+
+
+def moved(source, destination):
+    return lambda files: without(source)({**files, destination: files[source]})
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--filesystem", choices=("fat", "ext4"), default="fat")
+    parser.add_argument("--points", type=int, default=200, help="cuts between the flushes of each command (200)")
+    parser.add_argument("--seed", type=int, default=1)
+    options = parser.parse_args()
+    with tempfile.TemporaryDirectory(prefix="power-cuts-", dir="/dev/shm") as place:
+        cuts = Cuts(pathlib.Path(place), options)
+        new = (cuts.directory / "lab/remote").read_bytes()
+        for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit":
+            cuts.type(line, "]")
+        cuts.type("quit")
+        for medium in MEDIA:
+            cuts.cut(f"copy source {medium}/new", with_file(f"{medium}/new", "flash:/source"))
+            cuts.cut(f"copy keep/book.bin {medium}/old", with_file(f"{medium}/old", "flash:/keep/book.bin"))
+            cuts.cut(f"mkdir {medium}/made", with_file(f"{medium}/made", None))
+            cuts.cut(f"move {medium}/new {medium}/made/moved", moved(f"{medium}/new", f"{medium}/made/moved"))
+            cuts.cut(f"move {medium}/made/moved {medium}/old", moved(f"{medium}/made/moved", f"{medium}/old"))
+            cuts.cut(f"rmdir {medium}/made", without(f"{medium}/made"))
+        cuts.cut("copy keep/book.bin third", with_file("flash:/third", "flash:/keep/book.bin"))
+        cuts.cut("move third cfa0:/third", moved("flash:/third", "cfa0:/third"))
+        cuts.cut("move source cfa0:/third", moved("flash:/source", "cfa0:/third"))
+        for tool in "tftp", "ftp":
+            cuts.cut(f"{tool} 10.0.0.1 get remote flash:/{tool}", with_file(f"flash:/{tool}", new))
+            cuts.cut(f"{tool} 10.0.0.1 get remote cfa0:/{tool}.old", with_file(f"cfa0:/{tool}.old", new))
+            cuts.cut(f"delete flash:/{tool}", without(f"flash:/{tool}"))
+        cuts.cut("install load system.bin", dict, "<Tessaro>")
+        counts = ", ".join(f"{count} {name}" for name, count in cuts.counts.items())
+        print(f"power cuts, {options.filesystem}, seed {options.seed}: {counts}")
+        cuts.console.close(force=True)
+    sys.exit(cuts.counts["faults"] != 0)
+
+
+if __name__ == "__main__":
+    main()
