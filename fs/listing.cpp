@@ -217,7 +217,7 @@ std::uint32_t ESH_ListFileInfoInDir(const char* full, bool all) {
   Heading heading;
   const bool has_name = FormatHeading(full, heading);
   const WorkingDirectoryKept kept;
-  if (chdir(full) != 0) return ESH_ERR_FAIL;
+  if (!kept || chdir(full) != 0) return ESH_ERR_FAIL;
   Matches matches;
   if (has_name)  // a place without a display name shows no entries
     matches.Add("*");

@@ -19,10 +19,12 @@ class WorkingDirectoryKept {
  public:
   /// Holds the present one open, so that it can be found again under any name.
   WorkingDirectoryKept();
-  /// Stays where the process is when there is no way back.
   ~WorkingDirectoryKept();
   WorkingDirectoryKept(const WorkingDirectoryKept&) = delete;
   WorkingDirectoryKept& operator=(const WorkingDirectoryKept&) = delete;
+  /// Whether there is a way back: without one nobody should leave, or names that are typed later would mean other
+  /// files.
+  explicit operator bool() const { return static_cast<bool>(directory_); }
 
  private:
   UniqueFd directory_;

@@ -124,6 +124,7 @@ class Documents : public testing::Test {
 class NativeDocuments : public Documents {};
 class Arm64Documents : public Documents {};
 
+TEST_F(NativeDocuments, HelpTextsAreAsEver) { Play("tests/device/help.md"); }
 TEST_F(NativeDocuments, ReadmeIsTrue) { Play("README.md"); }
 TEST_F(NativeDocuments, OperatorGuideIsTrue) { Play("docs/operator-guide.md"); }
 TEST_F(NativeDocuments, MakingPackagesIsTrue) { Play("docs/making-packages.md"); }

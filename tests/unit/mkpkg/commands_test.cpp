@@ -48,6 +48,7 @@ TEST_F(Mkpkg, TellsByItsExitStatusHowItWent) {
       {"extract good.bin out", "4 "},
       {"extract good.bin gone/out", "4 "},
       {"info good.bin > /dev/full", "4 "},
+      {"info --json good.bin > /dev/full", "4 "},
       {"--help", "0 usage: mkpkg COMMAND"},
       {"nonsense", "2 "},
       {"", "2 "},

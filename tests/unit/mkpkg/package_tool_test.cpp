@@ -209,8 +209,11 @@ TEST(JsonText, IsValidWhateverItHolds) {
   mkpkg::JsonWriter json;
   json.BeginObject();
   json.Text("a\"", "\\\n\xC3\xA9\xFF\xC0\xAF\xED\xA0\x80");
+  json.Texts("b", {"c", "d"});
   json.EndObject();
-  EXPECT_EQ(json.Written(), "{\n  \"a\\\"\": \"\\\\\\u000a\xC3\xA9\\ufffd\\ufffd\\ufffd\\ufffd\\ufffd\\ufffd\"\n}\n");
+  EXPECT_EQ(json.Written(),
+            "{\n  \"a\\\"\": \"\\\\\\u000a\xC3\xA9\\ufffd\\ufffd\\ufffd\\ufffd\\ufffd\\ufffd\",\n"
+            "  \"b\": [\n    \"c\",\n    \"d\"\n  ]\n}\n");
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ TEST_F(VectorTest, GrowsByDoublingAndKeepsDoubleTheRoomItNeeds) {
   EXPECT_EQ(vec->ulCapacity, 16U);
   for (std::uint64_t i = 9; i-- > 0;) EXPECT_EQ(VEC_Del(vec.get(), i), &g_elements[i]);
   EXPECT_EQ(vec->ulCapacity, 16U);
+  EXPECT_EQ(vec->ulMaxIndex, 0U) << "what is walked ends behind the last element";
   EXPECT_EQ(VEC_GetCount(vec.get()), 0U);
   Append(33);
   EXPECT_EQ(VEC_Reduce(vec.get(), 3), 0U);

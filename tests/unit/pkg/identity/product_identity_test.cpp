@@ -98,8 +98,9 @@ TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
     EXPECT_STREQ(record.sysContact, c.contact) << c.why;
     EXPECT_EQ(record.uiCorpId, c.corporation) << c.why;
   }
-  const OEM_CONSUMER_INFO_S record =
-      Record("[default]\nsysName: " + std::string(65, 's') + "\ncorpIDMac: 0A-0b-FF-00-1-7f\nbridgeMac: 1-2-3\n");
+  const OEM_CONSUMER_INFO_S record = Record("[default]\nsysName: " + std::string(65, 's') +
+                                            "\nsysLocation: here\ncorpIDMac: 0A-0b-FF-00-1-7f\nbridgeMac: 1-2-3\n");
+  EXPECT_STREQ(record.sysLocation, "here");
   EXPECT_EQ(record.sysName, std::string(64, 's'));
   EXPECT_EQ(std::memcmp(record.corpIDMac, "\x0A\x0B\xFF\x00\x01\x7F", 6), 0);
   EXPECT_EQ(std::memcmp(record.bridgeMac, "\x02\x5A\xC1\x07\xF2\x0E", 6), 0) << "half an address is none";

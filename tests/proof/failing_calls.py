@@ -1,0 +1,317 @@
+#!/usr/bin/python3
+"""Has each system call of each command fail once, with every error that it may have, and looks at what is left.
+
+The commands are typed on the native device. Each is traced once; then it is typed again for every call that it made and
+every error of that call, which strace has it fail with, and with every tool that it ran missing, failing and killed.
+Afterwards
+  - a prompt is there, and the next command works,
+  - what the command does not name is as it was, and no source is lost,
+  - a command that did not do its work has said so,
+  - descriptors, children, the working directory and the terminal's modes are as before.
+Calls on the console itself are left out: they are how the shell is seen. Needs strace and python3-pexpect.
+"""
+
+import argparse
+import collections
+import contextlib
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import termios
+import time
+
+import pexpect
+
+TOP = pathlib.Path(__file__).resolve().parents[2]
+CONSOLE = "/dev/pts/0"
+NEW = b"new" * 30000
+USUAL = "EIO", "EINTR"
+ERRORS = {  # of a call; the others may have the usual ones. SHORT: it says that it wrote one byte
+    "write": ("ENOSPC", "EIO", "EINTR", "SHORT"),
+    "openat": ("EACCES", "EMFILE", "EIO"),
+    "unlink": ("EROFS", "EIO"),
+    "rmdir": ("EBUSY", "EIO"),
+    "mkdir": ("ENOSPC", "EROFS"),
+    "clone": ("EAGAIN", "ENOMEM"),
+    "wait4": ("EINTR",),
+    "brk": ("ENOMEM",),
+    "mmap": ("ENOMEM",),
+    "socket": ("EMFILE",),
+    "access": ("EACCES", "EIO"),
+}
+# What cannot fail; and close, which closes in any case, but not when strace has it fail.
+NEVER_FAIL = {"rt_sigaction", "rt_sigprocmask", "rt_sigreturn", "getpid", "getpgrp", "getpgid", "munmap", "sync", "futex", "close"}
+TOOLS = {"missing": None, "fails": "#!/bin/sh\nexit 1\n", "killed": "#!/bin/sh\nkill -9 $$\n"}
+TOLD_BY_TOOLS = "tftp", "ftp", "format"  # the shell itself says nothing of how they went
+# Line, and the names below /mnt that the command may change; "/" at the end: all below.
+COMMANDS = [
+    ("copy a x", ("flash:/x",)),
+    ("copy a o", ("flash:/o",)),
+    ("copy a cfa0:/dir", ("cfa0:/dir/a",)),
+    ("move a x", ("flash:/a", "flash:/x")),
+    ("move a cfa0:/o", ("flash:/a", "cfa0:/o")),
+    ("delete a", ("flash:/a",)),
+    ("mkdir made", ("flash:/made",)),
+    ("rmdir empty", ("flash:/empty",)),
+    ("dir", ()),
+    ("dir /all cfa0:", ()),
+    ("more o", ()),
+    ("pwd", ()),
+    ("display version", ()),
+    ("display copyright", ()),
+    ("display interface m-eth0", ()),
+    ("display ip routing-table", ()),
+    ("display ipv6 routing-table", ()),
+    ("display install package system.bin", ()),
+    ("reset ssh public-key", ()),
+    ("ping -c 1 10.0.0.1", ()),
+    ("tftp 10.0.0.1 get readme.txt flash:/x", ("flash:/x",)),
+    ("tftp 10.0.0.1 get readme.txt flash:/o", ("flash:/o",)),
+    ("ftp 10.0.0.1 put a sent", ()),
+    ("install load absent.bin", ()),
+    ("install load forged.bin", ()),
+    ("format cfa0:", ("cfa0:/",)),
+]
+COMMANDS_OF_THE_PORT = [
+    "ip address 10.0.0.3 24",
+    "ip gateway 10.0.0.254",
+    "ipv6 address fd00::3 64",
+    "ipv6 gateway fe80::1",
+    "undo ip gateway",
+    "undo ip address",
+    "undo ipv6 gateway",
+    "undo ipv6 address",
+    "shutdown",
+    "undo shutdown",
+]
+
+
+class Device:
+    """A booted device and its shell, seen from its console and from this machine."""
+
+    def __init__(self):
+        self.console = pexpect.spawn(
+            str(TOP / "build/release/esh-device"), timeout=30, dimensions=(24, 200), encoding="latin-1"
+        )
+        self.console.expect(re.escape("<boot>") + "$")
+        self.shell = self.find_shell()
+        self.root = pathlib.Path(f"/proc/{self.shell}/root")
+        self.type("system-view")
+        self.type("interface m-eth0")
+        for line in "ip address 10.0.0.2 24", "quit", "quit":
+            self.type(line)
+
+    def find_shell(self):
+        """The youngest process that is called esh, below the device's."""
+        parents = {}
+        for entry in pathlib.Path("/proc").glob("[0-9]*/stat"):
+            try:
+                fields = re.match(r"(\d+) \((.*)\) \S (\d+)", entry.read_text()).groups()
+            except OSError:
+                continue
+            parents[int(fields[0])] = (fields[1], int(fields[2]))
+        for process, (name, parent) in parents.items():
+            if name == "esh" and parents[parent][0] == "esh" and self.is_mine(process, parents):
+                return process
+        raise LookupError("there is no shell")
+
+    def is_mine(self, process, parents):
+        while process in parents and process != self.console.pid:
+            process = parents[process][1]
+        return process == self.console.pid
+
+    def read_to_prompt(self):
+        """Answers the questions. @return what was said; None when no prompt came."""
+        said, limit = "", time.monotonic() + 25
+        while time.monotonic() < limit:
+            try:
+                said += self.console.read_nonblocking(4096, timeout=0.05)
+            except pexpect.TIMEOUT:
+                if re.search(r"(<boot>|\[boot[^]]*\])$", said) and "\n" in said:
+                    return said
+            except pexpect.EOF:
+                return None
+            if said.endswith(("[Y/N]:", "user:", "password:")):
+                answer = {"user:": "operator", "password:": "harbour"}.get(said.split("\n")[-1], "y")
+                self.console.send(answer + "\r")
+                said += " "
+            elif said.endswith("---- More ----     "):
+                self.console.send(" ")
+                said += " "
+        return None
+
+    def type(self, line):
+        self.console.send(line + "\r")
+        return self.read_to_prompt()
+
+    def state(self):
+        """What every command leaves as it was."""
+        process = pathlib.Path(f"/proc/{self.shell}")
+        descriptors = sorted((link.name, os.readlink(link)) for link in (process / "fd").iterdir())
+        children = (process / f"task/{self.shell}/children").read_text()
+        console = os.open(process / "fd/0", os.O_RDWR | os.O_NOCTTY)
+        try:
+            modes = termios.tcgetattr(console)
+        finally:
+            os.close(console)
+        return descriptors, children, os.readlink(process / "cwd"), modes
+
+    def prepare(self):
+        """Puts the same files onto the media."""
+        for medium in "flash:", "cfa0:":
+            place = self.root / "mnt" / medium
+            for entry in place.iterdir():
+                shutil.rmtree(entry) if entry.is_dir() else entry.unlink()
+            for name in "dir", "empty":
+                (place / name).mkdir()
+            (place / "a").write_bytes(NEW)
+            (place / "o").write_bytes(b"older\n")
+            (place / "dir/x").write_bytes(b"kept\n")
+            samples = TOP / "build/release/device/packages/samples/flash"
+            for name in "system.bin", "boot.bin", "bad/forged.bin":
+                shutil.copy(samples / name, place)
+            for entry in place.rglob("*"):
+                os.utime(entry, (0, 0))
+
+    def files(self):
+        mnt = self.root / "mnt"
+        found = [path for medium in ("flash:", "cfa0:") for path in (mnt / medium).rglob("*")]
+        return {str(path.relative_to(mnt)): path.read_bytes() if path.is_file() else None for path in found}
+
+    @contextlib.contextmanager
+    def replaced(self, tool, script):
+        """Has the device another tool, or none, while a block runs."""
+        place = self.root / tool[1:]
+        kept = place.rename(place.with_name(place.name + ".kept"))
+        if script:
+            place.write_text(script)
+            place.chmod(0o755)
+        yield
+        kept.rename(place)
+
+    def end(self):
+        self.console.close(force=True)
+
+
+class Strace:
+    """The tracer of a shell, while a block runs."""
+
+    def __init__(self, shell, *options):
+        self.log = tempfile.NamedTemporaryFile("r")
+        words = ["strace", "-qq", "-yy", "-o", self.log.name, "-p", str(shell), *options]
+        self.tracer = subprocess.Popen(words, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
+        status, limit = pathlib.Path(f"/proc/{shell}/status"), time.monotonic() + 5
+        while "TracerPid:\t0\n" in status.read_text() and time.monotonic() < limit:
+            time.sleep(0.002)
+
+    def end(self):
+        self.tracer.send_signal(signal.SIGINT)
+        self.tracer.wait(10)
+        return self.log.read()
+
+
+def calls_in(trace, shell):
+    """Names and numbers of the shell's calls, counted by name, that are not about the console."""
+    counts = collections.Counter()
+    for line in trace.splitlines():
+        if found := re.match(rf"{shell} +(\w+)\(", line):
+            counts[found[1]] += 1
+            if CONSOLE not in line and found[1] not in NEVER_FAIL:
+                yield found[1], counts[found[1]]
+
+
+class Proof:
+    """The device and the counts."""
+
+    def __init__(self, options):
+        self.options, self.device = options, Device()
+        self.rows = self.faults = 0
+
+    def try_all(self, line, changes):
+        self.device.prepare()
+        before = self.device.files()
+        said, trace = self.run(line, "-f")
+        done = self.device.files()
+        ways = collections.Counter()
+
+        def try_once(what, *options):
+            self.rows += 1
+            self.device.prepare()
+            state = self.device.state()
+            self.row = f"{line}: {what}"
+            now, _ = self.run(line, *options)
+            self.judge(now, said, state, before, done, changes)
+            ways[now] += 1
+
+        for name, number in list(calls_in(trace, self.device.shell))[:: self.options.every]:
+            for error in ERRORS.get(name, USUAL):
+                what = "retval=1" if error == "SHORT" else f"error={error}"
+                try_once(f"{name} {number} {error}", f"-einject={name}:{what}:when={number}")
+        for tool in sorted(set(re.findall(r'execve\("(/(?:bin|etc)/[^"]*)".* = 0', trace))):
+            for way, script in TOOLS.items():
+                with self.device.replaced(tool, script):
+                    try_once(f"{tool} {way}", "-etrace=none")
+        if self.options.show:
+            print(line, f"{said!r}", *(f"{count:4} {way!r}" for way, count in ways.most_common()), sep="\n")
+
+    def run(self, line, *options):
+        self.device.console.send(line)
+        self.device.console.expect(re.escape(line))
+        strace = Strace(self.device.shell, *options)
+        self.device.console.send("\r")
+        said = self.device.read_to_prompt()
+        return said, strace.end()
+
+    def judge(self, said, said_when_done, state, before, done, changes):
+        if said is None:
+            self.fault("there is no prompt")
+            self.device.end()
+            self.device = Device()
+            return
+        if self.device.state() != state:
+            self.fault(f"was {state} and is {self.device.state()}")
+        after = self.device.files()
+        ends_copy = self.row.startswith("copy") and ": read " in self.row  # as the end of the file does
+        for name in before | done | after:
+            if not any(name == change or (change[-1] == "/" and name.startswith(change)) for change in changes):
+                if after.get(name, "") != before.get(name, ""):
+                    self.fault(f"{name} has changed")
+            elif after.get(name, "") not in (before.get(name, ""), done.get(name, ""), "") and not ends_copy:
+                self.fault(f"{name} is a part")
+        if "delete" not in self.row and NEW not in after.values():
+            self.fault("the source is lost")
+        if after != done and said == said_when_done and not ends_copy and not self.row.startswith(TOLD_BY_TOOLS):
+            self.fault("was reported as done: " + said)
+        if self.device.type("pwd") is None:
+            self.fault("the next command does not work")
+
+    def fault(self, problem):
+        self.faults += 1
+        print(f"{self.row}: {problem}", file=sys.stderr)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--every", type=int, default=1, help="only each so-manieth call (1)")
+    parser.add_argument("--show", action="store_true", help="also what each command said, in all the ways it ended")
+    options = parser.parse_args()
+    proof = Proof(options)
+    for line, changes in COMMANDS:
+        proof.try_all(line, changes)
+    for line in "system-view", "interface m-eth0":
+        proof.device.type(line)
+    for line in COMMANDS_OF_THE_PORT:
+        proof.try_all(line, ())
+    count = len(COMMANDS) + len(COMMANDS_OF_THE_PORT)
+    print(f"failing calls: {count} commands, {proof.rows} failures, {proof.faults} faults")
+    proof.device.end()
+    sys.exit(proof.faults != 0)
+
+
+if __name__ == "__main__":
+    main()
