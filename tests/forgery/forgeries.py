@@ -2,9 +2,12 @@
 
 import base64
 import hashlib
+import random
+import struct
+import zlib
 
-from independent_judge import FILE_HEAD, HEAD, TRAILER_FORMAT, word
-from maker import DIGEST_INFO, head_sign, put, renew, split, trailer, trailer_sign
+from independent_judge import FILE_HEAD, HEAD, STORED, TRAILER_FORMAT, word
+from maker import DIGEST_INFO, PRODUCT_TAG, head_sign, put, renew, split, trailer, trailer_sign
 
 EXTREMES = (0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF)
 
@@ -172,4 +175,88 @@ def other_form(maker, _step):
         yield f"{order}: with the trailer", head + body + trailer(genuine)
 
 
-GROUPS = (other_form, flipped_bytes, truncations, words, wrong_keys, trailers, other_blocks)
+FILE_IDS = (0x04000000, 0x040000E0, 0x040000F0, 0x1234)
+
+
+def any_file(chance, order):
+    """A file's head and data, and the row of the table that fits them, but for the offset."""
+    data = chance.randbytes(chance.choice((0, 1, 30, 500)))
+    check_a, check_b = chance.choice(FILE_IDS), zlib.crc32(data)
+    head = bytearray(FILE_HEAD)
+    fields = {12: check_a, 20: chance.choice((0x51, 0x52)), 24: len(data), 40: len(data), 332: check_b}
+    fields |= {44: 0xFFFFFFFF if order == "=" else 0, 328: len(data), 336: chance.choice((STORED, STORED, 2, 0))}
+    for at, value in fields.items():
+        struct.pack_into(order + "I", head, at, value)
+    head[104:110] = b"a.gz\0\0"
+    return bytes(head) + data, [check_a, 0, FILE_HEAD + len(data), check_b, check_a, 0]
+
+
+def any_package(maker, chance):
+    """A good package of any form, key, byte order, and number and order of files."""
+    order, count = chance.choice(">="), chance.choice((0, 1, 2, 3, 7, 128))
+    rows, body = [], b""
+    for _ in range(count):
+        data, row = any_file(chance, chance.choice(">="))
+        row[1] = HEAD + len(body)
+        rows.append(row)
+        body += data + bytes(chance.choice((0, 0, 5)))
+    chance.shuffle(rows)
+    table = b"".join(struct.pack(order + "6I", *row) for row in rows)
+    head = bytearray(HEAD)
+    head[32 : 32 + len(table)] = table
+    fields = {4: count, 8: PRODUCT_TAG, 28: len(body), 3104: TRAILER_FORMAT, 5180: 2}
+    for at, value in {**fields, 5168: 0xFFFFFFFF if order == "=" else 0}.items():
+        struct.pack_into(order + "I", head, at, value)
+    package = renew(bytes(head) + body)
+    form = chance.choice(("head", "trailer", "long", "Kelvane"))
+    if form == "head":
+        return head_sign(package, maker.pair)
+    if form == "long":
+        return trailer_sign(package, maker.pair, DIGEST_INFO, key=b"long")
+    return trailer_sign(package, maker.pair, key=b"maker", word=b"" if form == "trailer" else b"Kelvane ")
+
+
+def damaged(package, chance, others):
+    """A package changed in one place: a word, a byte, a part that goes, comes twice or comes from another package."""
+    at = chance.choice(list(words_that_decide(package))) if len(package) > HEAD and word(package, 4) < 129 else 8
+    at = min(at, max(len(package) - 4, 0))
+    first, last = sorted(chance.choice(borders(package)) + chance.choice((0, 0, -1, 1)) for _ in range(2))
+    other = chance.choice(others)
+    kind = chance.randrange(7)
+    if kind < 2:
+        now = int.from_bytes(package[at : at + 4], "big")
+        value = chance.choice((*EXTREMES, now + 1, now - 1, now ^ 1 << chance.randrange(32), len(package), first))
+        return package[:at] + (value & 0xFFFFFFFF).to_bytes(4, "big") + package[at + 4 :]
+    if kind == 2:
+        at = chance.randrange(len(package))
+        return package[:at] + chance.randbytes(1) + package[at + 1 :]
+    if kind == 3:
+        return package[: max(first, 0)] + package[last:]
+    if kind == 4:
+        return package[:last] + package[max(first, 0) :]
+    if kind == 5:
+        return split(package)[0] + split(other)[1]
+    return package[: max(first, 0)] + other[max(first, 0) :]
+
+
+def damaged_grammar(maker, step):
+    """A million packages of every form, some good, most damaged in one to three places; for a `step` of N fewer."""
+    chance = random.Random(step)
+    packages = list(maker.valid.values())
+    for number in range(10**6 // step**2):
+        if number % 40 == 0:
+            packages = [*packages[-9:], any_package(maker, chance)]
+            yield f"package {number}", packages[-1]
+        package = chance.choice(packages)
+        for _ in range(chance.randint(1, 3)):
+            if len(package) >= HEAD and word(package, 4) < 129:
+                package = damaged(package, chance, packages)
+        if len(package) >= HEAD and chance.random() < 0.7:
+            package = renew(package)
+        if len(package) >= HEAD and chance.random() < 0.02:
+            body = split(package)[0]
+            package = trailer_sign(body, maker.pair) if chance.random() < 0.5 else head_sign(body, maker.pair)
+        yield f"package {number}, damaged", package
+
+
+GROUPS = (other_form, flipped_bytes, truncations, words, wrong_keys, trailers, other_blocks, damaged_grammar)

@@ -5,12 +5,13 @@
 
 #include "pkg/format/contained_file.h"
 #include "pkg/format/head_check.h"
+#include "tools/mkpkg/package_model.h"
 #include "tools/mkpkg/verdict_text.h"
 #include "util/unique_handle.h"
 
 /// Answers for the device: for each line of standard input one line with the verdict on what the package then holds,
 /// followed for a good package by what the device hands out of each file in the table: its name, a NUL and its data in
-/// hexadecimal, or "-".
+/// hexadecimal, or "-". Reads each package as the package tool does, too.
 ///   forgery_judge PACKAGE PRODUCT-TAG KEY-DIRECTORY
 
 namespace {
@@ -36,6 +37,8 @@ void Judge(const char* path, std::uint32_t product_tag, const char* key_director
     for (const PackageFileEntry& file : std::span(reader->head.files).first(reader->head.file_count))
       PrintFile(reader.get(), file);
   std::printf("\n");
+  mkpkg::PackageModel model;  // a maker looks at what comes from anywhere as well
+  (void)mkpkg::ReadPackage(path, true, model);
 }
 
 }  // namespace

@@ -2,12 +2,13 @@
 """run_forgeries.py MKPKG JUDGE [STEP]: has the device's verifier, for which the program JUDGE answers, and an
 independent judge look at forged packages; their verdicts must not differ. STEP changes every so manyth byte only.
 
-Ends with 0 when they agree on every package and the device's verifier survives all of them and leaves no descriptor
-open. The last lines count the forgeries.
+Ends with 0 when they agree on every package and the device's verifier, and the package tool's reader, survive all of
+them, leave no descriptor open and take little memory. The last lines count the forgeries.
 """
 
 import collections
 import os
+import resource
 import subprocess
 import sys
 import tempfile
@@ -18,6 +19,7 @@ import independent_judge
 from maker import DIGEST_INFO, PRODUCT_TAG, Maker, head_sign, trailer_sign
 
 MAX_REPORTED = 20
+MOST_MEGABYTES = 256  # a sanitizer's included
 
 
 class DeviceJudge:
@@ -80,8 +82,9 @@ def main(mkpkg, judge, step="1"):
         leaked = device.descriptors() - descriptors
         device.process.communicate()
         status = device.process.returncode
-    print(f"The verifier left {leaked} descriptors open and ended with {status}.")
-    return 0 if differences == leaked == status == 0 else 1
+    megabytes = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss // 1024
+    print(f"The verifier left {leaked} descriptors open, ended with {status} and took {megabytes} MB at most.")
+    return 0 if differences == leaked == status == 0 and megabytes < MOST_MEGABYTES else 1
 
 
 if __name__ == "__main__":
