@@ -4,7 +4,7 @@ include(GNUInstallDirs)
 install(TARGETS esh DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/esh COMPONENT esh)
 install(FILES docs/esh.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT esh)
 install(DIRECTORY image DESTINATION ${CMAKE_INSTALL_DATADIR}/esh USE_SOURCE_PERMISSIONS COMPONENT esh)
-install(FILES docs/boot-image.md docs/command-card.md docs/operator-guide.md docs/security.md
+install(FILES docs/boot-image.md docs/command-card.md docs/making-packages.md docs/operator-guide.md docs/proof.md docs/security.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT esh)
 
 if(ESH_MKPKG)

@@ -25,9 +25,8 @@ import tempfile
 import termios
 import time
 
-import pexpect
+from operator_console import SAMPLES, OperatorConsole
 
-TOP = pathlib.Path(__file__).resolve().parents[2]
 CONSOLE = "/dev/pts/0"
 NEW = b"new" * 30000
 USUAL = "EIO", "EINTR"
@@ -92,19 +91,14 @@ COMMANDS_OF_THE_PORT = [
 ]
 
 
-class Device:
+class Device(OperatorConsole):
     """A booted device and its shell, seen from its console and from this machine."""
 
     def __init__(self):
-        self.console = pexpect.spawn(
-            str(TOP / "build/release/esh-device"), timeout=30, dimensions=(24, 200), encoding="latin-1"
-        )
-        self.console.expect(re.escape("<boot>") + "$")
+        super().__init__()
         self.shell = self.find_shell()
         self.root = pathlib.Path(f"/proc/{self.shell}/root")
-        self.type("system-view")
-        self.type("interface m-eth0")
-        for line in "ip address 10.0.0.2 24", "quit", "quit":
+        for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit", "quit":
             self.type(line)
 
     def find_shell(self):
@@ -125,30 +119,6 @@ class Device:
         while process in parents and process != self.console.pid:
             process = parents[process][1]
         return process == self.console.pid
-
-    def read_to_prompt(self):
-        """Answers the questions. @return what was said; None when no prompt came."""
-        said, limit = "", time.monotonic() + 25
-        while time.monotonic() < limit:
-            try:
-                said += self.console.read_nonblocking(4096, timeout=0.05)
-            except pexpect.TIMEOUT:
-                if re.search(r"(<boot>|\[boot[^]]*\])$", said) and "\n" in said:
-                    return said
-            except pexpect.EOF:
-                return None
-            if said.endswith(("[Y/N]:", "user:", "password:")):
-                answer = {"user:": "operator", "password:": "harbour"}.get(said.split("\n")[-1], "y")
-                self.console.send(answer + "\r")
-                said += " "
-            elif said.endswith("---- More ----     "):
-                self.console.send(" ")
-                said += " "
-        return None
-
-    def type(self, line):
-        self.console.send(line + "\r")
-        return self.read_to_prompt()
 
     def state(self):
         """What every command leaves as it was."""
@@ -173,9 +143,8 @@ class Device:
             (place / "a").write_bytes(NEW)
             (place / "o").write_bytes(b"older\n")
             (place / "dir/x").write_bytes(b"kept\n")
-            samples = TOP / "build/release/device/packages/samples/flash"
             for name in "system.bin", "boot.bin", "bad/forged.bin":
-                shutil.copy(samples / name, place)
+                shutil.copy(SAMPLES / name, place)
             for entry in place.rglob("*"):
                 os.utime(entry, (0, 0))
 
@@ -194,9 +163,6 @@ class Device:
             place.chmod(0o755)
         yield
         kept.rename(place)
-
-    def end(self):
-        self.console.close(force=True)
 
 
 class Strace:
@@ -264,11 +230,11 @@ class Proof:
     def run(self, line, *options):
         if self.line_before:
             self.device.type(self.line_before)
-        self.device.console.send(line)
+        self.device.press(line)
         self.device.console.expect(re.escape(line))
         strace = Strace(self.device.shell, *options)
-        self.device.console.send("\r")
-        said = self.device.read_to_prompt()
+        self.device.press("\r")
+        said = self.device.wait_for_prompt()
         return said, strace.end()
 
     def judge(self, said, said_when_done, state, before, done, changes):

@@ -15,7 +15,6 @@ Needs what builds and runs the arm64 device, e2fsprogs for ext4, and python3-pex
 
 import argparse
 import bisect
-import os
 import pathlib
 import random
 import shutil
@@ -25,9 +24,8 @@ import sys
 import tempfile
 import time
 
-import pexpect
+from operator_console import SAMPLES, OperatorConsole
 
-TOP = pathlib.Path(__file__).resolve().parents[2]
 SECTOR = 512
 FLUSH, DISCARD = 1, 4
 MEDIA = "flash:", "cfa0:"
@@ -125,55 +123,27 @@ class Cuts:
         (contents / "keep").mkdir(parents=True)
         for name, size in {**sizes, "tftp.old": 60_000, "ftp.old": 60_000}.items():
             (contents / name).write_bytes(self.chance.randbytes(size))
-        samples = TOP / "build/release/device/packages/samples/flash"
         for name in "system.bin", "boot.bin":
-            shutil.copy(samples / name, contents / name)
+            shutil.copy(SAMPLES / name, contents / name)
         lab = directory / "lab"
         lab.mkdir()
         (lab / "remote").write_bytes(self.chance.randbytes(120_000))
         self.disks = [Disk(directory, name, contents, options.filesystem) for name in MEDIA]
-        self.console = pexpect.spawn(
-            str(TOP / "build/release/esh-device"),
-            ["--arm64", "--tftp", str(lab)],
-            env={**os.environ, "ESH_LOGGED_DISKS": str(directory)},
-            timeout=120,
-            dimensions=(24, 200),
-            encoding="latin-1",
-        )
-        self.console.expect("<boot>$")
+        self.console = OperatorConsole("--arm64", "--tftp", str(lab), ESH_LOGGED_DISKS=str(directory))
 
-    def type(self, line, prompt="<boot>", samples=()):
-        """Types a line, says yes and logs in; takes samples of the logs' sizes until the prompt is back."""
-        self.console.send(line + "\r")
-        said, limit = "", time.monotonic() + 60
-        while not said.endswith(prompt) or "\n" not in said:
-            if time.monotonic() > limit:
-                raise TimeoutError(f"{line}: {said}")
-            try:
-                said += self.console.read_nonblocking(4096, timeout=0.001)
-            except pexpect.TIMEOUT:
-                pass
-            for question, answer in ("[Y/N]:", "y"), ("user:", "operator"), ("password:", "harbour"):
-                if said.endswith(question):
-                    self.console.send(answer + "\r")
-                    said += " "
-            if samples:
-                self.sample(samples)
-        return said
-
-    def cut(self, line, after, prompt="<boot>"):
+    def cut(self, line, after):
         """Types a command and looks at what cuts leave; `after` makes of all files those that are to be there then."""
         self.counts["commands"] += 1
         samples = [self.sizes()]
         before = self.look(samples[0])
-        said = self.type(line, prompt, samples)
+        said = self.console.type(line, lambda: self.sample(samples))
         done = samples[-1]
         for _ in range(30):  # what comes late
             time.sleep(0.01)
             self.sample(samples)
         wanted = after(dict(before))
         if self.look(samples[-1]) != wanted:
-            self.fault(line, "is not what was expected: " + said.strip())
+            self.fault(line, f"is not what was expected: {said}")
         for sizes, chance in [*self.flushes(samples), *self.moments(samples)]:
             self.counts["states"] += 1
             reported = all(size >= size_then for size, size_then in zip(sizes, done))
@@ -264,9 +234,8 @@ def main():
     with tempfile.TemporaryDirectory(prefix="power-cuts-", dir="/dev/shm") as place:
         cuts = Cuts(pathlib.Path(place), options)
         new = (cuts.directory / "lab/remote").read_bytes()
-        for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit":
-            cuts.type(line, "]")
-        cuts.type("quit")
+        for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit", "quit":
+            cuts.console.type(line)
         for medium in MEDIA:
             cuts.cut(f"copy source {medium}/new", with_file(f"{medium}/new", "flash:/source"))
             cuts.cut(f"copy keep/book.bin {medium}/old", with_file(f"{medium}/old", "flash:/keep/book.bin"))
@@ -281,10 +250,10 @@ def main():
             cuts.cut(f"{tool} 10.0.0.1 get remote flash:/{tool}", with_file(f"flash:/{tool}", new))
             cuts.cut(f"{tool} 10.0.0.1 get remote cfa0:/{tool}.old", with_file(f"cfa0:/{tool}.old", new))
             cuts.cut(f"delete flash:/{tool}", without(f"flash:/{tool}"))
-        cuts.cut("install load system.bin", dict, "<Tessaro>")
+        cuts.cut("install load system.bin", dict)
         counts = ", ".join(f"{count} {name}" for name, count in cuts.counts.items())
         print(f"power cuts, {options.filesystem}, seed {options.seed}: {counts}")
-        cuts.console.close(force=True)
+        cuts.console.end()
     sys.exit(cuts.counts["faults"] != 0)
 
 

@@ -15,15 +15,15 @@ namespace {
 
 constexpr char kHelp[] =
     "usage: mkpkg key new [--exponent=N] PRIVATE_PEM PUBLIC_PEM\n"
-    "       mkpkg key device [--size=514|516] PEM KEYFILE\n"
+    "       mkpkg key device [--size=514|516] [--passphrase-file=FILE] PEM KEYFILE\n"
     "new     makes an RSA key pair of 2048 bits. The private key is readable by its owner only, not encrypted, and\n"
     "        never replaces a file.\n"
     "device  makes the file that a device keeps in /etc/sign_pub_key, as NAME.key, from a public (or private) key.\n"
     "\n"
     "  --exponent=N  the public exponent, odd, at least 65537 (which it is without this option)\n"
     "  --size=514    a key that takes signatures of the digest alone (the usual)\n"
-    "  --passphrase-file=FILE  the first line of FILE opens an encrypted PEM\n"
     "  --size=516    a key that also takes signatures of the digest with its algorithm's name before it\n"
+    "  --passphrase-file=FILE  the first line of FILE opens an encrypted PEM\n"
     "\n"
     "Exit status: 0 done, 2 wrong command line, 3 the key cannot be read or is none that a device should have,\n"
     "4 a file could not be written.\n";

@@ -92,8 +92,8 @@ void CheckDescription(const PackageModel& package, Lines& warnings) {
   }
   if (versions == 0) {
     warnings.push_back(
-        "the description has no line \"Product version: \": compatible boot images are found by their "
-        "platform version alone");
+        "the description has no line \"Product version: \": a line of the compatibility list must be all of a boot "
+        "image's version");
   }
   if (versions > 1) warnings.push_back("the description has more than one product version: the last one counts");
 }
