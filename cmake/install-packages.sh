@@ -17,11 +17,11 @@ build_packages=(
   libgtest-dev libvterm-dev
   busybox-static openssh-client python3
 )
-test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl mandoc)
+test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl mandoc strace python3-pexpect)
 bench_packages=(libcli-dev openssl strace valgrind)
 arm64_packages=(
   g++-aarch64-linux-gnu qemu-system-arm ethtool socat u-boot-tools mtools
-  e2fsprogs python3-pexpect # what looks at media after power cuts
+  e2fsprogs # what looks at media after power cuts
 )
 fresh_packages=(debootstrap git)
 

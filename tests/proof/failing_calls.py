@@ -43,38 +43,40 @@ ERRORS = {  # of a call; the others may have the usual ones. SHORT: it says that
     "socket": ("EMFILE",),
     "access": ("EACCES", "EIO"),
 }
-# What cannot fail; and close, which closes in any case, but not when strace has it fail.
-NEVER_FAIL = {"rt_sigaction", "rt_sigprocmask", "rt_sigreturn", "getpid", "getpgrp", "getpgid", "munmap", "sync", "futex", "close"}
+# What cannot fail; fchdir, without which there is no way back; and close, which closes in any case, but not under strace.
+NEVER_FAIL = {"rt_sigaction", "rt_sigprocmask", "rt_sigreturn", "getpid", "getpgrp", "getpgid", "munmap", "sync", "futex"}
+NEVER_FAIL |= {"fchdir", "close"}
 TOOLS = {"missing": None, "fails": "#!/bin/sh\nexit 1\n", "killed": "#!/bin/sh\nkill -9 $$\n"}
 TOLD_BY_TOOLS = "tftp", "ftp", "format"  # the shell itself says nothing of how they went
-# Line, and the names below /mnt that the command may change; "/" at the end: all below.
+NO_ROOM = "Failed to finish the operation because of insufficient storage space or quota limitation."
+# Line; the names below /mnt that the command may change, "/" at the end: all below; what it says of some failure.
 COMMANDS = [
-    ("copy a x", ("flash:/x",)),
-    ("copy a o", ("flash:/o",)),
-    ("copy a cfa0:/dir", ("cfa0:/dir/a",)),
-    ("move a x", ("flash:/a", "flash:/x")),
-    ("move a cfa0:/o", ("flash:/a", "cfa0:/o")),
-    ("delete a", ("flash:/a",)),
-    ("mkdir made", ("flash:/made",)),
-    ("rmdir empty", ("flash:/empty",)),
-    ("dir", ()),
-    ("dir /all cfa0:", ()),
-    ("more o", ()),
-    ("pwd", ()),
-    ("display version", ()),
-    ("display copyright", ()),
-    ("display interface m-eth0", ()),
-    ("display ip routing-table", ()),
-    ("display ipv6 routing-table", ()),
-    ("display install package system.bin", ()),
-    ("reset ssh public-key", ()),
-    ("ping -c 1 10.0.0.1", ()),
-    ("tftp 10.0.0.1 get readme.txt flash:/x", ("flash:/x",)),
-    ("tftp 10.0.0.1 get readme.txt flash:/o", ("flash:/o",)),
-    ("ftp 10.0.0.1 put a sent", ()),
-    ("install load absent.bin", ()),
-    ("install load forged.bin", ()),
-    ("format cfa0:", ("cfa0:/",)),
+    ("copy a x", ("flash:/x",), NO_ROOM),
+    ("copy a o", ("flash:/o",), NO_ROOM),
+    ("copy a cfa0:/dir", ("cfa0:/dir/a",), NO_ROOM),
+    ("move a x", ("flash:/a", "flash:/x"), NO_ROOM),
+    ("move a cfa0:/o", ("flash:/a", "cfa0:/o"), NO_ROOM),
+    ("delete a", ("flash:/a",), "Execution failure."),
+    ("mkdir made", ("flash:/made",), "Execution failure."),
+    ("rmdir empty", ("flash:/empty",), "Failed to remove directory."),
+    ("dir", (), ""),
+    ("dir /all cfa0:", (), ""),
+    ("more o", (), ""),
+    ("pwd", (), ""),
+    ("display version", (), ""),
+    ("display copyright", (), ""),
+    ("display interface m-eth0", (), ""),
+    ("display ip routing-table", (), ""),
+    ("display ipv6 routing-table", (), ""),
+    ("display install package system.bin", (), ""),
+    ("reset ssh public-key", (), ""),
+    ("ping -c 1 10.0.0.1", (), ""),
+    ("tftp 10.0.0.1 get readme.txt flash:/x", ("flash:/x",), ""),
+    ("tftp 10.0.0.1 get readme.txt flash:/o", ("flash:/o",), ""),
+    ("ftp 10.0.0.1 put a sent", (), ""),
+    ("install load absent.bin", (), ""),
+    ("install load forged.bin", (), ""),
+    ("format cfa0:", ("cfa0:/",), ""),
 ]
 # What is typed before, so that there is something to do, and the line.
 COMMANDS_OF_THE_PORT = [
@@ -199,7 +201,7 @@ class Proof:
         self.options, self.device = options, Device()
         self.rows = self.faults = 0
 
-    def try_all(self, line, changes=(), line_before=None):
+    def try_all(self, line, changes=(), says="", line_before=None):
         self.line_before = line_before
         self.device.prepare()
         before = self.device.files()
@@ -216,14 +218,19 @@ class Proof:
             self.judge(now, said, state, before, done, changes)
             ways[now] += 1
 
-        for name, number in list(calls_in(trace, self.device.shell))[:: self.options.every]:
-            for error in ERRORS.get(name, USUAL):
+        calls = list(calls_in(trace, self.device.shell))
+        if self.options.short:
+            calls = dict(calls).items()
+        for name, number in calls:
+            for error in ERRORS.get(name, USUAL)[: 1 if self.options.short else None]:
                 what = "retval=1" if error == "SHORT" else f"error={error}"
                 try_once(f"{name} {number} {error}", f"-einject={name}:{what}:when={number}")
         for tool in sorted(set(re.findall(r'execve\("(/(?:bin|etc)/[^"]*)".* = 0', trace))):
             for way, script in TOOLS.items():
                 with self.device.replaced(tool, script):
                     try_once(f"{tool} {way}", "-etrace=none")
+        if not any(says in way for way in ways if way):
+            self.fault(f"never said: {says}")
         if self.options.show:
             print(line, f"{said!r}", *(f"{count:4} {way!r}" for way, count in ways.most_common()), sep="\n")
 
@@ -270,12 +277,12 @@ class Proof:
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--every", type=int, default=1, help="only each so-manieth call (1)")
+    parser.add_argument("--short", action="store_true", help="only the last call of each kind, and its first error")
     parser.add_argument("--show", action="store_true", help="also what each command said, in all the ways it ended")
     options = parser.parse_args()
     proof = Proof(options)
-    for line, changes in COMMANDS:
-        proof.try_all(line, changes)
+    for line, changes, says in COMMANDS:
+        proof.try_all(line, changes, says)
     for line in "system-view", "interface m-eth0":
         proof.device.type(line)
     for line_before, line in COMMANDS_OF_THE_PORT:

@@ -3,6 +3,7 @@
 import os
 import pathlib
 import re
+import sys
 import time
 
 import pexpect
@@ -15,7 +16,10 @@ ANSWERS = {"[Y/N]:": "y\r", "user:": "operator\r", "password:": "harbour\r", "--
 
 class OperatorConsole:
     def __init__(self, *arguments, **environment):
-        """Boots the device with these options, and waits for its first prompt."""
+        """Boots the device with these options, and waits for its first prompt. Where nobody may make namespaces, the
+        program ends as one that is skipped."""
+        if "ESH_NO_NAMESPACES" in os.environ:
+            sys.exit(77)
         self.console = pexpect.spawn(
             str(TOP / "build/release/esh-device"),
             list(arguments),

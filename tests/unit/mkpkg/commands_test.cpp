@@ -53,8 +53,10 @@ TEST_F(Mkpkg, TellsByItsExitStatusHowItWent) {
       {"nonsense", "2 "},
       {"", "2 "},
   };
-  for (const auto& [arguments, said] : kCalls)
+  for (const auto& [arguments, said] : kCalls) {
     EXPECT_EQ(Say(arguments).find(said), 0U) << arguments << ": " << ReadFile("/tmp/said");
+    EXPECT_TRUE(*said < '2' || ReadFile("/tmp/warned").starts_with("mkpkg: ")) << arguments;
+  }
   EXPECT_EQ(ReadFile("/tmp/out/system.gz"), "the image");
   const std::string info = Say("info good.bin");
   for (const char* line : {"\n  device tag   0x0A0B0C0D\n", "\n  | Vendor: Kelvane\n", "  9 bytes, stored\n"})
