@@ -94,6 +94,7 @@ class BadLine {
     if (const std::string problem = device_->Boot(); !problem.empty()) return Fail(problem);
     if (!Wait(kPrompt, milliseconds(20000))) return Fail("there is no first prompt");
     const std::size_t step = std::max<std::size_t>(bytes / 200, 100000);
+    for (const std::string_view line : kPasted) Type(std::string(line) + "\r\x03");
     while (typed_ < step) TypeRubbish();  // what grows once has grown now
     State usual;
     if (!Look(usual)) return 1;
