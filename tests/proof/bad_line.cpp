@@ -29,7 +29,7 @@ constexpr std::size_t kMostAtOnce = 800;  // the terminal holds as much while it
 constexpr std::string_view kGo = "\x11";  // XON
 constexpr std::string_view kPrompt = "<boot>";
 constexpr unsigned kRubbishPerPaste = 400;  // what is pasted runs tools, which take their time
-constexpr long kNoGrowthKb = 512;
+constexpr long kNoGrowthKb = 64;
 constexpr int kSkipped = 77;  // where nobody may make namespaces
 
 /// None of them waits for what no key ends.
@@ -79,7 +79,7 @@ struct State {
 
 /// Prints the shell's memory, then what must not change.
 constexpr char kLookAround[] =
-    "shell=$(pidof esh | tr ' ' '\\n' | sort -n | tail -n 1); sed -n 's/^VmRSS:[^0-9]*\\([0-9]*\\).*/\\1/p' "
+    "shell=$(pidof esh | tr ' ' '\\n' | sort -n | tail -n 1); sed -n 's/^RssAnon:[^0-9]*\\([0-9]*\\).*/\\1/p' "
     "/proc/$shell/status;"
     " ls /proc/$shell/fd; set -- /proc/[0-9]*; echo $#;"
     " find / -xdev -type f ! -path '/proc/*' ! -path '/sys/*' ! -path '/mnt/*' | sort | xargs sha256sum | sha256sum";
