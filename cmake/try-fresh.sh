@@ -5,7 +5,7 @@ set -euo pipefail
 
 usage() {
   cat << 'TEXT'
-usage: cmake/try-fresh.sh [--help] bookworm|trixie [COMMAND [ARGUMENT...]]
+usage: cmake/try-fresh.sh [--help] bookworm|trixie|sid [COMMAND [ARGUMENT...]]
 
 Run by root. Without a command it types on the device of ./run and runs "./test --quick". The bare root is made below
 ~/.cache/esh and is gone afterwards; what was downloaded for it stays there, in fresh-RELEASE.
@@ -13,7 +13,7 @@ TEXT
 }
 
 case ${1-} in
-  bookworm | trixie) suite=$1 ;;
+  bookworm | trixie | sid) suite=$1 ;;
   -h | --help) usage && exit ;;
   *) usage >&2 && exit 2 ;;
 esac
