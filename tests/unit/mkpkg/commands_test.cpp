@@ -18,6 +18,7 @@ struct Mkpkg : PackageTest {
     mkpkg::PackageContents boot_image = Contents();
     boot_image.files[1].data = "Platform version: V1-R1\nProduct version: R1\n";
     WriteFile("/tmp/boot.bin", Compose(boot_image));
+    std::filesystem::create_symlink("good.bin", "/tmp/link.bin");
   }
 
   /// @return what the tool prints, behind its exit status.
@@ -36,6 +37,7 @@ TEST_F(Mkpkg, TellsByItsExitStatusHowItWent) {
       {check + "good.bin", "1 display install package: accepted\ninstall load: refused at step \"compatible\""},
       {check + "boot.bin", "1 display install package: refused at step"},
       {check + "gone.bin", "3 "},
+      {check + "link.bin", "1 display install package: accepted\n"},
       {"check good.bin", "2 "},
       {"info good.bin", "0 "},
       {"info gone.bin", "3 "},
@@ -61,6 +63,21 @@ TEST_F(Mkpkg, TellsByItsExitStatusHowItWent) {
   const std::string info = Say("info good.bin");
   for (const char* line : {"\n  device tag   0x0A0B0C0D\n", "\n  | Vendor: Kelvane\n", "  9 bytes, stored\n"})
     EXPECT_NE(info.find(line), std::string::npos) << line << info;
+}
+
+TEST_F(Mkpkg, SaysWhatIsWrong) {
+  WriteFile("/tmp/no.bin", "no package");
+  constexpr std::pair<const char*, const char*> kCalls[] = {
+      {"sign --key-name='a b' --write-block=block good.bin", "the key name must be printable and hold no blank"},
+      {"sign --write-block=block good.bin", "--key-name or --in-head is missing"},
+      {"sign --key-name=a --write-block=block no.bin", "no.bin: it is no package"},
+      {"key device gone.pem key", "cannot read gone.pem: No such file or directory"},
+      {"build good.bin", "operand PACKAGE is missing"},
+  };
+  for (const auto& [arguments, warned] : kCalls) {
+    EXPECT_NE(Say(arguments), "0 ") << arguments;
+    EXPECT_TRUE(ReadFile("/tmp/warned").starts_with(std::string("mkpkg: ") + warned)) << ReadFile("/tmp/warned");
+  }
 }
 
 TEST_F(Mkpkg, GivesAnArchiveTheTimeOfItsSources) {

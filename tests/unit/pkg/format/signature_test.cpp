@@ -34,6 +34,7 @@ TEST_F(SignatureTest, HasTheFormThatItsKeyTakes) {
       {{.key_name = "maker", .digest_info = true}, kWrongSignature},
   };
   for (const auto& [form, verdict] : cases) EXPECT_EQ(Judge(Sign(Compose(Contents()), form)), verdict) << form.key_name;
+  EXPECT_EQ(PKG_GetSignFormat(kTestPackage), 1U);
 }
 
 TEST_F(SignatureTest, LengthsMustBeThoseOfTheFile) {
