@@ -10,6 +10,7 @@
 #include "shell/tool/tool_line.h"
 #include "term/prompts.h"
 #include "util/fixed_text.h"
+#include "util/new_file.h"
 #include "util/result.h"
 
 namespace {
@@ -38,6 +39,7 @@ std::uint32_t ESH_ProcFormat() {
   ToolLine line;
   line.Append("%s %s", kScript, device.Text());
   const std::uint32_t verdict = RunTool(line);
+  SyncMediumOf(medium.Text());
   (void)ESH_SetPwd();  // whatever the script said
   return verdict;
 }
