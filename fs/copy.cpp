@@ -59,8 +59,9 @@ bool MayWrite(const NamedFile& destination) {
   return IsConfirmed();
 }
 
-std::uint32_t FailWithoutRoom() {
+std::uint32_t FailWithoutRoom(const NamedFile& destination) {
   sync();
+  SyncMediumOfEntry(destination.full);
   return Refuse(kNoRoom);
 }
 
@@ -75,11 +76,12 @@ std::uint32_t ESH_ProcCopy() {
   std::printf(kCopyQuestion, source.display, destination.display);
   if (!IsConfirmed() || !MayWrite(destination)) return kSuccess;
   // What cannot be removed is not written into either: a fifo would never let the shell go.
-  if (EntryExists(destination.full) && std::remove(destination.full) != 0) return FailWithoutRoom();
+  if (EntryExists(destination.full) && std::remove(destination.full) != 0) return FailWithoutRoom(destination);
   if (!CopyFile(source.full, destination.full, status.st_mode)) {
     (void)std::remove(destination.full);  // a part is of no use; there may be none
-    return FailWithoutRoom();
+    return FailWithoutRoom(destination);
   }
+  SyncMediumOfEntry(destination.full);  // a long name is no part of the file
   std::printf(kCopied, source.display, destination.display);
   return kSuccess;
 }

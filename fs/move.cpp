@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +14,7 @@
 #include "term/prompts.h"
 #include "util/fixed_text.h"
 #include "util/result.h"
+#include "util/unique_handle.h"
 
 namespace {
 
@@ -78,14 +80,14 @@ std::uint32_t ESH_ProcMove() {
   if (!LiesOnMedium(source.full) || !LiesOnMedium(target.Text())) return Refuse(kDoesNotExist);
   std::printf(kMoveQuestion, source.display, destination.display);
   if (!IsConfirmed()) return ESH_ERR_FAIL;
+  // The tool waits for no medium. While the source is open, FAT is in no hurry to write that it is gone: until the
+  // target is safe, a power cut finds it.
+  UniqueFd held(open(source.full, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   const std::uint32_t moved = Move(source.full, destination.full, target.Text());
-  if (moved == kSuccess) {
-    // The tool does not wait for it: for a while the file could be on neither medium.
-    SyncMediumOfEntry(target.Text());
-    SyncMediumOfEntry(source.full);
-    return kSuccess;
-  }
-  sync();
-  std::puts(kNoRoom);
+  if (moved != kSuccess) sync();
+  SyncMediumOfEntry(target.Text());
+  held.Reset();
+  SyncMediumOfEntry(source.full);
+  if (moved != kSuccess) std::puts(kNoRoom);
   return moved;
 }

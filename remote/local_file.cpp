@@ -89,7 +89,7 @@ Refusal ChooseTarget(const char* tool, TargetName& target) {
 }
 
 std::uint32_t Stored(std::uint32_t result, const TargetName& target) {
-  if (result == kSuccess) SyncMediumOf(target.Text());
+  SyncMediumOfEntry(target.Text());  // a part, too, or what is no longer there
   return result;
 }
 

@@ -29,8 +29,8 @@ using TargetName = FixedText<kMaxTarget + 1>;
 /// All of the above, in this order, with the recorded names.
 [[nodiscard]] Refusal ChooseTarget(const char* tool, TargetName& target);
 
-/// Waits until the target's medium has what a successful get has brought: its tool does not. A failed one has brought
-/// nothing to wait for. @return the tool's result, as it is given.
+/// Waits until the target's medium has what a get has brought, be it a part: its tool does not.
+/// @return the tool's result, as it is given.
 [[nodiscard]] std::uint32_t Stored(std::uint32_t result, const TargetName& target);
 
 /// Finds the full name of the file that a put reads, which must exist.
