@@ -77,11 +77,11 @@ std::uint32_t ESH_ProcCopy() {
   if (!IsConfirmed() || !MayWrite(destination)) return kSuccess;
   // What cannot be removed is not written into either: a fifo would never let the shell go.
   if (EntryExists(destination.full) && std::remove(destination.full) != 0) return FailWithoutRoom(destination);
-  if (!CopyFile(source.full, destination.full, status.st_mode)) {
+  // A long name is no part of the file: its directory has it.
+  if (!CopyFile(source.full, destination.full, status.st_mode) || !SyncMediumOfEntry(destination.full)) {
     (void)std::remove(destination.full);  // a part is of no use; there may be none
     return FailWithoutRoom(destination);
   }
-  SyncMediumOfEntry(destination.full);  // a long name is no part of the file
   std::printf(kCopied, source.display, destination.display);
   return kSuccess;
 }

@@ -81,7 +81,7 @@ bool LiesOnMedium(const char* full) {
   return realpath(Parent(full).path, real) != nullptr && IsOfMedium(real) && IsDirectory(real);
 }
 
-void SyncMediumOfEntry(const char* full) { SyncMediumOf(Parent(full).path); }
+bool SyncMediumOfEntry(const char* full) { return SyncMediumOf(Parent(full).path); }
 
 std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseName, char* output) {
   char full[kNameRoom];

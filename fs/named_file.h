@@ -24,7 +24,8 @@ struct NamedFile {
 
 /// Waits until the medium of an entry has what was done to it, its removal too. After sync FAT leaves that in the disk's
 /// own cache.
-void SyncMediumOfEntry(const char* full);
+/// @return as SyncMediumOf.
+bool SyncMediumOfEntry(const char* full);
 
 /// Decides where "copy" and "move" write to: the typed destination, or in a directory the source's base name.
 /// @param typed          the destination as typed.

@@ -22,9 +22,8 @@ bool WriteAll(int fd, const void* bytes, std::size_t length) {
   return true;
 }
 
-void SyncMediumOf(const char* path) {
+bool SyncMediumOf(const char* path) {
   const UniqueFd file(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));  // what is no file must not be waited for either
-  if (!file) return;
-  (void)syncfs(file.Get());  // there is nobody to tell: what wrote has ended well
-  (void)fsync(file.Get());   // FAT's syncfs leaves it in the disk's own cache
+  if (!file || syncfs(file.Get()) != 0) return false;
+  return fsync(file.Get()) == 0 || errno == EINVAL;  // FAT's syncfs leaves it in the disk's own cache
 }

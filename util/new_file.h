@@ -16,4 +16,5 @@
 
 /// Waits until the medium that holds a file or directory has it and all that was written there before, so that a power
 /// cut takes nothing of it. Other media, which may be slow or dying, are not waited for.
-void SyncMediumOf(const char* path);
+/// @return false when the medium does not take it; what a tool did, or what is gone, is told by other means.
+bool SyncMediumOf(const char* path);

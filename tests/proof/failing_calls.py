@@ -28,7 +28,6 @@ import time
 from operator_console import SAMPLES, OperatorConsole
 
 CONSOLE = "/dev/pts/0"
-NEW = b"new" * 30000
 USUAL = "EIO", "EINTR"
 ERRORS = {  # of a call; the others may have the usual ones. SHORT: it says that it wrote one byte
     "write": ("ENOSPC", "EIO", "EINTR", "SHORT"),
@@ -76,6 +75,7 @@ COMMANDS = [
     ("ftp 10.0.0.1 put a sent", (), ""),
     ("install load absent.bin", (), ""),
     ("install load forged.bin", (), ""),
+    ("display install package forged.bin", (), ""),
     ("format cfa0:", ("cfa0:/",), ""),
 ]
 # What is typed before, so that there is something to do, and the line.
@@ -98,13 +98,14 @@ class Device(OperatorConsole):
 
     def __init__(self):
         super().__init__()
+        self.is_up = True
         self.shell = self.find_shell()
         self.root = pathlib.Path(f"/proc/{self.shell}/root")
         for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit", "quit":
             self.type(line)
 
     def find_shell(self):
-        """The youngest process that is called esh, below the device's."""
+        """The device's process that is called esh and whose parent is, too."""
         parents = {}
         for entry in pathlib.Path("/proc").glob("[0-9]*/stat"):
             try:
@@ -113,7 +114,7 @@ class Device(OperatorConsole):
                 continue
             parents[int(fields[0])] = (fields[1], int(fields[2]))
         for process, (name, parent) in parents.items():
-            if name == "esh" and parents[parent][0] == "esh" and self.is_mine(process, parents):
+            if name == "esh" and parents.get(parent, ("",))[0] == "esh" and self.is_mine(process, parents):
                 return process
         raise LookupError("there is no shell")
 
@@ -142,7 +143,7 @@ class Device(OperatorConsole):
                 shutil.rmtree(entry) if entry.is_dir() else entry.unlink()
             for name in "dir", "empty":
                 (place / name).mkdir()
-            (place / "a").write_bytes(NEW)
+            (place / "a").write_bytes(medium.encode() * 15000)
             (place / "o").write_bytes(b"older\n")
             (place / "dir/x").write_bytes(b"kept\n")
             for name in "system.bin", "boot.bin", "bad/forged.bin":
@@ -164,7 +165,8 @@ class Device(OperatorConsole):
             place.write_text(script)
             place.chmod(0o755)
         yield
-        kept.rename(place)
+        if self.is_up:
+            kept.rename(place)
 
 
 class Strace:
@@ -175,7 +177,9 @@ class Strace:
         words = ["strace", "-qq", "-yy", "-o", self.log.name, "-p", str(shell), *options]
         self.tracer = subprocess.Popen(words, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
         status, limit = pathlib.Path(f"/proc/{shell}/status"), time.monotonic() + 5
-        while "TracerPid:\t0\n" in status.read_text() and time.monotonic() < limit:
+        while "TracerPid:\t0\n" in status.read_text():
+            if time.monotonic() > limit:
+                raise TimeoutError("strace does not come to the shell")
             time.sleep(0.002)
 
     def end(self):
@@ -198,11 +202,23 @@ class Proof:
     """The device and the counts."""
 
     def __init__(self, options):
-        self.options, self.device = options, Device()
-        self.rows = self.faults = 0
+        self.options, self.device, self.view = options, Device(), []
+        self.rows = self.missed = self.faults = 0
+
+    def begin_anew(self):
+        self.device.is_up = False
+        self.device.end()
+        self.device = Device()
+        self.enter(self.view)
+
+    def enter(self, view):
+        """Types the lines that lead to a view."""
+        self.view = view
+        for line in view:
+            self.device.type(line)
 
     def try_all(self, line, changes=(), says="", line_before=None):
-        self.line_before = line_before
+        self.line_before, self.row = line_before, line
         self.device.prepare()
         before = self.device.files()
         said, trace = self.run(line, "-f")
@@ -214,7 +230,9 @@ class Proof:
             self.device.prepare()
             state = self.device.state()
             self.row = f"{line}: {what}"
-            now, _ = self.run(line, *options)
+            now, trace = self.run(line, *options)
+            if "-einject" in options[0] and "(INJECTED)" not in trace:
+                self.missed += 1
             self.judge(now, said, state, before, done, changes)
             ways[now] += 1
 
@@ -247,12 +265,11 @@ class Proof:
     def judge(self, said, said_when_done, state, before, done, changes):
         if said is None:
             self.fault("there is no prompt")
-            self.device.end()
-            self.device = Device()
+            self.begin_anew()
             return
         state_now = self.device.state()
         if self.row.startswith("format"):  # chooses the working directory anew
-            state, state_now = state[:2], state_now[:2]
+            state, state_now = (state[:2], state[3]), (state_now[:2], state_now[3])
         if state_now != state:
             self.fault(f"was {state} and is {state_now}")
         after = self.device.files()
@@ -263,8 +280,12 @@ class Proof:
                     self.fault(f"{name} has changed")
             elif after.get(name, "") not in (before.get(name, ""), done.get(name, ""), "") and not ends_copy:
                 self.fault(f"{name} is a part")
-        if "delete" not in self.row and NEW not in after.values():
+        if "delete" not in self.row and before["flash:/a"] not in after.values():
             self.fault("the source is lost")
+        if "forged" in self.row and "Loading" in said:
+            self.fault("a forged package is loaded")
+        if re.match("copy .* (write|fsync) ", self.row) and NO_ROOM not in said:
+            self.fault("was not told: " + said)
         if after != done and said == said_when_done and not ends_copy and not self.row.startswith(TOLD_BY_TOOLS):
             self.fault("was reported as done: " + said)
         if self.device.type("pwd") is None:
@@ -283,12 +304,11 @@ def main():
     proof = Proof(options)
     for line, changes, says in COMMANDS:
         proof.try_all(line, changes, says)
-    for line in "system-view", "interface m-eth0":
-        proof.device.type(line)
+    proof.enter(["system-view", "interface m-eth0"])
     for line_before, line in COMMANDS_OF_THE_PORT:
         proof.try_all(line, line_before=line_before)
     count = len(COMMANDS) + len(COMMANDS_OF_THE_PORT)
-    print(f"failing calls: {count} commands, {proof.rows} failures, {proof.faults} faults")
+    print(f"failing calls: {count} commands, {proof.rows} failures, {proof.missed} not reached, {proof.faults} faults")
     proof.device.end()
     sys.exit(proof.faults != 0)
 
