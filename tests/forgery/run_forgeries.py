@@ -28,7 +28,9 @@ class DeviceJudge:
     def __init__(self, program, maker):
         self.path = os.path.join(maker.directory, "package")
         command = [program, self.path, str(PRODUCT_TAG), maker.key_directory]
-        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        freed = {"ASAN_OPTIONS": "quarantine_size_mb=8"}  # a sanitizer keeps what was freed
+        pipe = subprocess.PIPE
+        self.process = subprocess.Popen(command, stdin=pipe, stdout=pipe, text=True, env={**os.environ, **freed})
 
     def judge(self, package):
         """Its verdict, and what it hands out of each file of a good package; None of any other."""
