@@ -22,8 +22,8 @@ struct NamedFile {
 /// medium may come from anywhere: a link on it must lead nobody's writing into the device's own files.
 [[nodiscard]] bool LiesOnMedium(const char* full);
 
-/// Waits until the medium of an entry has what was done to it, its removal too. After sync FAT leaves that in the disk's
-/// own cache.
+/// Waits until the medium of an entry has what was done to it, its removal too. After sync FAT leaves that in the
+/// disk's own cache.
 /// @return as SyncMediumOf.
 bool SyncMediumOfEntry(const char* full);
 

@@ -193,20 +193,23 @@ class Cuts:
             samples.append(sizes)
 
     def flushes(self, samples):
-        """For every flush the sizes of the logs just behind it."""
+        """For every flush the sizes of the logs just behind it; of the other disk what it surely had by then."""
         for number, disk in enumerate(self.disks):
             for entry in disk.entries:
                 if entry.flags & FLUSH and samples[0][number] < entry.end <= samples[-1][number]:
-                    sizes = list(next(sample for sample in samples if sample[number] >= entry.end))
+                    sizes = list(max(sample for sample in samples if sample[number] < entry.end))
                     sizes[number] = entry.end
                     yield sizes
 
     def moments(self, samples):
-        """Sizes somewhere between those of two samples."""
+        """Sizes somewhere between those of two samples, or of one when both disks have got something since."""
         for _ in range(self.options.points):
             number = self.chance.randrange(len(samples))
-            bounds = zip(samples[max(number - 1, 0)], samples[number])
-            yield [self.chance.randint(least, most) for least, most in bounds]
+            bounds = list(zip(samples[max(number - 1, 0)], samples[number]))
+            if sum(least < most for least, most in bounds) > 1:
+                yield samples[number]
+            else:
+                yield [self.chance.randint(least, most) for least, most in bounds]
 
     def look(self, sizes, chance=None):
         files = {}
