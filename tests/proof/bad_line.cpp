@@ -28,8 +28,8 @@ constexpr std::size_t kMostAtOnce = 800;  // the terminal holds as much while it
 constexpr std::string_view kGo = "\x11";  // XON
 constexpr std::string_view kPrompt = "<boot>";
 constexpr unsigned kRubbishPerPaste = 400;  // what is pasted runs tools, which take their time
-constexpr long kNoGrowthKb = 64;
-constexpr int kSkipped = 77;  // where nobody may make namespaces
+constexpr long kNoGrowthKb = 256;           // the C library keeps up to 128 KB for later
+constexpr int kSkipped = 77;                // where nobody may make namespaces
 
 /// None of them waits for what no key ends.
 constexpr std::array<std::string_view, 34> kPasted{"dir",
@@ -140,7 +140,8 @@ class BadLine {
   }
 
   void TypeRubbish() {
-    if (Random(1, kRubbishPerPaste) == 1) return Type(OneOf(kPasted) + (Random(0, 1) == 0 ? "\r" : "\r\n"));
+    if (Random(1, kRubbishPerPaste) == 1)  // what is pasted must be no answer to a question: Ctrl+C ends it
+      return Type("\x03" + OneOf(kPasted) + (Random(0, 1) == 0 ? "\r" : "\r\n"));
     switch (Random(0, 6)) {
       case 0:
         return Type(Noise(0xff));
