@@ -17,7 +17,7 @@ build_packages=(
   libgtest-dev libvterm-dev
   busybox-static openssh-client python3
 )
-test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl mandoc strace python3-pexpect)
+test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl mandoc strace python3-pexpect python3-psutil)
 bench_packages=(libcli-dev openssl strace valgrind)
 arm64_packages=(
   g++-aarch64-linux-gnu qemu-system-arm ethtool socat u-boot-tools mtools

@@ -12,8 +12,12 @@ using Clock = std::chrono::steady_clock;
 
 constexpr unsigned kMostAtOnce = 800;       // the terminal holds as much while its output is stopped
 constexpr unsigned kRubbishPerPaste = 400;  // what is pasted runs tools, which take their time
-constexpr long kNoGrowthKb = 256;           // the C library keeps up to 128 KB for later
-constexpr char kGo[] = "\x11";              // XON
+#ifdef __SANITIZE_ADDRESS__
+constexpr long kNoGrowthKb = 4096;  // a sanitizer keeps what was freed, and knows of leaks by itself
+#else
+constexpr long kNoGrowthKb = 256;  // the C library keeps up to 128 KB for later
+#endif
+constexpr char kGo[] = "\x11";  // XON
 
 /// Lines with the answers to their questions; none of them waits for what no key ends.
 constexpr char kPasted[] =

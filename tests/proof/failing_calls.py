@@ -8,7 +8,7 @@ Afterwards
   - what the command does not name is as it was, and no source is lost,
   - a command that did not do its work has said so,
   - descriptors, children, the working directory and the terminal's modes are as before.
-Calls on the console itself are left out: they are how the shell is seen. Needs strace and python3-pexpect.
+Calls on the console itself are left out: they are how the shell is seen. Needs strace, python3-pexpect and python3-psutil.
 """
 
 import argparse
@@ -25,6 +25,7 @@ import tempfile
 import termios
 import time
 
+import psutil
 from operator_console import SAMPLES, OperatorConsole
 
 CONSOLE = "/dev/pts/0"
@@ -99,29 +100,11 @@ class Device(OperatorConsole):
     def __init__(self):
         super().__init__()
         self.is_up = True
-        self.shell = self.find_shell()
+        below = psutil.Process(self.console.pid).children(recursive=True)
+        self.shell = [process.pid for process in below if process.name() == "esh"][-1]  # the first one only waits for it
         self.root = pathlib.Path(f"/proc/{self.shell}/root")
         for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit", "quit":
             self.type(line)
-
-    def find_shell(self):
-        """The device's process that is called esh and whose parent is, too."""
-        parents = {}
-        for entry in pathlib.Path("/proc").glob("[0-9]*/stat"):
-            try:
-                fields = re.match(r"(\d+) \((.*)\) \S (\d+)", entry.read_text()).groups()
-            except OSError:
-                continue
-            parents[int(fields[0])] = (fields[1], int(fields[2]))
-        for process, (name, parent) in parents.items():
-            if name == "esh" and parents.get(parent, ("",))[0] == "esh" and self.is_mine(process, parents):
-                return process
-        raise LookupError("there is no shell")
-
-    def is_mine(self, process, parents):
-        while process in parents and process != self.console.pid:
-            process = parents[process][1]
-        return process == self.console.pid
 
     def state(self):
         """What every command leaves as it was."""
