@@ -99,7 +99,6 @@ class Device(OperatorConsole):
 
     def __init__(self):
         super().__init__()
-        self.is_up = True
         below = psutil.Process(self.console.pid).children(recursive=True)
         self.shell = [process.pid for process in below if process.name() == "esh"][-1]  # the first one only waits for it
         self.root = pathlib.Path(f"/proc/{self.shell}/root")
@@ -116,7 +115,7 @@ class Device(OperatorConsole):
             modes = termios.tcgetattr(console)
         finally:
             os.close(console)
-        return descriptors, children, os.readlink(process / "cwd"), modes
+        return descriptors, children, modes, os.readlink(process / "cwd")
 
     def prepare(self):
         """Puts the same files onto the media."""
@@ -148,8 +147,7 @@ class Device(OperatorConsole):
             place.write_text(script)
             place.chmod(0o755)
         yield
-        if self.is_up:
-            kept.rename(place)
+        kept.rename(place)
 
 
 class Strace:
@@ -185,20 +183,8 @@ class Proof:
     """The device and the counts."""
 
     def __init__(self, options):
-        self.options, self.device, self.view = options, Device(), []
+        self.options, self.device = options, Device()
         self.rows = self.missed = self.faults = 0
-
-    def begin_anew(self):
-        self.device.is_up = False
-        self.device.end()
-        self.device = Device()
-        self.enter(self.view)
-
-    def enter(self, view):
-        """Types the lines that lead to a view."""
-        self.view = view
-        for line in view:
-            self.device.type(line)
 
     def try_all(self, line, changes=(), says="", line_before=None):
         self.line_before, self.row = line_before, line
@@ -247,12 +233,10 @@ class Proof:
 
     def judge(self, said, said_when_done, state, before, done, changes):
         if said is None:
-            self.fault("there is no prompt")
-            self.begin_anew()
-            return
+            sys.exit(f"{self.row}: there is no prompt")  # nothing is as bad, or can be tried after it
         state_now = self.device.state()
-        if self.row.startswith("format"):  # chooses the working directory anew
-            state, state_now = (state[:2], state[3]), (state_now[:2], state_now[3])
+        if self.row.startswith("format"):  # chooses the working directory, the last of these, anew
+            state, state_now = state[:-1], state_now[:-1]
         if state_now != state:
             self.fault(f"was {state} and is {state_now}")
         after = self.device.files()
@@ -287,7 +271,8 @@ def main():
     proof = Proof(options)
     for line, changes, says in COMMANDS:
         proof.try_all(line, changes, says)
-    proof.enter(["system-view", "interface m-eth0"])
+    for line in "system-view", "interface m-eth0":
+        proof.device.type(line)
     for line_before, line in COMMANDS_OF_THE_PORT:
         proof.try_all(line, line_before=line_before)
     count = len(COMMANDS) + len(COMMANDS_OF_THE_PORT)

@@ -16,6 +16,7 @@ Needs what builds and runs the arm64 device, e2fsprogs for ext4, and python3-pex
 
 import argparse
 import bisect
+import collections
 import pathlib
 import random
 import shutil
@@ -30,14 +31,11 @@ from operator_console import SAMPLES, OperatorConsole
 SECTOR = 512
 FLUSH, DISCARD = 1, 4
 MEDIA = "flash:", "cfa0:"
+COUNTS = "commands", "states", "reported", "parts", "older files gone", "renamed files gone", "faults"
 LONG = "a-long-name-" * 4 + "bin"
 
 
-class Entry:
-    """What a log says was done."""
-
-    def __init__(self, start, end, sector, count, flags, data):
-        self.start, self.end, self.sector, self.count, self.flags, self.data = start, end, sector, count, flags, data
+Entry = collections.namedtuple("Entry", "end sector flags data")  # what a log says was done, and where that ends
 
 
 def entries_of(log):
@@ -49,7 +47,7 @@ def entries_of(log):
         end = data + (0 if flags & DISCARD else count * SECTOR)
         if end > len(bytes_) or (count == 0 and not flags):
             break
-        entries.append(Entry(place, end, sector, count, flags, bytes_[data:end]))
+        entries.append(Entry(end, sector, flags, bytes_[data:end]))
         place = end
     return entries
 
@@ -117,7 +115,7 @@ class Disk:
 
 
 def run(*words, check=True):
-    subprocess.run(words, check=check, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL, timeout=60)
+    subprocess.run(words, check=check, capture_output=True, stdin=subprocess.DEVNULL, timeout=60)
 
 
 class Cuts:
@@ -126,7 +124,7 @@ class Cuts:
     def __init__(self, directory, options):
         self.directory, self.options = directory, options
         self.chance = random.Random(options.seed)
-        self.counts = dict.fromkeys(("commands", "states", "reported", "parts", "older files gone", "renamed files gone", "faults"), 0)
+        self.counts = dict.fromkeys(COUNTS, 0)
         sizes = {"keep/book.bin": 100_000, "keep/a long name.text": 5, "old": 60_000, "source": 150_000}
         contents = directory / "contents"
         (contents / "keep").mkdir(parents=True)
