@@ -60,8 +60,7 @@ bool MayWrite(const NamedFile& destination) {
 }
 
 std::uint32_t FailWithoutRoom(const NamedFile& destination) {
-  sync();
-  SyncMediumOfEntry(destination.full);
+  SyncMedia(destination.full);
   return Refuse(kNoRoom);
 }
 

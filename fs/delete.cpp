@@ -1,5 +1,4 @@
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdio>
 
@@ -37,8 +36,7 @@ std::uint32_t ESH_ProcDelete() {
   std::puts(kPleaseWait);
   ESH_TERM_OFlush();  // it is to be read while the medium works
   const bool removed = std::remove(file.full) == 0;
-  sync();
-  SyncMediumOfEntry(file.full);
+  SyncMedia(file.full);
   if (!removed) return Refuse(kExecutionFailure);
   std::printf(kDeleted, file.display);
   return kSuccess;

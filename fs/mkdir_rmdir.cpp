@@ -68,8 +68,7 @@ std::uint32_t ESH_ProcMkdir() {
   struct stat status {};
   if (stat(file.full, &status) == 0) return Refuse(S_ISDIR(status.st_mode) ? kDirectoryExists : kFileExists);
   if (!MakeDisplayName(file) || mkdir(file.full, kDirectoryMode) != 0) return Refuse(kExecutionFailure);
-  sync();
-  SyncMediumOfEntry(file.full);
+  SyncMedia(file.full);
   std::printf(kCreated, file.display);
   return kSuccess;
 }
@@ -89,8 +88,7 @@ std::uint32_t ESH_ProcRmdir() {
     std::puts(kNotRemoved);
     return kSuccess;  // the message says all there is; the result is success
   }
-  sync();
-  SyncMediumOfEntry(file.full);
+  SyncMedia(file.full);
   std::printf(kRemoved, file.display);
   return kSuccess;
 }

@@ -84,10 +84,13 @@ std::uint32_t ESH_ProcMove() {
   // target is safe, a power cut finds it.
   UniqueFd held(open(source.full, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   const std::uint32_t moved = Move(source.full, destination.full, target.Text());
-  if (moved != kSuccess) sync();
+  if (moved != kSuccess) {
+    SyncMedia(target.Text());
+    std::puts(kNoRoom);
+    return moved;
+  }
   SyncMediumOfEntry(target.Text());
   held.Reset();
   SyncMediumOfEntry(source.full);
-  if (moved != kSuccess) std::puts(kNoRoom);
-  return moved;
+  return kSuccess;
 }

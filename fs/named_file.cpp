@@ -83,6 +83,11 @@ bool LiesOnMedium(const char* full) {
 
 bool SyncMediumOfEntry(const char* full) { return SyncMediumOf(Parent(full).path); }
 
+void SyncMedia(const char* full) {
+  sync();
+  SyncMediumOfEntry(full);
+}
+
 std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseName, char* output) {
   char full[kNameRoom];
   if (ESH_InputName2FullValidName(typed, 0, sizeof(full), full) != kSuccess) return ESH_ERR_FAIL;

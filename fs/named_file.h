@@ -22,10 +22,11 @@ struct NamedFile {
 /// medium may come from anywhere: a link on it must lead nobody's writing into the device's own files.
 [[nodiscard]] bool LiesOnMedium(const char* full);
 
-/// Waits until the medium of an entry has what was done to it, its removal too. After sync FAT leaves that in the
-/// disk's own cache.
-/// @return as SyncMediumOf.
+/// Waits until the medium of an entry has what was done to it, its removal too. @return as SyncMediumOf.
 bool SyncMediumOfEntry(const char* full);
+
+/// Has all media written, and waits for that of an entry, of which sync alone leaves FAT's in the disk's own cache.
+void SyncMedia(const char* full);
 
 /// Decides where "copy" and "move" write to: the typed destination, or in a directory the source's base name.
 /// @param typed          the destination as typed.
