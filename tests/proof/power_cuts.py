@@ -17,6 +17,7 @@ Needs what builds and runs the arm64 device, e2fsprogs for ext4, and python3-pex
 import argparse
 import bisect
 import collections
+import itertools
 import pathlib
 import random
 import shutil
@@ -33,8 +34,6 @@ FLUSH, DISCARD = 1, 4
 MEDIA = "flash:", "cfa0:"
 COUNTS = "commands", "states", "reported", "parts", "older files gone", "renamed files gone", "faults"
 LONG = "a-long-name-" * 4 + "bin"
-
-
 Entry = collections.namedtuple("Entry", "end sector flags data")  # what a log says was done, and where that ends
 
 
@@ -140,11 +139,10 @@ class Cuts:
         self.disks = [Disk(directory, name, contents, options.filesystem) for name in MEDIA]
         self.console = OperatorConsole("--arm64", "--tftp", str(lab), ESH_LOGGED_DISKS=str(directory))
 
-    def cut(self, line, after, moved=()):
+    def cut(self, line, changes):
         """Types a command and looks at what cuts leave.
 
-        after: makes of all files those that are to be there then.
-        moved: the old and the new name of a file, which is whole under one of them.
+        changes: name -> bytes that it has then, or whose it has; None for a directory, "" for nothing.
         """
         self.counts["commands"] += 1
         samples = [self.sizes()]
@@ -154,7 +152,9 @@ class Cuts:
         for _ in range(30):  # what comes late
             time.sleep(0.01)
             self.sample(samples)
-        wanted = after(dict(before))
+        wanted = before | {name: before[data] if data and data in before else data for name, data in changes.items()}
+        wanted = {name: data for name, data in wanted.items() if data != ""}
+        moved = list(changes) if line.startswith("move") else []
         if self.look(samples[-1]) != wanted:
             self.fault(line, f"is not what was expected: {said}")
         after_report = [done, samples[-1]] * max(self.options.points // 10, 3)
@@ -175,11 +175,7 @@ class Cuts:
 
     def move(self, source, destination):
         """Types a move and looks at what cuts leave."""
-        self.cut(
-            f"move {source} {destination}",
-            lambda files: without(source)({**files, destination: files[source]}),
-            (source, destination),
-        )
+        self.cut(f"move {source} {destination}", {source: "", destination: source})
 
     def sizes(self):
         return [disk.log.stat().st_size for disk in self.disks]
@@ -240,15 +236,6 @@ def difference(wanted, found):
     return ", ".join(name for name in sorted(wanted | found) if wanted.get(name, "") != found.get(name, ""))
 
 
-def with_file(name, data_of):
-    """A change: the file is there, with the bytes of another one, or these."""
-    return lambda files: {**files, name: files[data_of] if isinstance(data_of, str) else data_of}
-
-
-def without(*names):
-    return lambda files: {name: data for name, data in files.items() if name not in names}
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--filesystem", choices=("fat", "ext4"), default="fat")
@@ -261,24 +248,26 @@ def main():
         for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit", "quit":
             cuts.console.type(line)
         for medium in MEDIA:
+            made = f"{medium}/made"
             for name in f"{medium}/new", f"{medium}/{LONG}":
-                cuts.cut(f"copy source {name}", with_file(name, "flash:/source"))
-            cuts.cut(f"copy keep/book.bin {medium}/old", with_file(f"{medium}/old", "flash:/keep/book.bin"))
-            cuts.cut(f"mkdir {medium}/made", with_file(f"{medium}/made", None))
-            cuts.cut(f"copy old {medium}/made", with_file(f"{medium}/made/old", "flash:/old"))
-            cuts.cut(f"delete {medium}/made/old", without(f"{medium}/made/old"))
-            cuts.move(f"{medium}/new", f"{medium}/made/{LONG}")
-            cuts.move(f"{medium}/made/{LONG}", f"{medium}/old")
-            cuts.cut(f"rmdir {medium}/made", without(f"{medium}/made"))
-        cuts.move(f"flash:/{LONG}", f"cfa0:/{LONG}.2")
-        cuts.move(f"cfa0:/{LONG}.2", "flash:/third")
-        cuts.move("flash:/third", "cfa0:/old")
-        cuts.move("cfa0:/old", "flash:/old")
+                cuts.cut(f"copy source {name}", {name: "flash:/source"})
+            cuts.cut(f"copy keep/book.bin {medium}/old", {f"{medium}/old": "flash:/keep/book.bin"})
+            cuts.cut(f"mkdir {made}", {made: None})
+            cuts.cut(f"copy old {made}", {f"{made}/old": "flash:/old"})
+            cuts.cut(f"delete {made}/old", {f"{made}/old": ""})
+            cuts.move(f"{medium}/new", f"{made}/{LONG}")
+            cuts.move(f"{made}/{LONG}", f"{medium}/old")
+            cuts.cut(f"rmdir {made}", {made: ""})
+        for source, destination in itertools.pairwise(
+            (f"flash:/{LONG}", f"cfa0:/{LONG}.2", "flash:/third", "cfa0:/old", "flash:/old")
+        ):
+            cuts.move(source, destination)
         for tool in "tftp", "ftp":
-            cuts.cut(f"{tool} 10.0.0.1 get remote flash:/{LONG}.{tool}", with_file(f"flash:/{LONG}.{tool}", new))
-            cuts.cut(f"{tool} 10.0.0.1 get remote cfa0:/{tool}.old", with_file(f"cfa0:/{tool}.old", new))
-            cuts.cut(f"delete flash:/{LONG}.{tool}", without(f"flash:/{LONG}.{tool}"))
-        cuts.cut("install load system.bin", dict)
+            name = f"flash:/{LONG}.{tool}"
+            cuts.cut(f"{tool} 10.0.0.1 get remote {name}", {name: new})
+            cuts.cut(f"{tool} 10.0.0.1 get remote cfa0:/{tool}.old", {f"cfa0:/{tool}.old": new})
+            cuts.cut(f"delete {name}", {name: ""})
+        cuts.cut("install load system.bin", {})
         counts = ", ".join(f"{count} {name}" for name, count in cuts.counts.items())
         print(f"power cuts, {options.filesystem}, seed {options.seed}: {counts}")
         cuts.console.end()
