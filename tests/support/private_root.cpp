@@ -5,7 +5,6 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -19,10 +18,9 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Directories that are the test's own. The new root is put together in the machine's own /mnt, which always exists.
-constexpr const char* kOwnDirectories[] = {"/mnt", "/etc", "/tmp", "/lib/modules", "/proc/net", "/proc/sys"};
-constexpr const char* kOwnFiles[] = {"/proc/modules", "/sbin/scmd"};
-/// Directories that hold some of these, and otherwise show what the machine has there.
-constexpr const char* kMirrored[] = {"/", "/lib", "/proc", "/sbin"};
+constexpr const char* kOwnDirectories[] = {"/mnt", "/etc", "/tmp", "/lib", "/proc/net", "/proc/sys"};
+/// Those that show what the machine has there, but for the test's own.
+constexpr const char* kMirrored[] = {"/", "/lib", "/proc"};
 constexpr char kMachine[] = "/host";  // where the new root keeps the machine's
 
 std::string EnterNamespaces() {
@@ -36,17 +34,21 @@ std::string EnterNamespaces() {
   return problem.empty() ? device::PartMounts() : problem;
 }
 
-template <std::size_t kCount>
-bool IsOneOf(const char* const (&paths)[kCount], const std::string& path) {
-  return std::find(std::begin(paths), std::end(paths), path) != std::end(paths);
+/// Shows the machine's files, which nobody can change there: a link that leads to them is no way out.
+std::string ShowMachine(const std::string& target) {
+  std::string problem = device::BindMount("/", target);
+  mount_attr unchangeable{};
+  unchangeable.attr_set = MOUNT_ATTR_RDONLY;
+  if (problem.empty() &&
+      mount_setattr(AT_FDCWD, target.c_str(), AT_RECURSIVE, &unchangeable, sizeof(unchangeable)) != 0)
+    problem = "cannot protect the machine's files";
+  return problem;
 }
 
 void Mirror(const fs::path& directory) {
-  fs::create_directories(directory);
   for (const fs::directory_entry& entry : fs::directory_iterator(kMachine + directory.string())) {
     const fs::path shown = directory / entry.path().filename();
-    if (!IsOneOf(kOwnDirectories, shown) && !IsOneOf(kOwnFiles, shown) && !IsOneOf(kMirrored, shown))
-      fs::create_symlink(kMachine + shown.string(), shown);
+    if (!fs::exists(fs::symlink_status(shown))) fs::create_symlink(entry.path(), shown);
   }
 }
 
@@ -59,11 +61,11 @@ std::string EnterPrivateRoot() {
   if (fchdir(machine.Get()) != 0 || chroot(".") != 0) return "cannot go back to the machine's root directory";
   umount2("/mnt", MNT_DETACH);  // the root of the test before
   std::string problem = device::Mount("tmpfs", "/mnt", "tmpfs", 0, "mode=0755");
-  if (problem.empty()) problem = device::BindMount("/", std::string("/mnt") + kMachine);
+  if (problem.empty()) problem = ShowMachine(std::string("/mnt") + kMachine);
   if (problem.empty() && (chroot("/mnt") != 0 || chdir("/") != 0)) problem = "cannot change the root directory";
   if (!problem.empty()) return problem;
-  for (const char* directory : kMirrored) Mirror(directory);
   for (const char* directory : kOwnDirectories) fs::create_directories(directory);
+  for (const char* directory : kMirrored) Mirror(directory);
   return "";
 }
 

@@ -5,9 +5,9 @@
 #include <string>
 
 /// Moves this process into a user and a mount namespace of its own and into a root directory of its own, where it is
-/// user 0. The root shows the machine's files, but /mnt, /etc, /tmp, /lib/modules, /proc/net, /proc/sys and
-/// /proc/modules are the test's: they start empty (the last absent), lie in memory and end with the process. Files can
-/// be added to /sbin. A further call changes this root for a new one.
+/// user 0. The root shows the machine's files, unchangeable, but /mnt, /etc, /tmp, /proc/net and /proc/sys are the
+/// test's: they start empty, lie in memory and end with the process. Files can be added to /lib. A further call changes
+/// this root for a new one.
 /// @return an empty text, or why there is no such root.
 [[nodiscard]] std::string EnterPrivateRoot();
 
