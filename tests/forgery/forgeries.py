@@ -3,19 +3,18 @@
 import base64
 import hashlib
 import random
-import struct
-import zlib
 
-from independent_judge import FILE_HEAD, HEAD, STORED, TRAILER_FORMAT, word
-from maker import DIGEST_INFO, PRODUCT_TAG, head_sign, put, renew, split, trailer, trailer_sign
+from independent_judge import FILE_HEAD, HEAD, TRAILER_FORMAT, word
+from maker import DIGEST_INFO, head_sign, put, renew, split, trailer, trailer_sign
 
 EXTREMES = (0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF)
 
 
 def flipped_bytes(maker, step):
-    """Every byte changed, as it is and with a head whose CRC fits again. `step` of 1 changes all, of N every Nth."""
+    """Every byte changed, as it is and with a head whose CRC fits again. `step` of 1 changes all, of N every Nth and one
+    of those that fill up the word of the CRC."""
     for name, package in maker.valid.items():
-        for at in range(step // 2, len(package), step):
+        for at in [*range(step // 2, len(package), step), 6177]:
             for mask in (0xFF, 0x01 << (at % 8)):
                 damaged = package[:at] + bytes([package[at] ^ mask]) + package[at + 1 :]
                 yield f"{name}: byte {at} xor {mask:#x}", damaged
@@ -32,19 +31,6 @@ def borders(package):
         found |= {entry, offset, offset + FILE_HEAD, offset + word(package, entry + 8)}
     found |= {len(body) + at for at, byte in enumerate(end) if byte == ord("\n")}
     return sorted(found)
-
-
-def truncations(maker, _step):
-    """The end, or the start, cut at every border and beside it; a cut body with the whole trailer."""
-    for name, package in maker.valid.items():
-        end = split(package)[1]
-        for border in borders(package):
-            for at in range(max(border - 1, 0), min(border + 2, len(package))):
-                yield f"{name}: cut at {at}", package[:at]
-                yield f"{name}: begins at {at}", package[at:]
-                yield f"{name}: cut at {at}, trailer kept", package[:at] + end
-        for surplus in (b"\0", b"\n", b"X", end or b"\0" * FILE_HEAD):
-            yield f"{name}: {len(surplus)} bytes appended", package + surplus
 
 
 def words_that_decide(package):
@@ -68,11 +54,9 @@ def words(maker, step):
             for value in sorted(v & 0xFFFFFFFF for v in values):
                 what = f"{name}: word {at} = {value:#x}"
                 yield what, put(package, at, value)
-                body = put(split(package)[0], at, value)
-                if name in ("trailer", "host"):
-                    yield f"{what}, signed", trailer_sign(body, maker.pair)
-                elif name == "head" and (step == 1 or at in (8, 5168, 5176)):
-                    yield f"{what}, signed", head_sign(body, maker.pair)
+                if name != "head" or step == 1 or at in (8, 5168, 5176):
+                    form = maker.forms.get(name, maker.forms["trailer"])
+                    yield f"{what}, signed", form(put(split(package)[0], at, value))
 
 
 def wrong_keys(maker, _step):
@@ -87,7 +71,8 @@ def wrong_keys(maker, _step):
         yield f"head signed by {pair.pem}", head_sign(maker.body, pair)
         for key in (b"maker", b"long", b"other", b"three", b"three-long", b"short"):
             yield f"signed by {pair.pem} for {key}", trailer_sign(maker.body, pair, key=key)
-    for value in (b"\0", b"\x01", b"\0" * 256, b"\0" * 255 + b"\x01", b"\xff" * 256):
+    padded = b"\0\x01" + b"\xff" * 221 + b"\0" + hashlib.sha256(maker.body).digest()
+    for value in (b"\0", b"\x01", b"\0" * 256, b"\0" * 255 + b"\x01", b"\xff" * 256, padded):
         for key in maker.keys:
             yield f"signature {value[-2:]} for {key}", maker.body + trailer(value, key=key)
 
@@ -144,6 +129,8 @@ def trailers(maker, _step):
     for at in (0, HEAD, HEAD + 1, len(body) - 1):
         yield f"trailer at {at}", body[:at] + whole + body[at:]
         yield f"trailer at {at} and at the end", body[:at] + whole + body[at:] + whole
+    for surplus in (b"\0", b"\n", b"X"):
+        yield f"{surplus} behind the trailer", body + whole + surplus
     yield "two trailers", body + whole + whole
     yield "second trailer signs the first", trailer_sign(body + whole, maker.pair)
     yield "trailer in the data", trailer_sign(body.replace(b"another image", whole[:13]), maker.pair)
@@ -163,7 +150,7 @@ def other_blocks(maker, _step):
 
 
 def other_form(maker, _step):
-    """A package with a trailer behind a head of the forger's own: one key serves both forms."""
+    """A package with a trailer behind a head of the forger's own, as one key serves both forms; a file in that head."""
     for order in ("trailer", "host"):
         body = split(maker.valid[order])[0]
         genuine = maker.pair.sign(hashlib.sha256(body).digest())
@@ -173,70 +160,44 @@ def other_form(maker, _step):
         head = renew(head[:3120] + genuine.ljust(2048, b"\0") + head[5168:])
         yield f"{order}: its trailer's signature in the head", head + body
         yield f"{order}: with the trailer", head + body + trailer(genuine)
+    package = maker.valid["head"]
+    file = package[word(package, 36) :][: word(package, 40)]
+    yield "a file in words that nobody signs", put(package[:5184] + file + package[5184 + len(file) :], 36, 5184)
 
 
-FILE_IDS = (0x04000000, 0x040000E0, 0x040000F0, 0x1234)
-
-
-def any_file(chance, order):
-    """A file's head and data, and the row of the table that fits them, but for the offset."""
-    data = chance.randbytes(chance.choice((0, 1, 30, 500)))
-    check_a, check_b = chance.choice(FILE_IDS), zlib.crc32(data)
-    head = bytearray(FILE_HEAD)
-    fields = {12: check_a, 20: chance.choice((0x51, 0x52)), 24: len(data), 40: len(data), 332: check_b}
-    fields |= {44: 0xFFFFFFFF if order == "=" else 0, 328: len(data), 336: chance.choice((STORED, STORED, 2, 0))}
-    for at, value in fields.items():
-        struct.pack_into(order + "I", head, at, value)
-    head[104:110] = b"a.gz\0\0"
-    return bytes(head) + data, [check_a, 0, FILE_HEAD + len(data), check_b, check_a, 0]
+FILES = [
+    f"[{kind}]\ndevice-tag: 0x51\ncompression: {packing}\n{data}\n"
+    for kind in ("description", "compatibility", "image", "file 0x1234")
+    for packing in ("none", "none", "7z")
+    for data in ("file: /dev/null", "text:", "text: [boot]\ntext: 7.1", "text: " + 500 * "x")
+]
 
 
 def any_package(maker, chance):
-    """A good package of any form, key, byte order, and number and order of files."""
-    order, count = chance.choice(">="), chance.choice((0, 1, 2, 3, 7, 128))
-    rows, body = [], b""
-    for _ in range(count):
-        data, row = any_file(chance, chance.choice(">="))
-        row[1] = HEAD + len(body)
-        rows.append(row)
-        body += data + bytes(chance.choice((0, 0, 5)))
-    chance.shuffle(rows)
-    table = b"".join(struct.pack(order + "6I", *row) for row in rows)
-    head = bytearray(HEAD)
-    head[32 : 32 + len(table)] = table
-    fields = {4: count, 8: PRODUCT_TAG, 28: len(body), 3104: TRAILER_FORMAT, 5180: 2}
-    for at, value in {**fields, 5168: 0xFFFFFFFF if order == "=" else 0}.items():
-        struct.pack_into(order + "I", head, at, value)
-    package = renew(bytes(head) + body)
-    form = chance.choice(("head", "trailer", "long", "Kelvane"))
-    if form == "head":
-        return head_sign(package, maker.pair)
-    if form == "long":
-        return trailer_sign(package, maker.pair, DIGEST_INFO, key=b"long")
-    return trailer_sign(package, maker.pair, key=b"maker", word=b"" if form == "trailer" else b"Kelvane ")
+    """A good package of any form, byte orders, and number and order of files."""
+    files = chance.choices(FILES, k=chance.choice((0, 1, 2, 3, 7, 128)))
+    head, body = (maker.build(order, *files) for order in chance.choices(("big-endian", "host"), k=2))
+    return chance.choice([*maker.forms.values()])(head[:HEAD] + body[HEAD:])
 
 
 def damaged(package, chance, others):
     """A package changed in one place: a word, a byte, a part that goes, comes twice or comes from another package."""
-    at = chance.choice(list(words_that_decide(package))) if len(package) > HEAD and word(package, 4) < 129 else 8
-    at = min(at, max(len(package) - 4, 0))
-    first, last = sorted(chance.choice(borders(package)) + chance.choice((0, 0, -1, 1)) for _ in range(2))
+    at = chance.choice(list(words_that_decide(package)))
+    now = int.from_bytes(package[at : at + 4], "big")
+    first, last = sorted(max(chance.choice(borders(package)) + chance.choice((0, 0, -1, 1)), 0) for _ in range(2))
+    value = chance.choice((*EXTREMES, now + 1, now - 1, now ^ 1 << chance.randrange(32), len(package), first))
+    byte = chance.randrange(len(package))
     other = chance.choice(others)
-    kind = chance.randrange(7)
-    if kind < 2:
-        now = int.from_bytes(package[at : at + 4], "big")
-        value = chance.choice((*EXTREMES, now + 1, now - 1, now ^ 1 << chance.randrange(32), len(package), first))
-        return package[:at] + (value & 0xFFFFFFFF).to_bytes(4, "big") + package[at + 4 :]
-    if kind == 2:
-        at = chance.randrange(len(package))
-        return package[:at] + chance.randbytes(1) + package[at + 1 :]
-    if kind == 3:
-        return package[: max(first, 0)] + package[last:]
-    if kind == 4:
-        return package[:last] + package[max(first, 0) :]
-    if kind == 5:
-        return split(package)[0] + split(other)[1]
-    return package[: max(first, 0)] + other[max(first, 0) :]
+    changed = package[:at] + (value & 0xFFFFFFFF).to_bytes(4, "big") + package[at + 4 :]
+    return chance.choice((
+        changed,
+        changed,
+        package[:byte] + chance.randbytes(1) + package[byte + 1 :],
+        package[:first] + package[last:],
+        package[:last] + package[first:],
+        split(package)[0] + split(other)[1],
+        package[:first] + other[first:],
+    ))
 
 
 def damaged_grammar(maker, step):
@@ -254,9 +215,8 @@ def damaged_grammar(maker, step):
         if len(package) >= HEAD and chance.random() < 0.7:
             package = renew(package)
         if len(package) >= HEAD and chance.random() < 0.02:
-            body = split(package)[0]
-            package = trailer_sign(body, maker.pair) if chance.random() < 0.5 else head_sign(body, maker.pair)
+            package = chance.choice([*maker.forms.values()])(split(package)[0])
         yield f"package {number}, damaged", package
 
 
-GROUPS = (other_form, flipped_bytes, truncations, words, wrong_keys, trailers, other_blocks, damaged_grammar)
+GROUPS = (other_form, flipped_bytes, words, wrong_keys, trailers, other_blocks, damaged_grammar)

@@ -13,9 +13,7 @@ from independent_judge import HEAD, HEAD_KEY, crc16, order_of
 
 PRODUCT_TAG = 0x5100
 DIGEST_INFO = bytes.fromhex("3031300d060960864801650304020105000420")
-DESCRIPTION = """
-product-tag: 0x5100
-byte-order: %s
+FILES = """
 [description]
 text: Product version: R1
 [compatibility]
@@ -112,28 +110,39 @@ class Maker:
     """Keys, the device's key directory and valid packages of every kind."""
 
     def __init__(self, mkpkg, directory):
-        self.directory = directory
+        self.mkpkg, self.directory = mkpkg, directory
+        self.source, self.target = (os.path.join(directory, "valid" + end) for end in (".pkg", ".bin"))
         self.key_directory = os.path.join(directory, "keys")
         self.pair = KeyPair(directory, "maker", "2048")
         self.other = KeyPair(directory, "other", "2048")
         self.three = KeyPair(directory, "three", "-3", "2048")
         self.short = KeyPair(directory, "short", "1024")
-        self.valid = {
-            "trailer": self.package(mkpkg, "big-endian", "--key-name=maker"),
-            "vendor": self.package(mkpkg, "big-endian", "--key-name=long", "--markers=kelvane", "--digest-info"),
-            "head": self.package(mkpkg, "big-endian", "--in-head"),
-            "host": self.package(mkpkg, "host", "--key-name=maker"),
+        self.forms = {
+            "trailer": lambda body: trailer_sign(body, self.pair),
+            "vendor": lambda body: trailer_sign(body, self.pair, DIGEST_INFO, key=b"long", word=b"Kelvane "),
+            "head": lambda body: head_sign(body, self.pair),
         }
-        self.body = split(self.valid["trailer"])[0]
+        self.body = self.build("big-endian", FILES)
+        self.valid = {
+            "trailer": self.sign(self.body, "--key-name=maker"),
+            "vendor": self.sign(self.body, "--key-name=long", "--markers=kelvane", "--digest-info"),
+            "head": self.sign(self.body, "--in-head"),
+            "host": self.sign(self.build("host", FILES), "--key-name=maker"),
+        }
         self.keys = self.make_keys()
         self.write_keys()
 
-    def package(self, mkpkg, order, *form):
-        source, target = (os.path.join(self.directory, "valid" + end) for end in (".pkg", ".bin"))
-        Path(source).write_text(DESCRIPTION % order)
-        run(mkpkg, "build", "--force", source, target)
-        run(mkpkg, "sign", *form, "--private-key=" + self.pair.pem, target)
-        return Path(target).read_bytes()
+    def build(self, order, *files):
+        """An unsigned package, made by the package tool of files that are described."""
+        Path(self.source).write_text(f"product-tag: {PRODUCT_TAG}\nbyte-order: {order}\n" + "".join(files))
+        run(self.mkpkg, "build", "--force", self.source, self.target)
+        return Path(self.target).read_bytes()
+
+    def sign(self, body, *form):
+        """Has the package tool sign a package."""
+        Path(self.target).write_bytes(body)
+        run(self.mkpkg, "sign", *form, "--private-key=" + self.pair.pem, self.target)
+        return Path(self.target).read_bytes()
 
     def make_keys(self):
         n, e = self.pair.modulus, self.pair.exponent
@@ -152,7 +161,7 @@ class Maker:
                 keys[b"modulus-%d-%d" % (value % 1000, size)] = device_key(value, e, size)
                 keys[b"exponent-%d-%d" % (value % 1000, size)] = device_key(n, value, size)
         for size in (0, 1, 513, 515, 517, 1028):
-            keys[b"size-%d" % size] = (good + good)[:size]
+            keys[b"size-%d" % size] = (good + good)[len(good) * 2 - size :]
         return keys
 
     def write_keys(self):

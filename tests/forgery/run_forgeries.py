@@ -16,7 +16,7 @@ from pathlib import Path
 
 import forgeries
 import independent_judge
-from maker import DIGEST_INFO, PRODUCT_TAG, Maker, head_sign, trailer_sign
+from maker import PRODUCT_TAG, Maker
 
 MAX_REPORTED = 20
 MOST_MEGABYTES = 256  # a sanitizer's included
@@ -67,11 +67,7 @@ def compare(maker, device, step):
 def main(mkpkg, judge, step="1"):
     with tempfile.TemporaryDirectory(prefix="esh-forgeries.") as directory:
         maker = Maker(mkpkg, directory)
-        own = {
-            "trailer": trailer_sign(maker.body, maker.pair),
-            "vendor": trailer_sign(maker.body, maker.pair, DIGEST_INFO, key=b"long", word=b"Kelvane "),
-            "head": head_sign(maker.body, maker.pair),
-        }
+        own = {name: form(maker.body) for name, form in maker.forms.items()}
         if own.items() - maker.valid.items():
             sys.exit("the package tool signs otherwise than the maker of forgeries")
         device = DeviceJudge(judge, maker)
