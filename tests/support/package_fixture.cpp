@@ -1,14 +1,10 @@
 #include "tests/support/package_fixture.h"
 
-#include <filesystem>
-#include <iterator>
-
 #include "pkg/format/contained_file.h"
 #include "pkg/format/head_check.h"
 #include "pkg/format/product_code.h"
 #include "pkg/format/signature.h"
 #include "tools/mkpkg/device_key.h"
-#include "tools/mkpkg/package_bytes.h"
 #include "util/unique_handle.h"
 
 void PackageTest::SetUp() {
@@ -59,12 +55,6 @@ std::string PackageTest::GoodPackage(bool in_head) {
   return Sign(Compose(Contents()), {.in_head = in_head, .key_name = "maker"});
 }
 
-std::string PackageTest::WithHeadWord(std::string package, std::size_t offset, std::uint32_t value) {
-  mkpkg::PutWord(package, offset, value);
-  mkpkg::RenewHeadCrc(package);
-  return package;
-}
-
 UniquePackage PackageTest::Open(const std::string& package) {
   WriteFile(kTestPackage, package);
   return UniquePackage(PackageReadFileCreateByFile(kTestPackage));
@@ -84,9 +74,4 @@ std::string PackageTest::FileOf(const UniquePackage& reader, std::size_t row) {
       static_cast<char*>(GetFileFromReadHeadByFileDesc(&reader->head.files[row], reader.get(), 0, &size, nullptr)));
   EXPECT_EQ(data == nullptr, size == 0);
   return data == nullptr ? "" : std::string(data.get(), size);
-}
-
-std::size_t OpenDescriptors() {
-  const std::filesystem::directory_iterator entries("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }

@@ -27,8 +27,6 @@ struct PackageTest : PrivateRootTest {
   static std::string Sign(std::string package, const mkpkg::SignatureForm& form);
   /// Contents(), signed with a trailer that names "maker", or in the head.
   static std::string GoodPackage(bool in_head = false);
-  /// A package with another word in its main head, whose CRC then fits again.
-  static std::string WithHeadWord(std::string package, std::size_t offset, std::uint32_t value);
 
   /// Stores a package and opens it. @return none when it does not open.
   static UniquePackage Open(const std::string& package);
@@ -37,6 +35,3 @@ struct PackageTest : PrivateRootTest {
   /// What an open package hands out of the file in a row of its table; empty for nothing.
   static std::string FileOf(const UniquePackage& reader, std::size_t row);
 };
-
-/// Descriptors that this process has open.
-[[nodiscard]] std::size_t OpenDescriptors();
