@@ -53,9 +53,6 @@ class KeyPair:
         p_part, q_part = pow(number, p_exponent, p), pow(number, q_exponent, q)
         return (q_part + (p_part - q_part) * coefficient % p * q).to_bytes(size, "big")
 
-    def device_key(self, size=514):
-        return device_key(self.modulus, self.exponent, size)
-
 
 def device_key(modulus, exponent, size=514):
     return b"\x08\x00".rjust(size - 512, b"\0") + modulus.to_bytes(256, "big") + exponent.to_bytes(256, "big")
@@ -129,8 +126,7 @@ class Maker:
             "head": self.sign(self.body, "--in-head"),
             "host": self.sign(self.build("host", FILES), "--key-name=maker"),
         }
-        self.keys = self.make_keys()
-        self.write_keys()
+        self.keys = self.write_keys()
 
     def build(self, order, *files):
         """An unsigned package, made by the package tool of files that are described."""
@@ -144,17 +140,18 @@ class Maker:
         run(self.mkpkg, "sign", *form, "--private-key=" + self.pair.pem, self.target)
         return Path(self.target).read_bytes()
 
-    def make_keys(self):
+    def write_keys(self):
+        """Fills the device's key directory. @return its plain files that a package may name."""
         n, e = self.pair.modulus, self.pair.exponent
-        good = self.pair.device_key()
+        good = device_key(n, e)
         keys = {
             b"maker": good,
-            b"long": self.pair.device_key(516),
+            b"long": device_key(n, e, 516),
             HEAD_KEY: good,
-            b"other": self.other.device_key(),
-            b"three": self.three.device_key(),
-            b"three-long": self.three.device_key(516),
-            b"short": self.short.device_key(),
+            b"other": device_key(self.other.modulus, e),
+            b"three": device_key(self.three.modulus, 3),
+            b"three-long": device_key(self.three.modulus, 3, 516),
+            b"short": device_key(self.short.modulus, e),
         }
         for value in (0, 1, 2, n - 1, n, 2**2048 - 1):
             for size in (514, 516):
@@ -162,12 +159,9 @@ class Maker:
                 keys[b"exponent-%d-%d" % (value % 1000, size)] = device_key(n, value, size)
         for size in (0, 1, 513, 515, 517, 1028):
             keys[b"size-%d" % size] = (good + good)[len(good) * 2 - size :]
-        return keys
-
-    def write_keys(self):
         os.mkdir(self.key_directory)
-        good = self.keys[b"maker"]
-        for name, key in {**self.keys, b"../outside": good, b".hidden": good}.items():
+        for name, key in {**keys, b"../outside": good, b".hidden": good}.items():
             Path(self.key_directory, name.decode() + ".key").write_bytes(key)
         os.symlink("maker.key", os.path.join(self.key_directory, "link.key"))
         os.mkdir(os.path.join(self.key_directory, "directory.key"))
+        return keys

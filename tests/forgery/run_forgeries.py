@@ -19,6 +19,9 @@ import independent_judge
 from maker import PRODUCT_TAG, Maker
 
 MAX_REPORTED = 20
+REASONS = set("""byte-order head-crc key-file key-name key-value kind no-main-head no-trailer product-tag
+shorter-than-payload signature-length signature-text too-many-files trailer-form trailer-holds-nul trailer-length
+wrong-signature good""".split())
 MOST_MEGABYTES = 256  # a sanitizer's included
 
 
@@ -47,7 +50,7 @@ class DeviceJudge:
 
 def compare(maker, device, step):
     """Has both look at all forgeries. @return how many verdicts differ."""
-    differences = 0
+    differences, reasons = 0, set()
     for group in forgeries.GROUPS:
         verdicts = collections.Counter()
         for what, package in group(maker, step):
@@ -60,6 +63,9 @@ def compare(maker, device, step):
                 print(f"DIFFERENT: {group.__name__}: {what}: the device says {verdict}, the judge {wanted}")
         counts = ", ".join(f"{name} {count}" for name, count in sorted(verdicts.items()))
         print(f"{group.__name__}: {verdicts.total()} forgeries: {counts}")
+        reasons |= verdicts.keys()
+    if reasons != REASONS:
+        sys.exit(f"no forgery, or one too many, was judged: {reasons ^ REASONS}")
     print(f"{differences} verdicts differ")
     return differences
 

@@ -1,7 +1,6 @@
 #include "tests/support/package_fixture.h"
 
 #include "pkg/format/contained_file.h"
-#include "pkg/format/head_check.h"
 #include "pkg/format/product_code.h"
 #include "pkg/format/signature.h"
 #include "tools/mkpkg/device_key.h"
@@ -33,7 +32,9 @@ mkpkg::PackageContents PackageTest::Contents() {
   contents.product_tag = kTestProductTag;
   contents.files = {
       {.id = kCompatibilityFile, .name = "compatible.txt", .data = "[boot]\nV1-R1\n"},
-      {.id = kDescriptionFile, .name = "description.txt", .data = "Vendor: Kelvane\nProduct version: R1\n"},
+      {.id = kDescriptionFile,
+       .name = "description.txt",
+       .data = "Vendor: Kelvane\nPlatform version: V1-R1\nProduct version: R1\n"},
       {.id = kSystemImageFile, .name = "other.gz", .data = "for another device", .device_code = 1},
       {.id = kSystemImageFile, .name = "system.gz", .data = "the image", .device_code = kTestDeviceTag},
   };
@@ -58,14 +59,6 @@ std::string PackageTest::GoodPackage(bool in_head) {
 UniquePackage PackageTest::Open(const std::string& package) {
   WriteFile(kTestPackage, package);
   return UniquePackage(PackageReadFileCreateByFile(kTestPackage));
-}
-
-PackageVerdict PackageTest::Judge(const std::string& package) {
-  WriteFile(kTestPackage, package);
-  PKG_READER_S* reader = nullptr;
-  const PackageVerdict opened = OpenPackage(kTestPackage, reader);
-  const UniquePackage owned(reader);
-  return reader == nullptr ? opened : JudgePackage(reader, kTestProductTag, kSignKeyDirectory);
 }
 
 std::string PackageTest::FileOf(const UniquePackage& reader, std::size_t row) {

@@ -19,7 +19,8 @@ struct PackageTest : PrivateRootTest {
 
   /// The maker's private key; a new one in each process.
   static const mkpkg::UniqueKey& MakerKey();
-  /// A system package: compatibility list, description, an image for another device and one for this one.
+  /// A system package: compatibility list, description, an image for another device and one for this one. It
+  /// is for boot images of version V1-R1-R1, as which it can itself stand in.
   static mkpkg::PackageContents Contents();
   /// An unsigned package.
   static std::string Compose(const mkpkg::PackageContents& contents);
@@ -30,8 +31,6 @@ struct PackageTest : PrivateRootTest {
 
   /// Stores a package and opens it. @return none when it does not open.
   static UniquePackage Open(const std::string& package);
-  /// Stores a package and passes the device's judgement on it.
-  static PackageVerdict Judge(const std::string& package);
   /// What an open package hands out of the file in a row of its table; empty for nothing.
   static std::string FileOf(const UniquePackage& reader, std::size_t row);
 };

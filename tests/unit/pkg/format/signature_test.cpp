@@ -6,6 +6,7 @@
 
 #include "pkg/format/head_check.h"
 #include "pkg/format/product_code.h"
+#include "pkg/format/public_key.h"
 #include "tests/support/package_fixture.h"
 
 namespace {
@@ -30,11 +31,14 @@ TEST_F(SignatureTest, ADeviceThatDoesNotKnowItsProductTakesNoPackage) {
   EXPECT_EQ(CheckPackageHead(Open(Compose(of_nobody)).get()), kErrPackageMismatch);
 }
 
-TEST_F(SignatureTest, ExponentBelow65537IsRefused) {
+TEST_F(SignatureTest, KeyWithASmallExponentOrAnEvenModulusIsRefused) {
   const std::string path = std::string(kSignKeyDirectory) + "/prefixed" + kKeySuffix;
-  std::string key = ReadFile(path);
-  WriteFile(path, key.replace(key.size() - 3, 3, "\0\xFF\xFF", 3));
-  EXPECT_EQ(Judge(Sign(Compose(Contents()), {.key_name = "prefixed", .digest_info = true})), kKeyValue);
+  const std::string good = ReadFile(path);
+  for (const auto& [end, bytes] :
+       {std::pair(std::size_t{3}, std::string("\0\xFF\xFF", 3)), {kKeyNumberSize + 1, "\x02"}}) {
+    WriteFile(path, std::string(good).replace(good.size() - end, bytes.size(), bytes));
+    EXPECT_EQ(JudgeOpen(Open(Sign(Compose(Contents()), {.key_name = "prefixed", .digest_info = true}))), kKeyValue);
+  }
 }
 
 TEST_F(SignatureTest, PathMustNameTheOpenFile) {
