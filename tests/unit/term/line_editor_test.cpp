@@ -1,14 +1,16 @@
 #include "term/line_editor.h"
 
 #include <gtest/gtest.h>
+#include <vterm.h>
 
 #include <algorithm>
+#include <memory>
 #include <random>
 #include <string>
+#include <string_view>
 
 #include "term/history.h"
 #include "term/line_state.h"
-#include "tests/support/virtual_screen.h"
 #include "tests/unit/term/scripted_editor.h"
 
 namespace {
@@ -58,6 +60,10 @@ const KeyCase kKeys[] = {
     {"over rows that lose the column", "abc\001\005\n", "abc\n", "ab\r\nc\033[1A\033[8D\033[6C\033[1B\033[8D\033[1C",
      kCommand, 8, "linux"},
     {"no rows", kLong + "\002\n", kLong + "\n", kLong + "\033[1D\033[1C", kCommand, 0, "esh-zerowidth"},
+    {"single steps instead", "abc\001d\n", "dabc\n", "abc\b\b\b\033[Jdabc\b\b\b\033[C\033[C\033[C", kCommand, 80,
+     "esh-steps"},
+    {"neither way of moving, and no bell of our own", "abc\001\001\010\n", "abc\n", "abc", kCommand, 80, "esh-still"},
+    {"no padding on the screen", "ab\010\n", "a\n", "ab\033[1D\033[J", kCommand, 80, "vt100"},
     {"a row without an end", kLong + "\n", kLong + "\n", kLong, kCommand, 0, "esh-nowidth"},
     {"escape alone", "ab\002\033\0\0\n"s, "ab\n", "ab\033[1D\a\033[1C"},
     {"no such sequence", "ab\002\033[\0\0\033OA\0\0\033[E\0\0\n"s, "ab\n", "ab\033[1D\a\a\a\033[1C"},
@@ -101,6 +107,27 @@ std::string RandomLines(unsigned seed, std::size_t lines, std::size_t keys_of_a_
     keys += "\n";
   }
   return keys;
+}
+
+/// What an operator would see, and where the cursor stands, counted from 0.
+struct VirtualScreen {
+  std::string text;
+  int row;
+  int column;
+};
+
+/// The screen of a terminal that was empty and has obeyed these bytes (libvterm, an ECMA-48 terminal with automatic
+/// margins).
+VirtualScreen ScreenAfter(std::string_view bytes, int rows, int columns) {
+  const std::unique_ptr<VTerm, decltype(&vterm_free)> terminal(vterm_new(rows, columns), vterm_free);
+  VTermScreen* screen = vterm_obtain_screen(terminal.get());
+  vterm_screen_reset(screen, 1);
+  vterm_input_write(terminal.get(), bytes.data(), bytes.size());
+  std::string text(static_cast<std::size_t>(rows * (columns + 1)) * 4, '\0');
+  text.resize(vterm_screen_get_text(screen, text.data(), text.size(), {0, rows, 0, columns}));
+  VTermPos cursor{};
+  vterm_state_get_cursorpos(vterm_obtain_state(terminal.get()), &cursor);
+  return {text, cursor.row, cursor.col};
 }
 
 /// Holds the screen, on which the editor has drawn many differences, against one that shows the line straight away.

@@ -6,25 +6,12 @@
 #include <term.h>
 
 #include <cstdlib>
+#include <string>
 
 #include "term/history.h"
 #include "term/line_editor.h"
 
-namespace {
-
-void ForgetHistory() {
-  for (ESH_HIS_LINK_S* link = g_stEShHisRec.pstNext; link != &g_stEShHisRec;) {
-    auto* node = static_cast<ESH_HIS_NODE_S*>(link);
-    link = link->pstNext;
-    std::free(node->pcCmd);
-    delete node;
-  }
-  ESH_HIS_Init();
-}
-
-}  // namespace
-
-ScriptedEditor::ScriptedEditor(std::string_view keys, const char* term, unsigned width) : stdio_(keys) {
+ScriptedEditor::ScriptedEditor(std::string_view keys, const char* term, unsigned width) : ScriptedStdio(keys) {
   setenv("TERMINFO", ESH_TEST_TERMINFO, 1);
   setenv("TERM", term, 1);
   setenv("COLUMNS", std::to_string(width).c_str(), 1);
@@ -35,6 +22,11 @@ ScriptedEditor::ScriptedEditor(std::string_view keys, const char* term, unsigned
 
 ScriptedEditor::~ScriptedEditor() {
   ESH_LINE_Exit();
-  ForgetHistory();
+  for (ESH_HIS_LINK_S* link = g_stEShHisRec.pstNext; link != &g_stEShHisRec;) {
+    auto* node = static_cast<ESH_HIS_NODE_S*>(link);
+    link = link->pstNext;
+    std::free(node->pcCmd);
+    delete node;
+  }
   del_curterm(cur_term);
 }

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "tests/support/scripted_stdio.h"
 
 /// The line editor on a terminal, in this process, with an empty history and with keys that are all typed already.
-class ScriptedEditor {
+class ScriptedEditor : public ScriptedStdio {
  public:
   /// @param width of the terminal in columns; 0: as the terminal's description has it.
   explicit ScriptedEditor(std::string_view keys = {}, const char* term = "xterm", unsigned width = 80);
@@ -14,12 +13,4 @@ class ScriptedEditor {
   ~ScriptedEditor();
   ScriptedEditor(const ScriptedEditor&) = delete;
   ScriptedEditor& operator=(const ScriptedEditor&) = delete;
-
-  /// What was written since the last call.
-  [[nodiscard]] std::string TakeOutput() { return stdio_.TakeOutput(); }
-  /// The keys that nobody has read.
-  [[nodiscard]] std::string TakeKeysLeft() { return stdio_.TakeKeysLeft(); }
-
- private:
-  ScriptedStdio stdio_;
 };
