@@ -2,9 +2,8 @@
 
 #include <cstdlib>
 #include <string>
-#include <tuple>
+#include <utility>
 
-#include "net/interface_counters.h"
 #include "net/ipv6_listing.h"
 #include "net/management_port.h"
 #include "net/network_commands.h"
@@ -16,34 +15,16 @@ namespace {
 
 using InterfaceReading = PrivateRootTest;
 
-TEST_F(InterfaceReading, TakesTheCountersOfItsOwnLine) {
-  constexpr std::tuple<const char*, const char*, const char*, unsigned long long, unsigned long long> kCases[] = {
-      {"the first of two, behind another's",
-       "    lo: 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9\n\t m-eth0:1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\nm-eth0: 3 4\n",
-       "m-eth0", 1, 16},
-      {"64 bits", "m-eth0: 18446744073709551615 0 0 0 0 0 0 0 0 0 0 0 0 0 0 9223372036854775808\n", "m-eth0",
-       18446744073709551615U, 9223372036854775808U},
-      {"numbers are missing", "m-eth0: 7 8", "m-eth0", 7, 0},
-      {"other names", "m-eth01: 1\nxm-eth0: 1\nm-eth: 1\nm-eth0 1\nm-eth0.100: 1\n", "", 0, 0},
-  };
-  InterfaceCounters nothing;
-  EXPECT_FALSE(ReadInterfaceCounters("m-eth0", nothing)) << "there is no file";
-  for (const auto& [why, lines, name, received_bytes, sent_compressed] : kCases) {
-    WriteFile("/proc/net/dev", std::string("m-eth0: 1\nm-eth0: 2\n") + lines);  // whatever the two heading lines say
-    InterfaceCounters counters;
-    ASSERT_TRUE(ReadInterfaceCounters("m-eth0", counters));
-    EXPECT_STREQ(counters.name, name) << why;
-    EXPECT_EQ(counters.column[kReceivedBytes], received_bytes) << why;
-    EXPECT_EQ(counters.column[kSendCompressed], sent_compressed) << why;
-  }
-}
-
 TEST_F(InterfaceReading, IsDisplayedLineByLine) {
   ASSERT_EQ(unshare(CLONE_NEWNET), 0);
   ASSERT_EQ(std::system("busybox ip link add m-eth0 address 02:5a:c1:07:f2:0e type veth &&"  // NOLINT(cert-env33-c)
                         "busybox ip addr add 10.0.0.9/23 dev m-eth0"),
             0);
-  WriteFile("/proc/net/dev", "\n\nm-eth0: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n");
+  const std::string heading = "m-eth0: 1\nm-eth0: 2\n";  // whatever its two lines say
+  WriteFile("/proc/net/dev", heading +
+                                 "    lo: 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9\n"
+                                 "\t m-eth0:1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n"
+                                 "m-eth0: 3 4\n");
   WriteFile(kIPv6ListingFile,
             "fe800000000000000000000000000001 02 40 20 80   m-eth0\n"
             "00000000000000000000000000000001 01 80 10 80       lo\n"
@@ -74,6 +55,17 @@ TEST_F(InterfaceReading, IsDisplayedLineByLine) {
             "m-eth0 current state: Administratively DOWN\r\nLine protocol current state: Administratively DOWN\r\n"
             "The Maximum Transmit Unit is 1500 \r\n" +
                 lines);
+  constexpr std::pair<const char*, const char*> kCounters[] = {
+      {"m-eth0: 18446744073709551615 0 0 0 0 0 0 0 9223372036854775808 0 0 0 0 0 0 0\n",
+       "\nInput bytes:18446744073709551615\r\nOutput bytes:9223372036854775808\r\n"},
+      {"m-eth0: 7 8", "\nInput bytes:7\r\nOutput bytes:0\r\n"},
+      {"m-eth01: 1\nxm-eth0: 1\nm-eth: 1\nm-eth0 1\nm-eth0.100: 1\n", "Operation failed.\r\n"},
+  };
+  for (const auto& [counters, end] : kCounters) {
+    WriteFile("/proc/net/dev", heading + counters);
+    (void)ESH_ProcDisInterface();
+    EXPECT_TRUE(stdio.TakeOutput().ends_with(end)) << counters;
+  }
 }
 
 }  // namespace
