@@ -52,12 +52,12 @@ bool ConsoleEnd::TakeIn(milliseconds time) {
   if (poll(&console, 1, static_cast<int>(time.count())) <= 0) return false;
   char bytes[4096];
   const ssize_t length = read(ConsoleFd(), bytes, sizeof(bytes));
-  is_closed_ = length <= 0;
-  if (is_closed_)
+  const bool is_closed = length <= 0;
+  if (is_closed)
     std::this_thread::sleep_for(milliseconds(1));  // which the terminal says at once, and for ever
   else
     printed_.append(bytes, static_cast<std::size_t>(length));
-  return !is_closed_;
+  return !is_closed;
 }
 
 void ConsoleEnd::GiveUp(const std::string& problem) {
@@ -91,11 +91,4 @@ Console::Console(const std::function<void()>& body) {
 Console::~Console() {
   kill(child_, SIGKILL);
   waitpid(child_, nullptr, 0);
-}
-
-std::string Console::ReadToEnd() {
-  while (TakeIn(kPatience)) {
-  }
-  EXPECT_TRUE(is_closed_) << "it does not end";
-  return Lines(waited_for_);
 }

@@ -38,7 +38,6 @@ class ConsoleEnd {
 
   std::string printed_;
   std::size_t waited_for_ = 0;
-  bool is_closed_ = false;  ///< nobody is at the far end now
 
  private:
   bool has_given_up_ = false;
@@ -55,8 +54,6 @@ class Console : public ConsoleEnd {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  /// All that the child writes until it ends.
-  [[nodiscard]] std::string ReadToEnd();
   /// Its process ID, also when it has ended.
   [[nodiscard]] pid_t Child() const { return child_; }
   [[nodiscard]] int ConsoleFd() const override { return keyboard_.Get(); }
