@@ -6,26 +6,21 @@
 #include <utility>
 #include <vector>
 
-#include "util/vector.h"
-
 namespace {
 
 constexpr std::size_t kMaxCommands = 32;
 
 std::deque<std::string> g_texts;  // the elements keep pointers into them
 std::vector<std::string> g_commands;
-std::vector<ESH_CMD_THREAD_S*> g_threads;  // of them; a view does not take every one
+std::vector<void*>& g_kept = *new std::vector<void*>;  // views and their commands, which nobody frees
 std::string g_ran;
-
-template <std::size_t kIndex>
-std::uint32_t Handler() {
-  g_ran += g_commands[kIndex] + "\n";
-  return 0;
-}
 
 template <std::size_t... kIndexes>
 constexpr std::array<ESH_CMD_PROC_F, sizeof...(kIndexes)> MakeHandlers(std::index_sequence<kIndexes...>) {
-  return {Handler<kIndexes>...};
+  return {[] {
+    g_ran += g_commands[kIndexes] + "\n";
+    return 0U;
+  }...};
 }
 constexpr auto kHandlers = MakeHandlers(std::make_index_sequence<kMaxCommands>());
 
@@ -41,15 +36,6 @@ std::uint32_t TypeOfWord(const std::string& word) {
   return ESH_ELEM_KEYWORD;
 }
 
-void FreeCommand(ESH_CMD_THREAD_S* thread) {
-  for (ESH_CMD_LINK_S* link = thread->pstNext; link != thread;) {
-    auto* element = static_cast<ESH_CMD_ELEMENT_S*>(link);
-    link = link->pstNext;
-    delete element;
-  }
-  delete thread;
-}
-
 }  // namespace
 
 TestView::TestView(const char* prompt, std::initializer_list<const char*> commands) : before_(g_pstEshCurrentView) {
@@ -60,29 +46,22 @@ TestView::TestView(const char* prompt, std::initializer_list<const char*> comman
   for (const char* command : commands) Add(command);
 }
 
-TestView::~TestView() {
-  for (ESH_CMD_THREAD_S* thread : std::exchange(g_threads, {})) FreeCommand(thread);
-  VEC_Free(g_pstEshCurrentView->pstCmdVec);
-  delete std::exchange(g_pstEshCurrentView, before_);
-}
+TestView::~TestView() { g_kept.push_back(std::exchange(g_pstEshCurrentView, before_)); }
 
-void TestView::Add(const std::string& words, const TestCallbacks& callbacks) {
+void TestView::Add(const std::string& words, ESH_CMD_HELP_F help, ESH_CMD_CHECK_F check) {
   ESH_CMD_THREAD_S* thread = ESH_CmdThread_Init(kHandlers.at(g_commands.size()));
   g_commands.push_back(words);
-  g_threads.push_back(thread);
-  const auto* record = callbacks.records.begin();
+  g_kept.push_back(thread);
   std::istringstream stream(words);
   for (std::string word; stream >> word;) {
     const std::uint32_t type = TypeOfWord(word);
     const char* text = g_texts.emplace_back(word).c_str();
-    if (type == ESH_ELEM_CR) {
+    if (type == ESH_ELEM_CR)
       ESH_CmdThread_AddCr(thread);
-    } else if (type == ESH_ELEM_KEYWORD) {
+    else if (type == ESH_ELEM_KEYWORD)
       ESH_CmdThread_AddCmdElement(thread, text, "What it is", nullptr, nullptr, nullptr, type);
-    } else {
-      ESH_CmdThread_AddCmdElement(thread, text, "What it is", callbacks.help, callbacks.check,
-                                  record == callbacks.records.end() ? nullptr : *record++, type);
-    }
+    else
+      ESH_CmdThread_AddCmdElement(thread, text, "What it is", help, check, nullptr, type);
   }
   ESH_CmdThread_Reg2View(g_pstEshCurrentView, thread);
 }

@@ -5,7 +5,6 @@
 #include <initializer_list>
 #include <string>
 
-#include "shell/command/parameter.h"
 #include "shell/command/words.h"
 #include "tests/support/test_view.h"
 
@@ -81,7 +80,7 @@ TEST(Execute, TakesKeywordsBeforeValuesAndValuesThatFit) {
   TestView view("",
                 {"ping X.X.X.X <cr>", "ping all <cr>", "set INTEGER<1-5> <cr>", "set STRING<1-3> <cr>", "set six <cr>",
                  "show X:X::X:X <cr>", "show X:X::X:X/M <cr>", "move INTEGER<1-2147483647> <cr>", "move <cr>"});
-  view.Add("note STRING<1-3> <cr>", {.check = Check});
+  view.Add("note STRING<1-3> <cr>", nullptr, Check);
   view.Add("note INTEGER<7-7> <cr>");
   ExpectAll({
       {"a value", "ping 1.2.3.4", Ran("ping X.X.X.X <cr>")},
@@ -100,24 +99,6 @@ TEST(Execute, TakesKeywordsBeforeValuesAndValuesThatFit) {
       {"the longest bound", "move 2147483647", Ran("move INTEGER<1-2147483647> <cr>")},
       {"a wrong value rather than too many words", "move 2147483648", At(5, kWrong)},
   });
-}
-
-TEST(Execute, RecordsEachParametersOwnWordBeforeTheHandlerRuns) {
-  static std::string ran_before;
-  TestView view("");
-  view.Add("move STRING<1-511> to STRING<1-511> at X.X.X.X <cr>",
-           {.records = {ESH_RecordSourceFile, ESH_RecordDestFile, ESH_RecordIPv4}});
-  view.Add("set STRING<1-9> <cr>", {.records = {[](const char*) -> std::uint32_t {
-                                      ran_before = TestView::TakeRan();
-                                      return 1;
-                                    }}});
-  (void)RunLine("m a.txt t b.txt at 1.2.3.4");
-  (void)RunLine("move c.txt to d.txt at 1.2.3");
-  EXPECT_STREQ(g_szSourceFile, "a.txt") << "a line that does not match changes nothing";
-  EXPECT_STREQ(g_szDestFile, "b.txt");
-  EXPECT_STREQ(g_szIPv4Address, "1.2.3.4");
-  EXPECT_EQ(RunLine("set x"), "set STRING<1-9> <cr>\n") << "also when its word cannot be recorded";
-  EXPECT_EQ(ran_before, "");
 }
 
 }  // namespace

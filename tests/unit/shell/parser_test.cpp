@@ -1,7 +1,6 @@
 #include "shell/parser.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <string>
 
@@ -14,24 +13,16 @@
 
 namespace {
 
-off_t g_shown = 0;
-
 /// Offers the word that it was asked to continue.
 std::uint32_t ListTheWord(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* /*element*/) {
   return ESH_NewHelpInfo((std::string(word) + "...").c_str(), "A name", list);
-}
-
-/// Notes how much of the output was on the console when the command began.
-std::uint32_t NoteWhatIsShown(const char* /*word*/) {
-  g_shown = lseek(STDOUT_FILENO, 0, SEEK_CUR);
-  return 0;
 }
 
 struct Parser : testing::Test {
   Parser() {
     g_pstEshUserView = g_pstEshCurrentView;
     ESH_SetCmdMode(g_pstEshUserView);
-    view.Add("two STRING<1-511> <cr>", {.help = ListTheWord, .records = {NoteWhatIsShown}});
+    view.Add("two STRING<1-511> <cr>", ListTheWord);
   }
   ~Parser() override { g_pstEshUserView = nullptr; }
 
@@ -97,11 +88,6 @@ TEST_F(Parser, AnswersABlankLineWithALineBreakOnly) {
     EXPECT_EQ(Parse(line), "\r\n") << line;
     EXPECT_EQ(g_stESh_Line.usKeepBuf, 0) << "no line is handed back";
   }
-}
-
-TEST_F(Parser, ShowsTheEndOfTheLineBeforeTheCommandRuns) {
-  (void)Parse("two x\n");
-  EXPECT_EQ(g_shown, 2) << "CR LF";
 }
 
 }  // namespace

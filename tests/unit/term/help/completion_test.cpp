@@ -63,7 +63,7 @@ const TabCase kTabs[] = {
 TEST(Completion, CompletesOrStepsThroughTheCandidates) {
   for (const TabCase& c : kTabs) {
     TestView view("<boot>");
-    for (const char* command : c.commands) view.Add(command, {.help = ListNames});
+    for (const char* command : c.commands) view.Add(command, ListNames);
     ESH_ResetTabState();
     std::string line = c.typed;
     for (const char* expected : c.lines) {
