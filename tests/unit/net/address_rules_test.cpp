@@ -15,7 +15,6 @@ TEST(AddressOfThePort, IsAHostOfItsOwnSubnet) {
       {"1.0.0.1", "255.0.0.0", true, "the first class A network"},
       {"223.255.255.1", "255.255.255.252", true, "the last class C network"},
       {"10.1.1.0", "255.255.255.0", false, "network address"},
-      {"10.1.1.255", "255.255.255.0", false, "broadcast address"},
       {"10.1.1.1", "255.255.255.254", false, "a subnet of two has no room between network and broadcast"},
       {"10.1.1.1", "0.0.0.0", false, "mask without a network"},
       {"10.1.1.1", "255.0.255.0", false, "mask with a hole"},
@@ -32,8 +31,7 @@ TEST(AddressOfThePort, IsAHostOfItsOwnSubnet) {
   }
 }
 
-TEST(Gateway, LiesInTheSubnetOrOnTheLink) {
-  EXPECT_TRUE(IsSameSubnet("10.1.1.1", "255.255.254.0", "10.1.0.9"));
+TEST(IPv6Gateway, LiesOnTheLink) {
   for (const char* on_link : {"fe80::1", "febf:ffff::1"}) EXPECT_TRUE(IsLinkLocalText(on_link)) << on_link;
   for (const char* beyond : {"fec0::1", "fe7f::1", "", "fe80::1/64"}) EXPECT_FALSE(IsLinkLocalText(beyond)) << beyond;
 }

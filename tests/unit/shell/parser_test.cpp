@@ -53,9 +53,7 @@ constexpr char kAll[] =
     "\r\n<boot>";
 
 constexpr ParseCase kLines[] = {
-    {"x\n", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n", "", ""},
     {"  o\t", "\r\n<boot>", "", "one "},
-    {"two x\t", "\r\n<boot>", "", "two x... "},
     {"t\t", "\r\n<boot>", "", "tw"},
     {"tw\t", "\r\n<boot>", "", "twin"},
     {"one\n", "\r\n", "one <cr>\n", ""},  // it ends a completion
@@ -64,7 +62,6 @@ constexpr ParseCase kLines[] = {
     {"tw\t", "\r\n<boot>", "", "twin"},
     {"?one\n", kAll, "", ""},
     {"TWO ?", "\r\n  ?...  A name\r\n\r\n<boot>", "", "TWO "},
-    {"two fl?", "\r\n  fl...\r\n\r\n<boot>", "", "two fl"},
     {"one ?x ?\n", "\r\n  <cr>  \r\n\r\n<boot>", "", "one "},
     {"half\n", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n", "", ""},  // it has no end
     {"set 31?", "\r\n  INTEGER<10-31>\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 31"},

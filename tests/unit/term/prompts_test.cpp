@@ -16,8 +16,6 @@ constexpr struct {
   std::uint16_t yes;
   const char* output;
 } kAnswers[] = {
-    {"yes", "y\n", 1, "y"},
-    {"no", "N\n", 0, "N"},
     {"the second is not echoed", "Yy\n", 1, "Y"},
     {"nor does it change the choice", "yn\n", 1, "y"},
     {"taken back", "y\bn\n", 0, "y" TAKEN_BACK "n"},
@@ -25,7 +23,6 @@ constexpr struct {
     {"without a choice nothing is taken back", "\b\177\by\b\by\n", 1, "y" TAKEN_BACK "y"},
     {"Enter needs a choice", "\n\ry\n", 1, REMINDER REMINDER "y"},
     {"one that stands", "y\b\nn\n", 0, "y" TAKEN_BACK REMINDER "n"},
-    {"Ctrl+C after a yes", "y\003\n", 0, "y"},
     {"other keys, without a bell", " q?\t\032\033[A\001y\n", 1, "y"},
     {"no key in time", "", 0, ""},
     {"no Enter in time", "y", 0, "y"},

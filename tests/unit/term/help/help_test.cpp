@@ -34,9 +34,6 @@ TEST(WholeHelp, IsLaidOutInTwoColumns) {
     Lines lines;
     std::string output;
   } kLayouts[] = {
-      {"sorted, below each other",
-       {{"<cr>", " "}, {"display", "Show"}, {"copy", "  Copy a file "}},
-       "  copy     Copy a file \r\n  display  Show\r\n  <cr>     \r\n"},
       {"cut behind a blank",
        {{"k", Many(70, 'a') + "  " + Many(9, 'b')}},
        "  k  " + Many(70, 'a') + "  \r\n     " + Many(9, 'b') + "\r\n"},
