@@ -47,16 +47,12 @@ TEST_F(RemoteTools, ConnectionsAskForTheAddressFirstAndIgnoreCtrlC) {
 
 TEST_F(RemoteTools, PingsPassTheirOptionsInTheOrderTyped) {
   ExpectAll({
-      {"ping 127.0.0.1", "", "/bin/ping <-4> <-c> <5> <127.0.0.1>\n"},
       {"ping -c 007 127.0.0.1", "", "/bin/ping <-4> <-c> <007> <127.0.0.1>\n"},
-      {"ping -s 8100 127.0.0.1", "", "/bin/ping <-4> <-c> <5> <-s> <8100> <127.0.0.1>\n"},
       {"ping -s 100 -c 3 127.0.0.1", "", "/bin/ping <-4> <-s> <100> <-c> <3> <127.0.0.1>\n"},
-      {"ping ipv6 ::1", "", "/bin/ping <-6> <-c> <5> <::1>\n"},
       {"ping ipv6 -c 3 -s 100 ::1", "", "/bin/ping <-6> <-c> <3> <-s> <100> <::1>\n"},
       {"ping ipv6 -s 100 -c 3 ::1", "", "/bin/ping <-6> <-s> <100> <-c> <3> <::1>\n"},
       {"ping 255.255.255.255", "", kInvalid},
       {"ping ipv6 -s 20 ::", "", "Invalid IPv6 address.\n"},
-      {"ping -s 19 127.0.0.1", "", std::string(14, ' ') + "^\n % Wrong parameter found at '^' position.\n"},
   });
   Command("system-view");
   EXPECT_NE(Command("telnet 127.0.0.1").find("Unrecognized"), std::string::npos);
@@ -73,7 +69,6 @@ TEST_F(RemoteTools, TftpChecksAsksAndTransfers) {
       {"tftp 127.0.0.1 get - flash:", "", get + "<-> <-l> </mnt/flash:/-> <127.0.0.1>\n"},
       {"tftp 127.0.0.1 get b flash:/a", "y\r", overwrite + "y\n" + get + "<b> <-l> </mnt/flash:/a> <127.0.0.1>\n"},
       {"tftp 127.0.0.1 get b flash:/a", "n\r", overwrite + "n\n"},
-      {"tftp 127.0.0.1 get b flash:/a", "y\003", overwrite + "y\n"},
       {"tftp ipv6 ::1 get b flash:/no/a", "", "tftp: can't open 'flash:/no/a': No such file or directory\n"},
       {"tftp 224.0.0.1 get b flash:/no/a", "", kInvalid},
       {"tftp 127.0.0.1 put a x/b", "", "/bin/tftp <-p> <-l> </mnt/flash:/a> <-r> <x/b> <127.0.0.1>\n"},
@@ -90,7 +85,6 @@ TEST_F(RemoteTools, FtpAsksWhoBeforeItLooksAtTheFiles) {
   ExpectAll({
       {"ftp 127.0.0.1 get x/b flash:/", "me\rpw\r", login + get + "<127.0.0.1> </mnt/flash://b> <x/b>\n"},
       {"ftp ipv6 ::1 get b flash:/dir", "me\rpw\r", login + get + "<::1> </mnt/flash:/dir/b> <b>\n"},
-      {"ftp 127.0.0.1 get b flash:/a", "me\rpw\ry\r", overwrite + "y\n" + get + "<127.0.0.1> </mnt/flash:/a> <b>\n"},
       {"ftp ipv6 ::1 get b flash:/a", "me\rpw\r\003", overwrite + "\n"},
       {"ftp 127.0.0.1 put a x/b", "me\rpw\r", login + put + "<127.0.0.1> <x/b> </mnt/flash:/a>\n"},
       {"ftp ipv6 ::1 put a b", "me\rpw\r", login + put + "<::1> <b> </mnt/flash:/a>\n"},
