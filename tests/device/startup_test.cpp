@@ -47,6 +47,12 @@ TEST_F(StartUp, RunsItsToolsInOrderAndGivesTheConsoleToRootAlone) {
   EXPECT_EQ(stranger.status, 255);
 }
 
+TEST_F(StartUp, ReallyRebootsWithoutAConsole) {
+  options.files = {{"/etc/pkg/esh/ttyname.conf", std::nullopt}};
+  Boot();
+  EXPECT_EQ(Outcome(), device::Outcome::kRebooted);
+}
+
 TEST_F(NativeStartUp, WithoutIpStackHasNoInterfaceViewAndLoadsNoModuleTwice) {
   options.files.push_back({"/lib/modules/ipstack.ko", std::nullopt});
   Replace("/proc/modules", "fat 16384 0\naddon 16384 0 - Live 0x0000000000000000\n");
