@@ -5,6 +5,7 @@
 #include <string>
 
 #include "shell/command/view.h"
+#include "term/help/completion.h"
 #include "term/help/help_list.h"
 #include "term/line_state.h"
 #include "tests/support/test_view.h"
@@ -21,6 +22,7 @@ std::uint32_t ListTheWord(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S
 struct Parser : testing::Test {
   Parser() {
     g_pstEshUserView = g_pstEshCurrentView;
+    ESH_ResetTabState();
     ESH_SetCmdMode(g_pstEshUserView);
     view.Add("two STRING<1-511> <cr>", ListTheWord);
   }
@@ -74,7 +76,7 @@ constexpr ParseCase kLines[] = {
 
 TEST_F(Parser, ActsOnTheKeyThatEndedTheLine) {
   for (const ParseCase& c : kLines) {
-    EXPECT_EQ(Parse(c.line), c.output) << c.line;
+    ASSERT_EQ(Parse(c.line), c.output) << c.line;  // what is said of a failure would stand in all later outputs
     EXPECT_EQ(TestView::TakeRan(), c.ran) << c.line;
     EXPECT_STREQ(g_stESh_Line.pcBuf, c.left) << c.line;
   }
