@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""Has each system call of each command fail once, with every error that it may have, and looks at what is left.
+"""Has each system call and each allocation of each command fail once, and looks at what is left.
 
 The commands are typed on the native device. Each is traced once; then it is typed again for every call that it made and
-every error of that call, which strace has it fail with, and with every tool that it ran missing, failing and killed.
-Afterwards
+every error of that call, which strace has it fail with, and with every tool that it ran missing, failing and killed; and
+again for every block of memory that the shell asks for. Afterwards
   - a prompt is there, and the next command works,
   - what the command does not name is as it was, and no source is lost,
   - a command that did not do its work has said so,
@@ -26,7 +26,7 @@ import termios
 import time
 
 import psutil
-from operator_console import SAMPLES, OperatorConsole
+from operator_console import SAMPLES, TOP, OperatorConsole
 
 CONSOLE = "/dev/pts/0"
 USUAL = "EIO", "EINTR"
@@ -70,6 +70,8 @@ LOOKS = [
     "reset ssh public-key", "ping -c 1 10.0.0.1", "ftp 10.0.0.1 put a sent", "install load absent.bin",
     "install load forged.bin", "display install package forged.bin",
 ]
+# Of two names TAB, or "?", takes none for the other: were it the only one, "dir" would then list it.
+LISTS = [("dir fl", "?"), ("dir fl", "\t")]
 # What is typed before, so that there is something to do, and the line.
 COMMANDS_OF_THE_PORT = [
     ("ip address 10.0.0.2 24", "ip address 10.0.0.3 24"),
@@ -90,11 +92,24 @@ class Device(OperatorConsole):
 
     def __init__(self):
         super().__init__()
+        self.find_shell()
+
+    def find_shell(self):
         below = psutil.Process(self.console.pid).children(recursive=True)
         self.shell = [process.pid for process in below if process.name() == "esh"][-1]  # the first one only waits for it
         self.root = pathlib.Path(f"/proc/{self.shell}/root")
+        self.plan = self.root / "tmp/fault"
         for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit", "quit":
             self.type(line)
+
+    def lose_memory(self):
+        """Starts the shell again, so that a block of memory can fail."""
+        shutil.copy(TOP / "build/release/tests/faults/libesh_faults.so", self.root / "lib/faults.so")
+        (self.root / "etc/ld.so.preload").write_text("/lib/faults.so\n")
+        os.kill(self.shell, signal.SIGKILL)
+        self.console.expect("halt the device.\r\n")
+        self.type("")
+        self.find_shell()
 
     def state(self):
         """What every command leaves as it was."""
@@ -118,6 +133,7 @@ class Device(OperatorConsole):
                 (place / name).mkdir()
             (place / "a").write_bytes(medium.encode() * 15000)
             (place / "o").write_bytes(b"older\n")
+            (place / "flash.txt").touch()
             (place / "dir/x").write_bytes(b"kept\n")
             for name in "system.bin", "boot.bin", "bad/forged.bin":
                 shutil.copy(SAMPLES / name, place)
@@ -177,52 +193,81 @@ class Proof:
         self.options, self.device = options, Device()
         self.rows = self.missed = self.faults = 0
 
-    def try_all(self, line, changes=(), says="", line_before=None):
-        self.line_before, self.row = line_before, line
+    def begin(self, line, changes=(), says="", line_before=None, keys=""):
+        """Types a command as it is. @return its calls and those of its tools."""
+        self.line, self.changes, self.says, self.line_before, self.keys = line, changes, says, line_before, keys
+        self.row, self.ways = line, collections.Counter()
         self.device.prepare()
-        before = self.device.files()
-        said, trace = self.run(line, "-f")
-        done = self.device.files()
-        ways = collections.Counter()
+        self.before = self.device.files()
+        self.said, trace = self.run("-f")
+        self.done = self.device.files()
+        return trace
 
-        def try_once(what, *options):
-            self.rows += 1
-            self.device.prepare()
-            state = self.device.state()
-            self.row = f"{line}: {what}"
-            now, trace = self.run(line, *options)
-            if "-einject" in options[0] and "(INJECTED)" not in trace:
-                self.missed += 1
-            self.judge(now, said, state, before, done, changes)
-            ways[now] += 1
+    def try_once(self, what, *options, block=0):
+        """Types it once more, with a fault. @return whether that came to pass."""
+        self.device.prepare()
+        state = self.device.state()
+        self.row = f"{self.line}: {what}"
+        now, trace = self.run(*options, block=block)
+        was_reached = trace == "due\n" if block else "(INJECTED)" in trace or "-etrace=none" in options
+        self.rows += 1
+        self.missed += not was_reached
+        self.judge(now, state)
+        self.ways[now] += 1
+        return was_reached
 
+    def try_calls(self, *command):
+        trace = self.begin(*command)
         calls = list(calls_in(trace, self.device.shell))
         if self.options.short:
             calls = dict(calls).items()
         for name, number in calls:
             for error in ERRORS.get(name, USUAL)[: 1 if self.options.short else None]:
                 what = "retval=1" if error == "SHORT" else f"error={error}"
-                try_once(f"{name} {number} {error}", f"-einject={name}:{what}:when={number}")
+                self.try_once(f"{name} {number} {error}", f"-einject={name}:{what}:when={number}")
         for tool in sorted(set(re.findall(r'execve\("(/(?:bin|etc)/[^"]*)".* = 0', trace))):
             for way, script in TOOLS.items():
                 with self.device.replaced(tool, script):
-                    try_once(f"{tool} {way}", "-etrace=none")
-        if not any(says in way for way in ways if way):
-            self.fault(f"never said: {says}")
-        if self.options.show:
-            print(line, f"{said!r}", *(f"{count:4} {way!r}" for way, count in ways.most_common()), sep="\n")
+                    self.try_once(f"{tool} {way}", "-etrace=none")
+        if not any(self.says in way for way in self.ways if way):
+            self.fault(f"never said: {self.says}")
+        self.show()
 
-    def run(self, line, *options):
+    def try_blocks(self, *command):
+        """One block after the other, until the command asks for no more; in the short form each doubles the number."""
+        self.begin(*command)
+        number = 1
+        while self.try_once(f"block {number}", block=number) and number < 10000:
+            number += number if self.options.short else 1
+        self.missed -= 1  # the one behind the last
+        self.show()
+
+    def show(self):
+        if self.options.show:
+            print(self.line, f"{self.said!r}", *(f"{n:4} {way!r}" for way, n in self.ways.most_common()), sep="\n")
+
+    def run(self, *options, block=0):
+        """@return what was said, and the trace, or what became of the plan that a block of memory fails."""
         if self.line_before:
             self.device.type(self.line_before)
-        self.device.press(line)
-        self.device.console.expect(re.escape(line))
-        strace = Strace(self.device.shell, *options)
+        self.device.press(self.line)
+        self.device.console.expect(re.escape(self.line))
+        if block:
+            self.device.plan.write_text(str(block))
+        strace = None if block else Strace(self.device.shell, *options)
+        if self.keys:
+            self.device.press(self.keys)
+            self.device.console.expect("<boot>")
         self.device.press("\r")
         said = self.device.wait_for_prompt()
-        return said, strace.end()
+        if strace:
+            return said, strace.end()
+        became = self.device.plan.read_text()
+        self.device.plan.unlink()
+        return said, became
 
-    def judge(self, said, said_when_done, state, before, done, changes):
+    def judge(self, said, state):
+        before, done = self.before, self.done
         if said is None:
             sys.exit(f"{self.row}: there is no prompt")  # nothing is as bad, or can be tried after it
         state_now = self.device.state()
@@ -233,18 +278,20 @@ class Proof:
         after = self.device.files()
         ends_copy = self.row.startswith("copy") and ": read " in self.row  # as the end of the file does
         for name in before | done | after:
-            if not any(name == change or (change[-1] == "/" and name.startswith(change)) for change in changes):
+            if not any(name == change or (change[-1] == "/" and name.startswith(change)) for change in self.changes):
                 if after.get(name, "") != before.get(name, ""):
                     self.fault(f"{name} has changed")
             elif after.get(name, "") not in (before.get(name, ""), done.get(name, ""), "") and not ends_copy:
                 self.fault(f"{name} is a part")
         if "delete" not in self.row and before["flash:/a"] not in after.values():
             self.fault("the source is lost")
+        if self.keys and "Directory of" in said:
+            self.fault("one of two names is taken for the only one")
         if "forged" in self.row and "Loading" in said:
             self.fault("a forged package is loaded")
         if re.match("copy .* (write|fsync) ", self.row) and NO_ROOM not in said:
             self.fault("was not told: " + said)
-        if after != done and said == said_when_done and not ends_copy and not self.row.startswith(TOLD_BY_TOOLS):
+        if after != done and said == self.said and not ends_copy and not self.row.startswith(TOLD_BY_TOOLS):
             self.fault("was reported as done: " + said)
         if self.device.type("pwd") is None:
             self.fault("the next command does not work")
@@ -260,15 +307,22 @@ def main():
     parser.add_argument("--show", action="store_true", help="also what each command said, in all the ways it ended")
     options = parser.parse_args()
     proof = Proof(options)
-    for line, changes, says in COMMANDS:
-        proof.try_all(line, changes, says)
-    for line in LOOKS:
-        proof.try_all(line)
+    commands = [*COMMANDS, *((line,) for line in LOOKS)]
+    commands_of_the_port = [(line, (), "", line_before) for line_before, line in COMMANDS_OF_THE_PORT]
+    for command in commands:
+        proof.try_calls(*command)
     for line in "system-view", "interface m-eth0":
         proof.device.type(line)
-    for line_before, line in COMMANDS_OF_THE_PORT:
-        proof.try_all(line, line_before=line_before)
-    count = len(COMMANDS) + len(LOOKS) + len(COMMANDS_OF_THE_PORT)
+    for command in commands_of_the_port:
+        proof.try_calls(*command)
+    proof.device.lose_memory()
+    for command in commands + [(line, (), "", None, key) for line, key in LISTS]:
+        proof.try_blocks(*command)
+    for line in "system-view", "interface m-eth0":
+        proof.device.type(line)
+    for command in commands_of_the_port:
+        proof.try_blocks(*command)
+    count = len(COMMANDS) + len(LOOKS) + len(LISTS) + len(COMMANDS_OF_THE_PORT)
     print(f"failing calls: {count} commands, {proof.rows} failures, {proof.missed} not reached, {proof.faults} faults")
     proof.device.end()
     sys.exit(proof.faults != 0)
