@@ -4,39 +4,13 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
-#include <string>
-#include <utility>
 
 #include "term/line_editor.h"
 #include "tests/support/console.h"
 #include "util/result.h"
 
 namespace {
-
-TEST(Tool, GetsItsWordsAndTellsByItsStatusHowItWent) {
-  constexpr std::pair<const char*, const char*> kTools[] = {
-      {" /bin/true  ", "done"},
-      {"   ", "done"},
-      {"/no/such/tool", "failed"},
-      {"true", "failed"},  // nobody searches for it
-      {"/bin/sh -c kill\t-KILL\t$$", "failed"},
-      {"/bin/sh -c kill\t-USR1\t$PPID;exec\tsleep\t30", "failed"},  // ended by the signal that is passed on
-      {"/usr/bin/printf %s:   -f  'a b'\t*   ", "-f:'a:b'\t*:done"},
-      {"/usr/bin/printf %s 3 4 5 6 7 8 9", "3456789done"},
-  };
-  for (const auto& [line, output] : kTools) {
-    Console console([tool = line] {
-      ASSERT_EQ(ESH_LINE_Init(), kSuccess);
-      std::signal(SIGTTOU, SIG_IGN);  // as in the command loop
-      std::signal(SIGUSR1, [](int) { ESH_Sig2SubProcess(SIGTERM); });
-      std::fputs("tool:", stdout);
-      std::puts(ESH_ForkProcess(tool, 1, 0) == kSuccess ? "done" : "failed");
-    });
-    EXPECT_EQ(console.Expect(output + std::string("\r\n")), "tool:" + std::string(output) + "\n") << line;
-  }
-}
 
 TEST(Tool, IsNotStoppedByKeysTypedWhileItStarts) {
   constexpr int kTools = 500;
