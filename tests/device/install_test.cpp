@@ -4,7 +4,6 @@
 #include "pkg/format/package_format.h"
 #include "tests/device/operator_console.h"
 #include "tests/support/package_fixture.h"
-#include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/device_key.h"
 
 namespace {
@@ -38,7 +37,7 @@ class NativeInstall : public OperatorConsole {
     boot.product_tag = kProductTag;
     boot.files = {{.id = kDescriptionFile,
                    .name = "d",
-                   .data = Compressed(mkpkg::Compression::k7z, description),
+                   .data = PackageTest::Compressed(mkpkg::Compression::k7z, description),
                    .packing = kPacked7z,
                    .unpacked_size = size}};
     Put("/mnt/flash:/boot.bin", Signed(boot));
@@ -51,21 +50,12 @@ class NativeInstall : public OperatorConsole {
         "sbin/tessaro && chmod 755 sbin/tessaro && find . | cpio -o -H newc");
   }
 
-  static std::string Compressed(mkpkg::Compression how, const std::string& data) {
-    std::string compressed;
-    const mkpkg::Sink take = [&](std::string_view piece) { return compressed += piece, ""; };
-    EXPECT_EQ(mkpkg::Compress(
-                  how, [&](const mkpkg::Sink& sink) { return sink(data); }, take),
-              "");
-    return compressed;
-  }
-
   mkpkg::PackageContents Contents() {
     mkpkg::PackageContents contents = PackageTest::Contents();
     contents.product_tag = kProductTag;
     contents.files[0].data = "[boot]\n7.0.1\n 7.1.075 \n";
     contents.files[1].data = kDescription;
-    contents.files[3].data = Compressed(mkpkg::Compression::kGz, Archive());
+    contents.files[3].data = PackageTest::Compressed(mkpkg::Compression::kGz, Archive());
     contents.files[3].device_code = kDeviceTag;
     return contents;
   }
@@ -185,7 +175,7 @@ TEST_F(NativeInstall, StaysWhenTheNetworkDoesNotGo) {
   PutBootImage();
   mkpkg::PackageContents contents = Contents();
   contents.files.back().name = "system.lzma";
-  contents.files.back().data = Compressed(mkpkg::Compression::kLzma, Archive());
+  contents.files.back().data = PackageTest::Compressed(mkpkg::Compression::kLzma, Archive());
   Put(kPackage, Signed(contents));
   EXPECT_TRUE(Command(kInstall).ends_with("\nLoading...\nExit failed.\n"));
   EXPECT_EQ(Run("ls /var/pkg /sbin/tessaro"), "/sbin/tessaro\n\n/var/pkg:\nchange.list\n")

@@ -126,6 +126,22 @@ TEST_F(NativeStartUp, LinksTheDirectoriesBelowMntWhenTheCommandDaemonStartsIt) {
   }
 }
 
+TEST_F(NativeStartUp, IsThereOnATerminalThatNobodyKnows) {
+  const std::pair<std::optional<std::string>, const char*> kTerminals[] = {
+      {std::nullopt, "Terminal type \"\" is unknown, \"vt100\" is used instead.\n"},
+      {"nonsense", "Terminal type \"nonsense\" is unknown, \"vt100\" is used instead.\n"},
+  };
+  options.columns = options.rows = 0;
+  for (const auto& [term, notice] : kTerminals) {
+    options.term = term;
+    NewDevice();
+    Boot();
+    EXPECT_NE(Expect("<boot>").find(notice), std::string::npos);
+    Type("pwx\177d\r");
+    Expect("flash:\r\r\n");
+  }
+}
+
 constexpr char kQuestion[] = "This Command will reboot the device. Continue? [Y/N]:";
 
 /// How a shell ends, and what the process that was started does then.

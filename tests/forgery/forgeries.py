@@ -33,19 +33,6 @@ def borders(package):
     return sorted(found)
 
 
-def truncations(maker, _step):
-    """The end, or the start, cut at every border and beside it; a cut body with the whole trailer."""
-    for name, package in maker.valid.items():
-        end = split(package)[1]
-        for border in borders(package):
-            for at in range(max(border - 1, 0), min(border + 2, len(package))):
-                yield f"{name}: cut at {at}", package[:at]
-                yield f"{name}: begins at {at}", package[at:]
-                yield f"{name}: cut at {at}, trailer kept", package[:at] + end
-        for surplus in (b"\0", b"\n", b"X", end or b"\0" * FILE_HEAD):
-            yield f"{name}: {len(surplus)} bytes appended", package + surplus
-
-
 def words_that_decide(package):
     """Offsets of every length, count, offset and mark of a package."""
     yield from (4, 8, 28, 3104, 3108, 5168, 5176, 5180)
@@ -142,6 +129,8 @@ def trailers(maker, _step):
     for at in (0, HEAD, HEAD + 1, len(body) - 1):
         yield f"trailer at {at}", body[:at] + whole + body[at:]
         yield f"trailer at {at} and at the end", body[:at] + whole + body[at:] + whole
+    for surplus in (b"\0", b"\n", b"X"):
+        yield f"{surplus} behind the trailer", body + whole + surplus
     yield "two trailers", body + whole + whole
     yield "second trailer signs the first", trailer_sign(body + whole, maker.pair)
     yield "trailer in the data", trailer_sign(body.replace(b"another image", whole[:13]), maker.pair)
@@ -230,4 +219,4 @@ def damaged_grammar(maker, step):
         yield f"package {number}, damaged", package
 
 
-GROUPS = (other_form, flipped_bytes, truncations, words, wrong_keys, trailers, other_blocks, damaged_grammar)
+GROUPS = (other_form, flipped_bytes, words, wrong_keys, trailers, other_blocks, damaged_grammar)

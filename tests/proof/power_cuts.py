@@ -1,17 +1,9 @@
 #!/usr/bin/python3
 """Cuts the power at every flush, and at many moments between, of each command that changes a medium, and looks at what is
-left on the media then.
+left on the media then: docs/proof.md.
 
 The commands are typed on the emulated device, whose disks log what is written to them (dm-log-writes' format). A cut
-keeps all that was written before the last flush and any part of what came after it. In what is left
-  - a file that the command does not name is as it was,
-  - what the console had reported as done is there, whole,
-  - a file that is moved is there under one of its names, whole.
-What the steps of the commands and FAT cannot do better is counted (docs/operator-guide.md, "What can be lost"): a part of
-the file under the new name, an older file of that name that is gone, and a file that is renamed within a FAT medium and has
-neither name.
-
-Needs what builds and runs the arm64 device, e2fsprogs for ext4, and python3-pexpect.
+keeps all that was written before the last flush and any part of what came after it.
 """
 
 import argparse

@@ -56,6 +56,15 @@ std::string PackageTest::GoodPackage(bool in_head) {
   return Sign(Compose(Contents()), {.in_head = in_head, .key_name = "maker"});
 }
 
+std::string PackageTest::Compressed(mkpkg::Compression how, const std::string& data) {
+  std::string compressed;
+  const mkpkg::Sink take = [&](std::string_view piece) { return compressed += piece, ""; };
+  EXPECT_EQ(mkpkg::Compress(
+                how, [&](const mkpkg::Sink& sink) { return sink(data); }, take),
+            "");
+  return compressed;
+}
+
 UniquePackage PackageTest::Open(const std::string& package) {
   WriteFile(kTestPackage, package);
   return UniquePackage(PackageReadFileCreateByFile(kTestPackage));

@@ -4,6 +4,7 @@
 
 #include "pkg/format/package_reader.h"
 #include "tests/support/private_root.h"
+#include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/package_signer.h"
 #include "tools/mkpkg/package_writer.h"
 
@@ -28,6 +29,9 @@ struct PackageTest : PrivateRootTest {
   static std::string Sign(std::string package, const mkpkg::SignatureForm& form);
   /// Contents(), signed with a trailer that names "maker", or in the head.
   static std::string GoodPackage(bool in_head = false);
+
+  /// Data as a package tool packs them.
+  static std::string Compressed(mkpkg::Compression how, const std::string& data);
 
   /// Stores a package and opens it. @return none when it does not open.
   static UniquePackage Open(const std::string& package);

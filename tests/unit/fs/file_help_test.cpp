@@ -74,8 +74,6 @@ TEST_F(FileHelp, OffersMediaAndWhatContinuesTheWord) {
   for (const char* word : {"us", "logs/x", "gone/l", ".l", "lnkgone", "lpipe", "/mnt/flash:/", "/", "flash:/../",
                            "flash:/l*", "cfa0:/", "usba0:/"})
     EXPECT_EQ(Offers(word, kAny), Lines{}) << word;
-  EXPECT_NE(FS_HelpBaseEx(nullptr, kAny, nullptr, nullptr), 0U);
-  EXPECT_NE(FS_HelpBaseEx("l", FS_HELP_LAST + 1, nullptr, nullptr), 0U);
 }
 
 TEST_F(FileHelp, KindDecidesOnFilesAndTheGenericLine) {

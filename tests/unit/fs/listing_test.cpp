@@ -12,7 +12,6 @@
 #include "shell/command/parameter.h"
 #include "tests/support/private_root.h"
 #include "tests/support/scripted_stdio.h"
-#include "util/result.h"
 
 namespace {
 
@@ -87,14 +86,6 @@ TEST_F(DirTest, PrefersTheEntryThatIsSpelledAsTyped) {
     for (const std::string name : {first, second})
       EXPECT_TRUE(Dir("d/" + name).ends_with(" " + name + "\r\n")) << first << " was made first";
     fs::remove_all("d");
-  }
-}
-
-TEST_F(DirTest, SaysThatThereIsNoSuchThing) {
-  for (const char* name : {"gone", "flash:/gone", "gone:/", "flash:/..", "/mnt/flash:", "..", "flash:/a*"}) {
-    ScriptedStdio stdio;
-    EXPECT_EQ(ESH_DirFileInDirectory(name, false), ESH_ERR_FAIL);
-    EXPECT_EQ(stdio.TakeOutput(), "The file or directory doesn't exist.\r\n") << name;
   }
 }
 

@@ -9,7 +9,6 @@
 #include "pkg/format/product_code.h"
 #include "pkg/format/signature.h"
 #include "tests/support/package_fixture.h"
-#include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/description.h"
 #include "tools/mkpkg/device_key.h"
 #include "tools/mkpkg/device_verdict.h"
@@ -111,11 +110,7 @@ TEST_F(PackageTool, WarnsOfWhatADeviceDropsSilently) {
 
 TEST_F(PackageTool, SevenZipUnpacksToWhatWasPacked) {
   const std::string data(1000000, 'x');
-  std::string packed;
-  const mkpkg::Sink take = Into(packed);
-  ASSERT_EQ(mkpkg::Compress(
-                mkpkg::Compression::k7z, [&](const mkpkg::Sink& sink) { return sink(data); }, take),
-            "");
+  const std::string packed = Compressed(mkpkg::Compression::k7z, data);
   for (const std::size_t told : {data.size(), data.size() + 1}) EXPECT_EQ(Unpacked(packed, told), data);
   EXPECT_EQ(Unpacked(packed, data.size() - 1), "refused");
   EXPECT_EQ(Unpacked(packed.substr(0, packed.size() - 1), data.size()), "refused");
