@@ -36,9 +36,9 @@ std::uint32_t DigestPackage(std::FILE* stream, std::uint64_t offset, std::uint64
   FIPS_MD_CTX ctx;
   FIPS_md_ctx_init(&ctx);
   const bool added = FIPS_digestinit(&ctx, method) == 1 && AddRange(ctx, stream, offset, offset + length, seal);
-  const bool ended = FIPS_digestfinal(&ctx, digest, digest_length) == 1;
+  const bool ended = added && FIPS_digestfinal(&ctx, digest, digest_length) == 1;  // one that never began has no end
   FIPS_md_ctx_cleanup(&ctx);
-  return added && ended ? kSuccess : ESH_ERR_FAIL;
+  return ended ? kSuccess : ESH_ERR_FAIL;
 }
 
 std::uint32_t PKG_GetDigestFromPkg(std::FILE* stream, std::uint64_t offset, std::uint64_t length, std::uint8_t* digest,
