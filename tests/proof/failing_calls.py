@@ -43,6 +43,8 @@ NEVER_FAIL = {"rt_sigaction", "rt_sigprocmask", "rt_sigreturn", "getpid", "getpg
 NEVER_FAIL |= {"fchdir", "close"}
 TOOLS = {"missing": None, "fails": "#!/bin/sh\nexit 1\n", "killed": "#!/bin/sh\nkill -9 $$\n"}
 TOLD_BY_TOOLS = "tftp", "ftp", "format"  # the shell itself says nothing of how they went
+SYSTEM = TOP / "device/packages/system"
+LOADED = {name: (SYSTEM / name).stat().st_size for name in ("sbin/tessaro", "etc/tessaro-version")}
 NO_ROOM = "Failed to finish the operation because of insufficient storage space or quota limitation."
 # Line; the names below /mnt that the command may change, "/" at the end: all below; what it says of some failure.
 COMMANDS = [
@@ -63,7 +65,7 @@ LOOKS = [
     "dir", "dir /all cfa0:", "more o", "pwd", "display version", "display copyright", "display interface m-eth0",
     "display ip routing-table", "display ipv6 routing-table", "display install package system.bin",
     "reset ssh public-key", "ping -c 1 10.0.0.1", "ftp 10.0.0.1 put a sent", "install load absent.bin",
-    "install load forged.bin", "display install package forged.bin",
+    "install load forged.bin", "display install package forged.bin", "install load system.bin",
 ]
 # Of two names TAB, or "?", takes none for the other: were it the only one, "dir" would then list it.
 LISTS = [("dir fl", "?"), ("dir fl", "\t")]
@@ -82,28 +84,37 @@ COMMANDS_OF_THE_PORT = [
 ]
 
 
+# What every shell starts with; libcrypto does not bear that memory is missing when it sets itself up.
+SETTINGS = "display install package system.bin|system-view|interface m-eth0|ip address 10.0.0.2 24|quit|quit".split("|")
+
+
 class Device(OperatorConsole):
     """A booted device and its shell, seen from its console and from this machine."""
 
     def __init__(self):
         super().__init__()
+        self.is_torn = False
         self.find_shell()
 
     def find_shell(self):
         below = psutil.Process(self.console.pid).children(recursive=True)
-        self.shell = [process.pid for process in below if process.name() == "esh"][-1]  # the first one only waits for it
-        self.root = pathlib.Path(f"/proc/{self.shell}/root")
+        # The first one waits for the shell, and becomes what takes the console, and then a shell's first one again.
+        waits, self.shell = (process.pid for process in below if process.name() == "esh")
+        self.root = pathlib.Path(f"/proc/{waits}/root")
         self.plan = self.root / "tmp/fault"
-        for line in "system-view", "interface m-eth0", "ip address 10.0.0.2 24", "quit", "quit":
+        for line in SETTINGS:
             self.type(line)
 
     def lose_memory(self):
         """Starts the shell again, so that a block of memory can fail."""
         shutil.copy(TOP / "build/release/tests/faults/libesh_faults.so", self.root / "lib/faults.so")
         (self.root / "etc/ld.so.preload").write_text("/lib/faults.so\n")
+        self.start_again()
+
+    def start_again(self):
+        self.is_torn = False
         os.kill(self.shell, signal.SIGKILL)
-        self.console.expect("halt the device.\r\n")
-        self.type("")
+        self.wait_for_prompt()
         self.find_shell()
 
     def state(self):
@@ -119,7 +130,11 @@ class Device(OperatorConsole):
         return descriptors, children, modes, os.readlink(process / "cwd")
 
     def prepare(self):
-        """Puts the same files onto the media."""
+        """Puts the same files onto the media; no system is loaded, and the management port is there."""
+        if self.is_torn:
+            self.start_again()
+        for name in LOADED:
+            (self.root / name).unlink(missing_ok=True)
         for medium in "flash:", "cfa0:":
             place = self.root / "mnt" / medium
             for entry in place.iterdir():
@@ -189,15 +204,16 @@ class Proof:
         self.rows = self.missed = self.faults = 0
 
     def begin(self, line, changes=(), says="", line_before=None, keys=""):
-        """Types a command as it is. @return its calls and those of its tools."""
+        """Types a command as it is. @return its calls, and those of its tools as well."""
         self.line, self.changes, self.says, self.line_before, self.keys = line, changes, says, line_before, keys
         self.row, self.ways = line, collections.Counter()
         self.device.prepare()
         self.before = self.device.files()
+        shell = self.device.shell
         self.said, trace = self.run("-f")
         self.done = self.device.files()
         self.uses_tools = "execve(" in trace
-        return trace
+        return list(calls_in(trace, shell)), trace
 
     def try_once(self, what, *options, block=0):
         """Types it once more, with a fault. @return whether that came to pass."""
@@ -213,8 +229,7 @@ class Proof:
         return was_reached
 
     def try_calls(self, *command):
-        trace = self.begin(*command)
-        calls = list(calls_in(trace, self.device.shell))
+        calls, trace = self.begin(*command)
         if self.options.short:
             calls = dict(calls).items()
         for name, number in calls:
@@ -223,6 +238,7 @@ class Proof:
                 self.try_once(f"{name} {number} {error}", f"-einject={name}:{what}:when={number}")
         for tool in sorted(set(re.findall(r'execve\("(/(?:bin|etc)/[^"]*)".* = 0', trace))):
             for way, script in TOOLS.items():
+                self.device.prepare()  # with all its tools
                 with self.device.replaced(tool, script):
                     self.try_once(f"{tool} {way}", "-etrace=none")
         if not any(self.says in way for way in self.ways if way):
@@ -256,6 +272,9 @@ class Proof:
             self.device.console.expect("<boot>")
         self.device.press("\r")
         said = self.device.wait_for_prompt()
+        if said and "emergency shell" in said:  # it has ended, and another one is there
+            self.device.find_shell()
+        self.device.is_torn = "Exit failed" in (said or "")
         if strace:
             return said, strace.end()
         became = self.device.plan.read_text()
@@ -287,6 +306,8 @@ class Proof:
             self.fault("one of two names is taken for the only one")
         if "forged" in self.row and "Loading" in said:
             self.fault("a forged package is loaded")
+        if "<Tessaro>" in said and any((self.device.root / name).stat().st_size != size for name, size in LOADED.items()):
+            self.fault("half a system is loaded")
         if re.match("copy .* (write|fsync) ", self.row) and NO_ROOM not in said:
             self.fault("was not told: " + said)
         if after != done and said == self.said and not cannot_tell:

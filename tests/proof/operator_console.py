@@ -10,8 +10,9 @@ import pexpect
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
 SAMPLES = TOP / "build/release/device/packages/samples/flash"
-PROMPT = re.compile(r"\n.*(<boot>|\[boot[^]]*\]|<Tessaro>)$")
+PROMPT = re.compile(r"\n.*(<boot>|\[boot[^]]*\])$")
 ANSWERS = {"[Y/N]:": "y\r", "user:": "operator\r", "password:": "harbour\r", "---- More ----     ": " "}
+ANSWERS |= {"halt the device.\r\n": "\r", "<Tessaro>": "boot\r"}  # of those who take over when the shell has ended
 
 
 class OperatorConsole:
