@@ -16,10 +16,10 @@ namespace mkpkg {
 namespace {
 
 constexpr char kHelp[] =
-    "usage: mkpkg sign [FORM] --private-key=PEM PACKAGE\n"
-    "       mkpkg sign [FORM] --show-digest PACKAGE\n"
-    "       mkpkg sign [FORM] --write-block=FILE PACKAGE\n"
-    "       mkpkg sign [FORM] --attach=SIGNATURE [--public-key=PEM] PACKAGE\n"
+    "usage: mkpkg sign FORM --private-key=PEM PACKAGE\n"
+    "       mkpkg sign FORM --show-digest PACKAGE\n"
+    "       mkpkg sign FORM --write-block=FILE PACKAGE\n"
+    "       mkpkg sign FORM --attach=SIGNATURE [--public-key=PEM] PACKAGE\n"
     "Signs a package in place; a signature that it has is replaced. Where the private key is elsewhere, the digest or\n"
     "the whole block that is to be signed is given out, and the signature, 256 bytes, is attached when it is back.\n"
     "All steps need the same FORM:\n"
