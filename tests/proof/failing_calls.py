@@ -64,8 +64,8 @@ COMMANDS = [
 LOOKS = [
     "dir", "dir /all cfa0:", "more o", "pwd", "display version", "display copyright", "display interface m-eth0",
     "display ip routing-table", "display ipv6 routing-table", "display install package system.bin",
-    "reset ssh public-key", "ping -c 1 10.0.0.1", "ftp 10.0.0.1 put a sent", "install load absent.bin",
-    "install load forged.bin", "display install package forged.bin", "install load system.bin",
+    "reset ssh public-key", "ping -c 1 10.0.0.1", "ftp 10.0.0.1 put a sent", "install load system.bin",
+    "install load absent.bin", "install load forged.bin", "display install package forged.bin",
 ]
 # Of two names TAB, or "?", takes none for the other: were it the only one, "dir" would then list it.
 LISTS = [("dir fl", "?"), ("dir fl", "\t")]
@@ -107,7 +107,7 @@ class Device(OperatorConsole):
 
     def lose_memory(self):
         """Starts the shell again, so that a block of memory can fail."""
-        shutil.copy(TOP / "build/release/tests/faults/libesh_faults.so", self.root / "lib/faults.so")
+        shutil.copy(TOP / "build/release/tests/proof/libesh_faults.so", self.root / "lib/faults.so")
         (self.root / "etc/ld.so.preload").write_text("/lib/faults.so\n")
         self.start_again()
 
