@@ -52,7 +52,7 @@ done
 install_missing() {
   local said
   said=$({ "$@" apt-get update &&
-    "$@" env DEBIAN_FRONTEND=noninteractive apt-get install --yes ${recommends-} "${missing[@]}"; } 2>&1) ||
+    "$@" env DEBIAN_FRONTEND=noninteractive apt-get install --yes ${recommends-} "${missing[@]}"; } 2>&1 < /dev/null) ||
     cannot_get "${missing[*]}" "$said"
 }
 

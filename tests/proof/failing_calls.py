@@ -272,19 +272,17 @@ class Proof:
             self.device.console.expect("<boot>")
         self.device.press("\r")
         said = self.device.wait_for_prompt()
-        if said and "emergency shell" in said:  # it has ended, and another one is there
+        if said is None:
+            sys.exit(f"{self.row}: there is no prompt")  # nothing is as bad, or can be tried after it
+        became = strace.end() if strace else self.device.plan.read_text()
+        self.device.plan.unlink(missing_ok=True)
+        if "emergency shell" in said:  # it has ended, and another one is there
             self.device.find_shell()
-        self.device.is_torn = "Exit failed" in (said or "")
-        if strace:
-            return said, strace.end()
-        became = self.device.plan.read_text()
-        self.device.plan.unlink()
+        self.device.is_torn = "Exit failed" in said
         return said, became
 
     def judge(self, said, state):
         before, done = self.before, self.done
-        if said is None:
-            sys.exit(f"{self.row}: there is no prompt")  # nothing is as bad, or can be tried after it
         state_now = self.device.state()
         if self.row.startswith("format"):  # chooses the working directory, the last of these, anew
             state, state_now = state[:-1], state_now[:-1]
