@@ -41,3 +41,14 @@ std::string ReadUntilOneOf(const Console& console, std::initializer_list<std::st
     ReadMore(console, output);
   return output;
 }
+
+std::string ReadToEnd(const Console& console) {
+  std::string output;
+  for (;;) {
+    char bytes[4096];
+    Require(HasOutput(console, kPatienceMillis), "the console is silent");
+    const ssize_t length = read(console.ConsoleFd(), bytes, sizeof(bytes));
+    if (length <= 0) return output;
+    output.append(bytes, static_cast<std::size_t>(length));
+  }
+}

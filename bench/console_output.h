@@ -14,3 +14,6 @@
 
 /// Reads until what was read ends in one of these marks, behind which the console waits for a key.
 [[nodiscard]] std::string ReadUntilOneOf(const Console& console, std::initializer_list<std::string_view> marks);
+
+/// Reads until nobody is at the far end any more.
+[[nodiscard]] std::string ReadToEnd(const Console& console);

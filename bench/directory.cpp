@@ -87,7 +87,7 @@ double MillisOfConsole(const std::function<void()>& body, const std::function<vo
 double MillisOfLine(const char* line, int names) {
   return MillisOfConsole([line] { RunLine(line); },
                          [names](Console& console) {
-                           const std::string output = console.ReadToEnd();
+                           const std::string output = ReadToEnd(console);
                            Require(names == 0 || std::ranges::count(output, '\n') > names, "a list is not whole");
                          });
 }
@@ -112,7 +112,7 @@ double MillisOfPeersDir() {
       [] {
         Execute({"/bin/busybox", "ls", "-l"});
       },
-      [](Console& console) { (void)console.ReadToEnd(); });
+      [](Console& console) { (void)ReadToEnd(console); });
 }
 
 /// Ours and the peers take turns, so that a change of the machine's pace meets all of them.

@@ -11,7 +11,7 @@ using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
 constexpr unsigned kMostAtOnce = 800;  // the terminal holds as much while its output is stopped
-constexpr unsigned kRubbishPerSignal = 100;
+constexpr unsigned kRubbishPerHangUp = 100;
 constexpr unsigned kRubbishPerPaste = 400;  // what is pasted runs tools, which take their time
 #ifdef __SANITIZE_ADDRESS__
 constexpr long kNoGrowthKb = 4096;  // a sanitizer keeps what was freed, and knows of leaks by itself
@@ -89,15 +89,9 @@ class NativeBadLine : public OperatorConsole {
     }
   }
 
-  /// The line hangs up, for which the shell gets a signal; what it started gets one as well.
-  void Signal(const std::string& to_tools) {
-    const std::string shell = ShellPid();
-    Run("kill -HUP " + shell + "; busybox pkill -" + to_tools + " -P " + shell + "; true");
-  }
-
   void TypeRubbish(std::size_t bytes) {
     for (const std::size_t until = typed_ + bytes; typed_ < until && !HasGivenUp();) {
-      if (Random(1, kRubbishPerSignal) == 1) Signal(OneOf({"STOP", "CONT"}));
+      if (Random(1, kRubbishPerHangUp) == 1) Run("kill -HUP " + ShellPid());
       if (Random(0, 6) == 0)
         Device().ResizeConsole(static_cast<unsigned short>(Random(0, 500)),
                                static_cast<unsigned short>(Random(0, 500)));
@@ -116,7 +110,6 @@ class NativeBadLine : public OperatorConsole {
 
   /// Goes to the prompt of the user view, as an operator does. @return the shell's own memory in KB.
   long Memory() {
-    Signal("CONT");
     for (const auto limit = Clock::now() + kPatience; TakeIn(milliseconds(500)) && Clock::now() < limit;) {
     }
     for (const std::string key : {"\x11\x03", "\x03", "\x1a"}) {

@@ -6,11 +6,12 @@ namespace {
 class ManagementPort : public OperatorConsole {
  protected:
   void SetUp() override {
-    // A line that stands in /tmp/broken fails.
+    // A line that stands in /tmp/broken fails. The script that a tool is called from is kept.
     constexpr char kRecorder[] =
         "#!/bin/sh\n"
         "call=\"${0##*/} $*\"\n"
         "echo \"$call\" >> /tmp/tools\n"
+        "[ -e /var/tmp/TempFile ] && cp -p /var/tmp/TempFile /tmp/script\n"
         "stty -a 2> /dev/null | grep -q '[^-]echo ' && echo 'keys are echoed' >> /tmp/tools\n"
         "[ \"$(cat /tmp/broken 2> /dev/null)\" = \"$call\" ] && exit 1\n"
         "exec /bin/busybox $call\n";
@@ -149,6 +150,9 @@ TEST_F(ManagementPort, LeavesTheKernelNothingWhenItIsUndone) {
 
 TEST_F(ManagementPort, IPv6RoutesAreShownAsTheToolShowsThem) {
   EXPECT_EQ(Command("display ipv6 routing-table"), Run("busybox route -A inet6 -n"));
+  EXPECT_EQ(Device().ReadFile("/tmp/script"),
+            std::string("#!/bin/sh\r\n\0/bin/route -A inet6 -n > /etc/pkg/route_table6", 58));
+  EXPECT_EQ(Run("stat -c %a /tmp/script"), "666\n");
 
   constexpr char kLeftovers[] = "ls -d /var/tmp/* /etc/pkg/route_table6 2> /dev/null; true";
   Run("for i in $(seq 40); do ip -6 route add fd77:$i::/64 dev m-eth0; done");

@@ -1,5 +1,5 @@
-// Makes a block of memory of the shell fail: the one whose number stands in /tmp/fault, counted from when that is written.
-// When it was asked for, "due" stands there.
+// Makes a block of memory fail. The plan stands in /tmp/fault: the block's number and the process that asks for it,
+// which counts from the plan on. When it was asked for, "due" stands there.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/syscall.h>
@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -17,11 +16,12 @@ bool Fails() {
   static int blocks = 0;
   const int before = errno;
   char text[64] = "";
+  char* rest = text;
   const long plan = syscall(SYS_openat, AT_FDCWD, "/tmp/fault", O_RDWR | O_CLOEXEC);
   if (plan < 0) blocks = 0;
-  const bool counts = plan >= 0 && syscall(SYS_read, plan, text, sizeof(text) - 1) > 0 &&
-                      std::strcmp(program_invocation_short_name, "esh") == 0;
-  const bool is_due = counts && ++blocks == std::atoi(text);  // "due" is none: 0
+  const bool has_plan = plan >= 0 && syscall(SYS_read, plan, text, sizeof(text) - 1) > 0;
+  const long number = std::strtol(text, &rest, 10);
+  const bool is_due = has_plan && std::strtol(rest, nullptr, 10) == syscall(SYS_getpid) && ++blocks == number;
   if (is_due) {
     syscall(SYS_ftruncate, plan, 0);
     syscall(SYS_pwrite64, plan, "due\n", 4, 0);

@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Directories that are the test's own. The new root is put together in the machine's own /mnt, which always exists.
-constexpr const char* kOwnDirectories[] = {"/mnt", "/etc", "/tmp", "/lib", "/proc/net", "/proc/sys"};
+constexpr const char* kOwnDirectories[] = {"/mnt", "/etc", "/tmp", "/lib", "/lib/modules", "/proc/net", "/proc/sys"};
 /// Those that show what the machine has there, but for the test's own.
 constexpr const char* kMirrored[] = {"/", "/lib", "/proc"};
 constexpr char kMachine[] = "/host";  // where the new root keeps the machine's
@@ -81,6 +81,7 @@ const char* WhyNoNamespaces() { return std::getenv("ESH_NO_NAMESPACES"); }
 
 void WriteFile(const std::string& path, const std::string& text) {
   fs::create_directories(fs::path(path).parent_path());
+  if (fs::is_symlink(path)) fs::remove(path);  // the machine's file of that name
   EXPECT_TRUE(std::ofstream(path, std::ios::binary) << text << std::flush) << path;
 }
 

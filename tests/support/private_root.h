@@ -5,9 +5,10 @@
 #include <string>
 
 /// Moves this process into a user and a mount namespace of its own and into a root directory of its own, where it is
-/// user 0. The root shows the machine's files, unchangeable, but /mnt, /etc, /tmp, /proc/net and /proc/sys are the
-/// test's: they start empty, lie in memory and end with the process. Files can be added to /lib. A further call changes
-/// this root for a new one.
+/// user 0. The root shows the machine's files, unchangeable, but /mnt, /etc, /tmp, /lib/modules, /proc/net and
+/// /proc/sys are the test's: they start empty, lie in memory and end with the process. /lib and /proc show the
+/// machine's files, and others can be put beside or in the place of these. A further call changes this root for a new
+/// one.
 /// @return an empty text, or why there is no such root.
 [[nodiscard]] std::string EnterPrivateRoot();
 
@@ -21,7 +22,7 @@ struct PrivateRootTest : testing::Test {
 /// @return why the machine lets nobody make namespaces, when ./test has found that; such tests are then skipped.
 const char* WhyNoNamespaces();
 
-/// Writes a file, together with the directories on its way.
+/// Writes a file, together with the directories on its way, in the place of a link of that name.
 void WriteFile(const std::string& path, const std::string& text);
 
 /// The text of a file; empty when there is none.

@@ -31,7 +31,9 @@ TEST(AddressOfThePort, IsAHostOfItsOwnSubnet) {
   }
 }
 
-TEST(IPv6Gateway, LiesOnTheLink) {
+TEST(Gateway, LiesInTheSubnetOrOnTheLink) {
+  EXPECT_TRUE(IsSameSubnet("10.1.1.1", "255.255.254.0", "10.1.0.9"));
+  EXPECT_FALSE(IsSameSubnet("10.1.1.1", "255.255.254.0", "10.1.2.9"));
   for (const char* on_link : {"fe80::1", "febf:ffff::1"}) EXPECT_TRUE(IsLinkLocalText(on_link)) << on_link;
   for (const char* beyond : {"fec0::1", "fe7f::1", "", "fe80::1/64"}) EXPECT_FALSE(IsLinkLocalText(beyond)) << beyond;
 }

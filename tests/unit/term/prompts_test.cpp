@@ -23,6 +23,7 @@ constexpr struct {
     {"without a choice nothing is taken back", "\b\177\by\b\by\n", 1, "y" TAKEN_BACK "y"},
     {"Enter needs a choice", "\n\ry\n", 1, REMINDER REMINDER "y"},
     {"one that stands", "y\b\nn\n", 0, "y" TAKEN_BACK REMINDER "n"},
+    {"Ctrl+C after a yes", "y\003\n", 0, "y"},
     {"other keys, without a bell", " q?\t\032\033[A\001y\n", 1, "y"},
     {"no key in time", "", 0, ""},
     {"no Enter in time", "y", 0, "y"},

@@ -16,7 +16,7 @@ namespace {
 
 struct ProductIdentity : PrivateRootTest {
   void SetUp() override {
-    unlink("/proc/uptime");  // the private root's link to the machine's
+    unlink("/proc/uptime");  // the machine's
     WriteFile(kVersionFile,
               "Vendor: Ostrel\nplatform VERSION: 7.1.9\nProduct version: R6\nPkgTime: Mar 14 2026 10:20:30\n");
   }
