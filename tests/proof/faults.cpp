@@ -40,7 +40,8 @@ void* malloc(size_t size) noexcept {
   return Fails() ? nullptr : next(size);
 }
 
-void* calloc(size_t count, size_t size) noexcept {
+// The library's own names for the parameters are reserved words.
+void* calloc(size_t count, size_t size) noexcept {  // NOLINT(readability-inconsistent-declaration-parameter-name)
   static const auto next = reinterpret_cast<void* (*)(size_t, size_t)>(dlsym(RTLD_NEXT, "calloc"));
   return Fails() ? nullptr : next(count, size);
 }
