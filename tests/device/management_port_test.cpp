@@ -148,7 +148,10 @@ TEST_F(ManagementPort, LeavesTheKernelNothingWhenItIsUndone) {
   EXPECT_EQ(Run("ip -o -6 addr show dev m-eth0 scope global"), "");
 }
 
-TEST_F(ManagementPort, IPv6RoutesAreShownAsTheToolShowsThem) {
+TEST_F(ManagementPort, RoutesAreShownAsTheToolShowsThem) {
+  Command("ip address 10.0.0.9 24");
+  Command("ip gateway 10.0.0.77");
+  EXPECT_EQ(Command("display ip routing-table"), Run("busybox route"));
   EXPECT_EQ(Command("display ipv6 routing-table"), Run("busybox route -A inet6 -n"));
   EXPECT_EQ(Device().ReadFile("/tmp/script"),
             std::string("#!/bin/sh\r\n\0/bin/route -A inet6 -n > /etc/pkg/route_table6", 58));

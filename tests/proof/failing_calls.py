@@ -98,8 +98,9 @@ class Device(OperatorConsole):
     def find_shell(self):
         # The first one waits for the shell, and becomes what takes the console, and then a shell's first one again.
         below = {process.pid for process in psutil.Process(self.console.pid).children(recursive=True)}
-        shells = sorted(p.pid for p in psutil.process_iter(["name"]) if p.info["name"] == "esh" and p.pid in below)
-        waits, self.shell = shells
+        found = [p for p in psutil.process_iter(["name", "ppid"]) if p.info["name"] == "esh" and p.pid in below]
+        parents = {process.pid: process.info["ppid"] for process in found}
+        self.shell, waits = next((pid, parent) for pid, parent in parents.items() if parent in parents)
         self.root = pathlib.Path(f"/proc/{waits}/root")
         self.plan = self.root / "tmp/fault"
         for line in SETTINGS:
