@@ -19,6 +19,7 @@ import sys
 import tempfile
 import termios
 import time
+import typing
 
 import psutil
 from operator_console import SAMPLES, TOP, OperatorConsole
@@ -46,43 +47,49 @@ TOLD_BY_TOOLS = "tftp", "ftp", "format"  # the shell itself says nothing of how 
 SYSTEM = TOP / "device/packages/system"
 LOADED = {name: (SYSTEM / name).stat().st_size for name in ("sbin/tessaro", "etc/tessaro-version")}
 NO_ROOM = "Failed to finish the operation because of insufficient storage space or quota limitation."
-# Line; the names below /mnt that the command may change, "/" at the end: all below; what it says of some failure.
-COMMANDS = [
-    ("copy a x", ("flash:/x",), NO_ROOM),
-    ("copy a o", ("flash:/o",), NO_ROOM),
-    ("copy a cfa0:/dir", ("cfa0:/dir/a",), NO_ROOM),
-    ("move a x", ("flash:/a", "flash:/x"), NO_ROOM),
-    ("move a cfa0:/o", ("flash:/a", "cfa0:/o"), NO_ROOM),
-    ("delete a", ("flash:/a",), "Execution failure."),
-    ("mkdir made", ("flash:/made",), "Execution failure."),
-    ("rmdir empty", ("flash:/empty",), "Failed to remove directory."),
-    ("tftp 10.0.0.1 get readme.txt flash:/x", ("flash:/x",), ""),
-    ("tftp 10.0.0.1 get readme.txt flash:/o", ("flash:/o",), ""),
-    ("format cfa0:", ("cfa0:/",), ""),
-]
-# Those that change nothing below /mnt.
-LOOKS = [
-    "dir", "dir /all cfa0:", "more o", "pwd", "display version", "display copyright", "display interface m-eth0",
-    "display ip routing-table", "display ipv6 routing-table", "display install package system.bin",
-    "reset ssh public-key", "ping -c 1 10.0.0.1", "ftp 10.0.0.1 put a sent", "install load system.bin",
-    "install load absent.bin", "install load forged.bin", "display install package forged.bin",
-]
-# Of two names TAB takes none for the other: were it the only one, "dir" would then list it.
-LISTS = [("dir fl", "\t")]
-# What is typed before, so that there is something to do, and the line.
-COMMANDS_OF_THE_PORT = [
-    ("ip address 10.0.0.2 24", "ip address 10.0.0.3 24"),
-    ("undo ip gateway", "ip gateway 10.0.0.254"),
-    ("undo ipv6 address", "ipv6 address fd00::3 64"),
-    ("undo ipv6 gateway", "ipv6 gateway fe80::1"),
-    ("ip gateway 10.0.0.254", "undo ip gateway"),
-    ("ip address 10.0.0.2 24", "undo ip address"),
-    ("ipv6 gateway fe80::1", "undo ipv6 gateway"),
-    ("ipv6 address fd00::3 64", "undo ipv6 address"),
-    ("undo shutdown", "shutdown"),
-    ("shutdown", "undo shutdown"),
-]
 
+
+class Command(typing.NamedTuple):
+    line: str
+    changes: tuple = ()  # the names below /mnt that it may change, "/" at the end: all below
+    says: str = ""  # of some failure
+    before: str = ""  # what is typed first, so that there is something to do
+    key: str = ""  # pressed behind the line
+
+
+COMMANDS = [
+    Command("copy a x", ("flash:/x",), NO_ROOM),
+    Command("copy a o", ("flash:/o",), NO_ROOM),
+    Command("copy a cfa0:/dir", ("cfa0:/dir/a",), NO_ROOM),
+    Command("move a x", ("flash:/a", "flash:/x"), NO_ROOM),
+    Command("move a cfa0:/o", ("flash:/a", "cfa0:/o"), NO_ROOM),
+    Command("delete a", ("flash:/a",), "Execution failure."),
+    Command("mkdir made", ("flash:/made",), "Execution failure."),
+    Command("rmdir empty", ("flash:/empty",), "Failed to remove directory."),
+    Command("tftp 10.0.0.1 get readme.txt flash:/x", ("flash:/x",)),
+    Command("tftp 10.0.0.1 get readme.txt flash:/o", ("flash:/o",)),
+    Command("format cfa0:", ("cfa0:/",)),
+    *map(Command, (
+        "dir", "dir /all cfa0:", "more o", "pwd", "display version", "display copyright", "display interface m-eth0",
+        "display ip routing-table", "display ipv6 routing-table", "display install package system.bin",
+        "reset ssh public-key", "ping -c 1 10.0.0.1", "ftp 10.0.0.1 put a sent", "install load system.bin",
+        "install load absent.bin", "install load forged.bin", "display install package forged.bin",
+    )),
+    # Of two names TAB takes none for the other: were it the only one, "dir" would then list it.
+    Command("dir fl", key="\t"),
+]
+COMMANDS_OF_THE_PORT = [
+    Command("ip address 10.0.0.3 24", before="ip address 10.0.0.2 24"),
+    Command("ip gateway 10.0.0.254", before="undo ip gateway"),
+    Command("ipv6 address fd00::3 64", before="undo ipv6 address"),
+    Command("ipv6 gateway fe80::1", before="undo ipv6 gateway"),
+    Command("undo ip gateway", before="ip gateway 10.0.0.254"),
+    Command("undo ip address", before="ip address 10.0.0.2 24"),
+    Command("undo ipv6 gateway", before="ipv6 gateway fe80::1"),
+    Command("undo ipv6 address", before="ipv6 address fd00::3 64"),
+    Command("shutdown", before="undo shutdown"),
+    Command("undo shutdown", before="shutdown"),
+]
 # Typed into every shell; the display first, as libcrypto does not bear that memory is missing when it sets itself up.
 SETTINGS = "display install package system.bin|system-view|interface m-eth0|ip address 10.0.0.2 24|quit|quit".split("|")
 
@@ -114,7 +121,7 @@ class Device(OperatorConsole):
 
     def shell_on_device(self):
         """The shell's number in its own name space."""
-        return pathlib.Path(f"/proc/{self.shell}/status").read_text().split("NSpid:")[1].split("\n")[0].split()[-1]
+        return re.search(r"NSpid:.*\t(\d+)", pathlib.Path(f"/proc/{self.shell}/status").read_text())[1]
 
     def start_again(self):
         self.is_torn = False
@@ -184,7 +191,8 @@ class Strace:
         words = ["strace", "-qq", "-yy", "-o", self.log.name, "-p", str(shell), *options]
         self.tracer = subprocess.Popen(words, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
         status, limit = pathlib.Path(f"/proc/{shell}/status"), time.monotonic() + 5
-        while not self.log.read(1) if "-f" in options else "TracerPid:\t0\n" in status.read_text():
+        # What is to be read whole begins with a call that waits for a key.
+        while "TracerPid:\t0\n" in status.read_text() or ("-f" in options and not self.log.read(1)):
             if time.monotonic() > limit:
                 raise TimeoutError("strace does not come to the shell")
             time.sleep(0.002)
@@ -213,16 +221,15 @@ class Proof:
         self.options, self.device = options, Device()
         self.rows = self.missed = self.faults = 0
 
-    def begin(self, line, changes=(), says="", line_before=None, keys=""):
+    def begin(self, command):
         """Types a command as it is. @return its calls, and those of its tools as well."""
-        self.line, self.changes, self.says, self.line_before, self.keys = line, changes, says, line_before, keys
-        self.row, self.ways = line, collections.Counter()
+        self.command, self.row, self.ways = command, command.line, collections.Counter()
         self.device.prepare()
         self.before = self.device.files()
         shell = self.device.shell
         self.said, trace = self.run("-f")
         if "Unrecognized" in self.said:
-            sys.exit(f"{self.line}: is typed in another view")
+            sys.exit(f"{self.row}: is typed in another view")
         self.done = self.device.files()
         return list(calls_in(trace, shell)), trace
 
@@ -230,7 +237,7 @@ class Proof:
         """Types it once more, with a fault. @return whether that came to pass."""
         self.device.prepare()
         state = self.device.state()
-        self.row = f"{self.line}: {what}"
+        self.row = f"{self.command.line}: {what}"
         now, trace = self.run(*options, block=block)
         was_reached = trace == "due\n" if block else "(INJECTED)" in trace or "-etrace=none" in options
         self.rows += 1
@@ -239,8 +246,8 @@ class Proof:
         self.ways[now] += 1
         return was_reached
 
-    def try_calls(self, *command):
-        calls, trace = self.begin(*command)
+    def try_calls(self, command):
+        calls, trace = self.begin(command)
         if self.options.short:
             calls = dict(calls).items()
         for name, number in calls:
@@ -252,13 +259,13 @@ class Proof:
                 self.device.prepare()  # with all its tools
                 with self.device.replaced(tool, script):
                     self.try_once(f"{tool} {way}", "-etrace=none")
-        if not any(self.says in way for way in self.ways if way):
-            self.fault(f"never said: {self.says}")
+        if not any(command.says in way for way in self.ways):
+            self.fault(f"never said: {command.says}")
         self.show()
 
-    def try_blocks(self, *command):
+    def try_blocks(self, command):
         """One block after the other, until the command asks for no more; in the short form each doubles the number."""
-        self.begin(*command)
+        self.begin(command)
         number = 1
         while self.try_once(f"block {number}", block=number):
             number += number if self.options.short else 1
@@ -269,19 +276,19 @@ class Proof:
 
     def show(self):
         if self.options.show:
-            print(self.line, f"{self.said!r}", *(f"{n:4} {way!r}" for way, n in self.ways.most_common()), sep="\n")
+            print(self.command.line, f"{self.said!r}", *(f"{n:4} {way!r}" for way, n in self.ways.most_common()), sep="\n")
 
     def run(self, *options, block=0):
         """@return what was said, and the trace, or what became of the plan that a block of memory fails."""
-        if self.line_before:
-            self.device.type(self.line_before)
-        self.device.press(self.line)
-        self.device.console.expect(re.escape(self.line))
+        if self.command.before:
+            self.device.type(self.command.before)
+        self.device.press(self.command.line)
+        self.device.console.expect(re.escape(self.command.line))
         if block:
             self.device.plan.write_text(f"{block} {self.device.shell_on_device()}")
         strace = None if block else Strace(self.device.shell, *options)
-        if self.keys:
-            self.device.press(self.keys)
+        if self.command.key:
+            self.device.press(self.command.key)
             self.device.console.expect("<boot>")
         self.device.press("\r")
         said = self.device.wait_for_prompt()
@@ -304,14 +311,14 @@ class Proof:
         after = self.device.files()
         ends_copy = self.row.startswith("copy") and ": read " in self.row  # as the end of the file does
         for name in before | done | after:
-            if not any(name == change or (change[-1] == "/" and name.startswith(change)) for change in self.changes):
+            if not any(name == change or (change[-1] == "/" and name.startswith(change)) for change in self.command.changes):
                 if after.get(name, "") != before.get(name, ""):
                     self.fault(f"{name} has changed")
             elif after.get(name, "") not in (before.get(name, ""), done.get(name, ""), "") and not ends_copy:
                 self.fault(f"{name} is a part")
         if "delete" not in self.row and before["flash:/a"] not in after.values():
             self.fault("the source is lost")
-        if self.keys and "Directory of" in said:
+        if ": block " in self.row and self.command.key and "Directory of" in said:  # a folder may be unreadable
             self.fault("one of two names is taken for the only one")
         if "forged" in self.row and "Loading" in said:
             self.fault("a forged package is loaded")
@@ -329,15 +336,15 @@ class Proof:
         print(f"{self.row}: {problem}", file=sys.stderr)
 
 
-def try_commands(proof, try_one, commands):
+def try_commands(device, try_one):
     """Those of the user view, then those of the port in theirs."""
-    for command in commands:
-        try_one(*command)
-    proof.device.prepare()  # may start another shell
+    for command in COMMANDS:
+        try_one(command)
+    device.prepare()  # may start another shell
     for line in "system-view", "interface m-eth0":
-        proof.device.type(line)
-    for line_before, line in COMMANDS_OF_THE_PORT:
-        try_one(line, (), "", line_before)
+        device.type(line)
+    for command in COMMANDS_OF_THE_PORT:
+        try_one(command)
 
 
 def main():
@@ -346,11 +353,10 @@ def main():
     parser.add_argument("--show", action="store_true", help="also what each command said, in all the ways it ended")
     options = parser.parse_args()
     proof = Proof(options)
-    commands = [*COMMANDS, *((line,) for line in LOOKS)]
-    try_commands(proof, proof.try_calls, commands)
+    try_commands(proof.device, proof.try_calls)
     proof.device.lose_memory()
-    try_commands(proof, proof.try_blocks, commands + [(line, (), "", None, key) for line, key in LISTS])
-    count = len(COMMANDS) + len(LOOKS) + len(LISTS) + len(COMMANDS_OF_THE_PORT)
+    try_commands(proof.device, proof.try_blocks)
+    count = len(COMMANDS) + len(COMMANDS_OF_THE_PORT)
     print(f"failing calls: {count} commands, {proof.rows} failures, {proof.missed} not reached, {proof.faults} faults")
     proof.device.end()
     sys.exit(proof.faults != 0)
