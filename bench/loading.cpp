@@ -66,6 +66,7 @@ void StorePackage(const char* path, const std::vector<mkpkg::PackageFile>& files
 std::size_t PreparePackages() {
   PrepareDevice();
   for (const char* tool : {"sh", "gunzip", "cpio", "rm"}) fs::create_symlink("busybox", std::string("/bin/") + tool);
+  fs::remove("/var");  // it was a link to the machine's
   fs::create_directories("/var/pkg");
   WriteFile(kVersionFile, "ProductTag : 0x01020304\nDeviceTag : 0x0A0B0C0D\n");
   WriteFile("/proc/sys/61000/3", "flash:/boot.bin");
