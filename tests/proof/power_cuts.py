@@ -23,6 +23,8 @@ from operator_console import SAMPLES, OperatorConsole
 
 SECTOR = 512
 FLUSH, DISCARD = 1, 4
+FSCK_WORKED = 7  # e2fsck: 8 and more say that it could not work
+MOST_KEPT = 3  # faults whose images are kept to look at
 MEDIA = "flash:", "cfa0:"
 COUNTS = "commands", "states", "reported", "parts", "older files gone", "renamed files gone", "faults"
 LONG = "a-long-name-" * 4 + "bin"
@@ -95,18 +97,21 @@ class Disk:
                 if name.endswith("/"):
                     place.mkdir(parents=True, exist_ok=True)
                 else:
-                    run("mcopy", "-n", "-i", image, name, place, check=False)
+                    run("mcopy", "-n", "-i", image, name, place, most=1)
         else:
-            run("e2fsck", "-fy", image, check=False)
-            run("debugfs", "-R", f"rdump / {found}", image, check=False)
+            run("e2fsck", "-fy", image, most=FSCK_WORKED)
+            run("debugfs", "-R", f"rdump / {found}", image)
             shutil.rmtree(found / "lost+found", ignore_errors=True)
         return {
             str(path.relative_to(found)): path.read_bytes() if path.is_file() else None for path in found.rglob("*")
         }
 
 
-def run(*words, check=True):
-    subprocess.run(words, check=check, capture_output=True, stdin=subprocess.DEVNULL, timeout=60)
+def run(*words, most=0):
+    """Runs a tool that may end with a status up to `most`; with any other there is nothing to judge."""
+    ended = subprocess.run(words, capture_output=True, stdin=subprocess.DEVNULL, timeout=60)
+    if not 0 <= ended.returncode <= most:
+        sys.exit(f"power cuts: {words}: {ended.returncode}: {ended.stderr.decode('latin-1')}")
 
 
 class Cuts:
@@ -116,6 +121,7 @@ class Cuts:
         self.directory, self.options = directory, options
         self.chance = random.Random(options.seed)
         self.counts = dict.fromkeys(COUNTS, 0)
+        self.states = {}  # of each medium the bytes looked at last
         sizes = {"keep/book.bin": 100_000, "keep/a long name.text": 5, "old": 60_000, "source": 150_000}
         contents = directory / "contents"
         (contents / "keep").mkdir(parents=True)
@@ -202,8 +208,9 @@ class Cuts:
         for name, disk, size in zip(MEDIA, self.disks, sizes):
             if not disk.entries or disk.entries[-1].end < size:
                 disk.entries = entries_of(disk.log)
-            state = disk.state(disk.count_at(size), chance)
-            files.update({f"{name}/{path}": data for path, data in disk.files_in(state, self.directory).items()})
+            self.states[name] = disk.state(disk.count_at(size), chance)
+            found = disk.files_in(self.states[name], self.directory)
+            files.update({f"{name}/{path}": data for path, data in found.items()})
         return files
 
     def judge(self, line, before, wanted, found, moved):
@@ -222,6 +229,11 @@ class Cuts:
     def fault(self, line, problem):
         self.counts["faults"] += 1
         print(f"{line}: {problem}", file=sys.stderr)
+        if self.counts["faults"] <= MOST_KEPT:
+            kept = pathlib.Path(tempfile.mkdtemp(prefix="power-cut-"))
+            for name, state in self.states.items():
+                (kept / name).write_bytes(state)
+            print(f"the media then are kept in {kept}", file=sys.stderr)
 
 
 def difference(wanted, found):

@@ -104,6 +104,7 @@ TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
   EXPECT_EQ(record.sysName, std::string(64, 's'));
   EXPECT_EQ(std::memcmp(record.corpIDMac, "\x0A\x0B\xFF\x00\x01\x7F", 6), 0);
   EXPECT_EQ(std::memcmp(record.bridgeMac, "\x02\x5A\xC1\x07\xF2\x0E", 6), 0) << "half an address is none";
+  EXPECT_EQ(std::memcmp(Record("").corpIDMac, "\x02\x5A\xC1\0\0\0", 6), 0);
 }
 
 TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
