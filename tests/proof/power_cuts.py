@@ -22,6 +22,7 @@ import time
 from operator_console import SAMPLES, OperatorConsole
 
 SECTOR = 512
+EXT4_BLOCK = 1024
 FLUSH, DISCARD = 1, 4
 FSCK_WORKED = 7  # e2fsck: 8 and more say that it could not work
 MOST_KEPT = 3  # faults whose images are kept to look at
@@ -50,6 +51,7 @@ class Disk:
 
     def __init__(self, directory, name, contents, filesystem):
         self.image, self.log, self.filesystem = directory / name, directory / (name + ".log"), filesystem
+        self.torn_at = SECTOR if filesystem == "fat" else EXT4_BLOCK
         self.entries = []
         self.log.touch()
         with self.image.open("wb") as image:
@@ -58,7 +60,7 @@ class Disk:
             run("mformat", "-i", self.image, "-c", "1", "::")
             run("mcopy", "-s", "-i", self.image, *sorted(contents.iterdir()), "::")
         else:
-            run("mke2fs", "-q", "-t", "ext4", "-b", "1024", "-d", contents, self.image)
+            run("mke2fs", "-q", "-t", "ext4", "-b", str(EXT4_BLOCK), "-d", contents, self.image)
             with self.image.open("r+b") as image:
                 image.write(b"in use")  # the boot block: all zeros mean a new disk
         self.base = self.image.read_bytes()
@@ -69,12 +71,13 @@ class Disk:
 
     def state(self, count, chance):
         """The bytes after so many entries: of the sectors written since the last flush, `chance` keeps some, if it is
-        given; of some entries it tears the sectors apart."""
+        given; of some entries it tears the sectors apart, on ext4 its blocks: of a superblock that is torn there no
+        tool makes anything."""
         image = bytearray(self.base)
         last_flush = max((i for i in range(count) if self.entries[i].flags & FLUSH), default=0)
         share = chance.choice((0, chance.random(), 1)) if chance else 1
         for number, entry in enumerate(self.entries[:count]):
-            step = SECTOR if chance and chance.random() < 0.2 else len(entry.data)
+            step = self.torn_at if chance and chance.random() < 0.2 else len(entry.data)
             for at in range(0, len(entry.data), step or 1):
                 if number < last_flush or not chance or chance.random() < share:
                     start = entry.sector * SECTOR + at

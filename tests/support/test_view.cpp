@@ -1,6 +1,9 @@
 #include "tests/support/test_view.h"
 
+#include <stdio_ext.h>
+
 #include <array>
+#include <cstdio>
 #include <deque>
 #include <sstream>
 #include <utility>
@@ -18,7 +21,7 @@ std::string g_ran;
 template <std::size_t... kIndexes>
 constexpr std::array<ESH_CMD_PROC_F, sizeof...(kIndexes)> MakeHandlers(std::index_sequence<kIndexes...>) {
   return {[] {
-    g_ran += g_commands[kIndexes] + "\n";
+    g_ran += g_commands[kIndexes] + (__fpending(stdout) == 0 ? "\n" : " before its line ended\n");
     return 0U;
   }...};
 }

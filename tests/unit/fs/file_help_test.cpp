@@ -28,8 +28,8 @@ struct FileHelp : PrivateRootTest {
       WriteFile(std::string("/mnt/") + file, "");
     const std::pair<const char*, const char*> links[] = {
         {"SLOT0#cfa0:", "/mnt/cfa0:"},  // however it is spelled
-        {"slot0#usba0:", "/mnt/usba0:"}, {".slot", "/mnt/cfa0:"},    {"flash:/lnkdir", "logs"},
-        {"flash:/lnkfile", "Log.txt"},   {"flash:/lnkgone", "gone"},
+        {"slot0#usba0:", "/mnt/usba0:"}, {".slot", "/mnt/cfa0:"},       {"flash:/lnkdir", "logs"},
+        {"slot0#flag:", "/mnt/cfa0:"},   {"flash:/lnkfile", "Log.txt"}, {"flash:/lnkgone", "gone"},
     };
     for (const auto& [link, target] : links) fs::create_symlink(target, std::string("/mnt/") + link);
     ASSERT_EQ(mkfifo("/mnt/flash:/lpipe", 0600), 0);
@@ -52,13 +52,13 @@ struct FileHelp : PrivateRootTest {
 };
 
 TEST_F(FileHelp, OffersMediaAndWhatContinuesTheWord) {
-  const Lines media = {"flash:|Device name", "cfa0:|Device name"};
+  const Lines media = {"flash:|Device name", "flag:|Device name", "cfa0:|Device name"};
   const Lines flash = {"flash:/|Device name"};
   const Lines at_l = {"logs/", "Log.txt", "lnkdir/", "lnkfile"};
   const Lines at_flash_l = {"flash:/logs/", "flash:/Log.txt", "flash:/lnkdir/", "flash:/lnkfile"};
   const std::pair<std::string, Lines> cases[] = {
       {"?", media},
-      {"fl", flash},
+      {"fl", {"flash:/|Device name", "flag:/|Device name"}},
       {"flash:", flash},
       {"c", {"cfa0:/|Device name"}},
       {"l", at_l},
@@ -102,7 +102,7 @@ TEST_F(FileHelp, LeavesOutWhatTheFilterRefuses) {
   };
   EXPECT_EQ(Offers("flash:/", kAny, only_logs), Lines{"flash:/logs/"});
   EXPECT_EQ(Offers("Log.txt", kAny, only_logs), Lines{});
-  EXPECT_EQ(Offers("?", kAny, only_logs).size(), 2U) << "media are not filtered";
+  EXPECT_EQ(Offers("?", kAny, only_logs).size(), 3U) << "media are not filtered";
 }
 
 }  // namespace

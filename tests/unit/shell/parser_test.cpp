@@ -71,6 +71,7 @@ constexpr ParseCase kLines[] = {
     {"show fe80::1.2?", "\r\n  STRING<1-3>\r\n  X:X::X:X\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe80::1.2"},
     {"show fe80::/6?", "\r\n  STRING<1-3>\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe80::/6"},
     {"show \x7f?", "\r\n           ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "show \x7f"},
+    {"set 9 ?", "\r\n          ^\r\n % Wrong parameter found at '^' position.\r\n<boot>", "", "set 9 "},
     {"one x?", "\r\n          ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "one x"},
 };
 
