@@ -25,7 +25,6 @@ SECTOR = 512
 EXT4_BLOCK = 1024
 FLUSH, DISCARD = 1, 4
 FSCK_WORKED = 7  # e2fsck: 8 and more say that it could not work
-MOST_KEPT = 3  # faults whose images are kept to look at
 MEDIA = "flash:", "cfa0:"
 COUNTS = "commands", "states", "reported", "parts", "older files gone", "renamed files gone", "faults"
 LONG = "a-long-name-" * 4 + "bin"
@@ -232,10 +231,10 @@ class Cuts:
     def fault(self, line, problem):
         self.counts["faults"] += 1
         print(f"{line}: {problem}", file=sys.stderr)
-        if self.counts["faults"] <= MOST_KEPT:
-            kept = pathlib.Path(tempfile.mkdtemp(prefix="power-cut-"))
+        if self.counts["faults"] == 1:
+            kept = tempfile.mkdtemp(prefix="power-cut-")
             for name, state in self.states.items():
-                (kept / name).write_bytes(state)
+                pathlib.Path(kept, name).write_bytes(state)
             print(f"the media then are kept in {kept}", file=sys.stderr)
 
 

@@ -70,6 +70,7 @@ TEST_F(Mkpkg, SaysWhatIsWrong) {
       {"key new --exponent=65535 a b", "the exponent must be an odd number from 65537 on"},
       {"key new --exponent=65538 a b", "the exponent must be an odd number from 65537 on"},
       {"build good.bin", "operand PACKAGE is missing"},
+      {"check --version-file=good.bin --keys=gone good.bin", "gone is no directory"},
   };
   for (const auto& [arguments, warned] : kCalls) {
     EXPECT_NE(Say(arguments), "0 ") << arguments;
