@@ -20,7 +20,7 @@ build_packages=(
 test_packages=(clang-format clang-tidy clang libclang-rt-dev openssl mandoc strace python3-pexpect python3-psutil)
 bench_packages=(libcli-dev openssl strace valgrind)
 arm64_packages=(
-  g++-aarch64-linux-gnu qemu-system-arm ethtool socat u-boot-tools mtools
+  g++-aarch64-linux-gnu qemu-system-arm ethtool socat u-boot-tools mtools fdisk
   e2fsprogs # what looks at media after power cuts
 )
 fresh_packages=(debootstrap git)

@@ -47,7 +47,7 @@ class Image(unittest.TestCase):
     def test_same_files_give_same_bytes(self):
         for files in ("files", "again"):
             for name in sorted(("lib/b", "lib/a name", CONSOLE), reverse=files == "again"):
-                self.write(name, name.encode(), files)
+                self.write(name, b"/dev/" + name[:5].encode(), files)
             command = [MAKE, SHELL, BUSYBOX, self.work / files, self.work / f"{files}.cpio.gz"]
             subprocess.run(command, stderr=subprocess.DEVNULL, check=True)
         self.assertTrue(filecmp.cmp(self.work / "files.cpio.gz", self.work / "again.cpio.gz", shallow=False))
@@ -69,14 +69,19 @@ class Image(unittest.TestCase):
         self.copy_of(libc, b"\0GLIBC_2.34\0", b"\0GLIBC_1.34\0")
         said, _ = self.make("--sysroot", self.work / "changed", "--sysroot", "/", archive="3")
         self.assertIn("libc.so.6 has no GLIBC_2.34: /sbin/esh", said)
+        self.write(CONSOLE, b"ttyS0\n")
+        self.assertIn(f"/{CONSOLE} names no console", self.make(archive="4")[0])
         (self.work / "files" / CONSOLE).unlink()
         self.assertIn(f"no /{CONSOLE}", self.make(archive="4")[0])
         self.assertIsNotNone(self.make("--part", archive="5")[1])
+        self.write("init", b"my own")  # and not executable
+        self.write(CONSOLE, b"/dev/ttyS0\n")
+        self.assertIn("/init will not start", self.make(archive="4")[0])
 
     def test_links_of_the_maker_stay_in_the_image(self):
         outside = self.work / "outside"
         outside.mkdir()
-        self.write("init", b"my own")
+        self.write("etc/passwd", b"my own")
         (self.work / "files/usr/lib").mkdir(parents=True)
         (self.work / "files/lib").symlink_to("usr/lib")
         (self.work / "files/bin").symlink_to(outside)
@@ -87,7 +92,7 @@ class Image(unittest.TestCase):
         self.assertIn(f"{outside}/sh"[1:], members)
         self.assertEqual(list(outside.iterdir()), [])
         self.assertFalse([name for name in members if name.startswith("lib/")])
-        self.assertEqual(members["init"].split()[2], str(len(b"my own")))
+        self.assertEqual(members["etc/passwd"].split()[2], str(len(b"my own")))
 
 
 unittest.main(argv=sys.argv[:1])

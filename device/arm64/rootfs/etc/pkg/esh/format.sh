@@ -13,5 +13,8 @@ echo "Formatting $1 ..."
 if grep -q " /mnt/$1 " /proc/mounts; then
   umount "/mnt/$1" || exit 1
 fi
-mkdosfs "$disk" && mount -t vfat -o flush "$disk" "/mnt/$1" || exit 1
+if ! mkdosfs "$disk" || ! mount -t vfat -o flush "$disk" "/mnt/$1"; then
+  mount -t tmpfs -o ro unreadable "/mnt/$1" # as mount.sh does
+  exit 1
+fi
 echo "Formatting $1 ... done."

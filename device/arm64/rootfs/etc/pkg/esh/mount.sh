@@ -11,5 +11,7 @@ for disk in /sys/block/vd*; do
     echo "Mounting $name ... done."
   else
     echo "Mounting $name ... failed."
+    # It stays a medium, for format. What is written to it must not go into memory.
+    mount -t tmpfs -o ro unreadable "/mnt/$name"
   fi
 done
