@@ -55,7 +55,6 @@ constexpr char kAll[] =
     "\r\n<boot>";
 
 constexpr ParseCase kLines[] = {
-    {"  o\t", "\r\n<boot>", "", "one "},
     {"t\t", "\r\n<boot>", "", "tw"},
     {"tw\t", "\r\n<boot>", "", "twin"},
     {"one\n", "\r\n", "one <cr>\n", ""},  // it ends a completion
@@ -70,6 +69,7 @@ constexpr ParseCase kLines[] = {
     {"set 1.2.?", "\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 1.2."},
     {"show fe80::1.2?", "\r\n  STRING<1-3>\r\n  X:X::X:X\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe80::1.2"},
     {"show fe80::/6?", "\r\n  STRING<1-3>\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe80::/6"},
+    {"  o\t", "\r\n<boot>", "", "one "},  // nothing is left of the longer line
     {"show \x7f?", "\r\n           ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "show \x7f"},
     {"set 9 ?", "\r\n          ^\r\n % Wrong parameter found at '^' position.\r\n<boot>", "", "set 9 "},
     {"one x?", "\r\n          ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "one x"},
