@@ -274,6 +274,9 @@ def main():
             cuts.cut(f"{tool} 10.0.0.1 get remote cfa0:/{tool}.old", {f"cfa0:/{tool}.old": new})
             cuts.cut(f"delete {name}", {name: ""})
         cuts.cut("install load system.bin", {})
+        if options.filesystem == "fat":  # which format makes
+            kept = cuts.look(cuts.sizes())
+            cuts.cut("format cfa0:", {name: "" for name in kept if name.startswith("cfa0:")})
         counts = ", ".join(f"{count} {name}" for name, count in cuts.counts.items())
         print(f"power cuts, {options.filesystem}, seed {options.seed}: {counts}")
         cuts.console.end()
