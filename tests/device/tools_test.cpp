@@ -34,6 +34,10 @@ TEST_F(Tools, LeaveTheTerminalToTheShellHoweverTheyEnd) {
     EXPECT_EQ(Modes(), prompt_modes_);
     EXPECT_EQ(Command("pwd"), "flash:\n");
   }
+  StartTool("stty ixon stop ^S; echo ready; sleep 0.5\n");
+  Expect("ready");
+  Type("\x13");  // its output stops, but not the shell's
+  Expect("<boot>");
 }
 
 TEST_F(Tools, ReadWhatIsTypedWhileTheyRunAndLeaveTheRest) {
