@@ -5,8 +5,6 @@
 namespace mkpkg {
 namespace {
 
-constexpr int kBlock = 1 << 16;
-
 la_ssize_t GiveToSink(archive* output, void* sink, const void* bytes, std::size_t length) {
   const std::string problem = (*static_cast<const Sink*>(sink))({static_cast<const char*>(bytes), length});
   if (problem.empty()) return static_cast<la_ssize_t>(length);
@@ -18,8 +16,7 @@ la_ssize_t GiveToSink(archive* output, void* sink, const void* bytes, std::size_
 
 bool OpenToSink(archive* output, const Sink& sink) {
   // Not filled up to a whole block at the end.
-  return archive_write_set_bytes_per_block(output, kBlock) == ARCHIVE_OK &&
-         archive_write_set_bytes_in_last_block(output, 1) == ARCHIVE_OK &&
+  return archive_write_set_bytes_in_last_block(output, 1) == ARCHIVE_OK &&
          archive_write_open(output, const_cast<Sink*>(&sink), nullptr, GiveToSink, nullptr) == ARCHIVE_OK;
 }
 

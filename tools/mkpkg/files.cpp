@@ -26,7 +26,7 @@ constexpr int kFatalSignals[] = {SIGHUP, SIGINT, SIGTERM};
 char g_temporary[PATH_MAX];  // the file to remove when a signal ends the program; "": none
 
 extern "C" void RemoveTemporary(int number) {
-  if (g_temporary[0] != '\0') unlink(g_temporary);
+  (void)unlink(g_temporary);
   (void)std::signal(number, SIG_DFL);
   (void)raise(number);
 }
