@@ -139,9 +139,11 @@ TEST_F(PackageTool, ResigningReplacesTheSignature) {
   const mkpkg::SignatureForm form = {.key_name = "maker"};
   EXPECT_EQ(Sign(GoodPackage(), form), GoodPackage());
   EXPECT_EQ(Sign(GoodPackage(true), form), GoodPackage());
-  std::string damaged = GoodPackage();
-  damaged[damaged.rfind(kLengthLabel)] = 'f';
-  EXPECT_GT(Sign(damaged, form).size(), damaged.size()) << "a device looks for it at the package's end alone";
+  for (const std::string_view part : {std::string_view(kLengthLabel), kGenericMarkers.begin}) {
+    std::string damaged = GoodPackage();
+    damaged[damaged.rfind(part)] = 'f';
+    EXPECT_GT(Sign(damaged, form).size(), damaged.size()) << "a device looks for it at the package's end alone";
+  }
 }
 
 TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
