@@ -39,10 +39,12 @@ TEST(PackageDescription, WrongLineIsNamed) {
   for (const auto& [text, problem] : kCases)
     EXPECT_TRUE(mkpkg::ParseDescription(text, "d", description).starts_with(problem)) << text;
   constexpr char kGood[] =
-      "product-tag: 0x10\nbyte-order: host\n[file 0x1234]\nname: n\ntext: a: b\ntext:\ncompression: gz, 7z";
+      "product-tag: 0x10\nbyte-order: host\nattribute: 2\n[file 0x1234]\nname: n\ntext: a: b\ntext:\ncompression: gz, "
+      "7z";
   ASSERT_EQ(mkpkg::ParseDescription(kGood, "d", description), "");
   EXPECT_EQ(description.product_tag, 0x10U);
   EXPECT_TRUE(description.host_order);
+  EXPECT_EQ(description.attribute, 2U);
   EXPECT_EQ(description.files.at(0).id, 0x1234U);
   EXPECT_EQ(description.files.at(0).text, "a: b\n\n");
 }
