@@ -116,7 +116,7 @@ TEST_F(FileCommands, FormatEmptiesAMediumAndChoosesTheDirectoryAgain) {
   Command("format flash:/", "y\r");
   EXPECT_EQ(OnFlash("ls"), "");
   EXPECT_EQ(Command("pwd"), "flash:\n");
-  for (const char* line : {"format .", "format /mnt/flash:"})
+  for (const char* line : {"format .", "format /mnt/flash:", "format flash:/a", "format flash:/a/"})
     EXPECT_NE(Command(line).find("Wrong parameter"), std::string::npos) << line;
   OnFlash("echo text > a; ln -s /mnt/gone /mnt/slot0#usbb0:");
   EXPECT_EQ(Command("format usbb0:"), "usbb0: doesn't exist.\n");

@@ -101,6 +101,7 @@ TEST_F(PackageTool, WarnsOfWhatADeviceDropsSilently) {
       {"no line \"[boot]\"", [](C& c) { c.files[0].data = "7.1\n"; }},
       {"attribute 0 only", [](C& c) { c.attribute = 1; }},
       {"gives a device no data", [](C& c) { c.files[3].packing = 1; }},
+      {"there is more than one description", [](C& c) { c.files.push_back(c.files[1]); }},
       {"it is empty", [](C& c) { c.files[3].data = ""; }},
       {"same device tag", [](C& c) { c.files.push_back(c.files[3]); }},
       {"longer than 64 bytes", [](C&) {}, "a-name-that-is-more-than-what-the-record-has-room-for-123.bin"},
