@@ -34,6 +34,10 @@ TEST_F(Mkpkg, TellsByItsExitStatusHowItWent) {
       {check + "--boot-image=boot.bin good.bin", "0 display install package: accepted\ninstall load: accepted\n"},
       {check + "good.bin", "1 display install package: accepted\ninstall load: refused at step \"compatible\""},
       {check + "boot.bin", "1 display install package: refused at step"},
+      {check + "--name=x:/a boot.bin",
+       "1 display install package: refused at step \"typed-name\": x:/a is no name below a medium flash, cf or usb, of "
+       "63 "
+       "characters at most\n"},
       {check + "gone.bin", "3 "},
       {check + "link.bin", "1 display install package: accepted\n"},
       {"check good.bin", "2 "},
