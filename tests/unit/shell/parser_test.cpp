@@ -67,7 +67,7 @@ constexpr ParseCase kLines[] = {
     {"half\n", "\r\n      ^\r\n % Unrecognized command found at '^' position.\r\n", "", ""},  // it has no end
     {"set 31?", "\r\n  INTEGER<10-31>\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 31"},
     {"set 1.2.?", "\r\n  X.X.X.X\r\n\r\n<boot>", "", "set 1.2."},
-    {"show fe80::1.2?", "\r\n  STRING<1-3>\r\n  X:X::X:X\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe80::1.2"},
+    {"show fe8F::1.2?", "\r\n  STRING<1-3>\r\n  X:X::X:X\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe8F::1.2"},
     {"show fe80::/6?", "\r\n  STRING<1-3>\r\n  X:X::X:X/M\r\n\r\n<boot>", "", "show fe80::/6"},
     {"  o\t", "\r\n<boot>", "", "one "},  // nothing is left of the longer line
     {"show \x7f?", "\r\n           ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "show \x7f"},
