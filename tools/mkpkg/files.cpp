@@ -127,7 +127,7 @@ std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode
 }
 
 bool WriteAt(int fd, std::uint64_t offset, std::string_view bytes) {
-  return pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(offset)) == static_cast<ssize_t>(bytes.size());
+  return lseek(fd, static_cast<off_t>(offset), SEEK_SET) >= 0 && WriteAll(fd, bytes.data(), bytes.size());
 }
 
 UniqueFd OpenScratch() {

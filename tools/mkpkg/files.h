@@ -36,7 +36,8 @@ using FillFile = std::function<std::string(int fd)>;
 [[nodiscard]] std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode_t mode = 0666,
                                          bool replace = true);
 
-/// Writes all bytes into an open file from an offset on. @return false when it takes fewer.
+/// Writes all bytes into an open file from an offset on, and leaves the file's own offset behind them. @return false
+/// when it takes fewer.
 [[nodiscard]] bool WriteAt(int fd, std::uint64_t offset, std::string_view bytes);
 
 /// Opens a file that is nobody's and gone when it is closed, in the directory for temporary files.

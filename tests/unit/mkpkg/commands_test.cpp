@@ -93,16 +93,21 @@ TEST_F(Mkpkg, GivesAnArchiveTheTimeOfItsSources) {
     EXPECT_EQ(Say(std::string("build d at") + time), status) << time;
   }
   EXPECT_EQ(ReadFile("/tmp/unset"), ReadFile("/tmp/at0"));
+  unsetenv("SOURCE_DATE_EPOCH");
   EXPECT_NE(ReadFile("/tmp/at86399").find("0001517f"), std::string::npos) << "the time of the archive's entries";
 }
 
-TEST_F(Mkpkg, WithoutRoomForTheSignatureLeavesWhatWasThere) {
+TEST_F(Mkpkg, WithoutRoomLeavesWhatWasThere) {
   const std::string before = GoodPackage(true);
   WriteFile("/tmp/p.bin", before);
   EXPECT_EQ(Say("key new k.pem public.pem"), "0 ");
   const std::string full = "trap '' XFSZ; ulimit -f " + std::to_string(before.size() / 512 + 1) + "; ";
   EXPECT_EQ(Say("sign --key-name=maker --private-key=k.pem p.bin", full), "4 ");
   EXPECT_EQ(ReadFile("/tmp/p.bin"), before);
+  WriteFile("/tmp/d", "product-tag: 1\n");
+  EXPECT_EQ(Say("build d new.bin", "trap '' XFSZ; ulimit -f 2; "), "4 ");
+  EXPECT_EQ(ReadFile("/tmp/warned"), "mkpkg: cannot write new.bin: File too large\n");
+  EXPECT_FALSE(std::filesystem::exists("/tmp/new.bin"));
 }
 
 TEST_F(Mkpkg, InterruptedLeavesWhatWasThere) {
