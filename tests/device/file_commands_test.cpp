@@ -154,6 +154,8 @@ TEST_F(NativeFileCommands, TheWorkingDirectoryMayVanish) {
   EXPECT_EQ(Command("dir"), "The file or directory doesn't exist.\n");
   Type("pwd\r");
   Expect("\nCheckInvalidFileDir<boot>");
+  Run("mkdir -p /mnt/cfa0:/a; ln -s /mnt/cfa0: /mnt/slot0#cfa0:");
+  EXPECT_EQ(Command("rmdir cfa0:/a"), "The directory doesn't exist.\n");
 }
 
 TEST_F(NativeFileCommands, LinksFifosAndFoldersAreNotMistaken) {
