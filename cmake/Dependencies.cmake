@@ -2,14 +2,16 @@
 # switched off, in one line each.
 find_package(PkgConfig REQUIRED)
 
-# esh_find_library(NAME MODULE...)
-# The library NAME is the first of the modules. It is linked statically, so that the shell needs libc alone: whoever makes
-# a boot image has all of it with one file. In the presets it must be.
+# What a library is that could only be linked shared: in the presets and in CI no boot image may come of it unseen.
 if(CMAKE_COMPILE_WARNING_AS_ERROR)
   set(ESH_LINKED_SHARED FATAL_ERROR)
 else()
   set(ESH_LINKED_SHARED WARNING)
 endif()
+
+# esh_find_library(NAME MODULE...)
+# The library NAME is the first of the modules. It is linked statically, so that the shell needs libc alone: whoever makes
+# a boot image has all of it with one file.
 function(esh_find_library name)
   pkg_search_module(${name} ${ARGN})
   if(NOT ${name}_FOUND)
