@@ -30,8 +30,17 @@ class Lab : public OperatorConsole {
     Type(line + "\r");
     Answer(is_secure ? "login as:" : "lab login: ", "operator");
     if (is_secure) Answer("(yes/no/[fingerprint])? ", "yes");
-    Answer("assword: ", kPassword);
+    Expect("assword: ");
+    if (!is_secure) AwaitNoEcho();
+    Type(std::string(kPassword) + "\r");
     Expect(kFarPrompt);
+  }
+  /// Telnet's far login asks for the password first and then stops the echo.
+  void AwaitNoEcho() {
+    constexpr char kWait[] =
+        "for _ in $(seq 200); do stty -a -F /proc/$(busybox pidof login)/fd/0 | grep -q -- -echo' ' && exit;"
+        " sleep 0.05; done; exit 1";
+    EXPECT_EQ(Device().RunInLab(kWait).status, 0);
   }
   void ExpectPrompt() {
     Expect("<boot>");
