@@ -94,9 +94,10 @@ std::uint32_t VEC_Reduce(VEC_S* vec, std::uint64_t need) {
 
 std::uint32_t VEC_Resize(VEC_S* vec, std::uint64_t slots) {
   if (slots > kMostSlots) return ESH_ERR_FAIL;
-  auto** array = static_cast<void**>(std::calloc(slots, sizeof(void*)));
+  auto** array = static_cast<void**>(std::malloc(slots * sizeof(void*)));
   if (array == nullptr) return ESH_ERR_FAIL;
-  std::copy_n(vec->ppvArray, std::min(vec->ulCapacity, slots), array);
+  const std::uint64_t kept = std::min(vec->ulCapacity, slots);
+  std::fill(std::copy_n(vec->ppvArray, kept, array), array + slots, nullptr);
   std::free(vec->ppvArray);
   vec->ppvArray = array;
   vec->ulCapacity = slots;

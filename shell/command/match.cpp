@@ -8,6 +8,7 @@
 #include "shell/command/parameter.h"
 #include "shell/command/words.h"
 #include "util/ascii.h"
+#include "util/result.h"
 #include "util/vector.h"
 
 namespace {
@@ -134,8 +135,9 @@ bool MayContinue(const ESH_CMD_ELEMENT_S& element, const char* word) {
 
 /// @return false when memory is short.
 bool AddFirstElements(VEC_S& candidates) {
-  bool complete = true;
-  ForEachSlot<ESH_CMD_THREAD_S>(*g_pstEshCurrentView->pstCmdVec, [&](std::uint64_t, const ESH_CMD_THREAD_S& thread) {
+  const VEC_S& threads = *g_pstEshCurrentView->pstCmdVec;
+  bool complete = VEC_Enlarge(&candidates, threads.ulMaxIndex + 1) == kSuccess;  // at once, not by and by
+  ForEachSlot<ESH_CMD_THREAD_S>(threads, [&](std::uint64_t, const ESH_CMD_THREAD_S& thread) {
     ESH_CMD_ELEMENT_S* first = FirstElement(thread);
     complete = complete && (first == nullptr || VEC_Add(&candidates, kNoIndex, first) != kNoIndex);
   });
@@ -157,19 +159,12 @@ bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
 void KeepCommandEnds(VEC_S& candidates) { KeepOnly(candidates, IsCr); }
 
 void ESH_SelectNextCmdElment(VEC_S* candidates) {
-  const std::uint64_t count = VEC_GetCount(candidates);
-  const bool is_first_word = count == 0;
-  // As many as there can be, so that the vector need not grow again and again.
-  const std::uint64_t most = is_first_word ? g_pstEshCurrentView->pstCmdVec->ulMaxIndex + 1 : count;
-  UniqueVector next(VEC_Alloc(static_cast<std::int64_t>(most)));
-  const bool complete =
-      next != nullptr && (is_first_word ? AddFirstElements(*next) : AddSuccessors(*candidates, *next));
-  if (!complete) {
-    // With a candidate missing an ambiguous word could look settled and the wrong command run: rather none.
-    VEC_Release(candidates);
-    return;
-  }
-  std::swap(*candidates, *next);
+  VEC_S next{};
+  const bool complete = VEC_GetCount(candidates) == 0 ? AddFirstElements(next) : AddSuccessors(*candidates, next);
+  // With a candidate missing an ambiguous word could look settled and the wrong command run: rather none.
+  if (!complete) VEC_Release(&next);
+  std::swap(*candidates, next);
+  VEC_Release(&next);
 }
 
 std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* typed) {
