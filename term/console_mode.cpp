@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr cc_t kReadTimeoutTenths = 1;
-
 int Console() { return fileno(stdout); }
 
 void DisableSpecialKeys(termios& settings) {
@@ -44,8 +42,7 @@ termios SettingsAsSaved(std::uint16_t echo) {
 void SaveTermiosMode() { tcgetattr(Console(), &g_stESh_Line.stSavedTermios); }
 
 void LINE_SetTermiosMode(const termios& settings) {
-  while (tcsetattr(Console(), TCSANOW, &settings) != 0 && errno == EINTR) {
-  }
+  (void)TEMP_FAILURE_RETRY(tcsetattr(Console(), TCSANOW, &settings));
 }
 
 int ESH_LINE_SetTermiosMode() {
@@ -64,16 +61,16 @@ void ESH_LINE_RestoreTermiosMode(std::uint16_t echo) { LINE_SetTermiosMode(Setti
 
 void ESH_LINE_MaskSpecKey() {
   termios settings{};
-  if (tcgetattr(Console(), &settings) != 0) return;
+  tcgetattr(Console(), &settings);  // what cannot be read, here and below, cannot be set either
   DisableSpecialKeys(settings);
   LINE_SetTermiosMode(settings);
 }
 
-ConsoleKept::ConsoleKept() : known_(tcgetattr(Console(), &settings_) == 0) {}
+ConsoleKept::ConsoleKept() { tcgetattr(Console(), &settings_); }
 
 void ConsoleKept::PutBack() const {
   termios settings{};
-  if (!known_ || tcgetattr(Console(), &settings) != 0) return;
+  tcgetattr(Console(), &settings);
   settings.c_iflag = settings_.c_iflag;
   settings.c_oflag = settings_.c_oflag;
   settings.c_lflag = settings_.c_lflag;

@@ -4,6 +4,9 @@
 
 #include <cstdint>
 
+/// How long a read in raw mode waits for a byte.
+inline constexpr cc_t kReadTimeoutTenths = 1;
+
 /// Keeps the console's present settings: what a tool is started with, and what the console gets back at the end.
 void SaveTermiosMode();
 
@@ -27,12 +30,10 @@ class ConsoleKept {
  public:
   /// Notes the settings as they are now.
   ConsoleKept();
-  /// Does nothing when they could not be read.
   void PutBack() const;
 
  private:
   termios settings_{};
-  bool known_;
 };
 
 /// What a tool starts with: the two above in one step. Between two steps a Ctrl+Z that is typed ahead would stop the
