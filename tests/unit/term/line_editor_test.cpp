@@ -45,7 +45,7 @@ const KeyCase kKeys[] = {
     {"arrows and Delete", "abc\033[D\033[D\033[C\033[3~d\n", "abd\n", "abc\033[1D\033[1D\033[1C\033[Jd"},
     {"nothing there to move over or to take", "\002\006\010\177\004\033[C\033[D\033[3~\033[A\033[B\n", "\n",
      std::string(10, '\a')},
-    {"other control keys", "a\025\001\030b\003\n", "ba\n", "a\033[1D\033[Jba\033[1D\033[1C"},
+    {"other control keys", "a\025\001\037b\003\n", "ba\n", "a\033[1D\033[Jba\033[1D\033[1C"},
     {"bytes beyond ASCII", "\303\274\377\n", "\303\274\377\n", "\303\274\377"},
     {"TAB cuts behind the cursor", "abc\002\t", "ab\t", "abc\033[1D\033[1C"},
     {"the question mark stays where it is typed", "ac\002?", "a?c", "ac\033[1D\033[1D\033[Ja?c\033[1D"},

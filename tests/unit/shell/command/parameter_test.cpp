@@ -63,10 +63,12 @@ TEST(ParameterCheck, TakesWhatHasAMeaningOnly) {
 
 TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
   const std::string digits(512, '7');
-  EXPECT_EQ(ESH_RecordSize(digits.c_str()), kSuccess);
-  EXPECT_EQ(g_szSize, std::string(10, '7'));
-  EXPECT_EQ(ESH_RecordPassword(digits.c_str()), kSuccess);
-  EXPECT_EQ(g_szPassword, std::string(15, '7'));
+  EXPECT_EQ(ESH_RecordSize(digits.c_str()) + ESH_RecordPassword(digits.c_str()) + ESH_RecordIPv4MaskLen("01234") +
+                ESH_RecordIPv6PreLen("12345") + ESH_RecordIPv4("10.0.0.1"),
+            kSuccess);
+  EXPECT_EQ(ESH_RecordIPv4("10.0.0"), ESH_ERR_FAIL);
+  EXPECT_EQ(std::string(g_szSize) + g_szPassword + g_szIPv4MaskLen + "," + g_szIPv6PreLen + "," + g_szIPv4Address,
+            std::string(25, '7') + "123,1234,");
   EXPECT_EQ(ESH_RecordPassword("short"), kSuccess);
   EXPECT_EQ(std::string(std::begin(g_szPassword), std::end(g_szPassword)), "short" + std::string(11, '\0'));
 }

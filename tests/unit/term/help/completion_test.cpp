@@ -15,7 +15,7 @@
 namespace {
 
 std::uint32_t ListNames(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* /*element*/) {
-  for (const char* name : {"flash:/b.cfg", "cfa0:/", "flash:/a.cfg", "STRING<1-511>", "<cr>"})
+  for (const char* name : {"flash:/b.cfg", "cfa0:/", "Flash:/a.cfg", "STRING<1-511>", "<cr>"})
     if (strncasecmp(name, word, std::strlen(word)) == 0) ESH_NewHelpInfo(name, "", list);
   return 0;
 }
@@ -54,7 +54,7 @@ const TabCase kTabs[] = {
     {"no match: the line stays as typed", kDeleteDisplay, "  delete x", {"  delete x"}},
     {"no word: the blanks go", kDeleteDisplay, "   ", {""}},
     {"a placeholder is nothing to type", kMore, "more S", {"more S"}},
-    {"names", kMore, "more f", {"more flash:/", "more flash:/b.cfg", "more flash:/a.cfg"}},
+    {"names", kMore, "more f", {"more flash:/", "more flash:/b.cfg", "more Flash:/a.cfg"}},
     {"room for the blank", kDeleteDisplay, std::string(503, ' ') + "dis", {"display "}},
     {"room for the word", kDeleteDisplay, std::string(504, ' ') + "dis", {"display"}},
     {"the word is cut", kDeleteDisplay, std::string(505, ' ') + "dis", {"displa"}},

@@ -70,7 +70,7 @@ TEST(NamesOnly, AreNumbersThenTextsThenTheEndEachOnce) {
   }
   EXPECT_EQ(Print(lines, 0), expected + "\r\n");
   EXPECT_EQ(Print({{"0001", ""}, {"001", ""}, {"01", ""}}, 0), "  01\r\n  001\r\n  0001\r\n\r\n") << "equal numbers";
-  EXPECT_EQ(Print({{Many(512, 'z'), ""}}, 0), "  " + Many(512, 'z') + "\r\n\r\n") << "as long as it gets";
+  EXPECT_EQ(Print({{Many(513, 'z'), ""}}, 0), "  " + Many(512, 'z') + "\r\n\r\n") << "as long as it gets";
 }
 
 }  // namespace
