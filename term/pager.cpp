@@ -58,7 +58,6 @@ std::uint16_t ESH_LINE_DisplayString(char* text, std::uint16_t paging) {
     text = next;
   }
   std::fputs(text, stdout);
-  ESH_TERM_OFlush();
   return 1;
 }
 
