@@ -94,9 +94,7 @@ TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
 }
 
 TEST_F(NativeStartUp, StandsOnItsConsoleAloneWhateverItWasGiven) {
-  // The starter may have the terminal already, and care for no child's end.
-  Replace("/sbin/scmd",
-          "#!/bin/sh\n: < /dev/pts/0\ntrap '' CHLD\nread -r given < /tmp/given\neval \"exec /sbin/esh scmd $given\"\n");
+  Replace("/sbin/scmd", "#!/bin/sh\nread -r given < /tmp/given\neval \"exec /sbin/esh scmd $given\"\n");
   BootToPrompt();
   for (const char* given : {"3< /dev/null", "<&- >&- 2>&- 3<&-"}) {
     Run(std::string("echo '") + given + "' > /tmp/given; kill -9 " + ShellPid());

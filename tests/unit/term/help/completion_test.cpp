@@ -29,19 +29,17 @@ std::string Tab(const std::string& typed) {
   return line;
 }
 
-struct TabCase {
-  const char* why;
-  std::vector<const char*> commands;
-  std::string typed;
-  std::vector<const char*> lines;  // after each TAB
-};
-
 const std::vector<const char*> kDeleteDisplay = {"delete <cr>", "display <cr>"};
 const std::vector<const char*> kRebootReset = {"reboot <cr>", "reset <cr>"};
 const std::vector<const char*> kDisplay = {"display version <cr>", "display interface <cr>"};
 const std::vector<const char*> kMore = {"more STRING<1-511> <cr>"};
 
-const TabCase kTabs[] = {
+const struct {
+  const char* why;
+  std::vector<const char*> commands;
+  std::string typed;
+  std::vector<const char*> lines;  // after each TAB
+} kTabs[] = {
     {"the only one, with a blank", kDeleteDisplay, "di", {"display ", "display "}},
     {"nothing in common: one after the other", kDeleteDisplay, "d", {"delete", "display", "delete"}},
     {"first what they share", kRebootReset, "r", {"re", "reboot", "reset", "reboot"}},
@@ -61,7 +59,7 @@ const TabCase kTabs[] = {
 };
 
 TEST(Completion, CompletesOrStepsThroughTheCandidates) {
-  for (const TabCase& c : kTabs) {
+  for (const auto& c : kTabs) {
     TestView view("<boot>");
     for (const char* command : c.commands) view.Add(command, ListNames);
     ESH_ResetTabState();
