@@ -28,12 +28,10 @@ bool MatchWords(const VEC_S& words, std::uint64_t count, VEC_S& candidates, Ambi
 }
 
 void ReportUnfinished(const VEC_S& words, std::uint64_t count, std::uint64_t ends, AmbiguousPosition ambiguous) {
-  if (ambiguous)
-    ESH_PrintErrorInfo(ESH_MATCH_AMBIGUOUS, *ambiguous, &words);
-  else if (ends > 1)
-    ESH_PrintErrorInfo(ESH_MATCH_AMBIGUOUS, count, &words);
-  else
+  if (ends == 0 && !ambiguous)
     ESH_PrintErrorInfo(ESH_MATCH_INCOMPLETE, count - 1, &words);
+  else
+    ESH_PrintErrorInfo(ESH_MATCH_AMBIGUOUS, ambiguous.value_or(count), &words);
 }
 
 void RecordParameters(const ESH_CMD_THREAD_S& thread, const VEC_S& words) {

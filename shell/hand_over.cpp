@@ -31,8 +31,7 @@ void RestoreHotplugHelper() {
 void SetTtySwich(std::int32_t on) { (void)WriteKernelSetting(kConsoleSwitch, on); }  // a kernel without it needs none
 
 void WaitAndHandOver(pid_t shell) {
-  while (waitpid(shell, nullptr, 0) < 0 && errno == EINTR) {
-  }
+  (void)TEMP_FAILURE_RETRY(waitpid(shell, nullptr, 0));
   SetTtySwich(0);
   for (const char* link : kRemovedLinks) (void)unlink(link);  // an absent link is what is wanted
   RestoreHotplugHelper();

@@ -22,17 +22,15 @@ void CutBehindQuestionMark(char* line) {
   if (question_mark != nullptr) question_mark[1] = '\0';
 }
 
-bool HoldsWords(const VEC_S& words) { return VEC_GetCount(&words) > 0; }
-
 void Execute(const VEC_S& words, char* line) {
   ESH_ResetTabState();
-  if (HoldsWords(words)) ESH_CmdExecute(&words);
+  ESH_CmdExecute(&words);
   line[0] = '\0';
 }
 
 void CompleteLine(VEC_S& words, char* line, std::size_t last) {
   line[last] = '\0';
-  if (HoldsWords(words)) ESH_TabComplete(&words, line);
+  ESH_TabComplete(&words, line);
   ESH_LINE_SetCmdString();
 }
 
@@ -49,26 +47,25 @@ void Help(const VEC_S& words, char* line, std::size_t last) {
 void ESH_CmdParser(char* line) {
   EndTypedLine();
   CutBehindQuestionMark(line);
-  const std::size_t length = std::strlen(line);
-  const char last = length == 0 ? '\0' : line[length - 1];
-  if (last == kKeyCtrlZ) {
+  if (IsBlankLine(line)) return;
+  const std::size_t last = std::strlen(line) - 1;
+  if (line[last] == kKeyCtrlZ) {
     ESH_SetCmdMode(g_pstEshUserView);
     return;
   }
-  if (IsBlankLine(line)) return;
   const UniqueWords words = SplitLine(line);
   if (words == nullptr) return;
   CutEndKey(*words);
-  switch (last) {
+  switch (line[last]) {
     case '\r':
     case '\n':
       Execute(*words, line);
       break;
     case '\t':
-      CompleteLine(*words, line, length - 1);
+      CompleteLine(*words, line, last);
       break;
     default:
-      Help(*words, line, length - 1);
+      Help(*words, line, last);
       break;
   }
 }

@@ -38,7 +38,6 @@ namespace {
 
 constexpr char kLoadedModules[] = "/proc/modules";
 constexpr char kAddonEntry[] = "addon ";  // with its blank: a name that only begins like it does not count
-constexpr std::size_t kModuleLineRoom = 4096;
 
 constexpr char kMountScript[] = "/etc/pkg/esh/mount.sh";
 constexpr char kLoadAddon[] = "/bin/insmod /lib/modules/addon.ko";
@@ -57,13 +56,6 @@ std::uint32_t BringInterfacesUp() {
   std::uint32_t verdict = RunTool(kLoopbackUp);
   verdict += BringPortUp();
   return verdict;
-}
-
-/// Whoever starts the shell may have blocked signals. A tool inherits that, and Ctrl+C would not end it.
-void UnblockSignals() {
-  sigset_t none;
-  sigemptyset(&none);
-  sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 void SetSignals() {
@@ -107,7 +99,7 @@ void RunShell() {
 std::uint16_t HasLoadedKo() {
   const UniqueFile modules(std::fopen(kLoadedModules, "re"));
   if (modules == nullptr) return 0;
-  char line[kModuleLineRoom];
+  char line[BUFSIZ];
   while (std::fgets(line, sizeof(line), modules.get()) != nullptr)
     if (std::strstr(line, kAddonEntry) != nullptr) return 1;
   return 0;

@@ -13,36 +13,27 @@ namespace {
 
 constexpr char kSystemViewEntered[] = "System View: return to User View with Ctrl+Z\r";
 
-constexpr CommandWord kQuit = Word("quit", "Return to a lower-level view");
-
-constexpr CommandRow kSystemViewCommand[] = {
-    {ESH_ProcSysView, kUserView, {Word("system-view", "Enter system view")}},
-};
-static_assert(WellFormed(kSystemViewCommand));
-
 constexpr CommandRow kWithIpStack[] = {
     {ESH_ProcMthView,
      kSystemView,
      {Word("interface", "Interface configuration"), Word("m-eth0", "Management ethernet interface")}},
-    {ESH_ProcQuit, kSystemView | kInterfaceView, {kQuit}},
 };
 static_assert(WellFormed(kWithIpStack));
 
-constexpr CommandRow kWithoutIpStack[] = {
-    {ESH_ProcQuit, kSystemView, {kQuit}},
+/// On a device without an IP stack nobody gets into the interface view.
+constexpr CommandRow kViewCommands[] = {
+    {ESH_ProcSysView, kUserView, {Word("system-view", "Enter system view")}},
+    {ESH_ProcQuit, kSystemView | kInterfaceView, {Word("quit", "Return to a lower-level view")}},
 };
-static_assert(WellFormed(kWithoutIpStack));
+static_assert(WellFormed(kViewCommands));
 
 bool IsCurrentView(const char* prompt) { return std::strcmp(g_pstEshCurrentView->pcPrompt, prompt) == 0; }
 
 }  // namespace
 
 void ESH_ChangeView_Init() {
-  RegisterCommands(kSystemViewCommand);
-  if (ESH_IsExistIpstackKo() == 1)
-    RegisterCommands(kWithIpStack);
-  else
-    RegisterCommands(kWithoutIpStack);
+  if (ESH_IsExistIpstackKo() == 1) RegisterCommands(kWithIpStack);
+  RegisterCommands(kViewCommands);
 }
 
 std::uint32_t ESH_ProcSysView() {

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr cc_t kReadTimeoutTenths = 1;
-
 int Console() { return fileno(stdout); }
 
 void DisableSpecialKeys(termios& settings) {
@@ -44,8 +42,7 @@ termios SettingsAsSaved(std::uint16_t echo) {
 void SaveTermiosMode() { tcgetattr(Console(), &g_stESh_Line.stSavedTermios); }
 
 void LINE_SetTermiosMode(const termios& settings) {
-  while (tcsetattr(Console(), TCSANOW, &settings) != 0 && errno == EINTR) {
-  }
+  (void)TEMP_FAILURE_RETRY(tcsetattr(Console(), TCSANOW, &settings));
 }
 
 int ESH_LINE_SetTermiosMode() {

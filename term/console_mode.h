@@ -4,6 +4,9 @@
 
 #include <cstdint>
 
+/// How long a read in raw mode waits for a byte.
+inline constexpr cc_t kReadTimeoutTenths = 1;
+
 /// Keeps the console's present settings: what a tool is started with, and what the console gets back at the end.
 void SaveTermiosMode();
 

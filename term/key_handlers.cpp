@@ -65,7 +65,7 @@ std::uint16_t RefuseSequence() {
 std::uint16_t LINE_KeyDefault(int key) { return key < kFirstPrintable ? kAccepted : LINE_KeyInsert(key); }
 
 std::uint16_t LINE_KeyInsert(int key) {
-  if (g_stESh_Line.ulLen + 1 > g_stESh_Line.ulMaxLen) {
+  if (g_stESh_Line.ulLen >= g_stESh_Line.ulMaxLen) {
     ESH_TERM_Bell();  // the read loop rings once more for the refusal: a full line sounds different
     return kRefused;
   }

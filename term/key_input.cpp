@@ -2,48 +2,34 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
-#include <ctime>
+#include <thread>
 
+#include "term/console_mode.h"
 #include "term/line_state.h"
 #include "term/redisplay.h"
 #include "term/terminal.h"
 
 namespace {
 
-constexpr std::int64_t kNanosPerSecond = 1'000'000'000;
-constexpr std::int64_t kTryNanos = 100'000'000;
-constexpr std::int64_t kEarlyNanos = kTryNanos / 2;
-
-std::int64_t NowNanos() {
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return now.tv_sec * kNanosPerSecond + now.tv_nsec;
-}
-
-/// A console that has hung up answers every read at once with nothing. Each try then still takes its 0.1 s, or the
-/// shell would spin until the line comes back.
-void WaitOutTheTry(std::int64_t started) {
-  const std::int64_t elapsed = NowNanos() - started;
-  if (elapsed >= kEarlyNanos) return;
-  const timespec rest{0, kTryNanos - elapsed};
-  nanosleep(&rest, nullptr);
-}
+constexpr std::chrono::duration<int, std::deci> kTry{kReadTimeoutTenths};
 
 /// Reads one byte, straight from the descriptor: input that was read ahead would be lost to the next tool.
 /// @return the byte, or 0 for an empty try.
 int ReadByte() {
-  const std::int64_t started = NowNanos();
+  const auto started = std::chrono::steady_clock::now();
   unsigned char byte = 0;
   if (read(STDIN_FILENO, &byte, 1) == 1) return byte;
-  WaitOutTheTry(started);
+  // A console that has hung up answers every read at once with nothing. Each try then still takes its 0.1 s, or the
+  // shell would spin until the line comes back.
+  std::this_thread::sleep_until(started + kTry);
   return 0;
 }
 
 void RedrawConfirmation() {
   std::fputs("\r\n[Y/N]:", stdout);
   if (g_stESh_Line.usConfirmChosen == 1) std::putchar(g_stESh_Line.usConfirmYes == 1 ? 'y' : 'n');
-  ESH_TERM_OFlush();
 }
 
 void RedrawLine() {
@@ -52,7 +38,6 @@ void RedrawLine() {
   std::fputs(g_stESh_Line.pcPrompt, stdout);
   LINE_Printf(g_stESh_Line.pcBuf);
   LINE_MoveCurses(g_stESh_Line.ulLen, g_stESh_Line.ulCursor);
-  ESH_TERM_OFlush();
 }
 
 void RedrawIfAsked() {
@@ -67,9 +52,9 @@ void RedrawIfAsked() {
 }  // namespace
 
 int GetChar(std::uint32_t tries) {
-  ESH_TERM_OFlush();
   for (std::uint32_t empty = 0; tries == 0 || empty < tries; ++empty) {
     RedrawIfAsked();
+    ESH_TERM_OFlush();
     const int byte = ReadByte();
     if (byte != 0) return byte;
   }

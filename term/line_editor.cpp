@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <new>
 
 #include "term/console_mode.h"
 #include "term/history.h"
@@ -35,15 +35,15 @@ void BufferOutput() {
 
 void FreeBuffers() {
   for (char** buffer : {&g_stESh_Line.pcLastBuf, &g_stESh_Line.pcBuf, &g_stESh_Line.pcPrompt}) {
-    std::free(*buffer);
+    delete[] * buffer;
     *buffer = nullptr;
   }
 }
 
 bool AllocateBuffers() {
-  g_stESh_Line.pcLastBuf = static_cast<char*>(std::calloc(1, kLineRoom));
-  g_stESh_Line.pcBuf = static_cast<char*>(std::calloc(1, kLineRoom));
-  g_stESh_Line.pcPrompt = static_cast<char*>(std::calloc(1, kPromptRoom));
+  g_stESh_Line.pcLastBuf = new (std::nothrow) char[kLineRoom]{};
+  g_stESh_Line.pcBuf = new (std::nothrow) char[kLineRoom]{};
+  g_stESh_Line.pcPrompt = new (std::nothrow) char[kPromptRoom]{};
   if (g_stESh_Line.pcLastBuf != nullptr && g_stESh_Line.pcBuf != nullptr && g_stESh_Line.pcPrompt != nullptr)
     return true;
   FreeBuffers();
@@ -54,7 +54,6 @@ void PrintPrompt() { std::fputs(g_stESh_Line.pcPrompt, stdout); }
 
 /// Nothing of the line is on the screen yet.
 void ForgetShown() {
-  g_stESh_Line.pcLastBuf[0] = '\0';
   g_stESh_Line.ulLastCursor = 0;
   g_stESh_Line.ulLastLen = 0;
 }
@@ -64,7 +63,6 @@ void StartEmpty() {
   g_stESh_Line.ulCursor = 0;
   g_stESh_Line.ulLen = 0;
   ForgetShown();
-  PrintPrompt();
 }
 
 void TerminateAt(std::uint64_t position, char end) {
@@ -97,10 +95,11 @@ char* ESH_LINE_GetLine(std::uint32_t mode, std::uint32_t max) {
   g_stESh_Line.ulMaxLen = max;
   g_stESh_Line.ulMode = mode;
   g_stESh_Line.ulEndKey = ESH_LINE_END_NONE;
-  if (g_stESh_Line.usKeepBuf == 1)
-    g_stESh_Line.usKeepBuf = 0;
-  else
+  if (g_stESh_Line.usKeepBuf == 0) {
     StartEmpty();
+    PrintPrompt();
+  }
+  g_stESh_Line.usKeepBuf = 0;
   while (g_stESh_Line.ulEndKey == ESH_LINE_END_NONE) {
     LINE_Redisplay();
     const int key = GetChar(0);
@@ -111,9 +110,7 @@ char* ESH_LINE_GetLine(std::uint32_t mode, std::uint32_t max) {
 
 void ForgetLine() {
   for (char* buffer : {g_stESh_Line.pcBuf, g_stESh_Line.pcLastBuf}) explicit_bzero(buffer, kLineRoom);
-  g_stESh_Line.ulCursor = 0;
-  g_stESh_Line.ulLen = 0;
-  ForgetShown();
+  StartEmpty();
 }
 
 char* ESH_LINE_GetCmdLine() {

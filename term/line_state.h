@@ -50,7 +50,7 @@ struct ESH_LINE_S {
   std::uint64_t ulLastLen;
   std::uint16_t usKeepBuf;        ///< 1 = the next read goes on with the text that ESH_LINE_SetCmdString prepared
   std::uint16_t usConfirmChosen;  ///< confirmation: a Y or N has been typed
-  std::uint16_t usConfirmYes;     ///< confirmation: it was Y
+  std::uint16_t usConfirmYes;     ///< confirmation: the one that has been typed was Y
   std::uint32_t ulMode;
   std::uint32_t ulEndKey;
   LINE_KEY_F apfnKeyProc[kKeys];

@@ -35,7 +35,7 @@ bool AskForMore() {
   ESH_TERM_CursorBack(kMorePromptWidth);
   ESH_TERM_Erase2LineEnd();
   if (key == '\r' || key == '\n') {
-    g_stESh_Display.ulMoreLines = 1;  // reached already: the next line brings the next prompt
+    g_stESh_Display.ulMoreLines = g_stESh_Display.ulCurLines;  // the next line brings the next prompt
     return true;
   }
   return key == ' ';
@@ -54,14 +54,10 @@ std::uint16_t ESH_LINE_DisplayString(char* text, std::uint16_t paging) {
   MoveCursorToEnd();
   for (char* next = CutLine(text); next != nullptr; next = CutLine(text)) {
     std::printf("%s\r\n", text);
-    if (paging == 1 && !CountLine()) {
-      ESH_TERM_OFlush();
-      return 0;
-    }
+    if (paging == 1 && !CountLine()) return 0;
     text = next;
   }
   std::fputs(text, stdout);
-  ESH_TERM_OFlush();
   return 1;
 }
 

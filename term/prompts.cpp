@@ -14,7 +14,6 @@ constexpr char kChooseFirst[] = "\r\nBefore pressing ENTER you must choose 'YES'
 void Choose(int letter, std::uint16_t yes) {
   if (g_stESh_Line.usConfirmChosen == 1) return;
   std::putchar(letter);
-  ESH_TERM_OFlush();
   g_stESh_Line.usConfirmChosen = 1;
   g_stESh_Line.usConfirmYes = yes;
 }
@@ -24,14 +23,12 @@ void TakeBack() {
   ESH_TERM_CursorBack(1);
   ESH_TERM_Erase2LineEnd();
   g_stESh_Line.usConfirmChosen = 0;
-  g_stESh_Line.usConfirmYes = 0;
 }
 
 }  // namespace
 
 std::uint16_t ESH_LINE_GetConfirm(std::uint32_t seconds) {
   g_stESh_Line.usConfirmChosen = 0;
-  g_stESh_Line.usConfirmYes = 0;
   g_stESh_Line.ulMaxLen = kMaxCommandLine;
   g_stESh_Line.ulMode = ESH_LINE_MODE_CONFIRM;
   g_stESh_Line.ulEndKey = ESH_LINE_END_NONE;

@@ -1,5 +1,6 @@
 #include "term/redisplay.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -7,7 +8,6 @@
 
 #include "term/line_state.h"
 #include "term/terminal.h"
-#include "util/unique_handle.h"
 
 namespace {
 
@@ -41,23 +41,25 @@ void MoveRow(std::uint64_t from, std::uint64_t to) {
     ESH_TERM_CursorDown(to - from);
 }
 
+/// LINE_Printf for text that need not be terminated.
+int Echo(std::string_view text) {
+  const int length = static_cast<int>(text.size());
+  if (g_stESh_Line.ulMode != ESH_LINE_MODE_MASKED) return std::printf("%.*s", length, text.data());
+  for (int i = 0; i < length; ++i) std::putchar('*');
+  return length;
+}
+
 void NoteAsShown() {
-  std::memcpy(g_stESh_Line.pcLastBuf, g_stESh_Line.pcBuf, g_stESh_Line.ulLen + 1);
+  std::memcpy(g_stESh_Line.pcLastBuf, g_stESh_Line.pcBuf, g_stESh_Line.ulLen);
   g_stESh_Line.ulLastCursor = g_stESh_Line.ulCursor;
   g_stESh_Line.ulLastLen = g_stESh_Line.ulLen;
 }
 
 }  // namespace
 
-int LINE_Printf(const char* text) {
-  if (g_stESh_Line.ulMode != ESH_LINE_MODE_MASKED) return std::printf("%s", text);
-  const std::size_t length = std::strlen(text);
-  for (std::size_t i = 0; i < length; ++i) std::putchar('*');
-  return static_cast<int>(length);
-}
+int LINE_Printf(const char* text) { return Echo(text); }
 
 void LINE_MoveCurses(std::uint64_t from, std::uint64_t to) {
-  if (from == to) return;
   const std::uint64_t width = ESH_TERM_GetScrCols();
   const ScreenPlace start = PlaceOf(from, width);
   const ScreenPlace goal = PlaceOf(to, width);
@@ -73,15 +75,11 @@ void LINE_MoveCurses(std::uint64_t from, std::uint64_t to) {
 void LINE_DisplayPerLine(const char* text, std::uint64_t position) {
   std::string_view rest(text);
   const std::uint64_t width = ESH_TERM_GetScrCols();
-  const UniqueText row(static_cast<char*>(std::malloc(rest.size() + 1)));
-  if (row == nullptr) return;
   std::uint64_t free_columns = width - PlaceOf(position, width).column;
   while (!rest.empty()) {
     const bool fills_row = width != 0 && rest.size() >= free_columns;
     const std::string_view piece = fills_row ? rest.substr(0, free_columns) : rest;
-    std::memcpy(row.get(), piece.data(), piece.size());
-    row.get()[piece.size()] = '\0';
-    LINE_Printf(row.get());
+    Echo(piece);
     if (fills_row) std::fputs("\r\n", stdout);
     rest.remove_prefix(piece.size());
     free_columns = width;
@@ -93,26 +91,18 @@ void LINE_Redisplay() {
   const std::string_view text(g_stESh_Line.pcBuf, g_stESh_Line.ulLen);
   if (shown == text) {
     LINE_MoveCurses(g_stESh_Line.ulLastCursor, g_stESh_Line.ulCursor);
-  } else if (text.starts_with(shown)) {
-    LINE_MoveCurses(g_stESh_Line.ulLastCursor, shown.size());
-    LINE_DisplayPerLine(g_stESh_Line.pcBuf + shown.size(), shown.size());
-    LINE_MoveCurses(text.size(), g_stESh_Line.ulCursor);
-  } else if (shown.starts_with(text)) {
-    LINE_MoveCurses(g_stESh_Line.ulLastCursor, text.size());
-    ESH_TERM_Erase2ScrEnd();
-    LINE_MoveCurses(text.size(), g_stESh_Line.ulCursor);
   } else {
-    LINE_MoveCurses(g_stESh_Line.ulLastCursor, 0);
-    ESH_TERM_Erase2ScrEnd();
-    LINE_DisplayPerLine(g_stESh_Line.pcBuf, 0);
+    const bool grew = text.starts_with(shown);
+    const std::size_t kept = grew || shown.starts_with(text) ? std::min(shown.size(), text.size()) : 0;
+    LINE_MoveCurses(g_stESh_Line.ulLastCursor, kept);
+    if (!grew) ESH_TERM_Erase2ScrEnd();
+    LINE_DisplayPerLine(g_stESh_Line.pcBuf + kept, kept);
     LINE_MoveCurses(text.size(), g_stESh_Line.ulCursor);
   }
-  ESH_TERM_OFlush();
   NoteAsShown();
 }
 
 void MoveCursorToEnd() {
-  if (g_stESh_Line.ulLen == 0 || g_stESh_Line.ulCursor == g_stESh_Line.ulLen) return;
   LINE_MoveCurses(g_stESh_Line.ulCursor, g_stESh_Line.ulLen);
   g_stESh_Line.ulCursor = g_stESh_Line.ulLen;
   g_stESh_Line.ulLastCursor = g_stESh_Line.ulLen;

@@ -27,12 +27,11 @@ bool ReadBound(std::string_view digits, std::uint64_t& bound) {
 /// Takes the range out of a placeholder such as "INTEGER<1-31>"; anything malformed leaves both bounds 0.
 void ReadRange(std::string_view placeholder, ESH_CMD_ELEMENT_S& element) {
   const std::size_t open = placeholder.find('<');
-  const std::size_t dash = open == std::string_view::npos ? open : placeholder.find('-', open);
-  const std::size_t close = dash == std::string_view::npos ? dash : placeholder.find('>', dash);
-  if (close == std::string_view::npos || close + 1 != placeholder.size()) return;
+  const std::size_t dash = placeholder.find('-', open);  // behind nothing, here and below, nothing is found
+  const std::size_t close = placeholder.find('>', dash);
   std::uint64_t min = 0;
   std::uint64_t max = 0;
-  if (!ReadBound(placeholder.substr(open + 1, dash - open - 1), min) ||
+  if (close + 1 != placeholder.size() || !ReadBound(placeholder.substr(open + 1, dash - open - 1), min) ||
       !ReadBound(placeholder.substr(dash + 1, close - dash - 1), max) || min > max)
     return;
   element.ulMin = min;
@@ -53,15 +52,8 @@ void Append(ESH_CMD_THREAD_S& thread, ESH_CMD_ELEMENT_S& element) {
 }  // namespace
 
 ESH_VIEW_S* ViewInfoAlloc(const char* prompt) {
-  UniqueVector commands(VEC_Alloc(kUsualSlots));
-  auto* view = new (std::nothrow) ESH_VIEW_S{};
-  if (commands == nullptr || view == nullptr) {
-    delete view;
-    return nullptr;
-  }
-  view->pcPrompt = prompt;
-  view->pstCmdVec = commands.release();
-  return view;
+  std::unique_ptr<ESH_VIEW_S> view(new (std::nothrow) ESH_VIEW_S{prompt, VEC_Alloc(kUsualSlots)});
+  return view != nullptr && view->pstCmdVec != nullptr ? view.release() : nullptr;
 }
 
 ESH_CMD_THREAD_S* ESH_CmdThread_Init(ESH_CMD_PROC_F handler) {

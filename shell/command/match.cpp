@@ -26,10 +26,6 @@ bool BeginsWith(const ESH_CMD_ELEMENT_S& keyword, std::string_view word) {
   return BeginsIgnoringCase({keyword.pcKeyWord, keyword.ulKeyLen}, word);
 }
 
-bool Equals(const ESH_CMD_ELEMENT_S& keyword, std::string_view word) {
-  return keyword.ulKeyLen == word.size() && BeginsWith(keyword, word);
-}
-
 /// The value rule of a parameter's type, on a complete word.
 bool IsValidValue(const ESH_CMD_ELEMENT_S& element, const char* word) {
   switch (element.ulType) {
@@ -42,10 +38,8 @@ bool IsValidValue(const ESH_CMD_ELEMENT_S& element, const char* word) {
       return ESH_CheckIPv6(word) == 1;
     case ESH_ELEM_IPV6PREFIX:
       return ESH_CheckIPv6Prefix(word) == 1;
-    case ESH_ELEM_INTEGER:
+    default:  // ESH_ELEM_INTEGER
       return ESH_CheckInteger(word, element.ulMin, element.ulMax) == 1;
-    default:
-      return false;
   }
 }
 
@@ -133,25 +127,20 @@ bool MayContinue(const ESH_CMD_ELEMENT_S& element, const char* word) {
   }
 }
 
-/// @return false when memory is short.
-bool AddFirstElements(VEC_S& candidates) {
-  const VEC_S& threads = *g_pstEshCurrentView->pstCmdVec;
-  bool complete = VEC_Enlarge(&candidates, threads.ulMaxIndex + 1) == kSuccess;  // at once, not by and by
-  ForEachSlot<ESH_CMD_THREAD_S>(threads, [&](std::uint64_t, const ESH_CMD_THREAD_S& thread) {
-    ESH_CMD_ELEMENT_S* first = FirstElement(thread);
-    complete = complete && (first == nullptr || VEC_Add(&candidates, kNoIndex, first) != kNoIndex);
-  });
-  return complete;
+// There is room for all that these two add.
+
+void AddFirstElements(VEC_S& candidates) {
+  ForEachSlot<ESH_CMD_THREAD_S>(
+      *g_pstEshCurrentView->pstCmdVec,
+      [&](std::uint64_t, const ESH_CMD_THREAD_S& thread) { VEC_Add(&candidates, kNoIndex, FirstElement(thread)); });
 }
 
-/// @return false when memory is short.
-bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
-  bool complete = true;
-  ForEachSlot<ESH_CMD_ELEMENT_S>(candidates, [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
-    if (complete && !IsCr(element))
-      complete = VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext)) != kNoIndex;
-  });
-  return complete;
+void AddSuccessors(const VEC_S& candidates, VEC_S& next) {
+  ForEachSlot<ESH_CMD_ELEMENT_S>(
+      candidates,
+      [&](std::uint64_t, const ESH_CMD_ELEMENT_S& element) {
+        if (!IsCr(element)) VEC_Add(&next, kNoIndex, static_cast<ESH_CMD_ELEMENT_S*>(element.pstNext));
+      });
 }
 
 }  // namespace
@@ -159,10 +148,14 @@ bool AddSuccessors(const VEC_S& candidates, VEC_S& next) {
 void KeepCommandEnds(VEC_S& candidates) { KeepOnly(candidates, IsCr); }
 
 void ESH_SelectNextCmdElment(VEC_S* candidates) {
+  const std::uint64_t count = VEC_GetCount(candidates);
   VEC_S next{};
-  const bool complete = VEC_GetCount(candidates) == 0 ? AddFirstElements(next) : AddSuccessors(*candidates, next);
-  // With a candidate missing an ambiguous word could look settled and the wrong command run: rather none.
-  if (!complete) VEC_Release(&next);
+  if (VEC_Enlarge(&next, count == 0 ? g_pstEshCurrentView->pstCmdVec->ulCapacity : count) != kSuccess)
+    return VEC_Release(candidates);  // rather none than a few, among which an ambiguous word could look settled
+  if (count == 0)
+    AddFirstElements(next);
+  else
+    AddSuccessors(*candidates, next);
   std::swap(*candidates, next);
   VEC_Release(&next);
 }
@@ -176,37 +169,28 @@ std::uint32_t ESH_FilterCmdElment(VEC_S* candidates, const char* typed) {
     return verdict.keep;
   });
   if (level == ESH_MATCH_PARTIAL) KeepOnly(*candidates, IsKeyword);
-  if (level == ESH_MATCH_EXACT) {
-    KeepOnly(
-        *candidates, [&](const ESH_CMD_ELEMENT_S& element) { return IsKeyword(element) && Equals(element, word); });
-  }
-  const bool several_are_possible = level == ESH_MATCH_PARAM || level == ESH_MATCH_PARTIAL;
-  return several_are_possible && HoldsDifferentTexts(*candidates) ? std::uint32_t{ESH_MATCH_AMBIGUOUS} : level;
+  if (level == ESH_MATCH_EXACT)  // what is left begins with the word
+    KeepOnly(*candidates, [&](const ESH_CMD_ELEMENT_S& element) { return element.ulKeyLen == word.size(); });
+  return level >= ESH_MATCH_PARAM && HoldsDifferentTexts(*candidates) ? std::uint32_t{ESH_MATCH_AMBIGUOUS} : level;
 }
 
 std::uint32_t ESH_GetCmdElementVec(const VEC_S* words, std::uint64_t count, std::uint32_t mode, VEC_S* candidates,
                                    std::uint64_t* errIndex) {
   std::uint32_t level = ESH_MATCH_PARAM;
-  const std::uint64_t finished = mode == ESH_WORD_FINISHED || count == 0 ? count : count - 1;
-  for (std::uint64_t i = 0; i < finished; ++i) {
+  for (std::uint64_t i = 0; i < count; ++i) {
     ESH_SelectNextCmdElment(candidates);
-    level = ESH_FilterCmdElment(candidates, WordAt(*words, i)->pcWord);
+    const char* word = WordAt(*words, i)->pcWord;
+    if (mode == ESH_WORD_FINISHED || i + 1 < count) {
+      level = ESH_FilterCmdElment(candidates, word);
+    } else {
+      KeepOnly(*candidates, [&](const ESH_CMD_ELEMENT_S& element) { return MayContinue(element, word); });
+      if (VEC_GetCount(candidates) == 0) level = ESH_MATCH_NONE;
+    }
     if (level < ESH_MATCH_PARAM) {
       *errIndex = i;
       return level;
     }
   }
-  if (mode == ESH_WORD_FINISHED) {
-    ESH_SelectNextCmdElment(candidates);
-    return level;
-  }
-  if (count == 0) return level;
-  ESH_SelectNextCmdElment(candidates);
-  const char* partial = WordAt(*words, finished)->pcWord;
-  KeepOnly(*candidates, [&](const ESH_CMD_ELEMENT_S& element) { return MayContinue(element, partial); });
-  if (VEC_GetCount(candidates) == 0) {
-    *errIndex = finished;
-    return ESH_MATCH_NONE;
-  }
+  if (mode == ESH_WORD_FINISHED) ESH_SelectNextCmdElment(candidates);
   return level;
 }

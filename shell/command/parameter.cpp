@@ -36,7 +36,6 @@ constexpr std::uint64_t kMinPrefix = 1;
 constexpr std::uint64_t kMaxPrefix = 128;
 
 // Rooms of the buffers that take less than their size.
-constexpr std::size_t kIPv6Room = 46;
 constexpr std::size_t kMaskLenRoom = 4;
 constexpr std::size_t kPrefixLenRoom = 5;
 constexpr std::size_t kNumberRoom = 11;
@@ -51,18 +50,17 @@ std::uint32_t RecordText(std::string_view text, char (&buffer)[kSize], std::size
 
 /// Converts to binary and prints again, so that one address has one spelling.
 template <std::size_t kSize>
-std::uint32_t RecordAddress(int family, const char* word, char (&buffer)[kSize], std::size_t room = kSize) {
+std::uint32_t RecordAddress(int family, const char* word, char (&buffer)[kSize]) {
   in6_addr address;  // the larger of the two families
   std::memset(buffer, 0, kSize);
-  const bool recorded = inet_pton(family, word, &address) == 1 &&
-                        inet_ntop(family, &address, buffer, static_cast<socklen_t>(room)) != nullptr;
-  return recorded ? kSuccess : ESH_ERR_FAIL;
+  if (inet_pton(family, word, &address) != 1) return ESH_ERR_FAIL;
+  return inet_ntop(family, &address, buffer, kSize) != nullptr ? kSuccess : ESH_ERR_FAIL;
 }
 
 /// Prints the word's number ("031" becomes "31"), cut to the room.
 template <std::size_t kSize>
 std::uint32_t RecordNumber(const char* word, char (&buffer)[kSize], std::size_t room) {
-  FixedText<16> text;
+  FixedText<kSize> text;
   text.Append("%d", static_cast<int>(std::strtol(word, nullptr, 10)));
   return RecordText(text.View(), buffer, room);
 }
@@ -76,16 +74,15 @@ std::uint16_t ESH_CheckIPv4(const char* text) {
 
 std::uint16_t ESH_CheckIPv6(const char* text) {
   in6_addr address;
-  return std::strlen(text) <= kMaxIPv6Text && inet_pton(AF_INET6, text, &address) == 1 ? 1 : 0;
+  return inet_pton(AF_INET6, text, &address) == 1 ? 1 : 0;
 }
 
 std::uint16_t ESH_CheckIPv6Prefix(const char* text) {
   const char* slash = std::strchr(text, '/');
   if (slash == nullptr) return 0;
-  FixedText<INET6_ADDRSTRLEN + 1> address;
+  FixedText<INET6_ADDRSTRLEN> address;
   address.AppendText({text, static_cast<std::size_t>(slash - text)});
-  in6_addr binary;
-  if (address.Truncated() || inet_pton(AF_INET6, address.Text(), &binary) != 1) return 0;
+  if (address.Truncated() || ESH_CheckIPv6(address.Text()) == 0) return 0;
   std::uint64_t length = 0;
   return ReadDecimal(slash + 1, length) && length >= kMinPrefix && length <= kMaxPrefix ? 1 : 0;
 }
@@ -108,7 +105,6 @@ std::uint16_t ESH_CheckString(const char* text, std::uint64_t min, std::uint64_t
 
 std::uint16_t ESH_Variable(const char* text) {
   const std::string_view word(text);
-  if (word.empty() || word[0] < 'A' || word[0] > 'Z') return 0;
   const bool address = word == "X.X.X.X" || word == "X:X::X:X" || word == "X:X::X:X/M";
   return address || word.starts_with("INTEGER") || word.starts_with("STRING") ? 1 : 0;
 }
@@ -117,7 +113,7 @@ std::uint32_t ESH_RecordIPv4(const char* word) { return RecordAddress(AF_INET, w
 
 std::uint32_t ESH_RecordIPv4Mask(const char* word) { return RecordAddress(AF_INET, word, g_szIPv4Mask); }
 
-std::uint32_t ESH_RecordIPv6(const char* word) { return RecordAddress(AF_INET6, word, g_szIPv6Address, kIPv6Room); }
+std::uint32_t ESH_RecordIPv6(const char* word) { return RecordAddress(AF_INET6, word, g_szIPv6Address); }
 
 std::uint32_t ESH_RecordIPv4MaskLen(const char* word) { return RecordNumber(word, g_szIPv4MaskLen, kMaskLenRoom); }
 

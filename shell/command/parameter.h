@@ -3,9 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Most characters of an IPv6 address as a command parameter.
-inline constexpr std::size_t kMaxIPv6Text = 46;
-
 /// The record buffers: terminated text, written by the record functions below and read by the command handlers. They
 /// keep their values between commands, so a handler reads only those that its own command fills.
 extern char g_szIPv4Address[16];
@@ -28,7 +25,7 @@ extern char g_szPkgFlie[128];  ///< "Flie" is the name
 
 /// Four dotted decimal parts, as inet_pton(3) takes them.
 [[nodiscard]] std::uint16_t ESH_CheckIPv4(const char* text);
-/// An IPv6 address, at most 46 characters, without a prefix length.
+/// An IPv6 address without a prefix length.
 [[nodiscard]] std::uint16_t ESH_CheckIPv6(const char* text);
 /// An IPv6 address, "/" and a prefix length from 1 to 128.
 [[nodiscard]] std::uint16_t ESH_CheckIPv6Prefix(const char* text);

@@ -66,15 +66,12 @@ ESH_MARK_STR_S* WordAt(const VEC_S& words, std::uint64_t index) {
 }
 
 void CutEndKey(VEC_S& words) {
-  const std::uint64_t last = words.ulMaxIndex;
-  ESH_MARK_STR_S* word = WordAt(words, last);
-  const std::size_t length = word == nullptr ? 0 : std::strlen(word->pcWord);
-  if (length == 0 || (word->pcWord[length - 1] != '?' && word->pcWord[length - 1] != '\t')) return;
-  if (length > 1) {
-    word->pcWord[length - 1] = '\0';
-    --word->ulEnd;
-    return;
-  }
-  VEC_Del(&words, last);
+  ESH_MARK_STR_S* word = WordAt(words, words.ulMaxIndex);
+  char& key = word->pcWord[std::strlen(word->pcWord) - 1];
+  if (key != '?' && key != '\t') return;
+  key = '\0';
+  --word->ulEnd;
+  if (word->pcWord[0] != '\0') return;
+  VEC_Del(&words, words.ulMaxIndex);
   FreeMarkStr(word);
 }

@@ -40,4 +40,5 @@ using UniqueWords = std::unique_ptr<VEC_S, WordsFreer>;
 
 /// Takes a key that ended the line ("?" or TAB) off the last word, if it ends in one; a word that is then empty is
 /// removed.
+/// @param words of a line that is not blank.
 void CutEndKey(VEC_S& words);

@@ -15,18 +15,21 @@
 #include "util/result.h"
 #include "util/signals_held.h"
 
-std::int32_t g_EShSubPid = -1;
-std::int32_t g_iShellGid = -1;
+namespace {
+
+constexpr std::int32_t kNoTool = -1;
+
+}  // namespace
+
+std::int32_t g_EShSubPid = kNoTool;
+std::int32_t g_iShellGid = kNoTool;
 
 namespace {
 
-/// No signal is held back from a tool, whatever the shell does.
 void SetToolSignals(std::uint16_t ignoreInt) {
   std::signal(SIGINT, ignoreInt == 1 ? SIG_IGN : SIG_DFL);
   for (const int signal : {SIGTERM, SIGHUP, SIGPIPE, SIGTTOU}) std::signal(signal, SIG_DFL);
-  sigset_t none;
-  sigemptyset(&none);
-  sigprocmask(SIG_SETMASK, &none, nullptr);
+  UnblockSignals();
 }
 
 /// Becomes the tool. A step that fails before there is a tool to start counts as success, for the shell's caller
@@ -42,13 +45,12 @@ void SetToolSignals(std::uint16_t ignoreInt) {
   _exit(EXIT_FAILURE);
 }
 
-/// @return the child's process id, which is noted, or -1.
-pid_t StartTool(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo) {
+/// Notes the child's process id, or that there is none.
+void StartTool(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo) {
   const SignalsHeld held;
   const pid_t child = fork();
   if (child == 0) BecomeTool(cmdline, ignoreInt, echo);
   g_EShSubPid = child;
-  return child;
 }
 
 }  // namespace
@@ -57,21 +59,26 @@ std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std:
   g_iShellGid = getpgrp();
   const ConsoleKept console;
   ESH_TERM_OFlush();  // or the tool's output would come before what the shell has already said
-  const pid_t child = StartTool(cmdline, ignoreInt, echo);
-  if (child < 0) return ESH_ERR_FAIL;
-  setpgid(child, child);  // also here, so that the group exists whichever process runs first
-  const std::uint32_t result = ResultOfChild(child);
-  g_EShSubPid = -1;
+  StartTool(cmdline, ignoreInt, echo);
+  if (g_EShSubPid == kNoTool) return ESH_ERR_FAIL;
+  setpgid(g_EShSubPid, g_EShSubPid);  // also here, so that the group exists whichever process runs first
+  const std::uint32_t result = ResultOfChild(g_EShSubPid);
+  g_EShSubPid = kNoTool;
   SetPgtp(g_iShellGid);
   console.PutBack();
   ESH_LINE_SetTermiosMode();
   return result;
 }
 
+void UnblockSignals() {
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
 std::uint32_t ResultOfChild(pid_t child) {
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0)
-    if (errno != EINTR) return ESH_ERR_FAIL;
+  int status = EXIT_FAILURE;
+  (void)TEMP_FAILURE_RETRY(waitpid(child, &status, 0));
   return status == 0 ? kSuccess : ESH_ERR_FAIL;
 }
 
@@ -87,7 +94,7 @@ std::uint32_t SetPgtp(pid_t pgrp) {
   return answer == 0 ? kSuccess : ESH_ERR_FAIL;
 }
 
-std::uint16_t ESH_IsForkSubProcess() { return g_EShSubPid == -1 ? 0 : 1; }
+std::uint16_t ESH_IsForkSubProcess() { return g_EShSubPid == kNoTool ? 0 : 1; }
 
 void ESH_Sig2SubProcess(int sig) {
   if (ESH_IsForkSubProcess() == 1) kill(g_EShSubPid, sig);
@@ -98,7 +105,7 @@ void ESH_CloseSubProcess() {
   killpg(g_EShSubPid, SIGTERM);
   killpg(g_EShSubPid, SIGHUP);
   SetPgtp(g_iShellGid);
-  g_EShSubPid = -1;
+  g_EShSubPid = kNoTool;
 }
 
 void ESH_Exit() {

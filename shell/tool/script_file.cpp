@@ -3,10 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstddef>
 #include <cstring>
 
-#include "util/fixed_text.h"
+#include "shell/tool/tool_line.h"
 #include "util/new_file.h"
 #include "util/result.h"
 
@@ -14,7 +13,6 @@ namespace {
 
 constexpr char kInterpreter[] = "/bin/sh";
 constexpr char kFirstLine[] = "#!/bin/sh\r\n";  // written with its NUL, which the interpreter skips
-constexpr std::size_t kCommandRoom = 512;
 constexpr mode_t kScriptMode = 0666;
 
 bool WriteScript(const char* path, const char* command) {
@@ -27,7 +25,7 @@ bool WriteScript(const char* path, const char* command) {
 }  // namespace
 
 std::uint32_t RunAsScript(const char* path, const char* command, RunProgramFn run) {
-  FixedText<kCommandRoom> line;
+  ToolLine line;
   line.Append("%s %s", kInterpreter, path);
   // Half a script is never run.
   const std::uint32_t result = WriteScript(path, command) ? run(line.Text()) : ESH_ERR_FAIL;

@@ -123,10 +123,7 @@ void FurtherTab(const VEC_S& words, char* line, const VEC_S& candidates) {
 }
 
 void Complete(const VEC_S& words, char* line, const VEC_S& candidates, const char* word) {
-  const std::uint64_t count = VEC_GetCount(&candidates);
-  if (count == 0)
-    ESH_ResetTabState();
-  else if (count == 1)
+  if (VEC_GetCount(&candidates) == 1)
     TabPrintFirst(&words, line, &candidates, word);
   else if (g_stTabState.szPrefix[0] == '\0')
     FirstTab(words, line, candidates, word);
@@ -158,11 +155,10 @@ void ESH_TabComplete(VEC_S* words, char* line) {
   else
     ForgetCycle();
   const UniqueHelpList candidates = MakeCandidates(*words, count, word, *elements);
-  if (candidates == nullptr) {
+  if (VEC_GetCount(candidates.get()) == 0)
     ESH_ResetTabState();
-    return;
-  }
-  Complete(*words, line, *candidates, word);
+  else
+    Complete(*words, line, *candidates, word);
 }
 
 void TabPrintFirst(const VEC_S* words, char* line, const VEC_S* candidates, const char* typed) {
@@ -184,5 +180,5 @@ void CmdTabModifyBuf(const VEC_S* words, char* line, const char* text, std::uint
     line[end] = ' ';
     line[end + 1] = '\0';
   }
-  if (first > 0) std::memmove(line, line + first, std::strlen(line + first) + 1);
+  std::memmove(line, line + first, std::strlen(line + first) + 1);
 }

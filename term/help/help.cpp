@@ -24,7 +24,6 @@ constexpr char kSystemHeading[] = "System view commands:\r";
 constexpr char kOtherHeading[] = "M-th view commands:\r";
 
 constexpr std::size_t kScreenWidth = 80;  // fixed: the same listing on every terminal
-constexpr std::size_t kHelpLineRoom = 513;
 
 /// Collects output in a buffer and prints it when the next piece would not fit.
 class HelpOutput {
@@ -93,7 +92,7 @@ std::string_view FirstRow(std::string_view rest, std::size_t room) {
 void AddWholeLine(const ESH_HELP_INFO_S& line, std::size_t widest, HelpOutput& output) {
   const std::size_t column = widest + 2;
   const std::size_t room = kScreenWidth - column;
-  FixedText<kHelpLineRoom> row;
+  FixedText<kHelpRoom> row;
   row.AppendText("  ");
   row.AppendText(line.szKeyWord);
   row.AppendRepeated(' ', KeywordWidth(line.szKeyWord).Padding(widest));
@@ -127,41 +126,24 @@ void PrintHeading() {
     std::puts(kOtherHeading);
 }
 
-void HelpAtNewWord(const VEC_S& words, VEC_S& candidates) {
-  const std::uint64_t count = VEC_GetCount(&words);
-  std::uint64_t failed = 0;
-  const std::uint32_t level = ESH_GetCmdElementVec(&words, count, ESH_WORD_FINISHED, &candidates, &failed);
-  if (level < ESH_MATCH_PARAM) {
-    ESH_PrintErrorInfo(level, failed, &words);
-    return;
-  }
-  const UniqueHelpList list(ESH_MakeHelpInfoVec(kNewWord, &candidates));
-  if (count == 0) PrintHeading();
-  PrintHelpVec(list.get(), 1);
-}
-
-void HelpOnPartialWord(const VEC_S& words, VEC_S& candidates) {
-  const std::uint64_t count = VEC_GetCount(&words);
-  std::uint64_t failed = 0;
-  const std::uint32_t level = ESH_GetCmdElementVec(&words, count, ESH_WORD_PARTIAL, &candidates, &failed);
-  if (level < ESH_MATCH_PARAM) {
-    ESH_PrintErrorInfo(level, failed, &words);
-    return;
-  }
-  const ESH_MARK_STR_S* partial = count == 0 ? nullptr : WordAt(words, count - 1);
-  const UniqueHelpList list(ESH_MakeHelpInfoVec(partial == nullptr ? "" : partial->pcWord, &candidates));
-  PrintHelpVec(list.get(), 0);
-}
-
 }  // namespace
 
 void ESH_Help(const VEC_S* words, std::uint16_t atNewWord) {
   const UniqueVector candidates(VEC_Alloc(kUsualSlots));
   if (candidates == nullptr) return;
-  if (atNewWord == 1)
-    HelpAtNewWord(*words, *candidates);
-  else
-    HelpOnPartialWord(*words, *candidates);
+  const std::uint64_t count = VEC_GetCount(words);
+  const std::uint32_t mode = atNewWord == 1 ? ESH_WORD_FINISHED : ESH_WORD_PARTIAL;
+  std::uint64_t failed = 0;
+  const std::uint32_t level = ESH_GetCmdElementVec(words, count, mode, candidates.get(), &failed);
+  if (level < ESH_MATCH_PARAM) {
+    ESH_PrintErrorInfo(level, failed, words);
+    return;
+  }
+  const bool at_new_word = mode == ESH_WORD_FINISHED || count == 0;
+  const UniqueHelpList list(
+      ESH_MakeHelpInfoVec(at_new_word ? kNewWord : WordAt(*words, count - 1)->pcWord, candidates.get()));
+  if (mode == ESH_WORD_FINISHED && count == 0) PrintHeading();
+  PrintHelpVec(list.get(), atNewWord);
 }
 
 void PrintHelpVec(VEC_S* list, std::uint16_t whole) {

@@ -141,10 +141,9 @@ int CmpHelpString(const char* a, const char* b) {
   if (std::strcmp(b, kCrWord) == 0) return -1;
   const Number first = LeadingNumber(a);
   const Number second = LeadingNumber(b);
-  if (*first.rest != '\0' && *second.rest != '\0') return std::strcmp(a, b);
-  if (*first.rest != '\0' || *second.rest != '\0') return *first.rest != '\0' ? 1 : -1;
-  if (first.value == second.value) return 0;
-  return first.value < second.value ? -1 : 1;
+  if (*first.rest != '\0') return *second.rest != '\0' ? std::strcmp(a, b) : 1;
+  if (*second.rest != '\0' || first.value < second.value) return -1;
+  return first.value > second.value ? 1 : 0;
 }
 
 // Not the library's sort: numbers that are equal, such as 01 and 001, come in the order that these exchanges leave.
@@ -158,8 +157,8 @@ void QuickSortStrVec(VEC_S* list, std::int64_t lo, std::int64_t hi) {
     std::int64_t left = lo;
     std::int64_t right = hi;
     while (left <= right) {
-      while (left < hi && is_before(lines[left], pivot)) ++left;
-      while (right > lo && is_before(pivot, lines[right])) --right;
+      while (is_before(lines[left], pivot)) ++left;  // the pivot, or what was swapped with it, ends this, and that
+      while (is_before(pivot, lines[right])) --right;
       if (left <= right) std::swap(lines[left++], lines[right--]);
     }
     QuickSortStrVec(list, lo, right);

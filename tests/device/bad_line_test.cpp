@@ -73,20 +73,14 @@ class NativeBadLine : public OperatorConsole {
   std::string Rubbish() {
     if (Random(1, kRubbishPerPaste) == 1)  // it must be no answer to a question: Ctrl+C ends that
       return "\x03" + OneOf(pasted_) + (Random(0, 1) == 0 ? "\r" : "\r\n");
-    switch (Random(0, 5)) {
-      case 0:
-        return Noise(0xff);
-      case 1:
-        return Noise(0x7f);
-      case 2:
-        return std::string(Random(1, kMostAtOnce), RandomByte(0xff));  // a key is stuck
-      case 3:
-        return OneOf(TextsOf(kHalfSequences));
-      case 4:
-        return std::string(Random(1, 9), '\0');  // breaks
-      default:
-        return OneOf({"\x03", "\x1a", "\x13", "\r"});
-    }
+    return OneOf({
+        Noise(0xff),
+        Noise(0x7f),
+        std::string(Random(1, kMostAtOnce), RandomByte(0xff)),  // a key is stuck
+        OneOf(TextsOf(kHalfSequences)),
+        std::string(Random(1, 9), '\0'),  // breaks
+        OneOf({"\x03", "\x1a", "\x13", "\r"}),
+    });
   }
 
   void TypeRubbish(std::size_t bytes) {

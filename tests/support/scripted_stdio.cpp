@@ -24,9 +24,3 @@ std::string ScriptedStdio::TakeOutput() {
   testing::internal::CaptureStdout();
   return text;
 }
-
-std::string ScriptedStdio::TakeKeysLeft() {
-  std::string keys;
-  for (char key = 0; read(STDIN_FILENO, &key, 1) == 1;) keys += key;
-  return keys;
-}

@@ -18,8 +18,6 @@ class ScriptedStdio {
 
   /// What was written since the last call.
   [[nodiscard]] std::string TakeOutput();
-  /// The keys that nobody has read.
-  [[nodiscard]] std::string TakeKeysLeft();
 
  private:
   UniqueFd saved_input_;

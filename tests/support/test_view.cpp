@@ -61,10 +61,9 @@ void TestView::Add(const std::string& words, ESH_CMD_HELP_F help, ESH_CMD_CHECK_
     const char* text = g_texts.emplace_back(word).c_str();
     if (type == ESH_ELEM_CR)
       ESH_CmdThread_AddCr(thread);
-    else if (type == ESH_ELEM_KEYWORD)
-      ESH_CmdThread_AddCmdElement(thread, text, "What it is", nullptr, nullptr, nullptr, type);
     else
-      ESH_CmdThread_AddCmdElement(thread, text, "What it is", help, check, nullptr, type);
+      ESH_CmdThread_AddCmdElement(thread, text, "What it is", type == ESH_ELEM_KEYWORD ? nullptr : help, check, nullptr,
+                                  type);
   }
   ESH_CmdThread_Reg2View(g_pstEshCurrentView, thread);
 }

@@ -26,7 +26,6 @@ struct Parser : testing::Test {
     ESH_SetCmdMode(g_pstEshUserView);
     view.Add("two STRING<1-511> <cr>", ListTheWord);
   }
-  ~Parser() override { g_pstEshUserView = nullptr; }
 
   /// @return what appears on the console.
   std::string Parse(const std::string& line) {
@@ -41,20 +40,18 @@ struct Parser : testing::Test {
                  "show X:X::X:X/M <cr>", "show STRING<1-3> <cr>"}};
 };
 
-struct ParseCase {
-  const char* line;
-  const char* output;
-  const char* ran;
-  const char* left;  // in the edit buffer
-};
-
 constexpr char kAll[] =
     "\r\nUser view commands:\r\n"
     "  one   What it is\r\n  set   What it is\r\n  show  What it is\r\n  twin  What it is\r\n  "
     "two   What it is\r\n"
     "\r\n<boot>";
 
-constexpr ParseCase kLines[] = {
+constexpr struct {
+  const char* line;
+  const char* output;
+  const char* ran;
+  const char* left;  // in the edit buffer
+} kLines[] = {
     {"t\t", "\r\n<boot>", "", "tw"},
     {"tw\t", "\r\n<boot>", "", "twin"},
     {"one\n", "\r\n", "one <cr>\n", ""},  // it ends a completion
@@ -72,21 +69,17 @@ constexpr ParseCase kLines[] = {
     {"  o\t", "\r\n<boot>", "", "one "},  // nothing is left of the longer line
     {"show \x7f?", "\r\n           ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "show \x7f"},
     {"set 9 ?", "\r\n          ^\r\n % Wrong parameter found at '^' position.\r\n<boot>", "", "set 9 "},
+    {"\n", "\r\n", "", "\n"},  // no blank line is handed back
+    {"  \t", "\r\n", "", "  \t"},
+    {"\t\v\f \r\n", "\r\n", "", "\t\v\f \r\n"},
     {"one x?", "\r\n          ^\r\n % Unrecognized command found at '^' position.\r\n<boot>", "", "one x"},
 };
 
 TEST_F(Parser, ActsOnTheKeyThatEndedTheLine) {
-  for (const ParseCase& c : kLines) {
+  for (const auto& c : kLines) {
     ASSERT_EQ(Parse(c.line), c.output) << c.line;  // what is said of a failure would stand in all later outputs
     EXPECT_EQ(TestView::TakeRan(), c.ran) << c.line;
     EXPECT_STREQ(g_stESh_Line.pcBuf, c.left) << c.line;
-  }
-}
-
-TEST_F(Parser, AnswersABlankLineWithALineBreakOnly) {
-  for (const char* line : {"\n", "   \n", "  \t", "\t\v\f \r\n"}) {
-    EXPECT_EQ(Parse(line), "\r\n") << line;
-    EXPECT_EQ(g_stESh_Line.usKeepBuf, 0) << "no line is handed back";
   }
 }
 

@@ -25,7 +25,8 @@ std::string ReadLine(std::uint32_t mode, std::uint32_t most = 80) {
   return mode == kCommand ? ESH_LINE_GetCmdLine() : ESH_LINE_GetLine(mode, most);
 }
 
-struct KeyCase {
+const std::string kLong(99, 'x');
+const struct {
   const char* why;
   std::string keys;    ///< of the line, behind the lines before it, each ended by "\n"
   std::string line;    ///< as the caller gets it
@@ -33,10 +34,7 @@ struct KeyCase {
   std::uint32_t mode = kCommand;
   unsigned width = 80;
   const char* term = "xterm";
-};
-
-const std::string kLong(99, 'x');
-const KeyCase kKeys[] = {
+} kKeys[] = {
     {"inserted where the cursor is", "ac\002b\n", "abc\n", "ac\033[1D\033[1D\033[Jabc\033[1D\033[1C"},
     {"taken from the end", "ab\010\n", "a\n", "ab\033[1D\033[J"},
     {"taken from inside", "abc\002\177\n", "ac\n", "abc\033[1D\033[2D\033[Jac\033[1D\033[1C"},
@@ -45,7 +43,7 @@ const KeyCase kKeys[] = {
     {"arrows and Delete", "abc\033[D\033[D\033[C\033[3~d\n", "abd\n", "abc\033[1D\033[1D\033[1C\033[Jd"},
     {"nothing there to move over or to take", "\002\006\010\177\004\033[C\033[D\033[3~\033[A\033[B\n", "\n",
      std::string(10, '\a')},
-    {"other control keys", "a\025\001\030b\003\n", "ba\n", "a\033[1D\033[Jba\033[1D\033[1C"},
+    {"other control keys", "a\025\001\037b\003\n", "ba\n", "a\033[1D\033[Jba\033[1D\033[1C"},
     {"bytes beyond ASCII", "\303\274\377\n", "\303\274\377\n", "\303\274\377"},
     {"TAB cuts behind the cursor", "abc\002\t", "ab\t", "abc\033[1D\033[1C"},
     {"the question mark stays where it is typed", "ac\002?", "a?c", "ac\033[1D\033[1D\033[Ja?c\033[1D"},
@@ -72,7 +70,7 @@ const KeyCase kKeys[] = {
 };
 
 TEST(LineEditor, ActsOnItsKeysAndWritesTheDifference) {
-  for (const KeyCase& c : kKeys) {
+  for (const auto& c : kKeys) {
     ScriptedEditor editor(c.keys, c.term, c.width);
     ESH_SetPrompt("<boot>");
     const auto ends = static_cast<std::size_t>(std::count(c.keys.begin(), c.keys.end(), '\n'));
@@ -112,8 +110,7 @@ std::string RandomLines(unsigned seed, std::size_t lines, std::size_t keys_of_a_
 /// What an operator would see, and where the cursor stands, counted from 0.
 struct VirtualScreen {
   std::string text;
-  int row;
-  int column;
+  VTermPos cursor;
 };
 
 /// The screen of a terminal that was empty and has obeyed these bytes (libvterm, an ECMA-48 terminal with automatic
@@ -127,7 +124,7 @@ VirtualScreen ScreenAfter(std::string_view bytes, int rows, int columns) {
   text.resize(vterm_screen_get_text(screen, text.data(), text.size(), {0, rows, 0, columns}));
   VTermPos cursor{};
   vterm_state_get_cursorpos(vterm_obtain_state(terminal.get()), &cursor);
-  return {text, cursor.row, cursor.col};
+  return {text, cursor};
 }
 
 /// Holds the screen, on which the editor has drawn many differences, against one that shows the line straight away.
@@ -145,7 +142,7 @@ void ExpectScreens(std::uint32_t mode, const std::string& prompt, int columns, u
     ASSERT_EQ(written.text, ScreenAfter(prompt + shown, rows, columns).text);
     const int offset = static_cast<int>(prompt.size() + g_stESh_Line.ulCursor);
     // Behind a prompt that fills its row the cursor may still hang in the last column.
-    ASSERT_TRUE((written.row == offset / columns && written.column == offset % columns) || shown.empty());
+    ASSERT_TRUE((written.cursor.row == offset / columns && written.cursor.col == offset % columns) || shown.empty());
   }
 }
 

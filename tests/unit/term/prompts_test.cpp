@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
 
@@ -10,9 +12,9 @@ namespace {
 #define REMINDER "\r\nBefore pressing ENTER you must choose 'YES' or 'NO'[Y/N]:"
 #define TAKEN_BACK "\033[1D\033[K"
 
-constexpr struct {
+const struct {
   const char* why;
-  const char* keys;
+  std::string keys;
   std::uint16_t yes;
   const char* output;
 } kAnswers[] = {
@@ -25,8 +27,8 @@ constexpr struct {
     {"one that stands", "y\b\nn\n", 0, "y" TAKEN_BACK REMINDER "n"},
     {"Ctrl+C after a yes", "y\003\n", 0, "y"},
     {"other keys, without a bell", " q?\t\032\033[A\001y\n", 1, "y"},
-    {"no key in time", "", 0, ""},
-    {"no Enter in time", "y", 0, "y"},
+    {"a key just in time", std::string(9, '\0') + "y\n", 1, "y"},
+    {"no Enter in time", "y" + std::string(10, '\0') + "\n", 0, "y"},
 };
 
 TEST(Confirm, TakesYesOnlyForAYesThatStandsAtEnter) {

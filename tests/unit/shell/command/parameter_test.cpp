@@ -12,13 +12,6 @@ namespace {
 
 using Texts = std::initializer_list<std::string>;
 
-struct CheckCase {
-  const char* why;
-  std::uint16_t (*check)(const char* text);
-  Texts accepted;
-  Texts refused;
-};
-
 std::uint16_t OneTo31(const char* text) { return ESH_CheckInteger(text, 1, 31); }
 std::uint16_t AnyNumber(const char* text) { return ESH_CheckInteger(text, 0, ~std::uint64_t{0}); }
 std::uint16_t ThreeTo15Letters(const char* text) { return ESH_CheckString(text, 3, 15); }
@@ -26,7 +19,12 @@ std::uint16_t AnyText(const char* text) { return ESH_CheckString(text, 0, 1000);
 
 TEST(ParameterCheck, TakesWhatHasAMeaningOnly) {
   const std::string zeros = "0000:0000:0000:0000:0000:";
-  const CheckCase kChecks[] = {
+  const struct {
+    const char* why;
+    std::uint16_t (*check)(const char* text);
+    Texts accepted;
+    Texts refused;
+  } kChecks[] = {
       {"four decimal parts",
        ESH_CheckIPv4,
        {"1.2.3.4", "255.255.255.255"},
@@ -55,7 +53,7 @@ TEST(ParameterCheck, TakesWhatHasAMeaningOnly) {
        {"X.X.X.X", "X:X::X:X", "X:X::X:X/M", "INTEGER<1-31>", "STRING"},
        {"string", "X.X.X", "X.X.X.X.", "Reboot", "<cr>", ""}},
   };
-  for (const CheckCase& c : kChecks) {
+  for (const auto& c : kChecks) {
     for (const std::string& text : c.accepted) EXPECT_EQ(c.check(text.c_str()), 1) << c.why << ": " << text;
     for (const std::string& text : c.refused) EXPECT_EQ(c.check(text.c_str()), 0) << c.why << ": " << text;
   }
@@ -63,10 +61,12 @@ TEST(ParameterCheck, TakesWhatHasAMeaningOnly) {
 
 TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
   const std::string digits(512, '7');
-  EXPECT_EQ(ESH_RecordSize(digits.c_str()), kSuccess);
-  EXPECT_EQ(g_szSize, std::string(10, '7'));
-  EXPECT_EQ(ESH_RecordPassword(digits.c_str()), kSuccess);
-  EXPECT_EQ(g_szPassword, std::string(15, '7'));
+  EXPECT_EQ(ESH_RecordSize(digits.c_str()) + ESH_RecordPassword(digits.c_str()) + ESH_RecordIPv4MaskLen("01234") +
+                ESH_RecordIPv6PreLen("12345") + ESH_RecordIPv4("10.0.0.1"),
+            kSuccess);
+  EXPECT_EQ(ESH_RecordIPv4("10.0.0"), ESH_ERR_FAIL);
+  EXPECT_EQ(std::string(g_szSize) + g_szPassword + g_szIPv4MaskLen + "," + g_szIPv6PreLen + "," + g_szIPv4Address,
+            std::string(25, '7') + "123,1234,");
   EXPECT_EQ(ESH_RecordPassword("short"), kSuccess);
   EXPECT_EQ(std::string(std::begin(g_szPassword), std::end(g_szPassword)), "short" + std::string(11, '\0'));
 }

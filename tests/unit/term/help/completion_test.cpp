@@ -15,7 +15,7 @@
 namespace {
 
 std::uint32_t ListNames(const char* word, VEC_S* list, const ESH_CMD_ELEMENT_S* /*element*/) {
-  for (const char* name : {"flash:/b.cfg", "cfa0:/", "flash:/a.cfg", "STRING<1-511>", "<cr>"})
+  for (const char* name : {"flash:/b.cfg", "cfa0:/", "Flash:/a.cfg", "STRING<1-511>", "<cr>"})
     if (strncasecmp(name, word, std::strlen(word)) == 0) ESH_NewHelpInfo(name, "", list);
   return 0;
 }
@@ -29,19 +29,17 @@ std::string Tab(const std::string& typed) {
   return line;
 }
 
-struct TabCase {
-  const char* why;
-  std::vector<const char*> commands;
-  std::string typed;
-  std::vector<const char*> lines;  // after each TAB
-};
-
 const std::vector<const char*> kDeleteDisplay = {"delete <cr>", "display <cr>"};
 const std::vector<const char*> kRebootReset = {"reboot <cr>", "reset <cr>"};
 const std::vector<const char*> kDisplay = {"display version <cr>", "display interface <cr>"};
 const std::vector<const char*> kMore = {"more STRING<1-511> <cr>"};
 
-const TabCase kTabs[] = {
+const struct {
+  const char* why;
+  std::vector<const char*> commands;
+  std::string typed;
+  std::vector<const char*> lines;  // after each TAB
+} kTabs[] = {
     {"the only one, with a blank", kDeleteDisplay, "di", {"display ", "display "}},
     {"nothing in common: one after the other", kDeleteDisplay, "d", {"delete", "display", "delete"}},
     {"first what they share", kRebootReset, "r", {"re", "reboot", "reset", "reboot"}},
@@ -54,14 +52,14 @@ const TabCase kTabs[] = {
     {"no match: the line stays as typed", kDeleteDisplay, "  delete x", {"  delete x"}},
     {"no word: the blanks go", kDeleteDisplay, "   ", {""}},
     {"a placeholder is nothing to type", kMore, "more S", {"more S"}},
-    {"names", kMore, "more f", {"more flash:/", "more flash:/b.cfg", "more flash:/a.cfg"}},
+    {"names", kMore, "more f", {"more flash:/", "more flash:/b.cfg", "more Flash:/a.cfg"}},
     {"room for the blank", kDeleteDisplay, std::string(503, ' ') + "dis", {"display "}},
     {"room for the word", kDeleteDisplay, std::string(504, ' ') + "dis", {"display"}},
     {"the word is cut", kDeleteDisplay, std::string(505, ' ') + "dis", {"displa"}},
 };
 
 TEST(Completion, CompletesOrStepsThroughTheCandidates) {
-  for (const TabCase& c : kTabs) {
+  for (const auto& c : kTabs) {
     TestView view("<boot>");
     for (const char* command : c.commands) view.Add(command, ListNames);
     ESH_ResetTabState();

@@ -13,14 +13,9 @@ namespace {
 
 using Lines = std::vector<std::pair<std::string, std::string>>;
 
-UniqueHelpList MakeList(const Lines& lines) {
-  UniqueHelpList list(VEC_Alloc(kUsualSlots));
-  for (const auto& [keyword, help] : lines) ESH_NewHelpInfo(keyword.c_str(), help.c_str(), list.get());
-  return list;
-}
-
 std::string Print(const Lines& lines, std::uint16_t whole) {
-  const UniqueHelpList list = MakeList(lines);
+  const UniqueHelpList list(VEC_Alloc(kUsualSlots));
+  for (const auto& [keyword, help] : lines) ESH_NewHelpInfo(keyword.c_str(), help.c_str(), list.get());
   ScriptedStdio stdio;
   PrintHelpVec(list.get(), whole);
   return stdio.TakeOutput();
@@ -38,8 +33,8 @@ TEST(WholeHelp, IsLaidOutInTwoColumns) {
        {{"k", Many(70, 'a') + "  " + Many(9, 'b')}},
        "  k  " + Many(70, 'a') + "  \r\n     " + Many(9, 'b') + "\r\n"},
       {"a blank behind its room",
-       {{"k", "aa " + Many(72, 'b') + "  c"}},
-       "  k  aa " + Many(72, 'b') + "\r\n     c\r\n"},
+       {{"k", "aa " + Many(72, 'b') + "  cc " + Many(72, 'd')}},
+       "  k  aa " + Many(72, 'b') + "\r\n     cc " + Many(72, 'd') + "\r\n"},
       {"one letter more than its room", {{"k", "aa " + Many(73, 'b')}}, "  k  aa \r\n     " + Many(73, 'b') + "\r\n"},
       {"a word wider than its room",
        {{"k", Many(100, 'a') + " b"}},
@@ -70,7 +65,7 @@ TEST(NamesOnly, AreNumbersThenTextsThenTheEndEachOnce) {
   }
   EXPECT_EQ(Print(lines, 0), expected + "\r\n");
   EXPECT_EQ(Print({{"0001", ""}, {"001", ""}, {"01", ""}}, 0), "  01\r\n  001\r\n  0001\r\n\r\n") << "equal numbers";
-  EXPECT_EQ(Print({{Many(512, 'z'), ""}}, 0), "  " + Many(512, 'z') + "\r\n\r\n") << "as long as it gets";
+  EXPECT_EQ(Print({{Many(513, 'z'), ""}}, 0), "  " + Many(512, 'z') + "\r\n\r\n") << "as long as it gets";
 }
 
 }  // namespace
