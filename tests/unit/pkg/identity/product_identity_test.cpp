@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <sstream>
 #include <tuple>
 #include <utility>
 
@@ -43,16 +44,18 @@ TEST_F(ProductIdentity, IsTheMakersWithoutFiles) {
   unlink(kVersionFile);
   setGlobalOemDataLocked();
   EXPECT_STREQ(g_stOemConsumerInfo.sysDescr, "Ostrel Tessaro Platform Software Version 7.1");
+  EXPECT_STREQ(g_stOemConsumerInfo.sysLocation, "Utrecht, The Netherlands");
   EXPECT_EQ(Version(),
             "Ostrel Tessaro Software\r\nCopyright (c) 2004- Ostrel Networks Ltd. All rights reserved.\r\n\r\n"
             "Boot image: \r\nBoot image version: 7.10\r\n\r\n\r\n");
 }
 
 TEST_F(ProductIdentity, SectionFollowsTheObjectId) {
-  const std::string oem =
-      "[default]\nsysName: plain\n[default-Kelvane]\nsysName: Kelvane\n[default-Durell]\nsysName: Durell\n"
-      "[default-Sorvik]\nsysName: Sorvik\n[default-Talvo]\nsysName: Talvo\n[default-Own]\nsysName: own\n"
+  std::string oem =
+      "[default]\nsysName: plain\n"
       "[1.3.6.1.4.1.206.1.7]\nsysContact: of the device\n[1.3.6.1.4.1.206.1.70]\nsysContact: of a neighbour\n";
+  for (const std::string name : {"Kelvane", "Durell", "Pellam", "Sorvik", "Brenna", "Talvo", "Morrel", "Own"})
+    oem += "[default-" + name + "]\nsysName: " + name + "\n";
   constexpr const char* kOwn = "Default-OEM: [default-Own]\n";
   constexpr const char* kMaker = "Ostrel Networks Ltd.";
   constexpr std::tuple<const char*, const char*, const char*, const char*> kCases[] = {
@@ -62,9 +65,13 @@ TEST_F(ProductIdentity, SectionFollowsTheObjectId) {
       {"1.3.6.1.4.1.47213.12.1.1.5", "", "Sorvik", kMaker},
       {"1.3.6.1.4.1.47213.12.1.1", "", "plain", kMaker},
       {"1.3.6.1.4.1.47213.12.1.4.18446744073709551615", "", "Talvo", kMaker},
-      {"1.3.6.1.4.1.9", kOwn, "own", kMaker},
+      {"1.3.6.1.4.1.38.2.3.7.15.1", "", "Kelvane", kMaker},
+      {"1.3.6.1.4.1.61447", "", "Pellam", kMaker},
+      {"1.3.6.1.4.1.47213.12.1.2.5", "", "Brenna", kMaker},
+      {"1.3.6.1.4.1.5823", "", "Morrel", kMaker},
+      {"1.3.6.1.4.1.9", kOwn, "Own", kMaker},
       {"1.3.6.1.4.1.9", "default-oem: [default-Gone]\n", "Ostrel", kMaker},
-      {"no numbers", kOwn, "own", kMaker},
+      {"no numbers", kOwn, "Own", kMaker},
   };
   for (const auto& [object_id, corporation, name, contact] : kCases) {
     const OEM_CONSUMER_INFO_S record = Record(oem, object_id, corporation);
@@ -98,13 +105,17 @@ TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
     EXPECT_STREQ(record.sysContact, c.contact) << c.why;
     EXPECT_EQ(record.uiCorpId, c.corporation) << c.why;
   }
-  const OEM_CONSUMER_INFO_S record = Record("[default]\nsysName: " + std::string(65, 's') +
-                                            "\nsysLocation: here\ncorpIDMac: 0A-0b-FF-00-1-7f\nbridgeMac: 1-2-3\n");
+  const OEM_CONSUMER_INFO_S record =
+      Record("[default]\nsysName: " + std::string(65, 's') +
+             "\nsysLocation: here\ncorpName: C\ncorpIDMac: 0A-0b-FF-00-1-7f\nbridgeMac: 1-2-3\ntolkMac: 0-1-2-3-4-5\n");
   EXPECT_STREQ(record.sysLocation, "here");
+  EXPECT_STREQ(record.corpName, "C");
   EXPECT_EQ(record.sysName, std::string(64, 's'));
   EXPECT_EQ(std::memcmp(record.corpIDMac, "\x0A\x0B\xFF\x00\x01\x7F", 6), 0);
   EXPECT_EQ(std::memcmp(record.bridgeMac, "\x02\x5A\xC1\x07\xF2\x0E", 6), 0) << "half an address is none";
+  EXPECT_EQ(std::memcmp(record.tolkMac, "\0\1\2\3\4\5", 6), 0);
   EXPECT_EQ(std::memcmp(Record("").corpIDMac, "\x02\x5A\xC1\0\0\0", 6), 0);
+  EXPECT_EQ(std::memcmp(g_stOemConsumerInfo.tolkMac, record.bridgeMac, 6), 0);
 }
 
 TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
@@ -123,39 +134,50 @@ TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
 }
 
 TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
-  const std::tuple<std::string, std::string, const char*> cases[] = {
-      {"Durell", "Tessaro Software\r\nCopyright (c) 2010-2026 Durell Communications. All rights reserved.", "R6"},
-      {"Talvo", "Ostrel Talvo RouteOS Software\r\nCopyright (c) 2014-2026 Talvo Technologies. All rights reserved.",
-       "7.1.9"},
-      {"Quintrel", "Ostrel From File Software\r\n", "7.1.9"},
-      {"Vantrel", "Ostrel From File Software\r\nCopyright (c) 2016-2026 Vantrel Corporation. All rights reserved.",
-       "7.1.9"},
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"Kelvane", "Ostrel Kelvane NOS", "2009-2026 Kelvane Inc"},
+      {"Durell", "Tessaro", "2010-2026 Durell Communications"},
+      {"Pellam", "Ostrel PellamOS", "2011-2026 Pellam Systems"},
+      {"Sorvik", "Ostrel Sorvik SwitchOS", "2012-2026 Sorvik AS"},
+      {"Brenna", "Ostrel Brenna NetOS", "2012-2026 Brenna Networks"},
+      {"Talvo", "Ostrel Talvo RouteOS", "2014-2026 Talvo Technologies"},
+      {"Morrel", "Ostrel Morrel CoreOS", "2013-2026 Morrel Group"},
+      {"Halden", "Ostrel Halden OS", "2015-2026 Halden Data"},
+      {"Quintrel", "Ostrel From File", ""},
+      {"Vantrel", "Ostrel From File", "2016-2026 Vantrel Corporation"},
   };
-  for (const auto& [corporation, lines, version] : cases) {
+  for (const auto& [corporation, system, owner] : cases) {
     (void)Record("[default]\noem: " + corporation, "1.2", "SoftwareName: From File\n");
-    EXPECT_EQ(Version(), lines + "\r\n\r\nBoot image: \r\nBoot image version: " + version + "\r\n\r\n\r\n");
+    const std::string copyright = owner.empty() ? "" : "Copyright (c) " + owner + ". All rights reserved.";
+    EXPECT_EQ(Version(), system + " Software\r\n" + copyright + "\r\n\r\nBoot image: \r\nBoot image version: " +
+                             (corporation == "Durell" ? "R6" : "7.1.9") + "\r\n\r\n\r\n");
   }
+  std::istringstream others(
+      "Quintrel 9 Averley 10 Norvane 11 Vantrel 17 Castrel 19 Lindow 24 Marsten 25 Oxenby 26 Tarrick 27 Ulvern 28 "
+      "Wexcombe 29 Zelbury 31 Fenwold 39 Garrowby 40 Ilverton 42");
+  std::uint32_t id = 0;
+  for (std::string name; others >> name >> id;) EXPECT_EQ(Record("[default]\noem: " + name).uiCorpId, id) << name;
   (void)Record("[default]\noem: Talvo");
   WriteFile(kVersionFile, "PkgTime: Fri Mar 14 2014 10:20:30\n");
   EXPECT_NE(Version().find("\nCopyright (c) 2014 Talvo Technologies. All rights reserved.\r\n"), std::string::npos);
 }
 
 TEST_F(ProductIdentity, UptimeCountsInWholeUnits) {
-  constexpr std::pair<const char*, const char*> kCases[] = {
-      {"694860.99 1.0\n", "1 week, 1 day, 1 hour, 1 minute"},
-      {"0.59 0.1\n", "0 weeks, 0 days, 0 hours, 0 minutes"},
-      {"1814399 7", "2 weeks, 6 days, 23 hours, 59 minutes"},
+  const std::tuple<const char*, const char*, std::string, std::string> cases[] = {
+      {"694860.99 1.0\n", "1 week, 1 day, 1 hour, 1 minute", "flash:/boot.bin\n", "flash:/boot.bin"},
+      {"0.59 0.1\n", "0 weeks, 0 days, 0 hours, 0 minutes", "", ""},
+      {"1814399 7", "2 weeks, 6 days, 23 hours, 59 minutes", std::string(65, 'b'), std::string(64, 'b')},
   };
   (void)Record("");
-  WriteFile("/proc/sys/61000/2", "two\nlines\n");
-  WriteFile("/proc/sys/61000/3", "flash:/boot.bin\n");
+  WriteFile("/proc/sys/61000/2", "two\nlines\n\n");
   const std::string head =
       "Ostrel Tessaro Software\r\nCopyright (c) 2004-2026 Ostrel Networks Ltd. All rights reserved.\r\nOstrel uptime "
       "is ";
-  for (const auto& [uptime, told] : kCases) {
+  for (const auto& [uptime, told, boot_image, name] : cases) {
     WriteFile("/proc/uptime", uptime);
+    WriteFile("/proc/sys/61000/3", boot_image);
     EXPECT_EQ(Version(),
-              head + told + "\r\n\r\nBoot image: flash:/boot.bin\r\nBoot image version: 7.1.9\r\n\r\ntwo\nlines\r\n");
+              head + told + "\r\n\r\nBoot image: " + name + "\r\nBoot image version: 7.1.9\r\n\r\ntwo\nlines\n\r\n");
   }
 }
 
