@@ -56,54 +56,36 @@ TEST_F(ProductIdentity, SectionFollowsTheObjectId) {
       "[1.3.6.1.4.1.206.1.7]\nsysContact: of the device\n[1.3.6.1.4.1.206.1.70]\nsysContact: of a neighbour\n";
   for (const std::string name : {"Kelvane", "Durell", "Pellam", "Sorvik", "Brenna", "Talvo", "Morrel", "Own"})
     oem += "[default-" + name + "]\nsysName: " + name + "\n";
-  constexpr const char* kOwn = "Default-OEM: [default-Own]\n";
-  constexpr const char* kMaker = "Ostrel Networks Ltd.";
-  constexpr std::tuple<const char*, const char*, const char*, const char*> kCases[] = {
-      {"1.3.6.1.4.1.47213.11.4", "", "Kelvane", kMaker},
-      {"1.3.6.1.4.1.206.1.7", "", "Durell", "of the device"},
-      {"1.3.6.1.4.1.206.1", kOwn, "Durell", kMaker},
-      {"1.3.6.1.4.1.47213.12.1.1.5", "", "Sorvik", kMaker},
-      {"1.3.6.1.4.1.47213.12.1.1", "", "plain", kMaker},
-      {"1.3.6.1.4.1.47213.12.1.4.18446744073709551615", "", "Talvo", kMaker},
-      {"1.3.6.1.4.1.38.2.3.7.15.1", "", "Kelvane", kMaker},
-      {"1.3.6.1.4.1.61447", "", "Pellam", kMaker},
-      {"1.3.6.1.4.1.47213.12.1.2.5", "", "Brenna", kMaker},
-      {"1.3.6.1.4.1.5823", "", "Morrel", kMaker},
-      {"1.3.6.1.4.1.9", kOwn, "Own", kMaker},
-      {"1.3.6.1.4.1.9", "default-oem: [default-Gone]\n", "Ostrel", kMaker},
-      {"no numbers", kOwn, "Own", kMaker},
-  };
-  for (const auto& [object_id, corporation, name, contact] : kCases) {
-    const OEM_CONSUMER_INFO_S record = Record(oem, object_id, corporation);
-    EXPECT_STREQ(record.sysName, name) << object_id;
-    EXPECT_STREQ(record.sysContact, contact) << object_id;
+  std::istringstream cases(
+      "47213.11.4 - Kelvane 206.1.7 - Durell 206.1 Own Durell 47213.12.1.1.5 - Sorvik 47213.12.1.1 - plain "
+      "47213.12.1.4.18446744073709551615 - Talvo 38.2.3.7.15.1 - Kelvane 61447 - Pellam 47213.12.1.2.5 - Brenna "
+      "5823 - Morrel 9 Own Own 9 Gone Ostrel no-number Own Own");
+  for (std::string id, file, name; cases >> id >> file >> name;) {
+    const std::string corporation = file == "-" ? "" : "Default-OEM: [default-" + file + "]\n";
+    EXPECT_EQ(Record(oem, "1.3.6.1.4.1." + id, corporation).sysName, name) << id;
   }
+  EXPECT_STREQ(Record(oem, "1.3.6.1.4.1.206.1.7").sysContact, "of the device");
 }
 
 TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
-  const struct {
-    const char* why;
-    const char* section;
-    const char* name = "Ostrel";
-    const char* contact = "Ostrel Networks Ltd.";
-    std::uint32_t corporation = 0;
-  } cases[] = {
-      {"the key is not at the start of a line", "\nx productName: y\n"},
-      {"behind the header", "productName: y\n"},
-      {"blanks around the colon", "\r\nproductName  :   A B  \r\n", "A B"},
-      {"no colon", "\nproductName A\n"},
-      {"an empty contact", "\nsysContact:\nproductName:\n", "Ostrel", ""},
-      {"a value over lines", "\nsysContact: a\nb: c\r\n\r\nproductName: n", "n", "a\nb: c"},
-      {"a written line break", "\nsysContact: a\\r\\nb\\r\\\\r\\n\n", "Ostrel", "a\r\nb\\r\\\r\n"},
-      {"a corporation in any case", "\noem: dURELL\n", "Ostrel", "Ostrel Networks Ltd.", 2},
-      {"only the first letters of a corporation", "\noem: Ilver\n", "Ostrel", "Ostrel Networks Ltd.", 42},
-      {"the next section", "\n[default-Other]\nproductName: n\n"},
+  // The product's name, the contact and the corporation.
+  const std::string unchanged = "Ostrel|Ostrel Networks Ltd.|0";
+  const std::tuple<const char*, const char*, std::string> cases[] = {
+      {"the key is not at the start of a line", "\nx productName: y\n", unchanged},
+      {"behind the header", "productName: y\n", unchanged},
+      {"blanks around the colon", "\r\nproductName  :   A B  \r\n", "A B|Ostrel Networks Ltd.|0"},
+      {"no colon", "\nproductName A\n", unchanged},
+      {"an empty contact", "\nsysContact:\nproductName:\n", "Ostrel||0"},
+      {"a value over lines", "\nsysContact: a\nb: c\r\n\r\nproductName: n", "n|a\nb: c|0"},
+      {"a written line break", "\nsysContact: a\\r\\nb\\r\\\\r\\n\n", "Ostrel|a\r\nb\\r\\\r\n|0"},
+      {"a corporation in any case", "\noem: dURELL\n", "Ostrel|Ostrel Networks Ltd.|2"},
+      {"only the first letters of a corporation", "\noem: Ilver\n", "Ostrel|Ostrel Networks Ltd.|42"},
+      {"the next section", "\n[default-Other]\nproductName: n\n", unchanged},
   };
-  for (const auto& c : cases) {
-    const OEM_CONSUMER_INFO_S record = Record(std::string("[default]") + c.section);
-    EXPECT_STREQ(record.productName, c.name) << c.why;
-    EXPECT_STREQ(record.sysContact, c.contact) << c.why;
-    EXPECT_EQ(record.uiCorpId, c.corporation) << c.why;
+  for (const auto& [why, section, told] : cases) {
+    const OEM_CONSUMER_INFO_S record = Record(std::string("[default]") + section);
+    const std::string id = std::to_string(record.uiCorpId);
+    EXPECT_EQ(std::string(record.productName) + "|" + record.sysContact + "|" + id, told) << why;
   }
   const OEM_CONSUMER_INFO_S record =
       Record("[default]\nsysName: " + std::string(65, 's') +
@@ -134,23 +116,19 @@ TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
 }
 
 TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
-  const std::tuple<std::string, std::string, std::string> cases[] = {
-      {"Kelvane", "Ostrel Kelvane NOS", "2009-2026 Kelvane Inc"},
-      {"Durell", "Tessaro", "2010-2026 Durell Communications"},
-      {"Pellam", "Ostrel PellamOS", "2011-2026 Pellam Systems"},
-      {"Sorvik", "Ostrel Sorvik SwitchOS", "2012-2026 Sorvik AS"},
-      {"Brenna", "Ostrel Brenna NetOS", "2012-2026 Brenna Networks"},
-      {"Talvo", "Ostrel Talvo RouteOS", "2014-2026 Talvo Technologies"},
-      {"Morrel", "Ostrel Morrel CoreOS", "2013-2026 Morrel Group"},
-      {"Halden", "Ostrel Halden OS", "2015-2026 Halden Data"},
-      {"Quintrel", "Ostrel From File", ""},
-      {"Vantrel", "Ostrel From File", "2016-2026 Vantrel Corporation"},
-  };
-  for (const auto& [corporation, system, owner] : cases) {
-    (void)Record("[default]\noem: " + corporation, "1.2", "SoftwareName: From File\n");
-    const std::string copyright = owner.empty() ? "" : "Copyright (c) " + owner + ". All rights reserved.";
-    EXPECT_EQ(Version(), system + " Software\r\n" + copyright + "\r\n\r\nBoot image: \r\nBoot image version: " +
-                             (corporation == "Durell" ? "R6" : "7.1.9") + "\r\n\r\n\r\n");
+  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+      {"Kelvane", " NOS", "2009", "Inc"},          {"Durell", "", "2010", "Communications"},
+      {"Pellam", "OS", "2011", "Systems"},         {"Sorvik", " SwitchOS", "2012", "AS"},
+      {"Brenna", " NetOS", "2012", "Networks"},    {"Talvo", " RouteOS", "2014", "Technologies"},
+      {"Morrel", " CoreOS", "2013", "Group"},      {"Halden", " OS", "2015", "Data"},
+      {"Vantrel", " File", "2016", "Corporation"}, {"Quintrel", " File", "", ""}};
+  for (const auto& [name, system, year, form] : cases) {
+    (void)Record("[default]\noem: " + name, "1.2", "SoftwareName: " + name + " File\n");
+    const std::string banner = name == "Durell" ? "Tessaro" : "Ostrel " + name + system;
+    const std::string owner = " (c) " + year + "-2026 " + name + " " + form + ". All rights reserved.";
+    EXPECT_EQ(Version(), banner + " Software\r\n" + (year.empty() ? "" : "Copyright" + owner) +
+                             "\r\n\r\nBoot image: \r\nBoot image version: " + (name == "Durell" ? "R6" : "7.1.9") +
+                             "\r\n\r\n\r\n");
   }
   std::istringstream others(
       "Quintrel 9 Averley 10 Norvane 11 Vantrel 17 Castrel 19 Lindow 24 Marsten 25 Oxenby 26 Tarrick 27 Ulvern 28 "

@@ -1,6 +1,7 @@
-#include "util/vector.h"
-
 #include <gtest/gtest.h>
+
+#include "util/fixed_text.h"
+#include "util/vector.h"
 
 namespace {
 
@@ -26,6 +27,21 @@ TEST_F(Vector, RefusesWhatIsNotThere) {
   EXPECT_NE(VEC_Resize(vec.get(), (std::uint64_t{1} << 61) + 1), 0U) << "whose size in bytes is 8 again";
   EXPECT_EQ(VEC_GetCount(vec.get()), 9U);
   EXPECT_EQ(VEC_Add(nullptr, 0, &elements[0]), kNoIndex);
+}
+
+TEST(FixedText, CutsEveryWayOfAppendingAtTheRoomAndSaysSo) {
+  FixedText<6> text;
+  text.Append("%d-%s", 12, "ab");
+  text.AppendText("");
+  EXPECT_FALSE(text.Truncated()) << "full, and not too full";
+  text.AppendText("c");
+  text.AppendText("");
+  EXPECT_TRUE(text.Truncated()) << "once and for all";
+  EXPECT_STREQ(text.Text(), "12-ab");
+  text.Clear();
+  text.AppendRepeated('x', 9);
+  EXPECT_EQ(text.View(), "xxxxx");
+  EXPECT_TRUE(text.Truncated());
 }
 
 }  // namespace
