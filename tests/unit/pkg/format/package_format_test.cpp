@@ -57,7 +57,7 @@ TEST_F(SignatureTest, FunctionsTellByTheirResultWhatAFileIs) {
   EXPECT_EQ(PKG_CSSCheck_IsFixFormat(css.text + 1), 0U);
   EXPECT_EQ(PKG_GetCSS_Signture(css.text, bytes, &length), kSuccess);
   EXPECT_EQ(length, kKeyNumberSize);
-  for (const char* text : {"", "Signature: AAAA\n", "Signature: AAAAFingerprint Length: "})
+  for (const char* text : {"", "Signature: AAAA\n", "Signature: AAAAAFingerprint Length: "})
     EXPECT_EQ(PKG_GetCSS_Signture(text, bytes, &length), ESH_ERR_FAIL) << text;
   CssFreer()(&css);
 }
