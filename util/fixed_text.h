@@ -48,6 +48,10 @@ class TextBuilder {
   ~TextBuilder() = default;
 
  private:
+  [[nodiscard]] std::size_t FreeRoom() const { return room_ - 1 - length_; }
+  /// Takes note of so many more characters, of which those that fit stand there.
+  void Count(std::size_t wanted);
+
   char* buffer_;
   std::size_t room_;
   std::size_t length_ = 0;

@@ -6,9 +6,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
+#include <cstdio>
 #include <cstring>
 
-#include "util/decimal.h"
 #include "util/fixed_text.h"
 #include "util/result.h"
 #include "util/unique_handle.h"
@@ -18,7 +19,6 @@ namespace {
 constexpr char kSettingsRoot[] = "/proc/sys";
 constexpr std::size_t kPathRoom = 128;
 constexpr std::size_t kDottedRoom = 4096;
-constexpr std::size_t kNumberRoom = 24;
 
 enum class CallResult { kDone, kRefused, kNoSuchCall };
 
@@ -61,19 +61,18 @@ CallResult WriteBySystemCall(std::span<const int>, int) { return CallResult::kNo
 CallResult ReadBySystemCall(std::span<const int>, std::size_t&, void*) { return CallResult::kNoSuchCall; }
 #endif
 
-void AppendSettingPath(std::span<const int> path, TextBuilder& file_name) {
+/// Opens the file of a setting. @return an owner of nothing when there is none.
+UniqueFd OpenSetting(std::span<const int> path, int flags) {
+  FixedText<kPathRoom> file_name;
   file_name.AppendText(kSettingsRoot);
   for (const int number : path) file_name.Append("/%d", number);
+  return file_name.Truncated() ? UniqueFd() : UniqueFd(open(file_name.Text(), flags | O_CLOEXEC));
 }
 
 /// Reads the file of a setting, without its line end, cut to `size` - 1 bytes.
 std::uint32_t ReadSettingFile(std::span<const int> path, std::size_t size, char* text) {
-  FixedText<kPathRoom> file_name;
-  AppendSettingPath(path, file_name);
-  const UniqueFd file(open(file_name.Text(), O_RDONLY | O_CLOEXEC));
   text[0] = '\0';
-  if (file_name.Truncated() || !file) return ESH_ERR_FAIL;
-  const ssize_t length = read(file.Get(), text, size - 1);
+  const ssize_t length = read(OpenSetting(path, O_RDONLY).Get(), text, size - 1);  // of none it reads nothing
   if (length < 0) return ESH_ERR_FAIL;
   const bool has_line_end = length > 0 && text[length - 1] == '\n';
   text[has_line_end ? length - 1 : length] = '\0';
@@ -82,19 +81,15 @@ std::uint32_t ReadSettingFile(std::span<const int> path, std::size_t size, char*
 
 /// @param count in: room of `numbers`; out: how many there are.
 bool ReadDotted(const char* text, std::size_t& count, std::uint64_t* numbers) {
-  const std::size_t room = count;
-  count = 0;
-  for (;;) {
-    FixedText<kNumberRoom> number;
-    const std::size_t length = std::strcspn(text, ".");
-    number.AppendText({text, length});
-    if (number.Truncated() || !ReadDecimal(number.Text(), numbers[count])) {
-      count = 0;
-      return false;
+  const char* const end = text + std::strlen(text);
+  for (std::size_t i = 0;;) {
+    const auto [rest, error] = std::from_chars(text, end, numbers[i]);
+    if (error != std::errc{} || (rest != end && *rest != '.')) return false;
+    if (++i == count || rest == end) {
+      count = i;
+      return true;
     }
-    ++count;
-    if (text[length] == '\0' || count == room) return true;
-    text += length + 1;
+    text = rest + 1;
   }
 }
 
@@ -103,14 +98,7 @@ bool ReadDotted(const char* text, std::size_t& count, std::uint64_t* numbers) {
 std::uint32_t WriteKernelSetting(std::span<const int> path, int value) {
   const CallResult result = WriteBySystemCall(path, value);
   if (result != CallResult::kNoSuchCall) return result == CallResult::kDone ? kSuccess : ESH_ERR_FAIL;
-  FixedText<kPathRoom> file_name;
-  AppendSettingPath(path, file_name);
-  FixedText<16> text;
-  text.Append("%d\n", value);
-  const UniqueFd file(open(file_name.Text(), O_WRONLY | O_CLOEXEC));
-  if (file_name.Truncated() || !file) return ESH_ERR_FAIL;
-  const ssize_t written = write(file.Get(), text.Text(), text.Length());
-  return written == static_cast<ssize_t>(text.Length()) ? kSuccess : ESH_ERR_FAIL;
+  return dprintf(OpenSetting(path, O_WRONLY).Get(), "%d\n", value) < 0 ? ESH_ERR_FAIL : kSuccess;
 }
 
 std::uint32_t ReadKernelText(std::span<const int> path, std::size_t size, char* text) {

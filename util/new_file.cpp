@@ -13,8 +13,7 @@ UniqueFd CreateAnew(const char* path, mode_t mode) {
 bool WriteAll(int fd, const void* bytes, std::size_t length) {
   const char* rest = static_cast<const char*>(bytes);
   while (length > 0) {
-    const ssize_t written = write(fd, rest, length);
-    if (written < 0 && errno == EINTR) continue;
+    const ssize_t written = TEMP_FAILURE_RETRY(write(fd, rest, length));
     if (written <= 0) return false;
     rest += written;
     length -= static_cast<std::size_t>(written);

@@ -20,11 +20,7 @@ std::uint64_t NextHole(const VEC_S& vec, std::uint64_t from) {
 /// Lowers the end over trailing holes and gives back memory. A failed shrink leaves more room than needed, no harm.
 void Trim(VEC_S& vec) {
   while (vec.ulMaxIndex > 0 && IsHole(vec, vec.ulMaxIndex)) --vec.ulMaxIndex;
-  if (vec.ulMaxIndex == 0 && IsHole(vec, 0)) {
-    if (vec.ulCapacity >= 2) (void)VEC_Reduce(&vec, 1);
-    return;
-  }
-  if (vec.ulMaxIndex < vec.ulCapacity / 2) (void)VEC_Reduce(&vec, vec.ulMaxIndex + 1);
+  (void)VEC_Reduce(&vec, vec.ulMaxIndex + 1);
 }
 
 }  // namespace
@@ -93,8 +89,7 @@ std::uint32_t VEC_Reduce(VEC_S* vec, std::uint64_t need) {
 }
 
 std::uint32_t VEC_Resize(VEC_S* vec, std::uint64_t slots) {
-  if (slots > kMostSlots) return ESH_ERR_FAIL;
-  auto** array = static_cast<void**>(std::malloc(slots * sizeof(void*)));
+  auto** array = static_cast<void**>(reallocarray(nullptr, slots, sizeof(void*)));
   if (array == nullptr) return ESH_ERR_FAIL;
   const std::uint64_t kept = std::min(vec->ulCapacity, slots);
   std::fill(std::copy_n(vec->ppvArray, kept, array), array + slots, nullptr);

@@ -55,8 +55,7 @@ void* GetFileFromReadHeadByFileDesc(const PackageFileEntry* entry, PKG_READER_S*
   UniqueBlock data = Unpack(*head, std::move(stored), size);
   if (data == nullptr) return nullptr;
   *out_size = size;
-  if (out_name != nullptr)
-    (void)CopyBounded(out_name, name_size, {head->name, strnlen(head->name, sizeof(head->name))});
+  (void)CopyBounded(out_name, name_size, {head->name, strnlen(head->name, sizeof(head->name))});
   return data.release();
 }
 

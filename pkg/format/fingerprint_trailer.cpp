@@ -23,8 +23,7 @@ std::optional<std::uint32_t> ReadLength(std::string_view text) {
   char digits[kTrailerLengthDigits + 1] = {};
   text.copy(digits, kTrailerLengthDigits);
   std::uint64_t length = 0;
-  if (text.size() < kTrailerLengthDigits || !PKG_IsAllDigit(digits) || !ReadDecimal(digits, length))
-    return std::nullopt;
+  if (text.size() < kTrailerLengthDigits || !ReadDecimal(digits, length)) return std::nullopt;
   return static_cast<std::uint32_t>(length);
 }
 
@@ -38,9 +37,10 @@ std::optional<std::string_view> TakeLine(std::string_view& text, std::string_vie
   return value;
 }
 
+/// @param size no less than a main head's.
 std::optional<std::uint32_t> FindTrailerLength(std::FILE* stream, std::uint64_t size) {
   char tail[kTrailerTail];
-  if (size < sizeof(tail) || fseeko(stream, static_cast<off_t>(size - sizeof(tail)), SEEK_SET) != 0 ||
+  if (fseeko(stream, static_cast<off_t>(size - sizeof(tail)), SEEK_SET) != 0 ||
       std::fread(tail, 1, sizeof(tail), stream) != sizeof(tail))
     return std::nullopt;
   return ToldTrailerLength({tail, sizeof(tail)});
@@ -122,7 +122,7 @@ std::uint32_t PKG_GetCSS_Signture(const char* text, std::uint8_t* out, std::uint
   const char* label = std::strstr(text, kSignatureLabel.data());
   const char* begin = label == nullptr ? nullptr : label + kSignatureLabel.size();
   const char* next = begin == nullptr ? nullptr : std::strstr(begin, kLengthLabel.data());
-  if (next == nullptr || next == begin || next[-1] != '\n') return ESH_ERR_FAIL;
+  if (next == nullptr || next[-1] != '\n') return ESH_ERR_FAIL;
   return DecodeSignature({begin, next - 1}, out, out_length);
 }
 

@@ -52,7 +52,7 @@ int FIPS_digestupdate(FIPS_MD_CTX* ctx, const void* data, std::size_t length) {
 }
 
 int FIPS_digestfinal(FIPS_MD_CTX* ctx, unsigned char* digest, unsigned* length) {
-  return ctx->context == nullptr ? 0 : EVP_DigestFinal_ex(ctx->context, digest, length);
+  return EVP_DigestFinal_ex(ctx->context, digest, length);
 }
 
 int FIPS_md_ctx_copy(FIPS_MD_CTX* to, const FIPS_MD_CTX* from) {
@@ -60,10 +60,8 @@ int FIPS_md_ctx_copy(FIPS_MD_CTX* to, const FIPS_MD_CTX* from) {
 }
 
 void FIPS_md_ctx_cleanup(FIPS_MD_CTX* ctx) {
-  if (ctx->context != nullptr) {
-    EVP_MD_CTX_free(ctx->context);
-    ctx->context = nullptr;
-  }
+  EVP_MD_CTX_free(ctx->context);
+  ctx->context = nullptr;
 }
 
 void BigNumberFreer::operator()(BIGNUM* number) const { BN_free(number); }
@@ -74,10 +72,8 @@ BIGNUM* FIPS_bn_bin2bn(const unsigned char* bytes, int length, BIGNUM* number) {
 
 bool IsOddAboveOne(const BIGNUM* number) { return BN_is_odd(number) == 1 && BN_is_one(number) == 0; }
 
-bool IsBelow(const BIGNUM* number, std::uint32_t bound) {
-  constexpr int kBoundBits = 32;
-  return BN_num_bits(number) <= kBoundBits && BN_get_word(number) < bound;
-}
+// A number with more bits than a word has counts as the largest word.
+bool IsBelow(const BIGNUM* number, std::uint32_t bound) { return BN_get_word(number) < bound; }
 
 void RsaKeyFreer::operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
 
@@ -96,7 +92,7 @@ int FIPS_rsa_public_decrypt(int length, const unsigned char* from, unsigned char
   const UniqueKeyContext context(EVP_PKEY_CTX_new(key, nullptr));
   std::size_t signed_length = kMostSigned;
   // Without a digest's name set, what was signed comes out as it is, an algorithm prefix included.
-  if (length < 0 || context == nullptr || EVP_PKEY_verify_recover_init(context.get()) != 1 ||
+  if (context == nullptr || EVP_PKEY_verify_recover_init(context.get()) != 1 ||
       EVP_PKEY_CTX_set_rsa_padding(context.get(), padding) != 1 ||
       EVP_PKEY_verify_recover(context.get(), to, &signed_length, from, static_cast<std::size_t>(length)) != 1)
     return -1;

@@ -26,7 +26,7 @@ void FIPS_md_ctx_init(FIPS_MD_CTX* ctx);
 [[nodiscard]] int FIPS_digestinit(FIPS_MD_CTX* ctx, const evp_md_st* method);
 /// Takes `length` bytes into a started digest.
 [[nodiscard]] int FIPS_digestupdate(FIPS_MD_CTX* ctx, const void* data, std::size_t length);
-/// @param length receives the digest's length in bytes.
+/// Ends a started digest. @param length receives its length in bytes; may be none.
 [[nodiscard]] int FIPS_digestfinal(FIPS_MD_CTX* ctx, unsigned char* digest, unsigned* length);
 /// Makes `to`, a prepared context, go on from where `from` stands.
 [[nodiscard]] int FIPS_md_ctx_copy(FIPS_MD_CTX* to, const FIPS_MD_CTX* from);

@@ -3,34 +3,25 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 READ_BUFF_S* ReadBuffCreateByMem(const void* data, std::size_t length) {
-  if (data == nullptr) return nullptr;
-  UniqueLines reader(static_cast<READ_BUFF_S*>(std::calloc(1, sizeof(READ_BUFF_S))));
-  if (reader == nullptr) return nullptr;
-  reader->text = static_cast<char*>(std::malloc(length + 1));
-  if (reader->text == nullptr) return nullptr;
-  std::memcpy(reader->text, data, length);
-  reader->text[length] = '\0';
-  reader->end = reader->text + length;
-  reader->cursor = reader->text;
-  reader->length = length;
-  return reader.release();
+  void* block = data == nullptr ? nullptr : std::malloc(sizeof(READ_BUFF_S) + length + sizeof('\0'));
+  if (block == nullptr) return nullptr;
+  char* text = static_cast<char*>(block) + sizeof(READ_BUFF_S);
+  std::memcpy(text, data, length);
+  text[length] = '\0';
+  return new (block) READ_BUFF_S{.text = text, .end = text + length, .cursor = text, .length = length};
 }
 
 char* ReadBuffGets(READ_BUFF_S* reader) {
   if (reader->cursor == reader->end) return nullptr;
   char* line = reader->cursor;
   char* line_end = std::find_if(line, reader->end, [](char c) { return c == '\n' || c == '\r'; });
-  const bool cr_lf = line_end < reader->end && line_end[0] == '\r' && line_end[1] == '\n';
+  const bool cr_lf = line_end[0] == '\r' && line_end[1] == '\n';
   reader->cursor = std::min(line_end + (cr_lf ? 2 : 1), reader->end);
   *line_end = '\0';
   return line;
 }
 
-void ReadBuffDestroy(READ_BUFF_S* reader) {
-  if (reader != nullptr) {
-    std::free(reader->text);
-    std::free(reader);
-  }
-}
+void ReadBuffDestroy(READ_BUFF_S* reader) { std::free(reader); }

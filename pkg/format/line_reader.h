@@ -5,7 +5,7 @@
 
 /// A text that is read line by line.
 struct READ_BUFF_S {
-  char* text;    ///< its own copy, with a NUL behind it
+  char* text;    ///< its own copy, with a NUL behind it, in the block of this record
   char* end;     ///< of the text
   char* cursor;  ///< start of the next line
   std::size_t length;

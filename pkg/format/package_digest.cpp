@@ -10,27 +10,22 @@ namespace {
 
 constexpr std::uint64_t kBlock = 4096;
 
-bool KeepAtBorder(PackageSeal* seal, std::uint64_t offset, const FIPS_MD_CTX& ctx) {
-  return seal == nullptr || seal->Keep(offset, ctx);
-}
-
 /// Digests from `offset` up to `end`. A block ends early at a border of the seal.
-bool AddRange(FIPS_MD_CTX& ctx, std::FILE* stream, std::uint64_t offset, std::uint64_t end, PackageSeal* seal) {
-  if (fseeko(stream, static_cast<off_t>(offset), SEEK_SET) != 0 || !KeepAtBorder(seal, offset, ctx)) return false;
+bool AddRange(FIPS_MD_CTX& ctx, std::FILE* stream, std::uint64_t offset, std::uint64_t end, PackageSeal& seal) {
+  if (fseeko(stream, static_cast<off_t>(offset), SEEK_SET) != 0 || !seal.Keep(offset, ctx)) return false;
   while (offset < end) {
     std::uint8_t block[kBlock];
-    const std::uint64_t border = seal == nullptr ? end : std::min(seal->NextBorder(offset), end);
-    const std::size_t length = std::min(kBlock, border - offset);
+    const std::size_t length = std::min({kBlock, seal.NextBorder(offset) - offset, end - offset});
     if (std::fread(block, 1, length, stream) != length || FIPS_digestupdate(&ctx, block, length) != 1) return false;
     offset += length;
-    if (!KeepAtBorder(seal, offset, ctx)) return false;
+    if (!seal.Keep(offset, ctx)) return false;
   }
   return true;
 }
 
 }  // namespace
 
-std::uint32_t DigestPackage(std::FILE* stream, std::uint64_t offset, std::uint64_t length, PackageSeal* seal,
+std::uint32_t DigestPackage(std::FILE* stream, std::uint64_t offset, std::uint64_t length, PackageSeal& seal,
                             std::uint8_t* digest, std::uint32_t* digest_length) {
   const evp_md_st* method = FIPS_evp_sha256();
   FIPS_MD_CTX ctx;
@@ -43,5 +38,6 @@ std::uint32_t DigestPackage(std::FILE* stream, std::uint64_t offset, std::uint64
 
 std::uint32_t PKG_GetDigestFromPkg(std::FILE* stream, std::uint64_t offset, std::uint64_t length, std::uint8_t* digest,
                                    std::uint32_t* digest_length) {
-  return DigestPackage(stream, offset, length, nullptr, digest, digest_length);
+  PackageSeal no_borders;
+  return DigestPackage(stream, offset, length, no_borders, digest, digest_length);
 }

@@ -9,8 +9,8 @@
 std::uint16_t ESH_FilterFile(const char* name, const char* suffix, std::size_t maxLength) {
   const std::string_view text(name);
   const std::size_t dot = text.rfind('.');
-  return !text.empty() && text.size() <= maxLength && text.size() > std::strlen(suffix) &&
-                 dot != std::string_view::npos && EqualsIgnoringCase(text.substr(dot), suffix)
+  return text.size() <= maxLength && text.size() > std::strlen(suffix) && dot != std::string_view::npos &&
+                 EqualsIgnoringCase(text.substr(dot), suffix)
              ? 1
              : 0;
 }

@@ -48,7 +48,7 @@ void PackageReaderDestroy(PKG_READER_S* reader) {
   if (reader == nullptr) return;
   if (reader->source.usMode != kPackageInFile)
     std::free(reader->source.memory);
-  else if (reader->source.stream != nullptr)
+  else
     std::fclose(reader->source.stream);
   delete reader->seal;
   std::free(reader);

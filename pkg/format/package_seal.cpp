@@ -19,9 +19,8 @@ struct ScopedDigest {
 /// Ends a copy of a digest. @param bytes are added first.
 bool EndCopy(const FIPS_MD_CTX& digest, const void* bytes, std::size_t length, std::uint8_t (&out)[kDigestSize]) {
   ScopedDigest copy;
-  unsigned out_length = 0;
   return FIPS_md_ctx_copy(&copy.ctx, &digest) == 1 && FIPS_digestupdate(&copy.ctx, bytes, length) == 1 &&
-         FIPS_digestfinal(&copy.ctx, out, &out_length) == 1 && out_length == kDigestSize;
+         FIPS_digestfinal(&copy.ctx, out, nullptr) == 1;
 }
 
 }  // namespace
@@ -43,7 +42,7 @@ std::uint64_t PackageSeal::NextBorder(std::uint64_t offset) const {
 
 bool PackageSeal::Keep(std::uint64_t offset, const FIPS_MD_CTX& running) {
   const auto border = std::ranges::lower_bound(borders_, borders_ + count_, offset, {}, &Border::offset);
-  if (border == borders_ + count_ || border->offset != offset || border->digest.context != nullptr) return true;
+  if (border == borders_ + count_ || border->offset != offset) return true;
   FIPS_md_ctx_init(&border->digest);
   return FIPS_md_ctx_copy(&border->digest, &running) == 1;
 }

@@ -28,8 +28,8 @@ class PackageSeal {
 
   /// @return the first border behind `offset`, or the largest number when there is none.
   [[nodiscard]] std::uint64_t NextBorder(std::uint64_t offset) const;
-  /// Keeps the state of the digest, which has come to `offset`, if that is a border. @return false when memory is
-  /// short.
+  /// Keeps the state of the digest, which has come to `offset` for the first time, if that is a border. @return false
+  /// when memory is short.
   [[nodiscard]] bool Keep(std::uint64_t offset, const FIPS_MD_CTX& running);
 
   /// Whether a piece of the package was digested.

@@ -8,7 +8,7 @@
 UniqueLines OpenPackageText(PKG_READER_S* package, std::uint32_t file_id) {
   std::uint32_t size = 0;
   const UniqueText text(static_cast<char*>(GetFileFromReaderHeadByFileID(file_id, package, &size)));
-  return UniqueLines(text == nullptr ? nullptr : ReadBuffCreateByMem(text.get(), size));
+  return UniqueLines(ReadBuffCreateByMem(text.get(), size));  // none of no text
 }
 
 char* TrimLine(char* line) {

@@ -132,10 +132,8 @@ PackageVerdict JudgeSignature(PKG_READER_S* reader, const char* key_directory) {
   if (seal == nullptr) return PackageVerdict::kNoMemory;
   PlanSeal(*reader, *seal);
   std::uint8_t digest[kDigestSize];
-  std::uint32_t digest_length = 0;
-  if (DigestPackage(reader->source.stream, claim.start, claim.end - claim.start, seal.get(), digest, &digest_length) !=
-          kSuccess ||
-      digest_length != kDigestSize || (trailer_form && !SealHoldsMainHead(*seal, reader->head)))
+  if (DigestPackage(reader->source.stream, claim.start, claim.end - claim.start, *seal, digest, nullptr) != kSuccess ||
+      (trailer_form && !SealHoldsMainHead(*seal, reader->head)))
     return PackageVerdict::kUnreadable;
   if (!trailer_form) {
     verdict = JudgeSignedPart(*reader, size, *seal);

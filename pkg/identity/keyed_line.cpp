@@ -13,7 +13,7 @@ std::uint32_t ReadKeyedLine(const char* path, const char* key, std::size_t room,
   value[0] = '\0';
   std::size_t size = 0;
   const UniqueText text(FileReadWhole(path, &size));
-  const UniqueLines lines(text == nullptr ? nullptr : ReadBuffCreateByMem(text.get(), size));
+  const UniqueLines lines(ReadBuffCreateByMem(text.get(), size));  // none of no text
   if (lines == nullptr) return kErrFileUnreadable;
   const std::string_view wanted(key);
   for (const char* line = ReadBuffGets(lines.get()); line != nullptr; line = ReadBuffGets(lines.get())) {

@@ -158,13 +158,13 @@ void ExpandMarkers(const MarkerTexts& texts, OEM_CONSUMER_INFO_S& info) {
   char description[sizeof(info.sysDescr)];
   CopyText(description, info.sysDescr);
   const std::string_view text(description);
-  Marker markers[] = {
-      {"[VERSION]", texts.version, 0}, {"[PRODUCTNAME]", texts.product_name, 0}, {"[COPYRIGHT]", texts.copyright, 0}};
+  const auto find = [text](std::string_view name, std::string_view replacement) {
+    return Marker{name, replacement, text.find(name)};
+  };
+  const Marker markers[] = {find("[VERSION]", texts.version), find("[PRODUCTNAME]", texts.product_name),
+                            find("[COPYRIGHT]", texts.copyright)};
   std::size_t first = text.size();
-  for (Marker& marker : markers) {
-    marker.place = text.find(marker.name);
-    first = std::min(first, marker.place);
-  }
+  for (const Marker& marker : markers) first = std::min(first, marker.place);
   FixedText<sizeof(info.sysDescr)> expanded;
   expanded.AppendText(text.substr(0, first));
   for (const Marker& marker : markers) {

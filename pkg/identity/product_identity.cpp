@@ -1,6 +1,6 @@
 #include "pkg/identity/product_identity.h"
 
-#include <cstring>
+#include <algorithm>
 #include <string_view>
 
 #include "pkg/format/package_text.h"
@@ -29,9 +29,6 @@ constexpr char kDefaultSection[] = "[default]";
 constexpr char kUnknownVersion[] = "7.10";
 constexpr char kTalvoFirstYear[] = "Copyright (c) 2014 Talvo Technologies. All rights reserved.";
 
-constexpr std::uint8_t kMakersCorpIdMac[] = {0x02, 0x5A, 0xC1, 0x00, 0x00, 0x00};
-constexpr std::uint8_t kMakersMac[] = {0x02, 0x5A, 0xC1, 0x07, 0xF2, 0x0E};
-
 /// An object identifier in brackets, with up to 20 digits and a dot for each part.
 constexpr std::size_t kSectionRoom = kMaxObjectIdParts * 21 + 3;
 
@@ -49,16 +46,18 @@ constexpr DefaultSection kDefaultSections[] = {
 };
 
 void SetDefaults(OEM_CONSUMER_INFO_S& info) {
-  info = {};
-  CopyText(info.sysDescr, "Ostrel Tessaro Platform Software Version 7.1");
-  CopyText(info.sysContact, "Ostrel Networks Ltd.");
-  CopyText(info.sysLocation, "Utrecht, The Netherlands");
-  CopyText(info.sysName, "Ostrel");
-  CopyText(info.productName, "Ostrel");
-  CopyText(info.corpName, "Ostrel");
-  std::memcpy(info.corpIDMac, kMakersCorpIdMac, sizeof(info.corpIDMac));
-  std::memcpy(info.bridgeMac, kMakersMac, sizeof(info.bridgeMac));
-  std::memcpy(info.tolkMac, kMakersMac, sizeof(info.tolkMac));
+  info = {.sysObjectID = {},
+          .uiCorpId = 0,
+          .sysDescr = "Ostrel Tessaro Platform Software Version 7.1",
+          .sysContact = "Ostrel Networks Ltd.",
+          .sysLocation = "Utrecht, The Netherlands",
+          .sysName = "Ostrel",
+          .productName = "Ostrel",
+          .corpName = "Ostrel",
+          .corpIDMac = {0x02, 0x5A, 0xC1},
+          .bridgeMac = {0x02, 0x5A, 0xC1, 0x07, 0xF2, 0x0E},
+          .tolkMac = {}};
+  std::ranges::copy(info.bridgeMac, info.tolkMac);
 }
 
 /// Reads the device's object identifier into the record and writes it as a section name, which is empty when the
@@ -100,7 +99,7 @@ void DescriptionCopyright(std::uint32_t id, TextBuilder& text) {
   char year[kYearRoom];
   (void)ESH_GetCompileTimeFromBoot(year);  // empty when it is not known
   char from_file[kIdentityRoom];
-  if (id > kLastBuiltInCorporation) (void)GetDefaultInfo(kCopyrightKey, from_file);  // empty when there is none
+  (void)GetDefaultInfo(kCopyrightKey, from_file);  // empty when there is none
   AppendWithYear(id > kLastBuiltInCorporation ? from_file : SlotOrNothing(g_apcCopyRight, id), year, text);
 }
 

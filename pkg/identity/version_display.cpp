@@ -9,6 +9,7 @@
 #include "pkg/identity/corporation_tables.h"
 #include "pkg/identity/product_identity.h"
 #include "pkg/identity/system_identity.h"
+#include "pkg/identity/version_file.h"
 #include "shell/command/command_table.h"
 #include "term/pager.h"
 #include "util/regular_file.h"
@@ -23,7 +24,6 @@ constexpr char kUptime[] = "%s uptime is %d %s, %d %s, %d %s, %d %s\r\n";
 constexpr char kUptimeFile[] = "/proc/uptime";
 constexpr char kCopyrightFile[] = "/etc/pkg/license/copyright";
 constexpr std::size_t kUptimeRoom = 64;
-constexpr std::size_t kSoftVersionRoom = 257;
 constexpr std::size_t kBriefVersionRoom = 4096;
 
 constexpr CommandRow kIdentityCommands[] = {
@@ -57,7 +57,7 @@ void PrintBanner() {
 bool ReadUptime(long& seconds) {
   char text[kUptimeRoom];
   const UniqueFd file(open(kUptimeFile, O_RDONLY | O_CLOEXEC));
-  const ssize_t length = file ? read(file.Get(), text, sizeof(text) - 1) : -1;
+  const ssize_t length = read(file.Get(), text, sizeof(text) - 1);
   if (length < 0) return false;
   text[length] = '\0';
   seconds = std::strtol(text, nullptr, 10);  // the number ends at the decimal point or the blank
@@ -94,10 +94,10 @@ void ESH_DVER_DisplayVersion() {
 void DisplayPkgInfoForDver() {
   char boot_image[kBootImageNameRoom];
   ESH_GetBootImageName(boot_image);
-  std::printf("%s%s\r\n", "Boot image: ", boot_image);
-  char version[kSoftVersionRoom];
+  std::printf("Boot image: %s\r\n", boot_image);
+  char version[kPkgInfoRoom];
   ESH_GetSoftVersion(sizeof(version), version);
-  std::printf("%s%s\r\n", "Boot image version: ", version);
+  std::printf("Boot image version: %s\r\n", version);
   char brief[kBriefVersionRoom];
   ESH_GetBriefVerInfo(sizeof(brief), brief);
   std::printf("\r\n%s\r\n", brief);

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include <cstring>
+#include <string_view>
 
 #include "fs/working_directory.h"
 #include "pkg/install/process_runner.h"
@@ -18,10 +18,9 @@ constexpr char kExtract[] = " | /bin/cpio -i -d --quiet -u";
 constexpr std::size_t kCommandRoom = 512;
 
 /// @return the start of the command line that unpacks the archive, or NULL.
-const char* DecompressorOf(const char* archive) {
-  const char* suffix = std::strrchr(archive, '.');
-  for (std::size_t i = 0; suffix != nullptr && i < kCpioSuffixes; ++i)
-    if (std::strcmp(suffix, g_apcCpioSuffixType[i]) == 0) return g_apcDecompressType[i];
+const char* DecompressorOf(std::string_view archive) {
+  for (std::size_t i = 0; i < kCpioSuffixes; ++i)
+    if (archive.ends_with(g_apcCpioSuffixType[i])) return g_apcDecompressType[i];
   return nullptr;
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <iterator>
 #include <string_view>
 
 #include "fs/names/name_rules.h"
@@ -15,7 +14,6 @@
 #include "pkg/install/progress_dots.h"
 #include "shell/command/parameter.h"
 #include "util/ascii.h"
-#include "util/fixed_text.h"
 #include "util/result.h"
 
 const char* const g_apcDetailFilter[kDetailKeys] = {
@@ -30,25 +28,19 @@ constexpr std::string_view kPlatform = "Platform version:";
 constexpr std::string_view kBoards = "Supported boards:";  // the last key may also stand in the plural
 constexpr std::string_view kVendor = "Vendor:";
 constexpr std::string_view kRenamedVendor = "Kelvane";
-constexpr char kVendorNow[] = "Vantrel";
-constexpr std::size_t kVendorRoom = 129;
+constexpr char kVendorNow[] = "Vendor: Vantrel";
 
 /// Whether a line is shown to the customers of a corporation.
 bool IsShown(std::string_view line, std::uint32_t corporation) {
   if (BeginsIgnoringCase(line, kRelease) || (corporation == kDurell && line.starts_with(kPlatform))) return false;
-  return line.starts_with(kBoards) || std::any_of(std::begin(g_apcDetailFilter), std::end(g_apcDetailFilter),
-                                                  [line](const char* key) { return line.starts_with(key); });
+  return line.starts_with(kBoards) ||
+         std::ranges::any_of(g_apcDetailFilter, [line](const char* key) { return line.starts_with(key); });
 }
 
 void PrintLine(const char* line) {
   const std::string_view text(line);
-  if (!text.starts_with(kVendor) || text.find(kRenamedVendor) == std::string_view::npos) {
-    std::printf(kShownLine, line);
-    return;
-  }
-  FixedText<kVendorRoom> vendor;
-  vendor.Append("%s %s", kVendor.data(), kVendorNow);
-  std::printf(kShownLine, vendor.Text());
+  const bool is_renamed = text.starts_with(kVendor) && text.find(kRenamedVendor) != std::string_view::npos;
+  std::printf(kShownLine, is_renamed ? kVendorNow : line);
 }
 
 void PrintDescription(READ_BUFF_S* description) {

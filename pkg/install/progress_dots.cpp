@@ -1,8 +1,8 @@
 #include "pkg/install/progress_dots.h"
 
-#include <cerrno>
+#include <chrono>
 #include <cstdio>
-#include <ctime>
+#include <thread>
 
 #include "term/terminal.h"
 
@@ -37,9 +37,5 @@ void* Esh_ThreadPrintDot(void* /*unused*/) {
 }
 
 void ESH_Pkg_NanoSleep(std::uint64_t nanoseconds) {
-  timespec rest{};
-  rest.tv_sec = static_cast<time_t>(nanoseconds / kNanosecondsPerSecond);
-  rest.tv_nsec = static_cast<long>(nanoseconds % kNanosecondsPerSecond);
-  while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
-  }
+  std::this_thread::sleep_for(std::chrono::nanoseconds(nanoseconds));
 }

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include "pkg/install/cpio_unpack.h"
 #include "pkg/install/process_runner.h"
 #include "util/fixed_text.h"
@@ -16,9 +18,10 @@ constexpr mode_t kScratchMode = 0600;
 constexpr std::size_t kScratchRoom = sizeof(kScratchDirectory) + kImageNameRoom;
 constexpr char kRoot[] = "/";
 
-bool WriteScratchFile(const char* path, const SystemImage& image) {
+bool WriteScratchFile(const char* path, SystemImage& image) {
+  const UniqueText data = std::move(image.data);  // what unpacks it needs the memory
   UniqueFd file(CreateAnew(path, kScratchMode));
-  return file && WriteAll(file.Get(), image.data.get(), image.size) && close(file.Release()) == 0;
+  return file && WriteAll(file.Get(), data.get(), image.size) && close(file.Release()) == 0;
 }
 
 }  // namespace
@@ -26,9 +29,7 @@ bool WriteScratchFile(const char* path, const SystemImage& image) {
 std::uint32_t UnpackSystemImage(SystemImage& image) {
   FixedText<kScratchRoom> path;
   path.Append("%s%s", kScratchDirectory, image.name);
-  const bool is_written = WriteScratchFile(path.Text(), image);
-  image.data.reset();  // what unpacks it needs the memory
-  if (is_written)
+  if (WriteScratchFile(path.Text(), image))
     (void)PKG_CpioUnpackerProc(path.Text(), kRoot);
   else
     (void)unlink(path.Text());  // an absent file is what is wanted

@@ -127,14 +127,14 @@ bool MayContinue(const ESH_CMD_ELEMENT_S& element, const char* word) {
   }
 }
 
-// There is room for all that these two add.
-
+/// Adds what every command of the view begins with; there is room for it.
 void AddFirstElements(VEC_S& candidates) {
   ForEachSlot<ESH_CMD_THREAD_S>(
       *g_pstEshCurrentView->pstCmdVec,
       [&](std::uint64_t, const ESH_CMD_THREAD_S& thread) { VEC_Add(&candidates, kNoIndex, FirstElement(thread)); });
 }
 
+/// Adds what follows the candidates; there is room for it.
 void AddSuccessors(const VEC_S& candidates, VEC_S& next) {
   ForEachSlot<ESH_CMD_ELEMENT_S>(
       candidates,

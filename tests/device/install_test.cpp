@@ -13,8 +13,8 @@ constexpr std::uint32_t kDeviceTag = 0x00000051;
 constexpr char kPackage[] = "/mnt/flash:/system.bin";
 constexpr char kInstall[] = "install load flash:/system.bin";
 constexpr char kDisplay[] = "display install package flash:/system.bin";
-constexpr char kBegin[] = "Check package flash:/system.bin ...\n";
-constexpr char kVerified[] = "Verifying the file flash:/system.bin ...Done.\n";
+const std::string kBegin = "Check package flash:/system.bin ...\n";
+const std::string kVerified = "Verifying the file flash:/system.bin ...Done.\n";
 constexpr char kNotCompliant[] = "This system image is not compliant with the boot image.\n";
 constexpr char kDescription[] = "Platform version: 7.1.075\nProduct version: Release 0612\n";
 
@@ -33,13 +33,10 @@ class NativeInstall : public OperatorConsole {
   void PutBootImage(std::uint32_t size = 1 << 20) {
     std::string description = kDescription;
     description.resize(size, '\n');
-    mkpkg::PackageContents boot;
-    boot.product_tag = kProductTag;
-    boot.files = {{.id = kDescriptionFile,
-                   .name = "d",
-                   .data = PackageTest::Compressed(mkpkg::Compression::k7z, description),
-                   .packing = kPacked7z,
-                   .unpacked_size = size}};
+    mkpkg::PackageContents boot = PackageTest::Contents();
+    boot.files[1].data = PackageTest::Compressed(mkpkg::Compression::k7z, description);
+    boot.files[1].packing = kPacked7z;
+    boot.files[1].unpacked_size = size;
     Put("/mnt/flash:/boot.bin", Signed(boot));
   }
 
@@ -65,9 +62,6 @@ class NativeInstall : public OperatorConsole {
   }
 
   void Put(const std::string& path, const std::string& bytes) { ASSERT_TRUE(Device().WriteFile(path, bytes)); }
-
-  /// What a load must leave behind whatever became of it.
-  void ExpectNoScratchFiles() { EXPECT_EQ(Run("ls -A /tmp; ls -d /etc/pkg/TempFile 2> /dev/null; true"), ""); }
 };
 
 TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
@@ -76,15 +70,14 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
   using mkpkg::PackageContents;
   const std::string corrupted = "flash:/system.bin is corrupted.\n";
   const std::string not_system = "Package flash:/system.bin is not a system package.\n";
-  const std::string no_image =
-      std::string(kVerified) + "Extracting package ...\n\nOperation failed!\nOperation failed!\n";
+  const std::string no_image = kVerified + "Extracting package ...\n\nOperation failed!\nOperation failed!\n";
   const std::tuple<const char*, std::function<void(PackageContents&)>, std::string> cases[] = {
       {"another product", [](PackageContents& c) { c.product_tag = 1; }, kVerified + corrupted},
       {"a kind of its own", [](PackageContents& c) { c.attribute = 1; }, not_system},
       {"no compatibility list", [](PackageContents& c) { c.files.erase(c.files.begin()); },
-       std::string(kVerified) + "File flash:/system.bin is invalid.\n"},
+       kVerified + "File flash:/system.bin is invalid.\n"},
       {"another boot image", [](PackageContents& c) { c.files[0].data = "7.1.075\n[boot]\n7.1.101\n"; },
-       std::string(kVerified) + kNotCompliant},
+       kVerified + kNotCompliant},
       {"no image for this device", [](PackageContents& c) { c.files[3].device_code = 2; }, no_image},
       {"an image that is named for /bin/sh", [](PackageContents& c) { c.files[3].name = "$(ls>x).gz"; }, no_image},
   };
@@ -97,13 +90,13 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
   }
   PutBootImage((1 << 20) + 1);
   Put(kPackage, Signed(good));
-  EXPECT_EQ(Command(kInstall), std::string(kBegin) + kVerified + kNotCompliant);
+  EXPECT_EQ(Command(kInstall), kBegin + kVerified + kNotCompliant);
   std::string forged = Signed(good);
   forged[kMainHeadSize + kFileHeadSize] ^= 1;
   Put(kPackage, forged);
   EXPECT_EQ(Command(kDisplay), kVerified + corrupted);
-  EXPECT_EQ(Run("ls /sbin/tessaro /var/pkg 2> /dev/null; ls /mnt/flash:/boot.bin"), "/mnt/flash:/boot.bin\n");
-  ExpectNoScratchFiles();
+  EXPECT_EQ(Run("ls -d /sbin/tessaro /var/pkg /etc/pkg/TempFile /tmp/* /mnt/flash:/b* 2> /dev/null; true"),
+            "/mnt/flash:/boot.bin\n");
 }
 
 TEST_F(NativeInstall, RefusesNamesThatAreNoPackages) {
@@ -113,7 +106,6 @@ TEST_F(NativeInstall, RefusesNamesThatAreNoPackages) {
   ExpectAll({
       {"install load usba1:/a.bin", "", "The startup software images must be in the primary partition.\n"},
       {"install load text.txt", "", "Check package text.txt ...\ntext.txt: Invalid file name.\n"},
-      {"install load a~.bin", "", "Check package a~.bin ...\na~.bin: Invalid file name.\n"},
       {"install load gone.BIN", "", "Check package gone.BIN ...\nThe package gone.BIN doesn't exist. \n"},
   });
   Type("install load flash:/?");
@@ -126,19 +118,22 @@ TEST_F(NativeInstall, ShowsWhatAPackageIs) {
   mkpkg::PackageContents contents = Contents();
   contents.files[1].data =
       "[Package]\r\nVendor: Kelvane Inc\r\n Vendor: indented\r\nSecret: x\r\nversion TYPE: release\r\n"
-      "VERSION type: RELEASE candidate\r\nSupported boards: all\r\n";
+      "VERSION type: RELEASE candidate\r\nSupported boards: all\r\n[Component]\r\nComponent: c\r\nDescription: d\r\n"
+      "Version type: test\r\n";
   Put(kPackage, Signed(contents));
-  EXPECT_EQ(Command(kDisplay), std::string(kVerified) +
-                                   "  flash:/system.bin\n  [Package]\n  Vendor: Vantrel\n  Supported boards: all\n\n");
+  EXPECT_EQ(Command(kDisplay),
+            kVerified +
+                "  flash:/system.bin\n  [Package]\n  Vendor: Vantrel\n  Supported boards: all\n  [Component]\n"
+                "  Component: c\n  Description: d\n  Version type: test\n\n");
   contents.files.erase(contents.files.begin() + 1);
   Put(kPackage, Signed(contents));
-  EXPECT_EQ(Command(kDisplay), std::string(kVerified) + "  flash:/system.bin\n\nOperation failed! \n");
+  EXPECT_EQ(Command(kDisplay), kVerified + "  flash:/system.bin\n\nOperation failed! \n");
 }
 
 /// Faults on the way: what is broken before the load, and what the load then makes of it.
 TEST_F(NativeInstall, ClaimsNoSuccessThatItDoesNotHave) {
   options.files.push_back({"/lib/modules/ipstack.ko", std::nullopt});
-  const std::string extracting = std::string(kBegin) + kVerified + "Extracting package ...\n";
+  const std::string extracting = kBegin + kVerified + "Extracting package ...\n";
   // What is printed, "" where the load goes on to its end, and whether the image is unpacked.
   const std::tuple<const char*, const char*, std::string, bool> cases[] = {
       {"rm is killed", "rm /bin/rm; printf '#!/bin/sh\nkill -9 $$\n' > /bin/rm; chmod 755 /bin/rm",
@@ -178,9 +173,9 @@ TEST_F(NativeInstall, StaysWhenTheNetworkDoesNotGo) {
   contents.files.back().data = PackageTest::Compressed(mkpkg::Compression::kLzma, Archive());
   Put(kPackage, Signed(contents));
   EXPECT_TRUE(Command(kInstall).ends_with("\nLoading...\nExit failed.\n"));
-  EXPECT_EQ(Run("ls /var/pkg /sbin/tessaro"), "/sbin/tessaro\n\n/var/pkg:\nchange.list\n")
-      << "the image is loaded all the same";
-  ExpectNoScratchFiles();
+  EXPECT_EQ(Run("ls -d /sbin/tessaro /var/pkg/* /etc/pkg/TempFile /tmp/* 2> /dev/null; true"),
+            "/sbin/tessaro\n/var/pkg/change.list\n")
+      << "the image is loaded all the same, and no file is left on the way";
 }
 
 TEST_F(NativeInstall, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
@@ -192,11 +187,8 @@ TEST_F(NativeInstall, NeitherCtrlCNorAHangUpLeavesHalfASystem) {
   Put(kPackage, Signed(Contents()));
   Type(std::string(kInstall) + "\r");
   Expect("Extracting package ...");
-  for (int i = 0; i < 5; ++i) {
-    Type(kCtrlC);
-    Listen(std::chrono::milliseconds(50));
-  }
-  Run("kill -HUP $(pidof gunzip); touch /tmp/go");
+  for (int i = 0; i < 5; ++i, Listen(std::chrono::milliseconds(50))) Type(kCtrlC);
+  EXPECT_EQ(Run("stat -c %a /tmp/system.gz; kill -HUP $(pidof gunzip); touch /tmp/go"), "600\n");
   Expect("Loaded: flash:/system.bin");
 }
 

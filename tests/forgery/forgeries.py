@@ -22,21 +22,23 @@ def flipped_bytes(maker, step):
                     yield f"{name}: byte {at} xor {mask:#x}, CRC renewed", renew(damaged)
 
 
+def rows(package):
+    """Offsets of the rows of a package's table."""
+    return range(32, 32 + 24 * word(package, 4), 24)
+
+
 def borders(package):
     """Offsets where a structure begins or ends."""
-    body, end = split(package)
-    found = {0, 4, 32, 3104, 3120, 5168, 6176, HEAD, len(package), len(body)}
-    for entry in range(32, 32 + 24 * word(package, 4), 24):
-        offset = word(package, entry + 4)
-        found |= {entry, offset, offset + FILE_HEAD, offset + word(package, entry + 8)}
-    found |= {len(body) + at for at, byte in enumerate(end) if byte == ord("\n")}
-    return sorted(found)
+    size = len(split(package)[0])
+    found = {0, 4, 32, 3104, 3120, 5168, 6176, HEAD, len(package), size, *rows(package)}
+    found |= {word(package, row + 4) + at for row in rows(package) for at in (0, FILE_HEAD, word(package, row + 8))}
+    return sorted(found | {at for at in range(size, len(package)) if package[at] == ord("\n")})
 
 
 def words_that_decide(package):
     """Offsets of every length, count, offset and mark of a package."""
     yield from (4, 8, 28, 3104, 3108, 5168, 5176, 5180)
-    for entry in range(32, 32 + 24 * word(package, 4), 24):
+    for entry in rows(package):
         yield from (entry + at for at in (0, 4, 8, 12, 16))
         yield from (word(package, entry + 4) + at for at in (12, 20, 24, 40, 44, 328, 332, 336))
 
@@ -155,7 +157,7 @@ def other_form(maker, _step):
         body = split(maker.valid[order])[0]
         genuine = maker.pair.sign(hashlib.sha256(body).digest())
         head = put(put(body[:HEAD], 3104, 0), 3108, len(genuine))
-        for entry in range(32, 32 + 24 * word(body, 4), 24):
+        for entry in rows(body):
             head = put(head, entry + 4, word(body, entry + 4) + HEAD)
         head = renew(head[:3120] + genuine.ljust(2048, b"\0") + head[5168:])
         yield f"{order}: its trailer's signature in the head", head + body
@@ -186,12 +188,9 @@ def damaged(package, chance, others):
     now = int.from_bytes(package[at : at + 4], "big")
     first, last = sorted(max(chance.choice(borders(package)) + chance.choice((0, 0, -1, 1)), 0) for _ in range(2))
     value = chance.choice((*EXTREMES, now + 1, now - 1, now ^ 1 << chance.randrange(32), len(package), first))
-    byte = chance.randrange(len(package))
-    other = chance.choice(others)
-    changed = package[:at] + (value & 0xFFFFFFFF).to_bytes(4, "big") + package[at + 4 :]
+    byte, other = chance.randrange(len(package)), chance.choice(others)
     return chance.choice((
-        changed,
-        changed,
+        *[package[:at] + (value & 0xFFFFFFFF).to_bytes(4, "big") + package[at + 4 :]] * 2,
         package[:byte] + chance.randbytes(1) + package[byte + 1 :],
         package[:first] + package[last:],
         package[:last] + package[first:],

@@ -1,10 +1,10 @@
 """Judges packages without a line of the shell's code, so that two people would have to make the same mistake."""
 
 import base64
-import binascii
 import hashlib
 import re
 import struct
+from binascii import crc_hqx  # CRC-16/XMODEM
 
 HEAD = 6180
 FILE_HEAD = 340
@@ -25,11 +25,6 @@ TRAILER = re.compile(
 BASE64 = re.compile(rb"(?:[A-Za-z0-9+/]{4})*(?:[A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=)?")
 
 
-def crc16(data):
-    """CRC-16/XMODEM."""
-    return binascii.crc_hqx(data, 0)
-
-
 def order_of(package):
     return "=" if struct.unpack_from("=I", package, 5168)[0] == HOST_ORDER else ">"
 
@@ -44,13 +39,10 @@ def key_accepts(key, signature, digest):
         return False
     modulus = int.from_bytes(key[-512:-256], "big")
     exponent = int.from_bytes(key[-256:], "big")
-    if any(number < 2 or number % 2 == 0 for number in (modulus, exponent)):
-        return False
-    if len(key) == 516 and exponent < 65537:
-        return False
     size = (modulus.bit_length() + 7) // 8
     number = int.from_bytes(signature, "big")
-    if len(signature) > size or number >= modulus or exponent >= modulus:
+    usable = modulus % 2 == exponent % 2 == 1 and (65537 if len(key) == 516 else 2) <= exponent < modulus
+    if not usable or len(signature) > size or number >= modulus:
         return False
     # What RSA and PKCS #1 type 1 padding leave of it.
     block = re.fullmatch(rb"\x00\x01\xff{8,}\x00(.*)", pow(number, exponent, modulus).to_bytes(size, "big"), re.S)
@@ -102,15 +94,14 @@ def judge(package, keys, product_tag):
     count, tag, attribute = (word(package, at) for at in (4, 8, 5176))
     if word(package, 5168) not in (0, HOST_ORDER) or count > 128 or tag != product_tag or product_tag == 0xFFFFFFFF:
         return None
-    if (attribute & 1 == 1) != (attribute == 1) or word(package, 6176) != crc16(package[:6176]):
+    if (attribute & 1 == 1) != (attribute == 1) or word(package, 6176) != crc_hqx(package[:6176], 0):
         return None
     found = claim(package)
     if found is None:
         return None
     begin, end, signature, name = found
-    if name.startswith(b".") or b"/" in name or name not in keys:
-        return None
-    if not key_accepts(keys[name], signature, hashlib.sha256(package[begin:end]).digest()):
+    is_plain = not name.startswith(b".") and b"/" not in name and name in keys
+    if not is_plain or not key_accepts(keys[name], signature, hashlib.sha256(package[begin:end]).digest()):
         return None
     rows = [struct.unpack_from(order_of(package) + "6I", package, 32 + 24 * row) for row in range(count)]
     return [contained(package, row, (begin, end)) for row in rows]

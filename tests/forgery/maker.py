@@ -9,7 +9,7 @@ import struct
 import subprocess
 from pathlib import Path
 
-from independent_judge import HEAD, HEAD_KEY, crc16, order_of
+from independent_judge import HEAD, HEAD_KEY, crc_hqx, order_of
 
 PRODUCT_TAG = 0x5100
 DIGEST_INFO = bytes.fromhex("3031300d060960864801650304020105000420")
@@ -88,7 +88,7 @@ def put(package, offset, value):
 
 def renew(package):
     """Makes the CRC of a head fit."""
-    return package[:6176] + struct.pack(order_of(package) + "I", crc16(package[:6176])) + package[HEAD:]
+    return package[:6176] + struct.pack(order_of(package) + "I", crc_hqx(package[:6176], 0)) + package[HEAD:]
 
 
 def head_sign(package, pair, block=None):

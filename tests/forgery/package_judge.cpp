@@ -16,11 +16,9 @@
 
 namespace {
 
-constexpr std::size_t kNameRoom = 256;
-
 void PrintFile(PKG_READER_S* reader, const PackageFileEntry& file) {
   std::uint32_t size = 0;
-  char name[kNameRoom] = "";
+  char name[256] = "";
   const UniqueText data(static_cast<char*>(GetFileFromReadHeadByFileDesc(&file, reader, sizeof(name), &size, name)));
   const std::string named = data == nullptr ? "" : std::string(name) + '\0' + std::string(data.get(), size);
   std::printf(data == nullptr ? " -" : " ");
@@ -44,10 +42,8 @@ void Judge(const char* path, std::uint32_t product_tag, const char* key_director
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 4) return EXIT_FAILURE;
-  const auto product_tag = static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 0));
-  while (std::getchar() != EOF) {
-    Judge(argv[1], product_tag, argv[3]);
+  while (argc == 4 && std::getchar() != EOF) {
+    Judge(argv[1], static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 0)), argv[3]);
     if (std::fflush(stdout) != 0) return EXIT_FAILURE;
   }
   return EXIT_SUCCESS;

@@ -31,9 +31,8 @@ class DeviceJudge:
     def __init__(self, program, maker):
         self.path = os.path.join(maker.directory, "package")
         command = [program, self.path, str(PRODUCT_TAG), maker.key_directory]
-        freed = {"ASAN_OPTIONS": "quarantine_size_mb=8"}  # a sanitizer keeps what was freed
-        pipe = subprocess.PIPE
-        self.process = subprocess.Popen(command, stdin=pipe, stdout=pipe, text=True, env={**os.environ, **freed})
+        pipe, env = subprocess.PIPE, {**os.environ, "ASAN_OPTIONS": "quarantine_size_mb=8"}  # or it keeps what was freed
+        self.process = subprocess.Popen(command, stdin=pipe, stdout=pipe, text=True, env=env)
 
     def judge(self, package):
         """Its verdict, and what it hands out of each file of a good package; None of any other."""
@@ -43,9 +42,6 @@ class DeviceJudge:
         if not answer:
             sys.exit(f"the verifier died on the package in {self.path}")
         return answer[0], answer[1:] if answer[0] == "good" else None
-
-    def descriptors(self):
-        return len(os.listdir(f"/proc/{self.process.pid}/fd"))
 
 
 def compare(maker, device, step):
@@ -59,8 +55,7 @@ def compare(maker, device, step):
             verdicts[verdict] += 1
             differences += files != expected
             if files != expected and differences <= MAX_REPORTED:
-                wanted = "no" if expected is None else "good"
-                print(f"DIFFERENT: {group.__name__}: {what}: the device says {verdict}, the judge {wanted}")
+                print(f"DIFFERENT: {group.__name__}: {what}: the device says {verdict}, the judge {expected and 'good'}")
         counts = ", ".join(f"{name} {count}" for name, count in sorted(verdicts.items()))
         print(f"{group.__name__}: {verdicts.total()} forgeries: {counts}")
         reasons |= verdicts.keys()
@@ -81,9 +76,10 @@ def main(mkpkg, judge, step="1"):
             files = device.judge(package)[1]
             if not files or "-" in files or files != independent_judge.judge(package, maker.keys, PRODUCT_TAG):
                 sys.exit(f"the valid package {name} was refused: nothing is proved")
-        descriptors = device.descriptors()
+        descriptors = f"/proc/{device.process.pid}/fd"
+        before = len(os.listdir(descriptors))
         differences = compare(maker, device, int(step))
-        leaked = device.descriptors() - descriptors
+        leaked = len(os.listdir(descriptors)) - before
         device.process.communicate()
         status = device.process.returncode
     megabytes = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss // 1024

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <sstream>
 #include <tuple>
 #include <utility>
 
@@ -43,68 +44,60 @@ TEST_F(ProductIdentity, IsTheMakersWithoutFiles) {
   unlink(kVersionFile);
   setGlobalOemDataLocked();
   EXPECT_STREQ(g_stOemConsumerInfo.sysDescr, "Ostrel Tessaro Platform Software Version 7.1");
+  EXPECT_STREQ(g_stOemConsumerInfo.sysLocation, "Utrecht, The Netherlands");
   EXPECT_EQ(Version(),
             "Ostrel Tessaro Software\r\nCopyright (c) 2004- Ostrel Networks Ltd. All rights reserved.\r\n\r\n"
             "Boot image: \r\nBoot image version: 7.10\r\n\r\n\r\n");
 }
 
 TEST_F(ProductIdentity, SectionFollowsTheObjectId) {
-  const std::string oem =
-      "[default]\nsysName: plain\n[default-Kelvane]\nsysName: Kelvane\n[default-Durell]\nsysName: Durell\n"
-      "[default-Sorvik]\nsysName: Sorvik\n[default-Talvo]\nsysName: Talvo\n[default-Own]\nsysName: own\n"
+  std::string oem =
+      "[default]\nsysName: plain\n"
       "[1.3.6.1.4.1.206.1.7]\nsysContact: of the device\n[1.3.6.1.4.1.206.1.70]\nsysContact: of a neighbour\n";
-  constexpr const char* kOwn = "Default-OEM: [default-Own]\n";
-  constexpr const char* kMaker = "Ostrel Networks Ltd.";
-  constexpr std::tuple<const char*, const char*, const char*, const char*> kCases[] = {
-      {"1.3.6.1.4.1.47213.11.4", "", "Kelvane", kMaker},
-      {"1.3.6.1.4.1.206.1.7", "", "Durell", "of the device"},
-      {"1.3.6.1.4.1.206.1", kOwn, "Durell", kMaker},
-      {"1.3.6.1.4.1.47213.12.1.1.5", "", "Sorvik", kMaker},
-      {"1.3.6.1.4.1.47213.12.1.1", "", "plain", kMaker},
-      {"1.3.6.1.4.1.47213.12.1.4.18446744073709551615", "", "Talvo", kMaker},
-      {"1.3.6.1.4.1.9", kOwn, "own", kMaker},
-      {"1.3.6.1.4.1.9", "default-oem: [default-Gone]\n", "Ostrel", kMaker},
-      {"no numbers", kOwn, "own", kMaker},
-  };
-  for (const auto& [object_id, corporation, name, contact] : kCases) {
-    const OEM_CONSUMER_INFO_S record = Record(oem, object_id, corporation);
-    EXPECT_STREQ(record.sysName, name) << object_id;
-    EXPECT_STREQ(record.sysContact, contact) << object_id;
+  for (const std::string name : {"Kelvane", "Durell", "Pellam", "Sorvik", "Brenna", "Talvo", "Morrel", "Own"})
+    oem += "[default-" + name + "]\nsysName: " + name + "\n";
+  std::istringstream cases(
+      "47213.11.4 - Kelvane 206.1.7 - Durell 206.1 Own Durell 47213.12.1.1.5 - Sorvik 47213.12.1.1 - plain "
+      "47213.12.1.4.18446744073709551615 - Talvo 38.2.3.7.15.1 - Kelvane 61447 - Pellam 47213.12.1.2.5 - Brenna "
+      "5823 - Morrel 9 Own Own 9 Gone Ostrel no-number Own Own");
+  for (std::string id, file, name; cases >> id >> file >> name;) {
+    const std::string corporation = file == "-" ? "" : "Default-OEM: [default-" + file + "]\n";
+    EXPECT_EQ(Record(oem, "1.3.6.1.4.1." + id, corporation).sysName, name) << id;
   }
+  EXPECT_STREQ(Record(oem, "1.3.6.1.4.1.206.1.7").sysContact, "of the device");
 }
 
 TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
-  const struct {
-    const char* why;
-    const char* section;
-    const char* name = "Ostrel";
-    const char* contact = "Ostrel Networks Ltd.";
-    std::uint32_t corporation = 0;
-  } cases[] = {
-      {"the key is not at the start of a line", "\nx productName: y\n"},
-      {"behind the header", "productName: y\n"},
-      {"blanks around the colon", "\r\nproductName  :   A B  \r\n", "A B"},
-      {"no colon", "\nproductName A\n"},
-      {"an empty contact", "\nsysContact:\nproductName:\n", "Ostrel", ""},
-      {"a value over lines", "\nsysContact: a\nb: c\r\n\r\nproductName: n", "n", "a\nb: c"},
-      {"a written line break", "\nsysContact: a\\r\\nb\\r\\\\r\\n\n", "Ostrel", "a\r\nb\\r\\\r\n"},
-      {"a corporation in any case", "\noem: dURELL\n", "Ostrel", "Ostrel Networks Ltd.", 2},
-      {"only the first letters of a corporation", "\noem: Ilver\n", "Ostrel", "Ostrel Networks Ltd.", 42},
-      {"the next section", "\n[default-Other]\nproductName: n\n"},
+  // The product's name, the contact and the corporation.
+  const std::string unchanged = "Ostrel|Ostrel Networks Ltd.|0";
+  const std::tuple<const char*, const char*, std::string> cases[] = {
+      {"the key is not at the start of a line", "\nx productName: y\n", unchanged},
+      {"behind the header", "productName: y\n", unchanged},
+      {"blanks around the colon", "\r\nproductName  :   A B  \r\n", "A B|Ostrel Networks Ltd.|0"},
+      {"no colon", "\nproductName A\n", unchanged},
+      {"an empty contact", "\nsysContact:\nproductName:\n", "Ostrel||0"},
+      {"a value over lines", "\nsysContact: a\nb: c\r\n\r\nproductName: n", "n|a\nb: c|0"},
+      {"a written line break", "\nsysContact: a\\r\\nb\\r\\\\r\\n\n", "Ostrel|a\r\nb\\r\\\r\n|0"},
+      {"a corporation in any case", "\noem: dURELL\n", "Ostrel|Ostrel Networks Ltd.|2"},
+      {"only the first letters of a corporation", "\noem: Ilver\n", "Ostrel|Ostrel Networks Ltd.|42"},
+      {"the next section", "\n[default-Other]\nproductName: n\n", unchanged},
   };
-  for (const auto& c : cases) {
-    const OEM_CONSUMER_INFO_S record = Record(std::string("[default]") + c.section);
-    EXPECT_STREQ(record.productName, c.name) << c.why;
-    EXPECT_STREQ(record.sysContact, c.contact) << c.why;
-    EXPECT_EQ(record.uiCorpId, c.corporation) << c.why;
+  for (const auto& [why, section, told] : cases) {
+    const OEM_CONSUMER_INFO_S record = Record(std::string("[default]") + section);
+    const std::string id = std::to_string(record.uiCorpId);
+    EXPECT_EQ(std::string(record.productName) + "|" + record.sysContact + "|" + id, told) << why;
   }
-  const OEM_CONSUMER_INFO_S record = Record("[default]\nsysName: " + std::string(65, 's') +
-                                            "\nsysLocation: here\ncorpIDMac: 0A-0b-FF-00-1-7f\nbridgeMac: 1-2-3\n");
+  const OEM_CONSUMER_INFO_S record =
+      Record("[default]\nsysName: " + std::string(65, 's') +
+             "\nsysLocation: here\ncorpName: C\ncorpIDMac: 0A-0b-FF-00-1-7f\nbridgeMac: 1-2-3\ntolkMac: 0-1-2-3-4-5\n");
   EXPECT_STREQ(record.sysLocation, "here");
+  EXPECT_STREQ(record.corpName, "C");
   EXPECT_EQ(record.sysName, std::string(64, 's'));
   EXPECT_EQ(std::memcmp(record.corpIDMac, "\x0A\x0B\xFF\x00\x01\x7F", 6), 0);
   EXPECT_EQ(std::memcmp(record.bridgeMac, "\x02\x5A\xC1\x07\xF2\x0E", 6), 0) << "half an address is none";
+  EXPECT_EQ(std::memcmp(record.tolkMac, "\0\1\2\3\4\5", 6), 0);
   EXPECT_EQ(std::memcmp(Record("").corpIDMac, "\x02\x5A\xC1\0\0\0", 6), 0);
+  EXPECT_EQ(std::memcmp(g_stOemConsumerInfo.tolkMac, record.bridgeMac, 6), 0);
 }
 
 TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
@@ -123,39 +116,46 @@ TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
 }
 
 TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
-  const std::tuple<std::string, std::string, const char*> cases[] = {
-      {"Durell", "Tessaro Software\r\nCopyright (c) 2010-2026 Durell Communications. All rights reserved.", "R6"},
-      {"Talvo", "Ostrel Talvo RouteOS Software\r\nCopyright (c) 2014-2026 Talvo Technologies. All rights reserved.",
-       "7.1.9"},
-      {"Quintrel", "Ostrel From File Software\r\n", "7.1.9"},
-      {"Vantrel", "Ostrel From File Software\r\nCopyright (c) 2016-2026 Vantrel Corporation. All rights reserved.",
-       "7.1.9"},
-  };
-  for (const auto& [corporation, lines, version] : cases) {
-    (void)Record("[default]\noem: " + corporation, "1.2", "SoftwareName: From File\n");
-    EXPECT_EQ(Version(), lines + "\r\n\r\nBoot image: \r\nBoot image version: " + version + "\r\n\r\n\r\n");
+  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+      {"Kelvane", " NOS", "2009", "Inc"},          {"Durell", "", "2010", "Communications"},
+      {"Pellam", "OS", "2011", "Systems"},         {"Sorvik", " SwitchOS", "2012", "AS"},
+      {"Brenna", " NetOS", "2012", "Networks"},    {"Talvo", " RouteOS", "2014", "Technologies"},
+      {"Morrel", " CoreOS", "2013", "Group"},      {"Halden", " OS", "2015", "Data"},
+      {"Vantrel", " File", "2016", "Corporation"}, {"Quintrel", " File", "", ""}};
+  for (const auto& [name, system, year, form] : cases) {
+    (void)Record("[default]\noem: " + name, "1.2", "SoftwareName: " + name + " File\n");
+    const std::string banner = name == "Durell" ? "Tessaro" : "Ostrel " + name + system;
+    const std::string owner = " (c) " + year + "-2026 " + name + " " + form + ". All rights reserved.";
+    EXPECT_EQ(Version(), banner + " Software\r\n" + (year.empty() ? "" : "Copyright" + owner) +
+                             "\r\n\r\nBoot image: \r\nBoot image version: " + (name == "Durell" ? "R6" : "7.1.9") +
+                             "\r\n\r\n\r\n");
   }
+  std::istringstream others(
+      "Quintrel 9 Averley 10 Norvane 11 Vantrel 17 Castrel 19 Lindow 24 Marsten 25 Oxenby 26 Tarrick 27 Ulvern 28 "
+      "Wexcombe 29 Zelbury 31 Fenwold 39 Garrowby 40 Ilverton 42");
+  std::uint32_t id = 0;
+  for (std::string name; others >> name >> id;) EXPECT_EQ(Record("[default]\noem: " + name).uiCorpId, id) << name;
   (void)Record("[default]\noem: Talvo");
   WriteFile(kVersionFile, "PkgTime: Fri Mar 14 2014 10:20:30\n");
   EXPECT_NE(Version().find("\nCopyright (c) 2014 Talvo Technologies. All rights reserved.\r\n"), std::string::npos);
 }
 
 TEST_F(ProductIdentity, UptimeCountsInWholeUnits) {
-  constexpr std::pair<const char*, const char*> kCases[] = {
-      {"694860.99 1.0\n", "1 week, 1 day, 1 hour, 1 minute"},
-      {"0.59 0.1\n", "0 weeks, 0 days, 0 hours, 0 minutes"},
-      {"1814399 7", "2 weeks, 6 days, 23 hours, 59 minutes"},
+  const std::tuple<const char*, const char*, std::string, std::string> cases[] = {
+      {"694860.99 1.0\n", "1 week, 1 day, 1 hour, 1 minute", "flash:/boot.bin\n", "flash:/boot.bin"},
+      {"0.59 0.1\n", "0 weeks, 0 days, 0 hours, 0 minutes", "", ""},
+      {"1814399 7", "2 weeks, 6 days, 23 hours, 59 minutes", std::string(65, 'b'), std::string(64, 'b')},
   };
   (void)Record("");
-  WriteFile("/proc/sys/61000/2", "two\nlines\n");
-  WriteFile("/proc/sys/61000/3", "flash:/boot.bin\n");
+  WriteFile("/proc/sys/61000/2", "two\nlines\n\n");
   const std::string head =
       "Ostrel Tessaro Software\r\nCopyright (c) 2004-2026 Ostrel Networks Ltd. All rights reserved.\r\nOstrel uptime "
       "is ";
-  for (const auto& [uptime, told] : kCases) {
+  for (const auto& [uptime, told, boot_image, name] : cases) {
     WriteFile("/proc/uptime", uptime);
+    WriteFile("/proc/sys/61000/3", boot_image);
     EXPECT_EQ(Version(),
-              head + told + "\r\n\r\nBoot image: flash:/boot.bin\r\nBoot image version: 7.1.9\r\n\r\ntwo\nlines\r\n");
+              head + told + "\r\n\r\nBoot image: " + name + "\r\nBoot image version: 7.1.9\r\n\r\ntwo\nlines\n\r\n");
   }
 }
 
