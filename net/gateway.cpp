@@ -31,9 +31,8 @@ std::uint32_t ESH_ProcIPGateway() {
   }
   (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
   const std::uint32_t applied = IsPortShut() ? kSuccess : AddIPv4DefaultRoute(gateway);
-  if (applied != kSuccess) return applied;
-  CopyText(g_szMth0IPv4Gateway, gateway);
-  return kSuccess;
+  if (applied == kSuccess) CopyText(g_szMth0IPv4Gateway, gateway);
+  return applied;
 }
 
 std::uint32_t ESH_ProcIPv6Gateway() {
@@ -43,29 +42,24 @@ std::uint32_t ESH_ProcIPv6Gateway() {
     return kSuccess;
   }
   if (std::strcmp(gateway, g_szMth0IPv6Gateway) == 0) return kSuccess;
-  if (!IsPortShut()) {
-    (void)ESH_DeleteIPv6Gateway();  // the kernel may have dropped the route by itself
-    const std::uint32_t applied = AddIPv6DefaultRoute(gateway);
-    if (applied != kSuccess) return applied;
-  }
-  CopyText(g_szMth0IPv6Gateway, gateway);
-  return kSuccess;
+  (void)ESH_DeleteIPv6Gateway();  // the kernel may have dropped the route by itself
+  const std::uint32_t applied = IsPortShut() ? kSuccess : AddIPv6DefaultRoute(gateway);
+  if (applied == kSuccess) CopyText(g_szMth0IPv6Gateway, gateway);
+  return applied;
 }
 
 std::uint32_t ESH_DeleteIPv4Gateway() {
-  if (!IsSaved(g_szMth0IPv4Gateway)) return kSuccess;
-  const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv4DefaultRoute();
-  if (removed != kSuccess) return removed;
-  ForgetIPv4Gateway();
-  return kSuccess;
+  const bool is_applied = IsSaved(g_szMth0IPv4Gateway) && !IsPortShut();
+  const std::uint32_t removed = is_applied ? RemoveIPv4DefaultRoute() : kSuccess;
+  if (removed == kSuccess) ForgetIPv4Gateway();
+  return removed;
 }
 
 std::uint32_t ESH_DeleteIPv6Gateway() {
-  if (!IsSaved(g_szMth0IPv6Gateway)) return kSuccess;
-  const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv6DefaultRoute();
-  if (removed != kSuccess) return removed;
-  ForgetIPv6Gateway();
-  return kSuccess;
+  const bool is_applied = IsSaved(g_szMth0IPv6Gateway) && !IsPortShut();
+  const std::uint32_t removed = is_applied ? RemoveIPv6DefaultRoute() : kSuccess;
+  if (removed == kSuccess) ForgetIPv6Gateway();
+  return removed;
 }
 
 std::uint32_t ESH_ProcUndoIPGateway() { return ESH_DeleteIPv4Gateway(); }

@@ -23,11 +23,9 @@ std::uint32_t ESH_ProcIPv6AddrPreLen() {
     std::puts(kInvalidIPv6Address);
     return kSuccess;
   }
-  if (!IsPortShut()) {
-    (void)ESH_DeleteIPv6Addr();  // the kernel may have lost it
-    const std::uint32_t applied = ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
-    if (applied != kSuccess) return applied;
-  }
+  (void)ESH_DeleteIPv6Addr();  // the kernel may have lost it
+  const std::uint32_t applied = IsPortShut() ? kSuccess : ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
+  if (applied != kSuccess) return applied;
   SaveIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
   return RecoverIfShut();
 }
@@ -40,9 +38,8 @@ std::uint32_t ESH_ProcUndoIPv6Addr() {
 }
 
 std::uint32_t ESH_DeleteIPv6Addr() {
-  if (!IsSaved(g_szMth0IPv6Add)) return kSuccess;
-  const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per);
-  if (removed != kSuccess) return removed;
-  ForgetIPv6Address();
-  return kSuccess;
+  const bool is_applied = IsSaved(g_szMth0IPv6Add) && !IsPortShut();
+  const std::uint32_t removed = is_applied ? RemoveIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per) : kSuccess;
+  if (removed == kSuccess) ForgetIPv6Address();
+  return removed;
 }
