@@ -46,8 +46,6 @@ bool IsAllowedInDeviceName(std::string_view device, std::size_t index) {
 
 bool IsBlank(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
 
-bool IsQuoted(std::string_view text) { return text.size() >= 2 && text.front() == '"' && text.back() == '"'; }
-
 std::uint32_t CopyWithin(std::string_view text, std::uint32_t* maxLength, char* output) {
   if (text.size() > *maxLength) return ESH_ERR_FAIL;
   std::memcpy(output, text.data(), text.size());
@@ -134,7 +132,8 @@ std::uint32_t ESH_FS_ConvertToValidStr(const char* typed, std::uint32_t length, 
   const std::string_view text(typed, length);
   const bool has_blank = std::any_of(text.begin(), text.end(), IsBlank);
   if (!has_blank) return CopyWithin(text, maxLength, output);
-  return IsQuoted(text) ? Unescape(text.substr(1, length - 2), maxLength, output) : ESH_ERR_FAIL;
+  const bool is_quoted = text.front() == '"' && text.back() == '"';
+  return is_quoted ? Unescape(text.substr(1, length - 2), maxLength, output) : ESH_ERR_FAIL;
 }
 
 void ESH_GetParentDir(char* name) { name[std::string_view(name).rfind('/') + 1] = '\0'; }
