@@ -1,6 +1,5 @@
 #include "net/gateway.h"
 
-#include <cstdio>
 #include <cstring>
 
 #include "net/address_rules.h"
@@ -21,14 +20,9 @@ constexpr char kNotLinkLocal[] = "The gateway address must be link-local address
 std::uint32_t ESH_ProcIPGateway() {
   const char* gateway = g_szIPv4Address;
   if (std::strcmp(gateway, g_szMth0IPv4Gateway) == 0) return kSuccess;
-  if (IsValidIPAddr(g_szMth0IPv4Mask) == 0) {  // without a saved address there is no mask either
-    std::puts(kInvalidGateway);
-    return kSuccess;
-  }
-  if (!IsSameSubnet(g_szMth0IPv4Add, g_szMth0IPv4Mask, gateway)) {
-    std::puts(kUnreachable);
-    return kSuccess;
-  }
+  // Without a saved address there is no mask either.
+  if (IsValidIPAddr(g_szMth0IPv4Mask) == 0) return RefuseSetting(kInvalidGateway);
+  if (!IsSameSubnet(g_szMth0IPv4Add, g_szMth0IPv4Mask, gateway)) return RefuseSetting(kUnreachable);
   (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
   const std::uint32_t applied = IsPortShut() ? kSuccess : AddIPv4DefaultRoute(gateway);
   if (applied == kSuccess) CopyText(g_szMth0IPv4Gateway, gateway);
@@ -37,10 +31,7 @@ std::uint32_t ESH_ProcIPGateway() {
 
 std::uint32_t ESH_ProcIPv6Gateway() {
   const char* gateway = g_szIPv6Address;
-  if (!IsLinkLocalText(gateway)) {
-    std::puts(kNotLinkLocal);
-    return kSuccess;
-  }
+  if (!IsLinkLocalText(gateway)) return RefuseSetting(kNotLinkLocal);
   if (std::strcmp(gateway, g_szMth0IPv6Gateway) == 0) return kSuccess;
   (void)ESH_DeleteIPv6Gateway();  // the kernel may have dropped the route by itself
   const std::uint32_t applied = IsPortShut() ? kSuccess : AddIPv6DefaultRoute(gateway);

@@ -2,7 +2,6 @@
 
 #include <arpa/inet.h>
 
-#include <cstdio>
 #include <cstring>
 
 #include "net/address_rules.h"
@@ -24,10 +23,7 @@ std::uint32_t MaskOf(std::uint64_t length) { return length < kAddressBits ? ~(UI
 std::uint32_t SetIPv4Address(const char* mask) {
   const char* address = g_szIPv4Address;
   if (std::strcmp(address, g_szMth0IPv4Add) == 0 && std::strcmp(mask, g_szMth0IPv4Mask) == 0) return kSuccess;
-  if (IsValidIPAddr(mask) == 0) {
-    std::puts(kInvalidIPv4Address);
-    return kSuccess;
-  }
+  if (IsValidIPAddr(mask) == 0) return RefuseSetting(kInvalidIPv4Address);
   (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
   const std::uint32_t applied = IsPortShut() ? kSuccess : ApplyIPv4Address(address, mask);
   if (applied != kSuccess) return applied;

@@ -2,7 +2,6 @@
 
 #include <arpa/inet.h>
 
-#include <cstdio>
 #include <cstring>
 
 #include "net/address_rules.h"
@@ -19,10 +18,8 @@ std::uint32_t ESH_ProcIPv6AddrPreLen() {
   if (std::strcmp(g_szIPv6Address, g_szMth0IPv6Add) == 0 && std::strcmp(g_szIPv6PreLen, g_szMth0IPv6Per) == 0)
     return kSuccess;
   std::uint64_t prefix_length = 0;
-  if (!ReadDecimal(g_szIPv6PreLen, prefix_length) || !IsUsableIPv6Address(address, prefix_length)) {
-    std::puts(kInvalidIPv6Address);
-    return kSuccess;
-  }
+  if (!ReadDecimal(g_szIPv6PreLen, prefix_length) || !IsUsableIPv6Address(address, prefix_length))
+    return RefuseSetting(kInvalidIPv6Address);
   (void)ESH_DeleteIPv6Addr();  // the kernel may have lost it
   const std::uint32_t applied = IsPortShut() ? kSuccess : ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
   if (applied != kSuccess) return applied;
