@@ -81,8 +81,7 @@ TEST_F(DirTest, ListsWhatIsNamedThenTheSpace) {
 
 TEST_F(DirTest, PrefersTheEntryThatIsSpelledAsTyped) {
   for (const std::string name : {"FILE", "file"}) Make("logs/" + name);
-  for (const std::string name : {"FILE", "file"})
-    EXPECT_TRUE(Dir("logs/" + name).ends_with(" " + name + "\r\n")) << name;
+  for (const std::string name : {"FILE", "file"}) EXPECT_TRUE(Dir("logs/" + name).ends_with(" " + name + "\r\n"));
 }
 
 }  // namespace
