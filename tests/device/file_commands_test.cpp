@@ -103,7 +103,7 @@ TEST_F(FileCommands, MoreShowsTextOnly) {
       "seq 40 > lines && printf '\\200' > high && printf 'a\\0\\0' > nuls && printf 'a\\0%1021s\\177' > nul && : > "
       "empty");
   for (const char* file : {"high", "nuls"}) EXPECT_EQ(Command(std::string("more ") + file), "Not a text file.\n");
-  for (const char* file : {"empty", "dir"}) EXPECT_EQ(Command(std::string("more ") + file), kNoSuchFile);
+  for (const char* file : {"empty", "dir", "lines/"}) EXPECT_EQ(Command(std::string("more ") + file), kNoSuchFile);
   Type("more nul\r");
   Expect("more nul\r\r\na\177<boot>");  // a NUL byte hides what follows it in its chunk of 1023 bytes, and no more
   Type("more lines\r");
