@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 #include "fs/file_commands.h"
@@ -20,8 +19,6 @@ constexpr char kSameFile[] = "The destination file can't be the same as the sour
 constexpr char kCopyQuestion[] = "Copy %s to %s?[Y/N]:";
 constexpr char kCopied[] = "Start to copy %s to %s... Done.\r\n";
 
-constexpr std::size_t kBlock = 32768;
-
 /// A link counts for itself: it would be replaced, not followed.
 bool EntryExists(const char* full) {
   struct stat status {};
@@ -30,26 +27,22 @@ bool EntryExists(const char* full) {
 
 /// Copies until a read brings nothing more. A read error ends the copy like the end of the file does.
 /// @return false when a write came up short.
-bool CopyBlocks(int source, int destination, char* block) {
+bool CopyBlocks(int source, int destination) {
+  char block[32768];
   for (;;) {
-    const ssize_t length = read(source, block, kBlock);
+    const ssize_t length = read(source, block, sizeof(block));
     if (length <= 0) return true;
     if (write(destination, block, static_cast<std::size_t>(length)) != length) return false;
   }
 }
 
 /// Pushes the data out to the medium. A full medium often shows only here.
-bool CloseSynced(UniqueFd file) {
-  const bool synced = fsync(file.Get()) == 0;
-  return close(file.Release()) == 0 && synced;
-}
+bool CloseSynced(UniqueFd file) { return fsync(file.Get()) == 0 && close(file.Release()) == 0; }
 
 bool CopyFile(const char* source_name, const char* destination_name, mode_t mode) {
   UniqueFd destination(creat(destination_name, mode));
   const UniqueFd source(open(source_name, O_RDONLY | O_CLOEXEC));
-  const UniqueText block(static_cast<char*>(std::malloc(kBlock + 1)));
-  return destination && source && block != nullptr && CopyBlocks(source.Get(), destination.Get(), block.get()) &&
-         CloseSynced(std::move(destination));
+  return destination && source && CopyBlocks(source.Get(), destination.Get()) && CloseSynced(std::move(destination));
 }
 
 /// Asks when the destination exists. @return false when the user keeps it.

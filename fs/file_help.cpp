@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "fs/medium.h"
+#include "fs/named_file.h"
 #include "fs/names/name_rules.h"
 #include "fs/path.h"
 #include "term/help/help_list.h"
@@ -20,7 +21,6 @@
 
 namespace {
 
-constexpr std::size_t kMaxHelpWord = 4096;
 constexpr char kDeviceHelp[] = "Device name";
 
 /// A generic line stands for a name that need not exist yet.
@@ -38,8 +38,6 @@ constexpr GenericLine kGenericLines[] = {
 constexpr std::uint32_t kKindsWithFiles[] = {FS_HELP_EXISTING_FILE, FS_HELP_DESTINATION, FS_HELP_FILE_OR_DIRECTORY,
                                              FS_HELP_NEW_FILE,      FS_HELP_PACKAGE,     FS_HELP_LAST};
 
-enum class EntryKind { kDirectory, kFile, kOther };
-
 bool OffersFiles(std::uint32_t kind) {
   return std::find(std::begin(kKindsWithFiles), std::end(kKindsWithFiles), kind) != std::end(kKindsWithFiles);
 }
@@ -49,19 +47,7 @@ bool EndsInSlash(const char* word) { return ESH_IsExpectFile(word) == 0; }
 /// The word up to and including its last "/".
 std::string_view DirectoryPart(std::string_view word) { return word.substr(0, word.rfind('/') + 1); }
 
-/// A link counts as what it leads to.
-EntryKind KindOf(const char* full) {
-  struct stat status {};
-  if (lstat(full, &status) != 0 || (S_ISLNK(status.st_mode) && stat(full, &status) != 0)) return EntryKind::kOther;
-  if (S_ISDIR(status.st_mode)) return EntryKind::kDirectory;
-  return S_ISREG(status.st_mode) ? EntryKind::kFile : EntryKind::kOther;
-}
-
 bool Passes(FS_HELP_FILTER_F filter, const char* full) { return filter == nullptr || filter(full) == 0; }
-
-bool IsOffered(EntryKind entry_kind, std::uint32_t kind) {
-  return entry_kind == EntryKind::kDirectory || (entry_kind == EntryKind::kFile && OffersFiles(kind));
-}
 
 /// Opens a directory whose entries shall be offered; NULL when it cannot be read.
 UniqueDir OpenForHelp(const char* path) {
@@ -70,20 +56,22 @@ UniqueDir OpenForHelp(const char* path) {
   return directory;
 }
 
-/// Offers one candidate, whose medium is present.
+/// Offers one candidate, whose medium is present. A link counts as what it leads to.
 void OfferCandidate(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter, std::uint32_t mode,
                     VEC_S* help) {
   if (ESH_FS_IsValidFullFileName(full) != kSuccess || !Passes(filter, full)) return;
-  const EntryKind entry_kind = KindOf(full);
-  if (!IsOffered(entry_kind, kind)) return;
-  FixedText<kMaxHelpWord + kComponentRoom + 1> text;
+  struct stat status {};
+  if (stat(full, &status) != 0) return;
+  const bool is_directory = S_ISDIR(status.st_mode);
+  if (!is_directory && !(S_ISREG(status.st_mode) && OffersFiles(kind))) return;
+  FixedText<kNameRoom + kComponentRoom> text;
   if (mode == FS_OFFER_EXACT) {
     text.AppendText(word);
   } else {
     text.AppendText(DirectoryPart(word));
     text.AppendText(LastComponent(full));
   }
-  text.AppendText(entry_kind == EntryKind::kDirectory ? "/" : "");
+  text.AppendText(is_directory ? "/" : "");
   ESH_NewHelpInfo(text.Text(), text.Text(), help);
 }
 
@@ -109,9 +97,7 @@ void OfferEntries(const char* word, std::string_view directory, std::string_view
 }
 
 void OfferWhatIsNamed(const char* word, const char* full, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
-  struct stat status {};
-  if (stat(full, &status) != 0) return;
-  if (S_ISDIR(status.st_mode) && EndsInSlash(word))
+  if (IsDirectory(full) && EndsInSlash(word))
     OfferEntries(word, full, "", kind, filter, help);
   else
     ESH_HelpStatSwitch(word, full, kind, filter, FS_OFFER_EXACT, help);
@@ -137,25 +123,18 @@ bool IsLinkThatLeadsSomewhere(const char* entry) {
 
 /// @return false when the word has gone past this device's name, so that no other can be meant.
 bool OfferDevice(std::string_view device, std::string_view word, VEC_S* help) {
-  FixedText<kComponentRoom + 1> text;
+  if (!BeginsIgnoringCase(device, word)) return !BeginsIgnoringCase(word, device);
+  FixedText<kNameRoom> text;
   text.AppendText(device);
-  if (word.empty()) {
-    ESH_NewHelpInfo(text.Text(), kDeviceHelp, help);
-    return true;
-  }
-  if (BeginsIgnoringCase(device, word)) {
-    text.AppendText("/");
-    ESH_NewHelpInfo(text.Text(), kDeviceHelp, help);
-    return true;
-  }
-  return !BeginsIgnoringCase(word, device);
+  text.AppendText(word.empty() ? "" : "/");
+  ESH_NewHelpInfo(text.Text(), kDeviceHelp, help);
+  return true;
 }
 
 }  // namespace
 
 std::uint32_t FS_HelpBaseEx(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
   if (word == nullptr || kind > FS_HELP_LAST) return ESH_ERR_FAIL;
-  if (word[0] == '/' || std::strlen(word) > kMaxHelpWord) return kSuccess;
   if (word[0] == '?')
     ESH_HelpMntDir("", help);
   else

@@ -19,7 +19,6 @@ constexpr char kNoDevice[] = "%s doesn't exist.\r\n";
 constexpr char kFormatQuestion[] = "All data on %s will be lost, proceed with format? [Y/N]:";
 constexpr char kScript[] = "/etc/pkg/esh/format.sh";
 constexpr char kScratchFolder[] = "/tmp/";
-constexpr std::size_t kMediumPathRoom = 21;
 
 }  // namespace
 
@@ -27,7 +26,7 @@ std::uint32_t ESH_ProcFormat() {
   const std::string_view root = DeviceNameOf(g_szDiskName);  // it may have been typed with its slash
   FixedText<sizeof(g_szDiskName)> device;
   device.AppendText(root.empty() ? g_szDiskName : root);
-  FixedText<kMediumPathRoom> medium;
+  FixedText<kNameRoom> medium;
   medium.Append("%s/%s", kMediaRoot, device.Text());
   if (access(medium.Text(), F_OK) != 0) {
     std::printf(kNoDevice, device.Text());

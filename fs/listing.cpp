@@ -32,14 +32,12 @@ constexpr char kFileLine[] = "%6u%10s%12ld  %s   %s\r\n";
 constexpr char kDirectoryLine[] = "%6u%10s%12c  %s   %s\r\n";
 constexpr char kNoSize = '-';
 constexpr char kDateFormat[] = "%b %d %Y %H:%M:%S  ";  // its two blanks come before the line's own three
-constexpr std::size_t kDateRoom = 30;
-constexpr std::size_t kLineRoom = 512;
 constexpr long kSpaceUnit = 512;
 
 /// Lines on their way to the pager. Handing over each for itself would cost a system call per entry.
 class Listing {
  public:
-  [[nodiscard]] std::uint32_t Add(std::string_view line) {
+  std::uint32_t Add(std::string_view line) {
     const std::uint32_t verdict = pending_.Length() + line.size() < kBlockRoom ? kSuccess : Show();
     pending_.AppendText(line);
     return verdict;
@@ -56,7 +54,7 @@ class Listing {
   FixedText<kBlockRoom> pending_;
 };
 
-using ListingLine = FixedText<kLineRoom>;
+using ListingLine = FixedText<kNameRoom>;
 
 /// What glob(3) found, freed with it.
 class Matches {
@@ -68,49 +66,33 @@ class Matches {
 
   /// Adds what matches a pattern in the working directory, in sorted order.
   void Add(const char* pattern) {
-    const int flags = added_ ? GLOB_APPEND : 0;
-    (void)glob(pattern, flags, nullptr, &found_);  // no match is an empty listing
-    added_ = true;
+    (void)glob(pattern, GLOB_APPEND, nullptr, &found_);  // no match is an empty listing
   }
   [[nodiscard]] std::size_t Count() const { return found_.gl_pathc; }
   [[nodiscard]] const char* At(std::size_t index) const { return found_.gl_pathv[index]; }
 
  private:
   glob_t found_{};
-  bool added_ = false;
 };
 
 /// An entry's own name decides, also inside a hidden directory.
 bool IsHidden(const char* name) { return ESH_IsVisibleFullFileName(name) != kSuccess; }
 
-void FillAttributes(const struct stat& status, const char* name, char (&attributes)[5]) {
-  attributes[0] = S_ISDIR(status.st_mode) ? 'd' : '-';
-  attributes[1] = (status.st_mode & S_IRUSR) != 0 ? 'r' : '-';
-  attributes[2] = (status.st_mode & S_IWUSR) != 0 ? 'w' : '-';
-  attributes[3] = IsHidden(name) ? 'h' : '-';
-  attributes[4] = '\0';
-}
-
-void FormatDate(std::time_t time, char (&date)[kDateRoom]) {
-  std::tm local{};
-  if (localtime_r(&time, &local) == nullptr || std::strftime(date, sizeof(date), kDateFormat, &local) == 0)
-    date[0] = '\0';
-}
-
 /// Formats an entry's line. @return false when the entry has vanished.
 bool FormatLine(const char* path, std::uint32_t index, ListingLine& line) {
   struct stat status {};
   if (stat(path, &status) != 0) return false;
-  FixedText<kComponentRoom> name;
-  name.AppendText(LastComponent(path));
-  char attributes[5];
-  FillAttributes(status, name.Text(), attributes);
-  char date[kDateRoom];
-  FormatDate(status.st_mtime, date);
-  if (S_ISDIR(status.st_mode))
-    line.Append(kDirectoryLine, index, attributes, kNoSize, date, name.Text());
+  const bool is_directory = S_ISDIR(status.st_mode);
+  const char* name = LastComponent(path).data();  // the end of a terminated text
+  const char attributes[] = {is_directory ? 'd' : '-', (status.st_mode & S_IRUSR) != 0 ? 'r' : '-',
+                             (status.st_mode & S_IWUSR) != 0 ? 'w' : '-', IsHidden(name) ? 'h' : '-', '\0'};
+  std::tm local{};
+  char date[kComponentRoom] = "";
+  if (localtime_r(&status.st_mtime, &local) != nullptr) (void)std::strftime(date, sizeof(date), kDateFormat, &local);
+  if (is_directory)
+    line.Append(kDirectoryLine, index, attributes, kNoSize, date, name);
   else
-    line.Append(kFileLine, index, attributes, static_cast<long>(status.st_size), date, name.Text());
+    line.Append(kFileLine, index, attributes, static_cast<long>(status.st_size), date, name);
   return true;
 }
 
@@ -136,30 +118,25 @@ std::uint32_t ListMatches(const Matches& matches, bool all, const Heading& headi
   std::uint32_t index = 0;
   for (std::size_t i = 0; verdict == kSuccess && i < matches.Count(); ++i) {
     if (!IsShown(matches.At(i), all)) continue;
-    if (index == 0) verdict = listing.Add(heading.View());
+    if (index == 0) listing.Add(heading.View());  // what was empty has room
     ListingLine line;
-    if (verdict == kSuccess && FormatLine(matches.At(i), index, line)) verdict = listing.Add(line.View());
+    if (FormatLine(matches.At(i), index, line)) verdict = listing.Add(line.View());
     ++index;  // also for an entry that has vanished
   }
-  if (verdict == kSuccess && index == 0) verdict = listing.Add(kIsEmpty);
+  if (index == 0) listing.Add(kIsEmpty);
   return verdict == kSuccess ? listing.Show() : verdict;
 }
 
-/// Finds how a directory spells an entry: exactly as typed, or else in another case, for on some media the case of
-/// a name does not count. @return false when there is no such entry.
-bool FindSpelling(const char* directory, std::string_view name, TextBuilder& spelling) {
+/// Finds an entry that a directory does not list as it was typed, but in another case, for on some media the case of a
+/// name does not count. @param spelling stays empty when there is none.
+void FindOtherSpelling(const char* directory, std::string_view name, TextBuilder& spelling) {
   const UniqueDir entries(opendir(directory));
-  if (entries == nullptr) return false;
+  if (entries == nullptr) return;
   for (const dirent* entry = readdir(entries.get()); entry != nullptr; entry = readdir(entries.get())) {
     const std::string_view candidate(entry->d_name);
-    if (candidate == name) {
-      spelling.Clear();
-      spelling.AppendText(candidate);
-      return true;
-    }
+    if (candidate == name) return spelling.Clear();
     if (spelling.Length() == 0 && EqualsIgnoringCase(candidate, name)) spelling.AppendText(candidate);
   }
-  return spelling.Length() > 0;
 }
 
 /// Lists one file under its parent's heading.
@@ -173,11 +150,11 @@ std::uint32_t ListOneFile(const char* full) {
     return ESH_ERR_FAIL;
   }
   FixedText<kComponentRoom> spelling;
-  const bool found = FindSpelling(parent.Text(), name, spelling);
+  FindOtherSpelling(parent.Text(), name, spelling);
   FixedText<kNameRoom + kComponentRoom> file;
   file.AppendText(parent.View());
   file.AppendText("/");
-  file.AppendText(found ? spelling.View() : name);
+  file.AppendText(spelling.Length() == 0 ? name : spelling.View());
   if (ESH_OutString(heading.Text()) != kSuccess || ESH_DirOneFileOfList(file.Text(), 0) != kSuccess)
     return ESH_ERR_FAIL;
   ESH_DirFsInfo(full);
@@ -235,8 +212,9 @@ void ESH_DirFsInfo(const char* full) {
   struct statfs space {};
   if (statfs(full, &space) != 0) return;
   const long units = static_cast<long>(space.f_bsize) / kSpaceUnit;
-  FixedText<kLineRoom> line;
-  line.Append(kSpace, units * static_cast<long>(space.f_blocks) / 2, units * static_cast<long>(space.f_bfree) / 2);
+  const auto kilobytes = [&](fsblkcnt_t blocks) { return units * static_cast<long>(blocks) / 2; };
+  ListingLine line;
+  line.Append(kSpace, kilobytes(space.f_blocks), kilobytes(space.f_bfree));
   (void)ESH_OutString(line.Text());  // the last of the output: nothing is left to stop
 }
 

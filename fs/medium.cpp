@@ -35,7 +35,7 @@ void GatherMedia(VEC_S& names) {
 
 std::uint16_t ESH_CheckDevice(const char* name) {
   const std::string_view device = DeviceNameOf(name);
-  if (device.empty() || device.size() > kMaxComponent) return 0;
+  if (device.empty()) return 0;
   MediumPath link;
   link.Append("%s/%s%.*s", kMediaRoot, kSlotPrefix, static_cast<int>(device.size()), device.data());
   struct stat status {};
@@ -49,8 +49,7 @@ bool IsOnPresentMedium(const char* full) {
 std::uint16_t ESH_IsDeviceForPkgm(const char* name) {
   std::string_view rest(name);
   if (rest.starts_with(kMediaPrefix)) rest.remove_prefix(kMediaPrefix.size());
-  if (ESH_CheckDevice(rest.data()) == 0) return 0;
-  return IsFirstUnit(DeviceNameOf(rest)) ? 1 : 0;
+  return ESH_CheckDevice(rest.data()) == 1 && IsFirstUnit(DeviceNameOf(rest)) ? 1 : 0;
 }
 
 std::uint16_t IsDirPath(const char* entry) {

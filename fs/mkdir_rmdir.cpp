@@ -30,8 +30,6 @@ constexpr char kNotEmpty[] = "Failed to remove the directory because it is not e
 constexpr char kRemoved[] = "Directory %s removed.\r\n";
 constexpr char kNotRemoved[] = "Failed to remove directory.\r";
 
-constexpr mode_t kDirectoryMode = 0777;
-
 /// Converts a typed name of something below a medium's root.
 bool ResolveBelowRoot(const char* typed, NamedFile& file) {
   return ESH_InputName2FullValidName(typed, 0, sizeof(file.full), file.full) == kSuccess &&
@@ -67,7 +65,7 @@ std::uint32_t ESH_ProcMkdir() {
   if (!LiesOnMedium(file.full)) return Refuse(kDoesNotExist);
   struct stat status {};
   if (stat(file.full, &status) == 0) return Refuse(S_ISDIR(status.st_mode) ? kDirectoryExists : kFileExists);
-  if (!MakeDisplayName(file) || mkdir(file.full, kDirectoryMode) != 0) return Refuse(kExecutionFailure);
+  if (!MakeDisplayName(file) || mkdir(file.full, ACCESSPERMS) != 0) return Refuse(kExecutionFailure);
   SyncMedia(file.full);
   std::printf(kCreated, file.display);
   return kSuccess;

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -23,7 +24,7 @@ constexpr char kNotText[] = "Not a text file.\r";
 constexpr std::size_t kChunk = 1023;
 constexpr std::size_t kReadAtOnce = 32 * kChunk;  // or each chunk would cost a system call
 
-bool HasHighBit(char byte) { return static_cast<unsigned char>(byte) >= 0x80; }
+bool HasHighBit(char byte) { return isascii(static_cast<unsigned char>(byte)) == 0; }
 
 /// A text has no byte above ASCII and no two NUL bytes in a row.
 bool IsText(std::string_view chunk) {
@@ -63,7 +64,7 @@ std::uint32_t ESH_ProcMore() {
   char full[kNameRoom];
   struct stat status {};
   if (ESH_InputName2FullValidName(g_szSourceFile, 1, sizeof(full), full) != kSuccess || stat(full, &status) != 0 ||
-      S_ISDIR(status.st_mode) || status.st_size < 1)  // a fifo has no size, so it is never waited on
+      S_ISDIR(status.st_mode) || status.st_size == 0)  // a fifo has no size, so it is never waited on
     return Refuse(kDoesNotExist);
   const UniqueFd file(open(full, O_RDONLY | O_CLOEXEC));
   if (!file) return Refuse(kExecutionFailure);

@@ -83,11 +83,9 @@ std::uint32_t ESH_ProcMove() {
   // The tool waits for no medium. While the source is open, FAT is in no hurry to write that it is gone: until the
   // target is safe, a power cut finds it.
   UniqueFd held(open(source.full, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  const std::uint32_t moved = Move(source.full, destination.full, target.Text());
-  if (moved != kSuccess) {
+  if (Move(source.full, destination.full, target.Text()) != kSuccess) {
     SyncMedia(target.Text());
-    std::puts(kNoRoom);
-    return moved;
+    return Refuse(kNoRoom);
   }
   SyncMediumOfEntry(target.Text());
   held.Reset();

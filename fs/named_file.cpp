@@ -91,14 +91,13 @@ void SyncMedia(const char* full) {
 std::uint32_t ESH_CopyGetDestFullName(const char* typed, const char* sourceBaseName, char* output) {
   char full[kNameRoom];
   if (ESH_InputName2FullValidName(typed, 0, sizeof(full), full) != kSuccess) return ESH_ERR_FAIL;
-  FixedText<kNameRoom> destination;
+  FixedText<kNameRoom + kComponentRoom> destination;
   destination.AppendText(full);
   if (IsDirectory(full))
     destination.Append("/%s", sourceBaseName);
-  else if (ESH_IsExpectFile(typed) == 0 || !(Exists(full) || IsDirectory(Parent(full).path)))
+  else if (ESH_IsExpectFile(typed) == 0 || !IsDirectory(Parent(full).path))
     return ESH_ERR_FAIL;
-  CopyBounded(output, kNameRoom, destination.View());
-  return destination.Truncated() ? ESH_ERR_FAIL : kSuccess;
+  return CopyBounded(output, kNameRoom, destination.View()) ? kSuccess : ESH_ERR_FAIL;
 }
 
 bool ResolveTransfer(const char* typed_source, const char* typed_destination, NamedFile& source, NamedFile& destination,

@@ -64,7 +64,7 @@ std::uint32_t ConvertTyped(const char* name, std::size_t size, char* output) {
   return Convert(name != nullptr && name[0] != '/' ? name : nullptr, kMediumFloor, size, output);
 }
 
-/// What stands behind "/mnt/<device>/" of a full name.
+/// What stands behind "/mnt/<device>/" of a full name, or behind the "/" of one without a device.
 std::string_view BehindDevice(std::string_view full) {
   full.remove_prefix(full.find(':') + 1);
   if (full.starts_with('/')) full.remove_prefix(1);
@@ -83,8 +83,7 @@ std::uint32_t ESH_FS_GetFullFileName(const char* name, std::size_t size, char* o
 
 std::uint32_t ESH_FS_GetUserFileName(const char* name, std::size_t size, char* output) {
   char full[kNameRoom];
-  if (ESH_FS_GetFullFileName(name, sizeof(full), full) != kSuccess || !HoldsDevice(full) ||
-      !std::string_view(full).starts_with(kMediaRoot) || output == nullptr) {
+  if (ESH_FS_GetFullFileName(name, sizeof(full), full) != kSuccess || !HoldsDevice(full) || output == nullptr) {
     CopyBounded(output, size, "");
     return ESH_ERR_FAIL;
   }
@@ -105,7 +104,7 @@ std::uint32_t ESH_FS_IsValidUserFileName(const char* name) {
   JoinedName with_root;
   with_root.Append("%s/%s", kMediaRoot, name);
   char full[kNameRoom];
-  return with_root.Truncated() ? ESH_ERR_FAIL : Convert(with_root.Text(), kMediumFloor, sizeof(full), full);
+  return Convert(with_root.Text(), kMediumFloor, sizeof(full), full);
 }
 
 std::uint32_t ESH_FS_IsValidFullFileName(const char* name) {
@@ -125,13 +124,11 @@ std::uint32_t ESH_FS_AnalyseFileName(const char* name, char* directory, char* fi
   if (!has_room || ESH_FS_GetFullFileName(name, sizeof(converted), converted) != kSuccess) return ESH_ERR_FAIL;
   full.AppendText(converted);
   if (ESH_IsExpectFile(name) == 0 && ESH_IsExpectFile(converted) == 1) full.AppendText("/");
-  const bool on_medium = HoldsDevice(converted);
-  const std::string_view rest =
-      on_medium ? BehindDevice(full.View()) : full.View().substr(full.View().starts_with('/') ? 1 : 0);
+  const std::string_view rest = BehindDevice(full.View());
   const std::size_t slash = rest.rfind('/');
   FixedText<kNameRoom> parent;
-  parent.AppendText(on_medium ? "" : "/");
+  parent.AppendText(HoldsDevice(converted) ? "" : "/");
   parent.AppendText(slash == std::string_view::npos ? "" : rest.substr(0, slash));
   CopyBounded(directory, kNameRoom, parent.View());
-  return CopyBounded(file, kComponentRoom, LastComponent(rest)) && !parent.Truncated() ? kSuccess : ESH_ERR_FAIL;
+  return CopyBounded(file, kComponentRoom, LastComponent(rest)) ? kSuccess : ESH_ERR_FAIL;
 }

@@ -17,25 +17,22 @@ namespace {
 constexpr char kStandIn[] = "SYSPATH";
 /// Kinds of media, the most trusted first.
 constexpr const char* kMediaKinds[] = {"flash", "cf", "usb"};
-constexpr std::size_t kPatternRoom = 32;
 
-/// Whether a path below /mnt is a medium of this kind, and no slot link to one.
-bool IsMediumOfKind(const char* path, std::string_view kind) {
-  const std::string_view name = LastComponent(path);
-  if (name.size() > kMaxComponent || !name.ends_with(':') || !name.starts_with(kind) ||
-      std::string_view(path).find('#') != std::string_view::npos)
-    return false;
+/// Whether a path below /mnt is a medium, and no slot link to one.
+bool IsMedium(const char* path) {
+  const std::string_view name(path);
+  if (!name.ends_with(':') || name.find('#') != std::string_view::npos) return false;
   struct stat status {};
   return lstat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 /// Only the first match of each kind is looked at.
 bool MoveToMediumOfKind(const char* kind) {
-  FixedText<kPatternRoom> pattern;
+  FixedText<kNameRoom> pattern;
   pattern.Append("%s/%s*", kMediaRoot, kind);
   glob_t matches{};
-  const bool moved = glob(pattern.Text(), 0, nullptr, &matches) == 0 && matches.gl_pathc > 0 &&
-                     IsMediumOfKind(matches.gl_pathv[0], kind) && chdir(matches.gl_pathv[0]) == 0;
+  const bool moved = glob(pattern.Text(), 0, nullptr, &matches) == 0 && IsMedium(matches.gl_pathv[0]) &&
+                     chdir(matches.gl_pathv[0]) == 0;
   globfree(&matches);
   return moved;
 }

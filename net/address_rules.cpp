@@ -25,19 +25,16 @@ std::uint32_t FirstOctet(std::uint32_t address) { return address >> 24; }
 /// Class A, B or C; all of 0.0.0.0/8 is left out.
 bool IsUnicast(std::uint32_t address) { return FirstOctet(address) > 0 && FirstOctet(address) < kFirstOctetOfClassD; }
 
-/// One-bits first, then zero-bits, some of each.
-bool IsSubnetMask(std::uint32_t mask) {
-  const int ones = std::countl_one(mask);
-  return ones >= 1 && ones <= 31 && std::popcount(mask) == ones;
-}
+/// One-bits first, then zero-bits.
+bool IsSubnetMask(std::uint32_t mask) { return std::popcount(mask) == std::countl_one(mask); }
 
+/// Neither is there one where a part of the address has no bits.
 bool IsHostOfSubnet(std::uint32_t address, std::uint32_t mask) {
   const std::uint32_t host = address & ~mask;
   const std::uint32_t network = address & mask;
   return host != 0 && host != ~mask && network != 0 && network != mask;
 }
 
-/// @param prefix_length less than 128.
 bool HasHostBits(const in6_addr& address, std::uint64_t prefix_length) {
   for (std::uint64_t bit = prefix_length; bit < kIPv6Bits; ++bit)
     if ((address.s6_addr[bit / 8] & (0x80U >> bit % 8)) != 0) return true;
@@ -68,8 +65,8 @@ bool IsSameSubnet(const char* address, const char* mask, const char* other) {
 }
 
 bool IsUsableIPv6Address(const in6_addr& address, std::uint64_t prefix_length) {
-  return prefix_length < kIPv6Bits && HasHostBits(address, prefix_length) && !IN6_IS_ADDR_MULTICAST(&address) &&
-         !IN6_IS_ADDR_UNSPECIFIED(&address) && !IN6_IS_ADDR_LOOPBACK(&address) && !IN6_IS_ADDR_LINKLOCAL(&address);
+  return HasHostBits(address, prefix_length) && !IN6_IS_ADDR_MULTICAST(&address) && !IN6_IS_ADDR_LOOPBACK(&address) &&
+         !IN6_IS_ADDR_LINKLOCAL(&address);
 }
 
 bool IsLinkLocalText(const char* text) {

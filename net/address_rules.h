@@ -3,11 +3,20 @@
 #include <netinet/in.h>
 
 #include <cstdint>
+#include <cstdio>
+
+#include "util/result.h"
 
 /// Rules for the addresses that an operator types. Texts are in the notation of inet_pton(3).
 
 inline constexpr char kInvalidIPv4Address[] = "Invalid IP address.\r";
 inline constexpr char kInvalidIPv6Address[] = "Invalid IPv6 address.\r";
+
+/// Prints why nothing is set. @return 0, which is then the command's result.
+inline std::uint32_t RefuseSetting(const char* message) {
+  std::puts(message);
+  return kSuccess;
+}
 
 /// Whether a text is an IPv4 address that can be a peer: class A, B or C. Unlike an address of the port's own, it may
 /// be a loopback address.

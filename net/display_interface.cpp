@@ -1,6 +1,7 @@
 #include <arpa/inet.h>
 #include <net/if_arp.h>
 
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -10,7 +11,6 @@
 #include "net/ipv6_listing.h"
 #include "net/management_port.h"
 #include "net/network_commands.h"
-#include "util/fixed_text.h"
 #include "util/result.h"
 #include "util/unique_handle.h"
 
@@ -39,11 +39,9 @@ void PrintState(int mtu) {
 
 void PrintIPv4Address(const InterfaceSettings& settings) {
   if (settings.address.s_addr == INADDR_ANY) return;
-  int prefix_length = 0;
-  for (std::uint32_t mask = ntohl(settings.netmask.s_addr); mask != 0; mask <<= 1) ++prefix_length;
   char address[INET_ADDRSTRLEN] = "";
   (void)inet_ntop(AF_INET, &settings.address, address, sizeof(address));  // there is room for every address
-  std::printf("Inet4 Address is %s/%d\r\n", address, prefix_length);
+  std::printf("Inet4 Address is %s/%d\r\n", address, std::popcount(settings.netmask.s_addr));
 }
 
 /// How far an address reaches; the other bits of the kernel's number do not count.
@@ -79,10 +77,9 @@ void PrintIPv6Addresses(std::string_view interface) {
 void PrintHardware(const InterfaceSettings& settings) {
   const char* frame = settings.hardware_family == ARPHRD_ETHER ? "PKTFMT_ETHNT_2" : "PKTFMT_OTHER_2";
   const unsigned char* byte = settings.hardware_address;
-  FixedText<15> address;
-  address.Append("%02X%02X-%02X%02X-%02X%02X", byte[0], byte[1], byte[2], byte[3], byte[4], byte[5]);
-  std::printf("IP Packet Frame Type:%s, Hardware Address:%s\r\n", frame, address.Text());
-  std::printf("IPV6 Packet Frame Type:%s, Hardware Address:%s\r\n", frame, address.Text());
+  for (const char* protocol : {"IP", "IPV6"})
+    std::printf("%s Packet Frame Type:%s, Hardware Address:%02X%02X-%02X%02X-%02X%02X\r\n", protocol, frame, byte[0],
+                byte[1], byte[2], byte[3], byte[4], byte[5]);
 }
 
 void PrintCounters(const InterfaceCounters& counters, int transmit_queue_length) {

@@ -1,7 +1,6 @@
 #include "net/interface_counters.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -13,7 +12,6 @@ namespace {
 
 constexpr char kCountersFile[] = "/proc/net/dev";
 constexpr unsigned kHeadingLines = 2;
-constexpr std::size_t kLineRoom = 512;
 
 /// The numbers behind the colon of an interface's line; NULL when the line is another's.
 const char* NumbersOf(std::string_view interface, const char* line) {
@@ -37,7 +35,7 @@ void ReadNumbers(const char* text, InterfaceCounters& counters) {
 bool ReadInterfaceCounters(const char* interface, InterfaceCounters& counters) {
   const UniqueFile file(std::fopen(kCountersFile, "re"));
   if (file == nullptr) return false;
-  char line[kLineRoom];
+  char line[BUFSIZ];
   for (unsigned number = 1; std::fgets(line, sizeof(line), file.get()) != nullptr; ++number) {
     const char* numbers = number > kHeadingLines ? NumbersOf(interface, line) : nullptr;
     if (numbers != nullptr) {

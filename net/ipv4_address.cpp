@@ -1,6 +1,7 @@
 #include "net/ipv4_address.h"
 
-#include <cstdio>
+#include <arpa/inet.h>
+
 #include <cstring>
 
 #include "net/address_rules.h"
@@ -10,31 +11,22 @@
 #include "net/shutdown.h"
 #include "shell/command/parameter.h"
 #include "util/decimal.h"
-#include "util/fixed_text.h"
 #include "util/result.h"
 
 namespace {
 
 constexpr unsigned kAddressBits = 32;
-using DottedText = FixedText<16>;
 
-std::uint32_t MaskOf(std::uint64_t length) {
-  if (length >= kAddressBits) return 0xFFFFFFFF;
-  return length == 0 ? 0 : 0xFFFFFFFF << (kAddressBits - length);
-}
+/// @return no bits for a length that is none.
+std::uint32_t MaskOf(std::uint64_t length) { return length < kAddressBits ? ~(UINT32_MAX >> length) : 0; }
 
 std::uint32_t SetIPv4Address(const char* mask) {
   const char* address = g_szIPv4Address;
   if (std::strcmp(address, g_szMth0IPv4Add) == 0 && std::strcmp(mask, g_szMth0IPv4Mask) == 0) return kSuccess;
-  if (IsValidIPAddr(mask) == 0) {
-    std::puts(kInvalidIPv4Address);
-    return kSuccess;
-  }
-  if (!IsPortShut()) {
-    (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
-    const std::uint32_t applied = ApplyIPv4Address(address, mask);
-    if (applied != kSuccess) return applied;
-  }
+  if (IsValidIPAddr(mask) == 0) return RefuseSetting(kInvalidIPv4Address);
+  (void)ESH_DeleteIPv4Gateway();  // the kernel may have dropped the route by itself
+  const std::uint32_t applied = IsPortShut() ? kSuccess : ApplyIPv4Address(address, mask);
+  if (applied != kSuccess) return applied;
   ForgetIPv4Gateway();  // the routes of the old address go with it
   SaveIPv4Address(address, mask);
   return RecoverIfShut();
@@ -45,10 +37,10 @@ std::uint32_t SetIPv4Address(const char* mask) {
 std::uint32_t ESH_ProcIPAddrMaskLen() {
   std::uint64_t length = 0;
   (void)ReadDecimal(g_szIPv4MaskLen, length);  // no number is a mask that is refused
-  const std::uint32_t mask = MaskOf(length);
-  DottedText text;
-  text.Append("%u.%u.%u.%u", mask >> 24, mask >> 16 & 0xFF, mask >> 8 & 0xFF, mask & 0xFF);
-  return SetIPv4Address(text.Text());
+  const in_addr mask{htonl(MaskOf(length))};
+  char text[INET_ADDRSTRLEN] = "";
+  (void)inet_ntop(AF_INET, &mask, text, sizeof(text));  // there is room for every mask
+  return SetIPv4Address(text);
 }
 
 std::uint32_t ESH_ProcIPAddrMask() { return SetIPv4Address(g_szIPv4Mask); }
@@ -63,7 +55,6 @@ std::uint32_t ESH_ProcUndoIPAddr() {
 std::uint32_t ESH_DeleteIPv4Addr() {
   (void)ESH_DeleteIPv4Gateway();  // the kernel drops a route with the address that it needs
   const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv4Address();
-  if (removed != kSuccess) return removed;
-  ForgetIPv4Address();
-  return kSuccess;
+  if (removed == kSuccess) ForgetIPv4Address();
+  return removed;
 }

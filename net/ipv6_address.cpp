@@ -2,7 +2,6 @@
 
 #include <arpa/inet.h>
 
-#include <cstdio>
 #include <cstring>
 
 #include "net/address_rules.h"
@@ -19,15 +18,11 @@ std::uint32_t ESH_ProcIPv6AddrPreLen() {
   if (std::strcmp(g_szIPv6Address, g_szMth0IPv6Add) == 0 && std::strcmp(g_szIPv6PreLen, g_szMth0IPv6Per) == 0)
     return kSuccess;
   std::uint64_t prefix_length = 0;
-  if (!ReadDecimal(g_szIPv6PreLen, prefix_length) || !IsUsableIPv6Address(address, prefix_length)) {
-    std::puts(kInvalidIPv6Address);
-    return kSuccess;
-  }
-  if (!IsPortShut()) {
-    (void)ESH_DeleteIPv6Addr();  // the kernel may have lost it
-    const std::uint32_t applied = ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
-    if (applied != kSuccess) return applied;
-  }
+  if (!ReadDecimal(g_szIPv6PreLen, prefix_length) || !IsUsableIPv6Address(address, prefix_length))
+    return RefuseSetting(kInvalidIPv6Address);
+  (void)ESH_DeleteIPv6Addr();  // the kernel may have lost it
+  const std::uint32_t applied = IsPortShut() ? kSuccess : ApplyIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
+  if (applied != kSuccess) return applied;
   SaveIPv6Address(g_szIPv6Address, g_szIPv6PreLen);
   return RecoverIfShut();
 }
@@ -40,9 +35,8 @@ std::uint32_t ESH_ProcUndoIPv6Addr() {
 }
 
 std::uint32_t ESH_DeleteIPv6Addr() {
-  if (!IsSaved(g_szMth0IPv6Add)) return kSuccess;
-  const std::uint32_t removed = IsPortShut() ? kSuccess : RemoveIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per);
-  if (removed != kSuccess) return removed;
-  ForgetIPv6Address();
-  return kSuccess;
+  const bool is_applied = IsSaved(g_szMth0IPv6Add) && !IsPortShut();
+  const std::uint32_t removed = is_applied ? RemoveIPv6Address(g_szMth0IPv6Add, g_szMth0IPv6Per) : kSuccess;
+  if (removed == kSuccess) ForgetIPv6Address();
+  return removed;
 }

@@ -29,13 +29,12 @@ bool WriteCanonical(const char (&digits)[kGroups * kGroupDigits + 1], char (&tex
 
 bool ReadIPv6Entry(std::FILE* listing, IPv6Entry& entry) {
   char digits[kGroups * kGroupDigits + 1] = "";
-  char index[9];
   char prefix_length[3];
   char scope[3];
-  char flags[3];
+  // Between them stand the interface's number and the address's flags.
   const int fields =
-      std::fscanf(listing, "%32s %8s %2s %2s %2s %20s\n", digits, index, prefix_length, scope, flags, entry.interface);
-  if (fields != 6 || !WriteCanonical(digits, entry.address)) return false;
+      std::fscanf(listing, "%32s %*8s %2s %2s %*2s %20s\n", digits, prefix_length, scope, entry.interface);
+  if (fields != 4 || !WriteCanonical(digits, entry.address)) return false;
   entry.prefix_length = ReadHex(prefix_length);
   entry.scope = ReadHex(scope);
   return true;

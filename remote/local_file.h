@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 #include "fs/names/name_rules.h"
@@ -9,8 +8,7 @@
 
 /// The local side of a transfer, named by g_szLocalFile. `tool`, "ftp" or "tftp", is what the messages begin with.
 
-inline constexpr std::size_t kMaxTarget = 4096;
-using TargetName = FixedText<kMaxTarget + 1>;
+using TargetName = FixedText<kNameRoom + 1>;
 
 /// Refuses a directory that a get would write into and that does not exist.
 [[nodiscard]] Refusal CheckLocalFile(const char* tool);

@@ -46,7 +46,6 @@ std::uint32_t eliminatePoint(const char* name, std::uint32_t floor, std::size_t 
     rest.remove_prefix(std::min(component.size() + 1, rest.size()));
     if (!TakeComponent(component, floor, resolved)) return ESH_ERR_FAIL;
   }
-  const bool is_root = resolved.depth == 1 && resolved.text.Length() == 0;
-  return resolved.depth > 0 && CopyBounded(output, size, is_root ? "/" : resolved.text.View()) ? kSuccess
-                                                                                               : ESH_ERR_FAIL;
+  const std::string_view result = resolved.text.Length() == 0 ? "/" : resolved.text.View();
+  return resolved.depth > 0 && CopyBounded(output, size, result) ? kSuccess : ESH_ERR_FAIL;
 }

@@ -32,9 +32,9 @@ constexpr std::string_view kUncheckedDevice = "/mnt:";  // the folder and a char
 
 bool IsIn(const CharacterSet& set, char character) { return set[static_cast<unsigned char>(character)]; }
 
-/// A "#" joins a slot's number to a device ("slot0#flash:").
+/// A "#" joins a slot's number to a device ("slot0#flash:"), whose ":" is still to come.
 bool IsSlotMark(std::string_view device, std::size_t index) {
-  return index > 0 && index + 1 < device.size() && IsDigit(device[index - 1]) && device[index + 1] != '#';
+  return index > 0 && IsDigit(device[index - 1]) && device[index + 1] != '#';
 }
 
 bool IsAllowedInDeviceName(std::string_view device, std::size_t index) {
@@ -45,8 +45,6 @@ bool IsAllowedInDeviceName(std::string_view device, std::size_t index) {
 }
 
 bool IsBlank(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
-
-bool IsQuoted(std::string_view text) { return text.size() >= 2 && text.front() == '"' && text.back() == '"'; }
 
 std::uint32_t CopyWithin(std::string_view text, std::uint32_t* maxLength, char* output) {
   if (text.size() > *maxLength) return ESH_ERR_FAIL;
@@ -75,7 +73,7 @@ bool IsHiddenComponent(std::string_view component) { return component.starts_wit
 }  // namespace
 
 std::uint32_t ESH_FS_IsValidFileName(const char* name) {
-  const std::size_t length = strnlen(name, kMaxName + 1);
+  const std::size_t length = std::strlen(name);
   if (length == 0 || length > kMaxName) return ESH_ERR_FAIL;
   std::size_t component = 0;  // length of the component so far
   bool colon_seen = false;
@@ -134,16 +132,11 @@ std::uint32_t ESH_FS_ConvertToValidStr(const char* typed, std::uint32_t length, 
   const std::string_view text(typed, length);
   const bool has_blank = std::any_of(text.begin(), text.end(), IsBlank);
   if (!has_blank) return CopyWithin(text, maxLength, output);
-  return IsQuoted(text) ? Unescape(text.substr(1, length - 2), maxLength, output) : ESH_ERR_FAIL;
+  const bool is_quoted = text.front() == '"' && text.back() == '"';
+  return is_quoted ? Unescape(text.substr(1, length - 2), maxLength, output) : ESH_ERR_FAIL;
 }
 
-void ESH_GetParentDir(char* name) {
-  char* slash = std::strrchr(name, '/');
-  if (slash == nullptr)
-    name[0] = '\0';
-  else
-    slash[1] = '\0';
-}
+void ESH_GetParentDir(char* name) { name[std::string_view(name).rfind('/') + 1] = '\0'; }
 
 std::string_view ParentOf(std::string_view full) { return full.substr(0, full.rfind('/')); }
 
@@ -151,10 +144,6 @@ std::string_view LastComponent(std::string_view name) { return name.substr(name.
 
 void MyStrlcpy(const char* source, std::size_t size, char* destination) {
   if (size == 0) return;
-  if (std::strlen(source) < size) {
-    std::strncpy(destination, source, size);  // which fills the rest with zeros
-    return;
-  }
-  std::memcpy(destination, source, size);
+  std::strncpy(destination, source, size);  // which fills the rest with zeros
   destination[size - 1] = '\0';
 }

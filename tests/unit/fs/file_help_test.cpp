@@ -9,6 +9,7 @@
 
 #include "term/help/help_list.h"
 #include "tests/support/private_root.h"
+#include "util/result.h"
 #include "util/vector.h"
 
 namespace {
@@ -52,18 +53,14 @@ struct FileHelp : PrivateRootTest {
 };
 
 TEST_F(FileHelp, OffersMediaAndWhatContinuesTheWord) {
-  const Lines media = {"flash:|Device name", "flag:|Device name", "cfa0:|Device name"};
-  const Lines flash = {"flash:/|Device name"};
-  const Lines at_l = {"logs/", "Log.txt", "lnkdir/", "lnkfile"};
-  const Lines at_flash_l = {"flash:/logs/", "flash:/Log.txt", "flash:/lnkdir/", "flash:/lnkfile"};
   const std::pair<std::string, Lines> cases[] = {
-      {"?", media},
+      {"?", {"flash:|Device name", "flag:|Device name", "cfa0:|Device name"}},
       {"fl", {"flash:/|Device name", "flag:/|Device name"}},
-      {"flash:", flash},
+      {"flash:", {"flash:/|Device name"}},
       {"c", {"cfa0:/|Device name"}},
-      {"l", at_l},
+      {"l", {"logs/", "Log.txt", "lnkdir/", "lnkfile"}},
       {"./l", {"./logs/", "./Log.txt", "./lnkdir/", "./lnkfile"}},
-      {"flash:/", at_flash_l},
+      {"flash:/", {"flash:/logs/", "flash:/Log.txt", "flash:/lnkdir/", "flash:/lnkfile"}},
       {"logs/", {"logs/diag.log", "logs/old/"}},
       {"lnkdir/d", {"lnkdir/diag.log"}},
       {"logs/../logs/d", {"logs/../logs/diag.log"}},
@@ -79,19 +76,14 @@ TEST_F(FileHelp, OffersMediaAndWhatContinuesTheWord) {
 TEST_F(FileHelp, KindDecidesOnFilesAndTheGenericLine) {
   const Lines both = {"logs/", "Log.txt"};
   const Lines directory = {"logs/"};
-  const std::pair<std::uint32_t, Lines> cases[] = {
-      {FS_HELP_DESTINATION, {"logs/", "Log.txt", "STRING"}},
-      {FS_HELP_EXISTING_DIRECTORY, directory},
-      {FS_HELP_NEW_DIRECTORY, {"logs/", "STRING|[drive][path]"}},
-      {FS_HELP_FILE_OR_DIRECTORY, both},
-      {FS_HELP_NEW_FILE, {"logs/", "Log.txt", "STRING|[drive][path][file name]"}},
-      {FS_HELP_MEDIUM, directory},
-      {FS_HELP_PACKAGE, both},
-  };
-  for (const auto& [kind, lines] : cases) EXPECT_EQ(Offers("lo", kind), lines) << kind;
+  const Lines destination = {"logs/", "Log.txt", "STRING"};
+  const Lines new_directory = {"logs/", "STRING|[drive][path]"};
+  const Lines new_file = {"logs/", "Log.txt", "STRING|[drive][path][file name]"};
+  const Lines by_kind[] = {both, destination, directory, new_directory, both, new_file, directory, both, both};
+  for (std::uint32_t kind = 0; kind <= FS_HELP_LAST; ++kind) EXPECT_EQ(Offers("lo", kind), by_kind[kind]) << kind;
+  EXPECT_EQ(FS_HelpBaseEx("lo", FS_HELP_LAST + 1, nullptr, nullptr), ESH_ERR_FAIL);
   for (const char* word : {"flash:/..", "/x", "flash:/l*"})
     EXPECT_EQ(Offers(word, FS_HELP_DESTINATION), Lines{}) << word << " can become no name";
-  EXPECT_EQ(Offers("new", FS_HELP_DESTINATION), Lines{"STRING"});
   EXPECT_EQ(Offers("flash:/log", FS_HELP_PACKAGE), (Lines{"flash:/logs/", "flash:/Log.txt"}));
   EXPECT_EQ(Offers("flash:/logs/", FS_HELP_PACKAGE), Lines{}) << "packages lie in a medium's root";
 }
