@@ -66,7 +66,7 @@ class Matches {
 
   /// Adds what matches a pattern in the working directory, in sorted order.
   void Add(const char* pattern) {
-    (void)glob(pattern, GLOB_APPEND, nullptr, &found_);  // no match is an empty listing
+    (void)glob(pattern, Count() > 0 ? GLOB_APPEND : 0, nullptr, &found_);  // no match is an empty listing
   }
   [[nodiscard]] std::size_t Count() const { return found_.gl_pathc; }
   [[nodiscard]] const char* At(std::size_t index) const { return found_.gl_pathv[index]; }

@@ -136,6 +136,15 @@ TEST_F(NativeManagementPort, ComesUpAgainWithWhatIsSaved) {
   });
 }
 
+TEST_F(ManagementPort, LeavesTheKernelNothingWhenItIsUndone) {
+  for (const char* line :
+       {"ip address 10.0.0.9 24", "ip gateway 10.0.0.1", "ipv6 address fd00::9 64", "ipv6 gateway fe80::1",
+        "undo ip gateway", "undo ipv6 gateway", "undo ipv6 address", "undo ip address"})
+    EXPECT_EQ(Command(line), "");
+  EXPECT_EQ(Run("ip -4 addr show dev m-eth0; ip route; ip -6 route | grep default || true"), "");
+  EXPECT_EQ(Run("ip -o -6 addr show dev m-eth0 scope global"), "");
+}
+
 TEST_F(ManagementPort, IPv6RoutesAreShownAsTheToolShowsThem) {
   EXPECT_EQ(Command("display ipv6 routing-table"), Run("busybox route -A inet6 -n"));
   EXPECT_EQ(Device().ReadFile("/tmp/script"),
