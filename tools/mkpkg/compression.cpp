@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <iterator>
 #include <utility>
 
 #include "tools/mkpkg/archive_handle.h"
@@ -36,9 +35,7 @@ constexpr Method kMethods[] = {
 };
 
 const Method& MethodOf(Compression compression) {
-  return *std::find_if(
-      std::begin(kMethods), std::end(kMethods),
-      [&](const Method& method) { return method.compression == compression; });
+  return *std::ranges::find(kMethods, compression, &Method::compression);
 }
 
 std::string CannotCompress(archive* output, const Method& method) {

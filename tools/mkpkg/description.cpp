@@ -33,7 +33,7 @@ std::string_view Trimmed(std::string_view text) {
 /// Reads a number in decimal or with "0x" in hexadecimal digits.
 std::optional<std::uint32_t> ReadNumber(std::string_view text) {
   const std::string digits(text);
-  if (digits.empty() || !IsDigit(digits[0])) return std::nullopt;
+  if (!IsDigit(digits[0])) return std::nullopt;
   char* end = nullptr;
   errno = 0;
   const unsigned long number = std::strtoul(digits.c_str(), &end, digits.starts_with("0x") ? 16 : 10);
@@ -87,7 +87,7 @@ constexpr PackageKey kPackageKeys[] = {
     {"byte-order",
      [](auto value, auto& package) {
        const auto named = ValueNamed(kByteOrders, value);
-       package.host_order = named.value_or(0) != 0;
+       package.host_order = named == 1U;
        return named.has_value();
      }},
 };
@@ -169,7 +169,7 @@ class Parser {
 
   template <typename Key, std::size_t kCount, typename Record>
   void StoreOf(const Key (&keys)[kCount], std::string_view name, std::string_view value, Record& record) {
-    const auto key = std::find_if(std::begin(keys), std::end(keys), [&](const Key& k) { return k.name == name; });
+    const auto* key = std::ranges::find(keys, name, &Key::name);
     if (key == std::end(keys)) return Refuse("there is no key \"" + std::string(name) + "\" here");
     if (!MayRepeat(*key) && std::find(seen_.begin(), seen_.end(), name) != seen_.end())
       return Refuse(std::string(name) + " is given twice");

@@ -38,9 +38,8 @@ std::string Reason(const char* what, const std::string& path) {
 /// A temporary file that is gone when the object is, unless it took the place of another.
 class Temporary {
  public:
-  explicit Temporary(const std::string& path) : name_(path + ".XXXXXX") {
-    fd_.Reset(name_.size() < sizeof(g_temporary) ? mkostemp(name_.data(), O_CLOEXEC) : -1);
-    if (!fd_) return;
+  explicit Temporary(const std::string& path) : name_(path + ".XXXXXX"), fd_(mkostemp(name_.data(), O_CLOEXEC)) {
+    if (!fd_) return;  // nor is there one when the name is longer than g_temporary
     std::copy(name_.begin(), name_.end() + 1, g_temporary);
     for (const int number : kFatalSignals)
       if (std::signal(number, RemoveTemporary) == SIG_IGN) (void)std::signal(number, SIG_IGN);
@@ -115,10 +114,9 @@ std::string WriteFile(const std::string& path, const FillFile& fill, mode_t mode
   }
   const mode_t mask = umask(0);
   umask(mask);
-  if (fchmod(temporary.Get(), mode & ~mask) != 0 || fsync(temporary.Get()) != 0 ||
-      !temporary.TakePlaceOf(path, replace))
-    return Reason("write", path);
-  return "";
+  const bool is_done =
+      fchmod(temporary.Get(), mode & ~mask) == 0 && fsync(temporary.Get()) == 0 && temporary.TakePlaceOf(path, replace);
+  return is_done ? "" : Reason("write", path);
 }
 
 std::string WriteWholeFile(const std::string& path, std::string_view bytes, mode_t mode, bool replace) {

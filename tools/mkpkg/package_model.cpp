@@ -95,7 +95,7 @@ ContainedFile ReadContained(PKG_READER_S* reader, const PackageFileEntry& entry,
 }
 
 const ContainedFile* PackageModel::Find(std::uint32_t id) const {
-  const auto found = std::find_if(files.begin(), files.end(), [&](const ContainedFile& f) { return f.id == id; });
+  const auto found = std::ranges::find(files, id, &ContainedFile::id);
   return found == files.end() ? nullptr : &*found;
 }
 
@@ -127,7 +127,7 @@ std::string HexWord(std::uint32_t value) {
 
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;
-  const UniqueLines reader(text.empty() ? nullptr : ReadBuffCreateByMem(text.data(), text.size()));
+  const UniqueLines reader(ReadBuffCreateByMem(text.data(), text.size()));
   if (!reader) return lines;
   for (const char* line = nullptr; (line = ReadBuffGets(reader.get())) != nullptr;) lines.emplace_back(line);
   return lines;

@@ -86,17 +86,14 @@ std::string ReasonAgainstKeyName(const std::string& name) {
 }
 
 std::string FindTrailer(int fd, std::uint64_t size) {
-  const std::size_t length =
-      ToldTrailerLength(Part(fd, size - std::min<std::uint64_t>(size, kTrailerTail), size)).value_or(0);
-  if (length > size || size - length < kMainHeadSize) return "";
+  const std::size_t length = ToldTrailerLength(Part(fd, size - kTrailerTail, size)).value_or(0);
+  if (size < kMainHeadSize + length) return "";
   const std::string trailer = Part(fd, size - length, size);
   return IsTrailer(trailer) ? trailer : "";
 }
 
 std::string PrepareForSigning(const SignatureForm& form, int fd, PreparedPackage& package) {
-  if (!form.in_head) {
-    if (std::string reason = ReasonAgainstKeyName(form.key_name); !reason.empty()) return reason;
-  }
+  if (std::string reason = form.in_head ? "" : ReasonAgainstKeyName(form.key_name); !reason.empty()) return reason;
   package.head = Part(fd, 0, kMainHeadSize);
   if (!HasMainHead(package.head)) return "it is no package";
   const bool host_order = IsHostOrder(package.head);

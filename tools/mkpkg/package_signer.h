@@ -55,7 +55,7 @@ struct PreparedPackage {
 
 /// @return the text of the signature trailer that a package ends in; "" when there is none.
 /// @param fd    of the package.
-/// @param size  of the package.
+/// @param size  of the package, which holds a whole main head.
 [[nodiscard]] std::string FindTrailer(int fd, std::uint64_t size);
 
 }  // namespace mkpkg

@@ -23,9 +23,8 @@ Progress::~Progress() {
 
 void Progress::Advance(std::uint64_t bytes) {
   done_ += bytes;
-  if (!visible_) return;
   const auto percent = static_cast<unsigned>(done_ >= total_ ? 100 : done_ * 100 / total_);
-  if (percent == shown_) return;
+  if (!visible_ || percent == shown_) return;
   shown_ = percent;
   (void)std::fprintf(stderr, "\r%s ... %3u %%", work_.c_str(), percent);
 }

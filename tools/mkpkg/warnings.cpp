@@ -36,8 +36,7 @@ constexpr SuffixRule kSuffixRules[] = {{".gz", {"\x1F\x8B", 2}},
 using Lines = std::vector<std::string>;
 
 std::size_t CountOf(const PackageModel& package, std::uint32_t id) {
-  return static_cast<std::size_t>(std::count_if(
-      package.files.begin(), package.files.end(), [&](const ContainedFile& file) { return file.id == id; }));
+  return static_cast<std::size_t>(std::ranges::count(package.files, id, &ContainedFile::id));
 }
 
 void CheckHead(const PackageModel& package, Lines& warnings) {
@@ -110,8 +109,7 @@ void CheckImageName(const ContainedFile& image, Lines& warnings) {
                        " bytes");
   }
   const std::string_view suffix = std::string_view(name).substr(std::min(name.rfind('.'), name.size()));
-  const auto* rule = std::find_if(std::begin(kSuffixRules), std::end(kSuffixRules),
-                                  [&](const SuffixRule& r) { return r.suffix == suffix; });
+  const auto* rule = std::ranges::find(kSuffixRules, suffix, &SuffixRule::suffix);
   if (rule == std::end(kSuffixRules)) {
     warnings.push_back("image " + name +
                        ": only \".gz\", \".lzma\" and \".xz\" are unpacked; a device leaves this one "

@@ -21,27 +21,31 @@
 namespace {
 
 TEST(PackageDescription, WrongLineIsNamed) {
+  static constexpr char kSources[] = "d:2: a file's data come from either text:, file: or directory:";
   constexpr std::pair<const char*, const char*> kCases[] = {
       {"", "d:0: there is no product-tag"},
       {"product-tag: 1\nproduct-tag: 2\n", "d:2: product-tag is given twice"},
-      {"product-tag: 0x100000000\n", "d:1: \"0x100000000\" is no value"},
-      {"product-tag: -1\n", "d:1: \"-1\" is no value"},
-      {"# c\n\nnonsense\n", "d:3: expected"},
+      {"product-tag: 0x100000000\n", "d:1: \"0x100000000\" is no value for product-tag"},
+      {"product-tag: -1\n", "d:1: \"-1\" is no value for product-tag"},
+      {"# c\n\nnonsense\n", "d:3: expected \"key: value\" or \"[section]\""},
       {"name: x\n", "d:1: there is no key \"name\" here"},
-      {"product-tag: 1\n[image\n", "d:2: a section's name ends"},
-      {"product-tag: 1\n[images]\n", "d:2: a section is"},
-      {"product-tag: 1\n[image]\ncompression: 7z, gz\nfile: a\n", "d:3: \"7z, gz\" is no value"},
-      {"product-tag: 1\n[image]\ncompression: zip\nfile: a\n", "d:3: \"zip\" is no value"},
-      {"product-tag: 1\n[image]\n[description]\ntext: a\n", "d:2: a file's data come from either"},
-      {"product-tag: 1\n[image]\nfile: a\ndirectory: b\n", "d:2: a file's data come from either"},
+      {"product-tag: 1\n[image\n", "d:2: a section's name ends with \"]\""},
+      {"product-tag: 1\n[images]\n", "d:2: a section is [description], [compatibility], [image] or [file NUMBER]"},
+      {"product-tag: 1\n[image]\ncompression: 7z, gz\nfile: a\n", "d:3: \"7z, gz\" is no value for compression"},
+      {"product-tag: 1\n[image]\ncompression: zip\nfile: a\n", "d:3: \"zip\" is no value for compression"},
+      {"type: x\n", "d:1: \"x\" is no value for type"},
+      {"type: system\nbyte-order: x\n", "d:2: \"x\" is no value for byte-order"},
+      {"product-tag: 4294967295\n[image]\n[description]\ntext: a\n", kSources},
+      {"product-tag: 1\n[image]\nfile: a\ndirectory: b\n", kSources},
   };
   mkpkg::PackageDescription description;
   for (const auto& [text, problem] : kCases)
-    EXPECT_TRUE(mkpkg::ParseDescription(text, "d", description).starts_with(problem)) << text;
+    EXPECT_EQ(mkpkg::ParseDescription(text, "d", description), problem) << text;
   constexpr char kGood[] =
-      "product-tag: 0x10\nbyte-order: host\nattribute: 2\n[file 0x1234]\nname: n\ntext: a: b\ntext:\ncompression: gz, "
+      "product-tag: 0x10\nbyte-order: host\nattribute: 2\ntype: 3\n[file 0x1234]\ntext: a: b\ntext:\ncompression: gz, "
       "7z";
   ASSERT_EQ(mkpkg::ParseDescription(kGood, "d", description), "");
+  EXPECT_EQ(description.type, 3U);
   EXPECT_EQ(description.product_tag, 0x10U);
   EXPECT_TRUE(description.host_order);
   EXPECT_EQ(description.attribute, 2U);
@@ -69,7 +73,7 @@ struct PackageTool : PackageTest {
   static std::string WarningsFor(const std::string& package, const std::string& name) {
     WriteFile(kTestPackage, package);
     mkpkg::PackageModel model;
-    EXPECT_EQ(mkpkg::ReadPackage(kTestPackage, true, model), "");
+    EXPECT_EQ(mkpkg::ReadPackage(kTestPackage, name == "measured.bin", model), "");
     std::string all;
     for (const std::string& warning : mkpkg::WarningsFor(model, name)) all += warning + "\n";
     return all;
@@ -95,23 +99,34 @@ std::string Unpacked(const std::string& packed, std::uint64_t told) {
 
 TEST_F(PackageTool, WarnsOfWhatADeviceDropsSilently) {
   constexpr Case kCases[] = {
-      {"only \".gz\", \".lzma\" and \".xz\" are unpacked", [](C& c) { c.files[3].name = "a.tar"; }},
-      {"not what the suffix says", [](C& c) { c.files[3].name = "a.xz"; }},
-      {"a device refuses a name", [](C& c) { c.files[3].name = "a;b.gz"; }},
-      {"no line \"[boot]\"", [](C& c) { c.files[0].data = "7.1\n"; }},
-      {"attribute 0 only", [](C& c) { c.attribute = 1; }},
-      {"gives a device no data", [](C& c) { c.files[3].packing = 1; }},
-      {"there is more than one description", [](C& c) { c.files.push_back(c.files[1]); }},
-      {"it is empty", [](C& c) { c.files[3].data = ""; }},
-      {"same device tag", [](C& c) { c.files.push_back(c.files[3]); }},
-      {"longer than 64 bytes", [](C&) {}, "a-name-that-is-more-than-what-the-record-has-room-for-123.bin"},
-      {"does not end in \".bin\"", [](C&) {}, "good.bin.old"},
+      {"image other.gz: the data are no whole cpio archive", [](C&) {}, "measured.bin"},
+      {"image a.tar: only \".gz\", \".lzma\" and \".xz\" are unpacked;", [](C& c) { c.files[3].name = "a.tar"; }},
+      {"image a.xz: the data are not what the suffix says;", [](C& c) { c.files[3].name = "a.xz"; }},
+      {"image a;b.gz: a device refuses a name of more than letters,", [](C& c) { c.files[3].name = "a;b.gz"; }},
+      {"the compatibility list has no line \"[boot]\": no boot", [](C& c) { c.files[0].data = "7.1\n"; }},
+      {"the compatibility list names nothing after", [](C& c) { c.files[0].data = " [boot]\n \n"; }},
+      {"\"install load\" takes packages with attribute 0 only\nproduct",
+       [](C& c) { c.attribute = c.product_tag = ~0U; }},
+      {"\"install load\" takes packages of type 2 only\nthe package holds", [](C& c) { c.type = 1, c.files.clear(); }},
+      {"there is no image: \"install load\" will fail\n", [](C& c) { c.files.resize(2); }},
+      {"file 0x04000000 system.gz gives a device no data: compr", [](C& c) { c.files[3].packing = 1; }},
+      {"there is more than one description: the first one counts", [](C& c) { c.files.push_back(c.files[1]); }},
+      {"there is no description: \"display install", [](C& c) { c.files.erase(c.files.begin() + 1); }},
+      {"the compatibility list holds a NUL byte: what follows it", [](C& c) { c.files[0].data += '\0'; }},
+      {"the product version is longer than 64 bytes: a device", [](C& c) { c.files[1].data.insert(57, 63, '1'); }},
+      {"the description has no line \"Product version: \": a line", [](C& c) { c.files[1].data = "x"; }},
+      {"the description has more than one product version", [](C& c) { c.files[1].data += "product version: 1"; }},
+      {"file 0x04000000 system.gz gives a device no data: it is empty", [](C& c) { c.files[3].data = ""; }},
+      {"image system.gz: an earlier one has the same device tag 0x0A0B0C0D",
+       [](C& c) { c.files.push_back(c.files[3]); }},
+      {"image system.gz: device tag 0xFFFFFFFF fits no", [](C& c) { c.files[3].device_code = kUnknownTag; }},
+      {"the path flash:/name-of-58-bytes", [](C&) {}, "name-of-58-bytes-for-which-the-record-has-no-room-1234.bin"},
+      {"the file name holds", [](C&) {}, "a~.bin"},
+      {"the file name does not end in", [](C&) {}, "good.bin.old"},
   };
-  const std::string of_good = WarningsFor(Changed([](C&) {}), "good.bin");
-  for (const Case& c : kCases) {
-    EXPECT_EQ(of_good.find(c.outcome), std::string::npos) << c.outcome;
-    EXPECT_NE(WarningsFor(Changed(c.change), c.name).find(c.outcome), std::string::npos) << c.outcome;
-  }
+  for (const Case& c : kCases) EXPECT_TRUE(WarningsFor(Changed(c.change), c.name).starts_with(c.outcome)) << c.outcome;
+  const char* longest = "name-of-57-bytes-for-which-the-record-has-room-123456.bin";
+  EXPECT_EQ(WarningsFor(Changed([](C& c) { c.files[1].data.insert(57, 62, '1'); }), longest), "");
 }
 
 TEST_F(PackageTool, SevenZipUnpacksToWhatWasPacked) {
@@ -119,6 +134,7 @@ TEST_F(PackageTool, SevenZipUnpacksToWhatWasPacked) {
   const std::string packed = Compressed(mkpkg::Compression::k7z, data);
   for (const std::size_t told : {data.size(), data.size() + 1}) EXPECT_EQ(Unpacked(packed, told), data);
   EXPECT_EQ(Unpacked(packed, data.size() - 1), "refused");
+  EXPECT_EQ(Unpacked(Compressed(mkpkg::Compression::k7z, ""), 1), "refused");
   EXPECT_EQ(Unpacked(packed.substr(0, packed.size() - 1), data.size()), "refused");
 }
 
@@ -143,7 +159,7 @@ TEST_F(PackageTool, ResigningReplacesTheSignature) {
   const mkpkg::SignatureForm form = {.key_name = "maker"};
   EXPECT_EQ(Sign(GoodPackage(), form), GoodPackage());
   EXPECT_EQ(Sign(GoodPackage(true), form), GoodPackage());
-  for (const std::string_view part : {std::string_view(kLengthLabel), kGenericMarkers.begin}) {
+  for (const std::string_view part : {kLengthLabel, kGenericMarkers.begin, kGenericMarkers.end}) {
     std::string damaged = GoodPackage();
     damaged[damaged.rfind(part)] = 'f';
     EXPECT_GT(Sign(damaged, form).size(), damaged.size()) << "a device looks for it at the package's end alone";
@@ -152,20 +168,22 @@ TEST_F(PackageTool, ResigningReplacesTheSignature) {
 
 TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
   constexpr Case kCases[] = {
-      {"name", [](C&) {}, "good~.bin"},
-      {"name", [](C&) {}, ".bin"},
-      {"name", [](C&) {}, "abin"},
-      {"primary-partition", [](C&) {}, "usba1:/p.bin"},
-      {"typed-name", [](C&) {}, "nosuch:/p.bin"},
-      {"typed-name", [](C&) {}, "\"flash:/a b.bin\""},
-      {"system-package", [](C& c) { c.type = 1; }},
-      {"product-tag", [](C& c) { ++c.product_tag; }},
-      {"compatibility-list", [](C& c) { c.files[0].packing = 1; }},
-      {"compatible", [](C& c) { c.files[0].data = "[boot]\n9.9\n"; }},
-      {"image", [](C& c) { c.files[3].device_code = 1; }},
-      {"image", [](C& c) { c.files[3].packing = 1; }},
-      {"image-name", [](C& c) { c.files[3].name = "a/b.gz"; }},
-      {"", [](C&) {}},
+      {"name: good~.bin: Invalid file name.", [](C&) {}, "good~.bin"},
+      {"name: .bin: Invalid file name.", [](C&) {}, ".bin"},
+      {"name: abin: Invalid file name.", [](C&) {}, "abin"},
+      {"primary-partition: The startup software images must be in the primary partition.", [](C&) {}, "usba1:/p.bin"},
+      {"typed-name:  % Wrong parameter found at '^' position.", [](C&) {}, "nosuch:/p.bin"},
+      {"typed-name:  % Wrong parameter found at '^' position.", [](C&) {}, "\"flash:/a b.bin\""},
+      {"typed-name:  % Too many parameters found at '^' position.", [](C&) {}, "a.bin b"},
+      {"system-package: Package good.bin is not a system package.", [](C& c) { c.type = 1; }},
+      {"product-tag: good.bin is corrupted.", [](C& c) { ++c.product_tag; }},
+      {"compatibility-list: File good.bin is invalid.", [](C& c) { c.files[0].packing = 1; }},
+      {"compatible: This system image is not compliant with the boot image.",
+       [](C& c) { c.files[0].data = "[boot]\n9"; }},
+      {"image: Operation failed!Operation failed!", [](C& c) { c.files[3].device_code = 1; }},
+      {"image: Operation failed!Operation failed!", [](C& c) { c.files[3].packing = 1; }},
+      {"image-name: Operation failed!Operation failed!", [](C& c) { c.files[3].name = "a/b.gz"; }},
+      {": ", [](C&) {}},
   };
   const auto judge = [](const char* name) {
     return mkpkg::JudgeForDevice(kTestPackage, {kVersionFile, kSignKeyDirectory, "/tmp/boot.bin", name});
@@ -175,7 +193,7 @@ TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
   for (const Case& c : kCases) {
     WriteFile(kTestPackage, Sign(Changed(c.change), {.key_name = "maker"}));
     const mkpkg::DeviceVerdict verdict = judge(c.name).install;
-    EXPECT_EQ(verdict.step, c.outcome) << verdict.reason;
+    EXPECT_EQ(verdict.step + ": " + verdict.line, c.outcome) << verdict.reason;
   }
   EXPECT_EQ(judge("good.bin").images.size(), 2U);
   boot_image.files[1].data += std::string(1 << 20, '\n');
@@ -186,12 +204,16 @@ TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
 TEST(JsonText, IsValidWhateverItHolds) {
   mkpkg::JsonWriter json;
   json.BeginObject();
-  json.Text("a\"", "\\\n\xC3\xA9\xFF\xC0\xAF\xED\xA0\x80");
-  json.Texts("b", {"c", "d"});
+  // The first and the last characters of each length, and what is no character for being just beside them.
+  json.Text("a\"", "\\\x1F\x20\xC2\x80\xE0\xA0\x80\xED\x9F\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
+  json.Texts("b", {"c", "\xC1\xBF\xE0\x9F\xBF\xED\xA0\x80\xF0\x8F\xBF\xBF\xF4\x90\x80\x80\xF5\x80\x80\x80\xC3"});
   json.EndObject();
+  std::string replaced;
+  for (int i = 0; i < 21; ++i) replaced += "\\ufffd";
   EXPECT_EQ(json.Written(),
-            "{\n  \"a\\\"\": \"\\\\\\u000a\xC3\xA9\\ufffd\\ufffd\\ufffd\\ufffd\\ufffd\\ufffd\",\n"
-            "  \"b\": [\n    \"c\",\n    \"d\"\n  ]\n}\n");
+            "{\n  \"a\\\"\": \"\\\\\\u001f \xC2\x80\xE0\xA0\x80\xED\x9F\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\",\n"
+            "  \"b\": [\n    \"c\",\n    \"" +
+                replaced + "\"\n  ]\n}\n");
 }
 
 }  // namespace
