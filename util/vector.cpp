@@ -89,7 +89,8 @@ std::uint32_t VEC_Reduce(VEC_S* vec, std::uint64_t need) {
 }
 
 std::uint32_t VEC_Resize(VEC_S* vec, std::uint64_t slots) {
-  auto** array = static_cast<void**>(reallocarray(nullptr, slots, sizeof(void*)));
+  if (slots > kMostSlots) return ESH_ERR_FAIL;
+  auto** array = static_cast<void**>(std::malloc(slots * sizeof(void*)));
   if (array == nullptr) return ESH_ERR_FAIL;
   const std::uint64_t kept = std::min(vec->ulCapacity, slots);
   std::fill(std::copy_n(vec->ppvArray, kept, array), array + slots, nullptr);
