@@ -32,12 +32,13 @@ constexpr char kTooMany[] = " % Too many parameters found at '^' position.";
 /// What the names of media begin with. Which of them a device has, and how many units, nobody tells.
 constexpr std::string_view kMedia[] = {"flash", "cf", "usb"};
 
-/// What a device prints when it refuses, without its line ends.
+/// What a device prints when it refuses, on one line.
 std::string LineFor(PackageVerdict verdict, const std::string& name) {
-  std::string line = LineOfRefusal(verdict);
-  if (const std::size_t mark = line.find("%s"); mark != std::string::npos) line.replace(mark, 2, name);
-  std::erase_if(line, [](char c) { return c == '\r' || c == '\n'; });
-  return line;
+  std::string all;
+  for (const std::string& line : LinesOf(LineOfRefusal(verdict)))
+    if (!line.empty()) all += (all.empty() ? "" : " ") + line;
+  if (const std::size_t mark = all.find("%s"); mark != std::string::npos) all.replace(mark, 2, name);
+  return all;
 }
 
 /// Whether a word names a place below the root of a medium that a device can have. A relative name counts as one on

@@ -103,6 +103,18 @@ TEST_F(Mkpkg, TellsHowItWent) {
   EXPECT_EQ(ReadFile("/tmp/out/system.gz"), "the image");
 }
 
+TEST_F(Mkpkg, ShowsOnATerminalHowFarItIs) {
+  WriteFile("/tmp/d", "product-tag: 1\n[image]\ndevice-tag: 1\nfile: big\n");
+  std::string shown;
+  for (const char* percent : {"  0", "  6", " 12", " 18", " 25", " 31", " 37", " 43", " 50", " 56", " 62", " 68", " 75",
+                              " 81", " 87", " 93", "100"})
+    shown += std::string("\rReading big ... ") + percent + " %";
+  shown += "\r" + std::string(21, ' ') + "\r";
+  EXPECT_EQ(
+      Say("build d p.bin 2>&0' /dev/null > said", "truncate -s 4194304 big; script -qc '").substr(2, shown.size()),
+      shown);
+}
+
 TEST_F(Mkpkg, GivesAnArchiveTheTimeOfItsSources) {
   WriteFile("/tmp/root/file", "text");
   WriteFile("/tmp/d", "product-tag: 1\n[image]\ndevice-tag: 1\ndirectory: root\ncompression: none\n");

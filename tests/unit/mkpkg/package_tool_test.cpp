@@ -180,9 +180,9 @@ TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
       {"compatibility-list: File good.bin is invalid.", [](C& c) { c.files[0].packing = 1; }},
       {"compatible: This system image is not compliant with the boot image.",
        [](C& c) { c.files[0].data = "[boot]\n9"; }},
-      {"image: Operation failed!Operation failed!", [](C& c) { c.files[3].device_code = 1; }},
-      {"image: Operation failed!Operation failed!", [](C& c) { c.files[3].packing = 1; }},
-      {"image-name: Operation failed!Operation failed!", [](C& c) { c.files[3].name = "a/b.gz"; }},
+      {"image: Operation failed! Operation failed!", [](C& c) { c.files[3].device_code = 1; }},
+      {"image: Operation failed! Operation failed!", [](C& c) { c.files[3].packing = 1; }},
+      {"image-name: Operation failed! Operation failed!", [](C& c) { c.files[3].name = "a/b.gz"; }},
       {": ", [](C&) {}},
   };
   const auto judge = [](const char* name) {
