@@ -28,7 +28,6 @@ void TextBuilder::AppendText(std::string_view text) {
 void TextBuilder::AppendRepeated(char character, std::size_t count) {
   std::memset(buffer_ + length_, character, std::min(count, FreeRoom()));
   Count(count);
-  buffer_[length_] = '\0';
 }
 
 void TextBuilder::CutTo(std::size_t length) {
@@ -40,4 +39,5 @@ void TextBuilder::CutTo(std::size_t length) {
 void TextBuilder::Count(std::size_t wanted) {
   truncated_ = truncated_ || wanted > FreeRoom();
   length_ += std::min(wanted, FreeRoom());
+  buffer_[length_] = '\0';
 }

@@ -6,7 +6,7 @@
 class PackageSeal;
 
 /// Computes SHA-256 over `length` bytes from `offset`, reading small blocks: memory does not grow with the package.
-/// @param seal   keeps the digest at its borders on the way.
+/// @param seal   a fresh one, which keeps the digest at its borders on the way.
 /// @param digest receives kDigestSize bytes.
 /// @param digest_length receives that number; may be none.
 /// @return 0, or ESH_ERR_FAIL: fewer bytes, not readable, no memory.

@@ -30,8 +30,9 @@ bool ReadSource(PackageSource& source, void* bytes, std::size_t length) {
 }
 
 void* ReadBlockFromFile(PackageSource* source, std::uint64_t offset, std::uint64_t length) {
+  const std::uint64_t size = SizeOfSource(*source);
   // Both numbers may be a forger's: nothing is allocated for what the package does not have.
-  if (length == 0 || !SeekSource(*source, offset) || length > SizeOfSource(*source) - offset) return nullptr;
+  if (length == 0 || offset > size || length > size - offset || !SeekSource(*source, offset)) return nullptr;
   std::unique_ptr<void, MemoryFreer> block(std::malloc(length));
   if (block == nullptr || !ReadSource(*source, block.get(), length)) return nullptr;
   return block.release();

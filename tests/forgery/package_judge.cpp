@@ -42,7 +42,8 @@ void Judge(const char* path, std::uint32_t product_tag, const char* key_director
 }  // namespace
 
 int main(int argc, char** argv) {
-  while (argc == 4 && std::getchar() != EOF) {
+  if (argc != 4) return EXIT_FAILURE;
+  while (std::getchar() != EOF) {
     Judge(argv[1], static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 0)), argv[3]);
     if (std::fflush(stdout) != 0) return EXIT_FAILURE;
   }

@@ -55,7 +55,8 @@ def compare(maker, device, step):
             verdicts[verdict] += 1
             differences += files != expected
             if files != expected and differences <= MAX_REPORTED:
-                print(f"DIFFERENT: {group.__name__}: {what}: the device says {verdict}, the judge {expected and 'good'}")
+                judged = "no" if expected is None else "good"
+                print(f"DIFFERENT: {group.__name__}: {what}: the device says {verdict}, the judge {judged}")
         counts = ", ".join(f"{name} {count}" for name, count in sorted(verdicts.items()))
         print(f"{group.__name__}: {verdicts.total()} forgeries: {counts}")
         reasons |= verdicts.keys()
