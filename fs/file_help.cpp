@@ -135,6 +135,7 @@ bool OfferDevice(std::string_view device, std::string_view word, VEC_S* help) {
 
 std::uint32_t FS_HelpBaseEx(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help) {
   if (word == nullptr || kind > FS_HELP_LAST) return ESH_ERR_FAIL;
+  if (word[0] == '/' || std::strlen(word) > kMaxName) return kSuccess;
   if (word[0] == '?')
     ESH_HelpMntDir("", help);
   else

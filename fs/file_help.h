@@ -7,15 +7,15 @@ struct VEC_S;
 /// What a file-name argument may be. FS_HELP_NEW_FILE and FS_HELP_LAST are used by no command; FS_HELP_LAST is offered
 /// like an existing file and ends the range.
 enum FS_HELP_KIND_E : std::uint32_t {
-  FS_HELP_EXISTING_FILE,
-  FS_HELP_DESTINATION,
-  FS_HELP_EXISTING_DIRECTORY,
-  FS_HELP_NEW_DIRECTORY,
-  FS_HELP_FILE_OR_DIRECTORY,
-  FS_HELP_NEW_FILE,
-  FS_HELP_MEDIUM,
-  FS_HELP_PACKAGE,  ///< looked for in a medium's root only
-  FS_HELP_LAST,
+  FS_HELP_EXISTING_FILE = 0,
+  FS_HELP_DESTINATION = 1,
+  FS_HELP_EXISTING_DIRECTORY = 2,
+  FS_HELP_NEW_DIRECTORY = 3,
+  FS_HELP_FILE_OR_DIRECTORY = 4,
+  FS_HELP_NEW_FILE = 5,
+  FS_HELP_MEDIUM = 6,
+  FS_HELP_PACKAGE = 7,  ///< looked for in a medium's root only
+  FS_HELP_LAST = 8,
 };
 
 /// Decides on a full name: 0 = offer it, anything else = leave it out.
@@ -36,7 +36,7 @@ void ESH_HelpMntDir(const char* word, VEC_S* help);
 void PartlyHelp(const char* word, std::uint32_t kind, FS_HELP_FILTER_F filter, VEC_S* help);
 
 /// How an offer is spelled: the entry's name in place of the word's last component, or the word itself.
-enum FS_OFFER_MODE_E : std::uint32_t { FS_OFFER_COMPLETION, FS_OFFER_EXACT };
+enum FS_OFFER_MODE_E : std::uint32_t { FS_OFFER_COMPLETION = 0, FS_OFFER_EXACT = 1 };
 
 /// Offers one candidate, if it exists and its kind and the filter allow it.
 /// @param full its full name.

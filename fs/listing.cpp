@@ -28,8 +28,8 @@ constexpr char kIsEmpty[] = "The directory is empty.\r\n";
 constexpr char kSpace[] = "\r\n%ld KB total (%ld KB free)\r\n";
 
 // An entry's line: index, attributes, size, date and name.
-constexpr char kFileLine[] = "%6u%10s%12ld  %s   %s\r\n";
-constexpr char kDirectoryLine[] = "%6u%10s%12c  %s   %s\r\n";
+constexpr char kFileLine[] = "%6u%10s%12ld  %s   %.255s\r\n";
+constexpr char kDirectoryLine[] = "%6u%10s%12c  %s   %.255s\r\n";
 constexpr char kNoSize = '-';
 constexpr char kDateFormat[] = "%b %d %Y %H:%M:%S  ";  // its two blanks come before the line's own three
 constexpr long kSpaceUnit = 512;

@@ -64,7 +64,7 @@ std::uint32_t ESH_ProcMore() {
   char full[kNameRoom];
   struct stat status {};
   if (ESH_InputName2FullValidName(g_szSourceFile, 1, sizeof(full), full) != kSuccess || stat(full, &status) != 0 ||
-      S_ISDIR(status.st_mode) || status.st_size == 0)  // a fifo has no size, so it is never waited on
+      S_ISDIR(status.st_mode) || status.st_size < 1)  // a fifo has no size, so it is never waited on
     return Refuse(kDoesNotExist);
   const UniqueFd file(open(full, O_RDONLY | O_CLOEXEC));
   if (!file) return Refuse(kExecutionFailure);

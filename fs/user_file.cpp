@@ -10,7 +10,7 @@
 namespace {
 
 struct TypedName {
-  char text[kNameRoom];
+  char text[kMaxTypedName + 1];
 };
 
 /// Takes off the quotes. @return false when the argument is no legal place on a present medium.

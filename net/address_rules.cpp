@@ -25,10 +25,10 @@ std::uint32_t FirstOctet(std::uint32_t address) { return address >> 24; }
 /// Class A, B or C; all of 0.0.0.0/8 is left out.
 bool IsUnicast(std::uint32_t address) { return FirstOctet(address) > 0 && FirstOctet(address) < kFirstOctetOfClassD; }
 
-/// One-bits first, then zero-bits.
+/// One-bits first, then zero-bits; without some of each it leaves no host.
 bool IsSubnetMask(std::uint32_t mask) { return std::popcount(mask) == std::countl_one(mask); }
 
-/// Neither is there one where a part of the address has no bits.
+/// A part of no bits is 0, which neither part of a host's address is.
 bool IsHostOfSubnet(std::uint32_t address, std::uint32_t mask) {
   const std::uint32_t host = address & ~mask;
   const std::uint32_t network = address & mask;

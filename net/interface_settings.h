@@ -4,9 +4,9 @@
 
 /// What is shown of an interface's settings. Addresses are 0.0.0.0 where the interface has none.
 struct InterfaceSettings {
-  unsigned short hardware_family = {};  ///< an ARPHRD_ number
+  unsigned short hardware_family = 0;  ///< an ARPHRD_ number
   unsigned char hardware_address[6] = {};
-  int mtu = {};
+  int mtu = 0;
   int transmit_queue_length = -1;
   in_addr address = {};
   in_addr netmask = {};

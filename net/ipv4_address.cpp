@@ -17,8 +17,7 @@ namespace {
 
 constexpr unsigned kAddressBits = 32;
 
-/// @return no bits for a length that is none.
-std::uint32_t MaskOf(std::uint64_t length) { return length < kAddressBits ? ~(UINT32_MAX >> length) : 0; }
+std::uint32_t MaskOf(std::uint64_t length) { return length < kAddressBits ? ~(UINT32_MAX >> length) : UINT32_MAX; }
 
 std::uint32_t SetIPv4Address(const char* mask) {
   const char* address = g_szIPv4Address;

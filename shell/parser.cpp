@@ -1,6 +1,5 @@
 #include "shell/parser.h"
 
-#include <cstdint>
 #include <cstring>
 
 #include "shell/command/command_tree.h"
@@ -12,7 +11,6 @@
 #include "term/line_editor.h"
 #include "term/line_state.h"
 #include "term/terminal.h"
-#include "util/vector.h"
 
 namespace {
 

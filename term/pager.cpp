@@ -58,6 +58,7 @@ std::uint16_t ESH_LINE_DisplayString(char* text, std::uint16_t paging) {
     text = next;
   }
   std::fputs(text, stdout);
+  ESH_TERM_OFlush();  // what comes next may keep the operator waiting
   return 1;
 }
 

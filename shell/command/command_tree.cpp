@@ -1,6 +1,7 @@
 #include "shell/command/command_tree.h"
 
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string_view>
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 /// The record buffers: terminated text, written by the record functions below and read by the command handlers. They

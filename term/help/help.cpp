@@ -139,9 +139,9 @@ void ESH_Help(const VEC_S* words, std::uint16_t atNewWord) {
     ESH_PrintErrorInfo(level, failed, words);
     return;
   }
-  const bool at_new_word = mode == ESH_WORD_FINISHED || count == 0;
+  const bool has_word = mode == ESH_WORD_PARTIAL && count > 0;
   const UniqueHelpList list(
-      ESH_MakeHelpInfoVec(at_new_word ? kNewWord : WordAt(*words, count - 1)->pcWord, candidates.get()));
+      ESH_MakeHelpInfoVec(has_word ? WordAt(*words, count - 1)->pcWord : kNewWord, candidates.get()));
   if (mode == ESH_WORD_FINISHED && count == 0) PrintHeading();
   PrintHelpVec(list.get(), atNewWord);
 }
