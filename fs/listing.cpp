@@ -196,9 +196,10 @@ std::uint32_t ESH_ListFileInfoInDir(const char* full, bool all) {
   const WorkingDirectoryKept kept;
   if (!kept || chdir(full) != 0) return ESH_ERR_FAIL;
   Matches matches;
-  if (has_name)  // a place without a display name shows no entries
+  if (has_name) {  // a place without a display name shows no entries
     matches.Add("*");
-  if (has_name && all) matches.Add(".*");
+    matches.Add(".*");
+  }
   return ListMatches(matches, all, heading);
 }
 

@@ -84,6 +84,7 @@ TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {
     FollowLinksOn("flash:");
     OnFlash("mkdir twin && mount -o bind dir twin && ln -s a link");
   }
+  EXPECT_TRUE(Command("dir " + other).find("   a\n") != std::string::npos) << "as the medium spells it";
   EXPECT_EQ(Command("copy dir/a " + other), kSameFile);
   Command("move dir/a " + other, "y\r");
   EXPECT_EQ(OnFlash("cat dir/[aA]"), "both\n");

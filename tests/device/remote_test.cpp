@@ -91,6 +91,8 @@ TEST_F(RemoteTools, FtpAsksWhoBeforeItLooksAtTheFiles) {
       {"ftp 127.0.0.1 put dir/ b", "me\rpw\r", login + kWrongName},
       {"ftp 0.0.0.0 get b no", "", kInvalid},
       {"ftp ipv6 :: get b flash:/no/", "me\rpw\r", login + kUnrecognized},
+      {"ftp ipv6 ::1 get b flash:/no/a", "me\rpw\r",
+       login + "ftp: can't open 'flash:/no/a': No such file or directory\n"},
       {"ftp 127.0.0.1 get b flash:", "\rpw\r", "user:\npassword:**\n"},
       {"ftp 127.0.0.1 put a b", "me\rp w\r",
        "user:me\npassword:***\n/bin/ftpput <-u> <me> <-p> <p> <w> <127.0.0.1> <b> </mnt/flash:/a>\n"},

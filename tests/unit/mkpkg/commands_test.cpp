@@ -30,7 +30,9 @@ struct Mkpkg : PackageTest {
 
 TEST_F(Mkpkg, TellsHowItWent) {
   const std::string make_keys =
-      "(echo word > word; openssl genpkey -algorithm ED25519 -out ed.pem; openssl genrsa -out short.pem 1024; openssl "
+      "(echo word > word; head -c 256 /dev/zero > zeros; printf 'product-tag: 1\\n[image]\\nname: a\\0b\\nfile: word' "
+      "> nul; openssl genpkey -algorithm ED25519 -out ed.pem; openssl "
+      "genrsa -out short.pem 1024; openssl "
       "genrsa -3 -aes128 -passout pass:word -out three.pem 2048) 2> no.bin; ";
   EXPECT_EQ(Say("--version", make_keys).substr(0, 8), "0 mkpkg ");
   const std::string check = "check --version-file=/etc/pkg/version/1_0_package --keys=/etc/sign_pub_key ";
@@ -80,6 +82,7 @@ TEST_F(Mkpkg, TellsHowItWent) {
       {"sign --in-head --show-digest --attach=a good.bin", "2 mkpkg: one of --private-key, --show-digest"},
       {"sign --in-head --show-digest --public-key=a good.bin", "2 mkpkg: --public-key goes with --attach; see"},
       {"sign --in-head --attach=word good.bin", "3 mkpkg: word holds 5 bytes; a signature has 256\n"},
+      {"sign --in-head --attach=zeros --public-key=gone good.bin", "3 mkpkg: cannot read gone: No such file or"},
       {"sign --in-head --passphrase-file=word --private-key=three.pem good.bin", "0 mkpkg: warning: three.pem"},
       {"sign --key-name=a --write-block=block no.bin", "3 mkpkg: no.bin: it is no package\n"},
       {"key device gone.pem key", "3 mkpkg: cannot read gone.pem: No such file or directory\n"},
@@ -95,6 +98,7 @@ TEST_F(Mkpkg, TellsHowItWent) {
       {"key new --exponent=4294967295 a gone/b", "4 mkpkg: cannot write gone/b: No such file or directory\n"},
       {"key new a b; stat -c %a a b >> said", "0 600\n644\n"},
       {"key device b key", "0 mkpkg: warning: a device looks for files whose name ends in \".key\", not for key\n"},
+      {"build nul new", "3 mkpkg: a name holds a NUL byte\n"},
       {"build good.bin", "2 mkpkg: operand PACKAGE is missing; see"},
       {"build a good.bin", "4 mkpkg: good.bin exists; --force replaces it\n"},
   };
