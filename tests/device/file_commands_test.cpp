@@ -66,8 +66,8 @@ TEST_F(FileCommands, AMediumThatTakesNothingLosesNothing) {
   const std::pair<const char*, const char*> kLines[] = {{"copy b cfa0:/a", "y\ry\r"},
                                                         {"move b cfa0:/a", "y\r"},
                                                         {"move cfa0:/a flash:/moved", "y\r"},
-                                                        {"copy a usba0:", "y\r"},
-                                                        {"move a usba0:", "y\r"}};
+                                                        {"copy a usba0:/c", "y\r"},
+                                                        {"move a usba0:/m", "y\r"}};
   for (const auto& [line, keys] : kLines) EXPECT_TRUE(Command(line, keys).ends_with(kNoRoom)) << line;
   EXPECT_EQ(OnFlash("cat a b /mnt/cfa0:/a; ls; ls /mnt/usba0:"), "text\nolder\nkept\na\nb\ndir\nfill\n");
   EXPECT_TRUE(Command("dir usba0:").ends_with(" KB total (0 KB free)\n"));
