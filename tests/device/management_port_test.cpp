@@ -97,6 +97,8 @@ TEST_F(NativeManagementPort, SavesAnAddressOrAGatewayThatFitsWhenItsToolWorked) 
       {"ipv6 address fd09::2 64", Address6("fd09::2")},
       {"ip address 10.9.2.1 24", kNoGateway + Address("10.9.2.1")},
       {"undo ip gateway", ""},
+      {"ip gateway 10.9.2.254", Gateway("10.9.2.254")},
+      {"undo ip address", std::string(kNoGateway) + kNoAddress},
       {"undo ipv6 gateway", kNoGateway6},
   });
 }

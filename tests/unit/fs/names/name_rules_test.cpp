@@ -8,6 +8,7 @@
 #include <string>
 #include <tuple>
 
+#include "fs/names/dot_elimination.h"
 #include "util/result.h"
 
 namespace {
@@ -26,6 +27,28 @@ TEST(FileName, HasLegalCharactersShapeAndLength) {
   ExpectVerdict(false, {"", "a\x1f", "//a", "a//b", "a/b//", ":", ":/a", "flash:a", "a:/b:/c", "a::", longest + "c",
                         "a/" + longest + "c/b", longest + ":/a", name + "a"});
   for (const char forbidden : std::string("\"'*<>?\\|")) ExpectVerdict(false, {std::string("flash:/a") + forbidden});
+}
+
+TEST(Dots, AreResolvedByTheTextAlone) {
+  constexpr std::tuple<const char*, std::uint32_t, const char*> kCases[] = {{"/a/./b/../c/", kRootFloor, "/a/c"},
+                                                                            {"/a/..", kRootFloor, "/"},
+                                                                            {"/..", kRootFloor, ""},
+                                                                            {"/mnt/f:/a/..", kMediumFloor, "/mnt/f:"},
+                                                                            {"/mnt/f:/..", kMediumFloor, ""},
+                                                                            {"/mnt/f:", kMediumFloor, "/mnt/f:"},
+                                                                            {"a/b/..", kRootFloor, "a"},
+                                                                            {"a/..", kRootFloor, ""},
+                                                                            {"a/.", kRootFloor, "a"},
+                                                                            {"./a", kRootFloor, ""},
+                                                                            {"", kRootFloor, ""},
+                                                                            {"a//b", kRootFloor, ""},
+                                                                            {"//a", kRootFloor, ""},
+                                                                            {"/a/b/c/dd", kRootFloor, "/a/b/c/dd"},
+                                                                            {"/a/b/c/ddd", kRootFloor, ""}};
+  for (const auto& [name, floor, resolved] : kCases) {
+    char output[10];
+    EXPECT_STREQ(eliminatePoint(name, floor, sizeof(output), output) == kSuccess ? output : "", resolved) << name;
+  }
 }
 
 /// @param most room for the name. @return the name, of its own length, or nothing when it is refused.
