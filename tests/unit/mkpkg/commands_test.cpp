@@ -82,6 +82,7 @@ TEST_F(Mkpkg, TellsHowItWent) {
       {"sign --markers=none good.bin", "2 mkpkg: --markers is generic or kelvane; see"},
       {"sign --in-head --show-digest --attach=a good.bin", "2 mkpkg: one of --private-key, --show-digest"},
       {"sign --in-head --show-digest --public-key=a good.bin", "2 mkpkg: --public-key goes with --attach; see"},
+      {"sign --in-head --show-digest good.bin; sed -i 's/\\w\\{64\\}/D/' said", "0 D\n"},
       {"sign --in-head --attach=word good.bin", "3 mkpkg: word holds 5 bytes; a signature has 256\n"},
       {"sign --in-head --attach=zeros --public-key=gone good.bin", "3 mkpkg: cannot read gone: No such file or"},
       {"sign --in-head --passphrase-file=word --private-key=three.pem good.bin", "0 mkpkg: warning: three.pem"},
