@@ -38,17 +38,12 @@ constexpr char kHelp[] =
 
 constexpr Option kOptions[] = {{"force"}};
 
-std::string DirectoryOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "" : path.substr(0, slash == 0 ? 1 : slash);
-}
-
 std::string Describe(const std::string& origin, PackageContents& contents) {
   std::string text;
   PackageDescription description;
   if (std::string problem = ReadWholeFile(origin, text); !problem.empty()) return problem;
   if (std::string problem = ParseDescription(text, origin, description); !problem.empty()) return problem;
-  return CollectContents(description, DirectoryOf(origin), contents);
+  return CollectContents(description, std::filesystem::path(origin).parent_path(), contents);
 }
 
 int Run(const Arguments& arguments) {
