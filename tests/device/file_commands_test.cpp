@@ -38,6 +38,7 @@ TEST_F(FileCommands, TakeANoAndSayWhyTheyRefuse) {
       {"copy a c", "n\r", "Copy flash:/a to flash:/c?[Y/N]:n\n"},
       {"copy a ./a", "", kSameFile},
       {"copy a nodir/x", "", kNoSuchFile},
+      {"copy a/ c", "", kNoSuchFile},
       {"copy a new/", "", kNoSuchFile},
       {"move dir x", "", kNoSuchFile},
       {"move a x", "n\r", "Move flash:/a to flash:/x?[Y/N]:n\n"},

@@ -17,6 +17,12 @@ struct Mkpkg : PackageTest {
     WriteFile("/tmp/good.bin", GoodPackage());
     WriteFile("/tmp/boot.bin", Compose(Contents()));
     std::filesystem::create_symlink("good.bin", "/tmp/link.bin");
+    mkpkg::PackageContents odd = Contents();
+    odd.files[1].name = "a/b";
+    odd.files[2].name = ".a";
+    odd.files[3].name = "a\n";
+    odd.files.push_back(odd.files[0]);
+    WriteFile("/tmp/odd.bin", Compose(odd));
   }
 
   /// @return what the tool prints, behind its exit status.
@@ -65,6 +71,7 @@ TEST_F(Mkpkg, TellsHowItWent) {
       {"extract good.bin out", "0 out/compatible.txt\nout/description.txt\nout/other.gz\nout/system.gz\n"},
       {"extract good.bin out", "4 mkpkg: cannot write out/compatible.txt: File exists\n"},
       {"extract --json good.bin new", "0 {\n  \"files\": [\n    \"new/compatible.txt\",\n    \"new/description.txt\","},
+      {"extract odd.bin odd", "0 odd/compatible.txt\nodd/2-040000F0\nodd/3-04000000\nodd/4-04000000\nodd/5-"},
       {"extract good.bin gone/out", "4 mkpkg: cannot make gone/out: No such file or directory\n"},
       {"info good.bin > /dev/full", "4 mkpkg: cannot write to standard output\n"},
       {"info --json good.bin > /dev/full", "4 mkpkg: cannot write to standard output\n"},
