@@ -54,8 +54,8 @@ TEST_F(ProductIdentity, SectionFollowsTheObjectId) {
   std::string oem =
       "[default]\nsysName: plain\n"
       "[1.3.6.1.4.1.206.1.7]\nsysContact: of the device\n[1.3.6.1.4.1.206.1.70]\nsysContact: of a neighbour\n";
-  for (const std::string name : {"Kelvane", "Durell", "Pellam", "Sorvik", "Brenna", "Talvo", "Morrel", "Own"})
-    oem += "[default-" + name + "]\nsysName: " + name + "\n";
+  for (const char* name : {"Kelvane", "Durell", "Pellam", "Sorvik", "Brenna", "Talvo", "Morrel", "Own"})
+    oem.append("[default-").append(name).append("]\nsysName: ").append(name).append("\n");
   std::istringstream cases(
       "47213.11.4 - Kelvane 206.1.7 - Durell 206.1 Own Durell 47213.12.1.1.5 - Sorvik 47213.12.1.1 - plain "
       "47213.12.1.4.18446744073709551615 - Talvo 38.2.3.7.15.1 - Kelvane 61447 - Pellam 47213.12.1.2.5 - Brenna "
@@ -115,6 +115,15 @@ TEST_F(ProductIdentity, MarkersOfTheDescriptionExpandInAFixedOrder) {
       << "a text of a file is no format";
 }
 
+/// What a device of a corporation displays. @param year none without a copyright.
+std::string Shown(const std::string& name, const std::string& system, const std::string& year,
+                  const std::string& form) {
+  const std::string owner = " (c) " + year + "-2026 " + name + " " + form + ". All rights reserved.";
+  return (name == "Durell" ? "Tessaro" : "Ostrel " + name + system) + " Software\r\n" +
+         (year.empty() ? "" : "Copyright" + owner) +
+         "\r\n\r\nBoot image: \r\nBoot image version: " + (name == "Durell" ? "R6" : "7.1.9") + "\r\n\r\n\r\n";
+}
+
 TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
   const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
       {"Kelvane", " NOS", "2009", "Inc"},          {"Durell", "", "2010", "Communications"},
@@ -124,11 +133,7 @@ TEST_F(ProductIdentity, NamesAndVersionsFollowTheCorporation) {
       {"Vantrel", " File", "2016", "Corporation"}, {"Quintrel", " File", "", ""}};
   for (const auto& [name, system, year, form] : cases) {
     (void)Record("[default]\noem: " + name, "1.2", "SoftwareName: " + name + " File\n");
-    const std::string banner = name == "Durell" ? "Tessaro" : "Ostrel " + name + system;
-    const std::string owner = " (c) " + year + "-2026 " + name + " " + form + ". All rights reserved.";
-    EXPECT_EQ(Version(), banner + " Software\r\n" + (year.empty() ? "" : "Copyright" + owner) +
-                             "\r\n\r\nBoot image: \r\nBoot image version: " + (name == "Durell" ? "R6" : "7.1.9") +
-                             "\r\n\r\n\r\n");
+    EXPECT_EQ(Version(), Shown(name, system, year, form));
   }
   std::istringstream others(
       "Quintrel 9 Averley 10 Norvane 11 Vantrel 17 Castrel 19 Lindow 24 Marsten 25 Oxenby 26 Tarrick 27 Ulvern 28 "
@@ -148,14 +153,15 @@ TEST_F(ProductIdentity, UptimeCountsInWholeUnits) {
   };
   (void)Record("");
   WriteFile("/proc/sys/61000/2", "two\nlines\n\n");
-  const std::string head =
-      "Ostrel Tessaro Software\r\nCopyright (c) 2004-2026 Ostrel Networks Ltd. All rights reserved.\r\nOstrel uptime "
-      "is ";
+  const auto shown = [](const std::string& told, const std::string& name) {
+    return "Ostrel Tessaro Software\r\nCopyright (c) 2004-2026 Ostrel Networks Ltd. All rights reserved.\r\nOstrel "
+           "uptime is " +
+           told + "\r\n\r\nBoot image: " + name + "\r\nBoot image version: 7.1.9\r\n\r\ntwo\nlines\n\r\n";
+  };
   for (const auto& [uptime, told, boot_image, name] : cases) {
     WriteFile("/proc/uptime", uptime);
     WriteFile("/proc/sys/61000/3", boot_image);
-    EXPECT_EQ(Version(),
-              head + told + "\r\n\r\nBoot image: " + name + "\r\nBoot image version: 7.1.9\r\n\r\ntwo\nlines\n\r\n");
+    EXPECT_EQ(Version(), shown(told, name));
   }
 }
 
