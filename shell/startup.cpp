@@ -30,6 +30,7 @@
 #include "term/history.h"
 #include "term/line_editor.h"
 #include "util/result.h"
+#include "util/signals_held.h"
 #include "util/unique_handle.h"
 
 std::uint8_t g_bIsLoadFromScmd = 0;

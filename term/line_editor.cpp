@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
-#include <new>
 
 #include "term/console_mode.h"
 #include "term/history.h"
@@ -35,15 +35,15 @@ void BufferOutput() {
 
 void FreeBuffers() {
   for (char** buffer : {&g_stESh_Line.pcLastBuf, &g_stESh_Line.pcBuf, &g_stESh_Line.pcPrompt}) {
-    delete[] * buffer;
+    std::free(*buffer);
     *buffer = nullptr;
   }
 }
 
 bool AllocateBuffers() {
-  g_stESh_Line.pcLastBuf = new (std::nothrow) char[kLineRoom]{};
-  g_stESh_Line.pcBuf = new (std::nothrow) char[kLineRoom]{};
-  g_stESh_Line.pcPrompt = new (std::nothrow) char[kPromptRoom]{};
+  g_stESh_Line.pcLastBuf = static_cast<char*>(std::calloc(1, kLineRoom));
+  g_stESh_Line.pcBuf = static_cast<char*>(std::calloc(1, kLineRoom));
+  g_stESh_Line.pcPrompt = static_cast<char*>(std::calloc(1, kPromptRoom));
   if (g_stESh_Line.pcLastBuf != nullptr && g_stESh_Line.pcBuf != nullptr && g_stESh_Line.pcPrompt != nullptr)
     return true;
   FreeBuffers();

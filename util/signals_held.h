@@ -2,6 +2,14 @@
 
 #include <csignal>
 
+/// Lets every signal through. Whoever started this process may have blocked some, and a tool inherits that: Ctrl+C
+/// would not end it.
+inline void UnblockSignals() {
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
 /// Holds all signals back while it lives. One that came in between is delivered when it ends.
 class SignalsHeld {
  public:

@@ -17,12 +17,12 @@
 
 namespace {
 
-constexpr std::int32_t kNoTool = -1;
+constexpr std::int32_t kNoProcess = -1;
 
 }  // namespace
 
-std::int32_t g_EShSubPid = kNoTool;
-std::int32_t g_iShellGid = kNoTool;
+std::int32_t g_EShSubPid = kNoProcess;
+std::int32_t g_iShellGid = kNoProcess;
 
 namespace {
 
@@ -60,20 +60,14 @@ std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std:
   const ConsoleKept console;
   ESH_TERM_OFlush();  // or the tool's output would come before what the shell has already said
   StartTool(cmdline, ignoreInt, echo);
-  if (g_EShSubPid == kNoTool) return ESH_ERR_FAIL;
+  if (g_EShSubPid == kNoProcess) return ESH_ERR_FAIL;
   setpgid(g_EShSubPid, g_EShSubPid);  // also here, so that the group exists whichever process runs first
   const std::uint32_t result = ResultOfChild(g_EShSubPid);
-  g_EShSubPid = kNoTool;
+  g_EShSubPid = kNoProcess;
   SetPgtp(g_iShellGid);
   console.PutBack();
   ESH_LINE_SetTermiosMode();
   return result;
-}
-
-void UnblockSignals() {
-  sigset_t none;
-  sigemptyset(&none);
-  sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 std::uint32_t ResultOfChild(pid_t child) {
@@ -94,7 +88,7 @@ std::uint32_t SetPgtp(pid_t pgrp) {
   return answer == 0 ? kSuccess : ESH_ERR_FAIL;
 }
 
-std::uint16_t ESH_IsForkSubProcess() { return g_EShSubPid == kNoTool ? 0 : 1; }
+std::uint16_t ESH_IsForkSubProcess() { return g_EShSubPid == kNoProcess ? 0 : 1; }
 
 void ESH_Sig2SubProcess(int sig) {
   if (ESH_IsForkSubProcess() == 1) kill(g_EShSubPid, sig);
@@ -105,7 +99,7 @@ void ESH_CloseSubProcess() {
   killpg(g_EShSubPid, SIGTERM);
   killpg(g_EShSubPid, SIGHUP);
   SetPgtp(g_iShellGid);
-  g_EShSubPid = kNoTool;
+  g_EShSubPid = kNoProcess;
 }
 
 void ESH_Exit() {

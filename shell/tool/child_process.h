@@ -16,9 +16,6 @@ extern std::int32_t g_iShellGid;
 /// @return 0 when the tool exited with status 0, otherwise ESH_ERR_FAIL (also when it could not be started).
 std::uint32_t ESH_ForkProcess(const char* cmdline, std::uint16_t ignoreInt, std::uint16_t echo);
 
-/// Holds no signal back, whatever whoever started this process does.
-void UnblockSignals();
-
 /// Waits until a child ends, however often a signal interrupts the wait.
 /// @return 0 when it exited with status 0, otherwise ESH_ERR_FAIL.
 [[nodiscard]] std::uint32_t ResultOfChild(pid_t child);
