@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "shell/command/words.h"
 #include "tests/support/test_view.h"
@@ -34,11 +35,7 @@ TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
         "note INTEGER<7-7> <cr>", "none INTEGER<9-1> <cr>", "wide INTEGER<1-10000000000> <cr>"})
     view.Add(more);
   view.Add("note STRING<1-3> <cr>", nullptr, Check);
-  const struct {
-    const char* why;
-    const char* line;
-    std::string result;
-  } kLines[] = {
+  const std::tuple<const char*, const char*, std::string> kLines[] = {
       {"all but blanks is part of a word", "\t\v\f alpha \t o\tne", At(12, "Unrecognized command")},
       {"longer than the keyword", "alphas", At(0, "Unrecognized command")},
       {"no such second word", "  alpha   zeta one", At(10, "Unrecognized command")},
@@ -69,7 +66,7 @@ TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
       {"the longest bound", "move 2147483647", "move INTEGER<1-2147483647> <cr>\n"},
       {"a wrong value rather than too many words", "move 2147483648", At(5, "Wrong parameter")},
   };
-  for (const auto& c : kLines) EXPECT_EQ(RunLine(c.line), c.result) << c.why;
+  for (const auto& [why, line, result] : kLines) EXPECT_EQ(RunLine(line), result) << why;
   EXPECT_EQ(WordAt(*SplitLine("  word x"), 0)->ulEnd, 5U);
 }
 

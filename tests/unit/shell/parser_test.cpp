@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "shell/command/view.h"
 #include "term/help/completion.h"
@@ -46,12 +47,7 @@ constexpr char kAll[] =
     "two   What it is\r\n"
     "\r\n<boot>";
 
-constexpr struct {
-  const char* line;
-  const char* output;
-  const char* ran;
-  const char* left;  // in the edit buffer
-} kLines[] = {
+constexpr std::tuple<const char*, const char*, const char*, const char*> kLines[] = {
     {"t\t", "\r\n<boot>", "", "tw"},
     {"tw\t", "\r\n<boot>", "", "twin"},
     {"one\n", "\r\n", "one <cr>\n", ""},  // it ends a completion
@@ -76,10 +72,10 @@ constexpr struct {
 };
 
 TEST_F(Parser, ActsOnTheKeyThatEndedTheLine) {
-  for (const auto& c : kLines) {
-    ASSERT_EQ(Parse(c.line), c.output) << c.line;  // what is said of a failure would stand in all later outputs
-    EXPECT_EQ(TestView::TakeRan(), c.ran) << c.line;
-    EXPECT_STREQ(g_stESh_Line.pcBuf, c.left) << c.line;
+  for (const auto& [line, output, ran, left_in_buffer] : kLines) {
+    ASSERT_EQ(Parse(line), output) << line;  // what is said of a failure would stand in all later outputs
+    EXPECT_EQ(TestView::TakeRan(), ran) << line;
+    EXPECT_STREQ(g_stESh_Line.pcBuf, left_in_buffer) << line;
   }
 }
 

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <tuple>
 
 #include "term/line_editor.h"
 #include "term/line_state.h"
@@ -27,14 +28,7 @@ TEST(GetChar, EveryKindOfNothingIsOneTryOfATenthOfASecond) {
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(290));
 }
 
-constexpr struct {
-  const char* why;
-  ESH_LINE_MODE_E mode;
-  const char* text;
-  std::uint32_t cursor;
-  int answer;
-  const char* output;
-} kRedraws[] = {
+constexpr std::tuple<const char*, ESH_LINE_MODE_E, const char*, std::uint32_t, int, const char*> kRedraws[] = {
     {"the cursor inside", ESH_LINE_MODE_COMMAND, "display", 3, 0, "\r\n<boot>display\033[4D"},
     {"one character", ESH_LINE_MODE_COMMAND, "d", 1, 0, "\r\n<boot>d"},
     {"nothing typed, nothing to draw", ESH_LINE_MODE_COMMAND, "", 0, 0, ""},
@@ -44,20 +38,20 @@ constexpr struct {
 };
 
 TEST(Redraw, ShowsTheInputAgainAfterSomebodyElseWrote) {
-  for (const auto& c : kRedraws) {
+  for (const auto& [why, mode, text, cursor, answer, output] : kRedraws) {
     ScriptedEditor editor("kl");
     ESH_SetPrompt("<boot>");
-    CopyBounded(g_stESh_Line.pcBuf, kLineRoom, c.text);
-    g_stESh_Line.ulLen = std::strlen(c.text);
-    g_stESh_Line.ulCursor = c.cursor;
-    g_stESh_Line.ulMode = c.mode;
-    g_stESh_Line.usConfirmChosen = c.answer == 0 ? 0 : 1;
-    g_stESh_Line.usConfirmYes = c.answer == 'y' ? 1 : 0;
+    CopyBounded(g_stESh_Line.pcBuf, kLineRoom, text);
+    g_stESh_Line.ulLen = std::strlen(text);
+    g_stESh_Line.ulCursor = cursor;
+    g_stESh_Line.ulMode = mode;
+    g_stESh_Line.usConfirmChosen = answer == 0 ? 0 : 1;
+    g_stESh_Line.usConfirmYes = answer == 'y' ? 1 : 0;
     g_bESh_SynInput = 1;
-    EXPECT_EQ(GetChar(1), 'k') << c.why;
-    EXPECT_EQ(g_bESh_SynInput, 0) << c.why;
-    EXPECT_EQ(GetChar(1), 'l') << c.why;
-    EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;
+    EXPECT_EQ(GetChar(1), 'k') << why;
+    EXPECT_EQ(g_bESh_SynInput, 0) << why;
+    EXPECT_EQ(GetChar(1), 'l') << why;
+    EXPECT_EQ(editor.TakeOutput(), output) << why;
   }
 }
 

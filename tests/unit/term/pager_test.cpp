@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "term/key_input.h"
@@ -40,14 +41,7 @@ std::string Pages(const std::vector<int>& pages) {
   return text;
 }
 
-const struct {
-  const char* why;
-  const char* keys;
-  std::uint16_t paging;
-  std::uint16_t all_shown;
-  int lines;
-  std::vector<int> pages;
-} kPages[] = {
+const std::tuple<const char*, const char*, std::uint16_t, std::uint16_t, int, std::vector<int>> kPages[] = {
     {"Space shows a page, the prompt's row counted", "  left", 1, 1, 60, {24, 23, 13}},
     {"Enter shows one line", "\r\n  left", 1, 1, 60, {24, 1, 1, 23, 11}},
     {"a key that sends a sequence is one key", "\033[A", 1, 0, 60, {24, 0}},
@@ -65,20 +59,16 @@ std::uint16_t Show(int lines, std::uint16_t paging) {
 }
 
 TEST(Pager, StopsAtEveryFullPageOfTheWholeCommand) {
-  for (const auto& c : kPages) {
-    ScriptedEditor editor(c.keys);
+  for (const auto& [why, keys, paging, all_shown, lines, pages] : kPages) {
+    ScriptedEditor editor(keys);
     g_stESh_Display = {24, 24, 0};
-    EXPECT_EQ(Show(c.lines, c.paging), c.all_shown) << c.why;
-    EXPECT_EQ(editor.TakeOutput(), Pages(c.pages)) << c.why;
-    EXPECT_EQ(GetChar(1), c.keys[0] == '\033' ? -1 : 'l') << c.why << ": what is left";
+    EXPECT_EQ(Show(lines, paging), all_shown) << why;
+    EXPECT_EQ(editor.TakeOutput(), Pages(pages)) << why;
+    EXPECT_EQ(GetChar(1), keys[0] == '\033' ? -1 : 'l') << why << ": what is left";
   }
 }
 
-constexpr struct {
-  const char* why;
-  const char* text;
-  const char* output;
-} kLineEnds[] = {
+constexpr std::tuple<const char*, const char*, const char*> kLineEnds[] = {
     {"both", "a\r\nb\r\n", "a\r\nb\r\n"},
     {"a line feed does not swallow another", "a\n\nb", "a\r\n\r\nb"},
     {"a carriage return swallows any byte", "a\rbc", "a\r\nc"},
@@ -91,9 +81,9 @@ constexpr struct {
 TEST(Pager, EndsEveryLineTheSameWay) {
   ScriptedEditor editor;
   g_stESh_Display = {24, 24, 0};
-  for (const auto& c : kLineEnds) {
-    EXPECT_EQ(ESH_OutString(Copy(c.text).get()), kSuccess) << c.why;
-    EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;
+  for (const auto& [why, text, output] : kLineEnds) {
+    EXPECT_EQ(ESH_OutString(Copy(text).get()), kSuccess) << why;
+    EXPECT_EQ(editor.TakeOutput(), output) << why;
   }
 }
 

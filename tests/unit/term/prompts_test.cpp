@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "term/line_state.h"
 #include "tests/unit/term/scripted_editor.h"
@@ -12,12 +13,7 @@ namespace {
 #define REMINDER "\r\nBefore pressing ENTER you must choose 'YES' or 'NO'[Y/N]:"
 #define TAKEN_BACK "\033[1D\033[K"
 
-const struct {
-  const char* why;
-  std::string keys;
-  std::uint16_t yes;
-  const char* output;
-} kAnswers[] = {
+const std::tuple<const char*, std::string, std::uint16_t, const char*> kAnswers[] = {
     {"the second is not echoed", "Yy\n", 1, "Y"},
     {"nor does it change the choice", "yn\n", 1, "y"},
     {"taken back", "y\bn\n", 0, "y" TAKEN_BACK "n"},
@@ -32,10 +28,10 @@ const struct {
 };
 
 TEST(Confirm, TakesYesOnlyForAYesThatStandsAtEnter) {
-  for (const auto& c : kAnswers) {
-    ScriptedEditor editor(c.keys);
-    EXPECT_EQ(ESH_LINE_GetConfirm(1), c.yes) << c.why;
-    EXPECT_EQ(editor.TakeOutput(), c.output) << c.why;
+  for (const auto& [why, keys, yes, output] : kAnswers) {
+    ScriptedEditor editor(keys);
+    EXPECT_EQ(ESH_LINE_GetConfirm(1), yes) << why;
+    EXPECT_EQ(editor.TakeOutput(), output) << why;
     EXPECT_EQ(g_stESh_Line.ulMode, std::uint32_t{ESH_LINE_MODE_CONFIRM});
   }
 }

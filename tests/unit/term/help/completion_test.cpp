@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "shell/command/command_tree.h"
@@ -34,12 +35,7 @@ const std::vector<const char*> kRebootReset = {"reboot <cr>", "reset <cr>"};
 const std::vector<const char*> kDisplay = {"display version <cr>", "display interface <cr>"};
 const std::vector<const char*> kMore = {"more STRING<1-511> <cr>"};
 
-const struct {
-  const char* why;
-  std::vector<const char*> commands;
-  std::string typed;
-  std::vector<const char*> lines;  // after each TAB
-} kTabs[] = {
+const std::tuple<const char*, std::vector<const char*>, std::string, std::vector<const char*>> kTabs[] = {
     {"the only one, with a blank", kDeleteDisplay, "di", {"display ", "display "}},
     {"nothing in common: one after the other", kDeleteDisplay, "d", {"delete", "display", "delete"}},
     {"first what they share", kRebootReset, "r", {"re", "reboot", "reset", "reboot"}},
@@ -59,24 +55,20 @@ const struct {
 };
 
 TEST(Completion, CompletesOrStepsThroughTheCandidates) {
-  for (const auto& c : kTabs) {
+  for (const auto& [why, commands, typed, after_each_tab] : kTabs) {
     TestView view("<boot>");
-    for (const char* command : c.commands) view.Add(command, ListNames);
+    for (const char* command : commands) view.Add(command, ListNames);
     ESH_ResetTabState();
-    std::string line = c.typed;
-    for (const char* expected : c.lines) {
+    std::string line = typed;
+    for (const char* expected : after_each_tab) {
       line = Tab(line);
-      EXPECT_EQ(line, expected) << c.why;
+      EXPECT_EQ(line, expected) << why;
     }
   }
 }
 
 TEST(Completion, ACycleEndsWhenSomethingElseIsTyped) {
-  constexpr struct {
-    const char* why;
-    const char* typed;
-    const char* completed;
-  } kSteps[] = {
+  constexpr std::tuple<const char*, const char*, const char*> kSteps[] = {
       {"a cycle begins", "r", "re"},
       {"and goes on", "re", "reboot"},
       {"a finished word", "re ", "reboot"},
@@ -88,7 +80,7 @@ TEST(Completion, ACycleEndsWhenSomethingElseIsTyped) {
   const TestView view("<boot>", {"reboot <cr>", "reset <cr>", "reset all now <cr>", "reset any <cr>",
                                  "copy resume <cr>", "copy rescan <cr>"});
   ESH_ResetTabState();
-  for (const auto& step : kSteps) EXPECT_EQ(Tab(step.typed), step.completed) << step.why;
+  for (const auto& [why, typed, completed] : kSteps) EXPECT_EQ(Tab(typed), completed) << why;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -24,11 +25,7 @@ std::string Print(const Lines& lines, std::uint16_t whole) {
 std::string Many(std::size_t count, char character) { return std::string(count, character); }
 
 TEST(WholeHelp, IsLaidOutInTwoColumns) {
-  const struct {
-    const char* why;
-    Lines lines;
-    std::string output;
-  } kLayouts[] = {
+  const std::tuple<const char*, Lines, std::string> kLayouts[] = {
       {"cut behind a blank",
        {{"k", Many(70, 'a') + "  " + Many(9, 'b')}},
        "  k  " + Many(70, 'a') + "  \r\n     " + Many(9, 'b') + "\r\n"},
@@ -50,7 +47,8 @@ TEST(WholeHelp, IsLaidOutInTwoColumns) {
       {"up to the edge", {{Many(78, 'k'), "d"}}, "  " + Many(78, 'k') + "    d\r\n"},
       {"over the edge", {{Many(79, 'k'), "d"}}, "  " + Many(79, 'k') + "  d\r\n"},
   };
-  for (const auto& c : kLayouts) EXPECT_EQ(Print(c.lines, 1), c.output + (c.lines.empty() ? "" : "\r\n")) << c.why;
+  for (const auto& [why, lines, output] : kLayouts)
+    EXPECT_EQ(Print(lines, 1), output + (lines.empty() ? "" : "\r\n")) << why;
 }
 
 TEST(NamesOnly, AreNumbersThenTextsThenTheEndEachOnce) {
