@@ -11,6 +11,4 @@ class ScriptedEditor : public ScriptedStdio {
   explicit ScriptedEditor(std::string_view keys = {}, const char* term = "xterm", unsigned width = 80);
   /// Frees the editor and the terminal's description.
   ~ScriptedEditor();
-  ScriptedEditor(const ScriptedEditor&) = delete;
-  ScriptedEditor& operator=(const ScriptedEditor&) = delete;
 };
