@@ -66,6 +66,7 @@ TEST_F(PathTest, TypedNamesStayInsideTheirMedium) {
       {"..", "/mnt/flash:", kRoot},
       {"slot0#flash:/a", "/mnt/slot0#flash:/a", kAbsent},
       {"/mnt/flash:/a", "/mnt/flash:/a", kNowhere},  // where media are mounted is no user's business
+      {"/tmp/x", "/tmp/x", kNowhere},
       {"flash:/..", "/mnt", kNowhere},
       {"flash:/../flash/x", "/mnt/flash/x", kNowhere},
       {"../../..", "/", kNowhere},

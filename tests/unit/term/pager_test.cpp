@@ -46,6 +46,7 @@ const std::tuple<const char*, const char*, std::uint16_t, std::uint16_t, int, st
     {"Enter shows one line", "\r\n  left", 1, 1, 60, {24, 1, 1, 23, 11}},
     {"a key that sends a sequence is one key", "\033[A", 1, 0, 60, {24, 0}},
     {"exactly a page", " left", 1, 1, 24, {24, 0}},
+    {"exactly a page, declined", "xleft", 1, 0, 24, {24, 0}},
     {"paging not wanted", "left", 0, 1, 60, {60}},
 };
 
