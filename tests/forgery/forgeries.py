@@ -5,7 +5,7 @@ import hashlib
 import random
 
 from independent_judge import FILE_HEAD, HEAD, TRAILER_FORMAT, word
-from maker import DIGEST_INFO, head_sign, put, renew, split, trailer, trailer_sign
+from maker import DIGEST_INFO, head_sign, join_trailer, put, renew, split, trailer, trailer_lines, trailer_sign
 
 EXTREMES = (0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF)
 
@@ -80,19 +80,6 @@ def wrong_keys(maker, _step):
 
 
 MARKERS = [rb"--=</%s %sSigned File Fingerprint\>=--" % (a, b) for a in (b"Begin", b"End") for b in (b"", b"Kelvane ")]
-# What may become of any line of a trailer.
-LINE_CHANGES = {
-    "doubled": lambda line: [line, line],
-    "missing": lambda line: [],
-    "indented": lambda line: [b" " + line],
-    "with a blank": lambda line: [line + b" "],
-    "with NUL": lambda line: [line + b"\0"],
-    "with CR": lambda line: [line + b"\r"],
-    "in small letters": lambda line: [line.lower()],
-    "behind an empty one": lambda line: [b"", line],
-    **{f"behind {m}": lambda line, m=m: [m, line] for m in MARKERS},
-    **{f"replaced by {m}": lambda line, m=m: [m] for m in MARKERS},
-}
 
 
 def trailers(maker, _step):
@@ -101,31 +88,33 @@ def trailers(maker, _step):
     good = maker.pair.sign(hashlib.sha256(body).digest())
     whole = trailer(good)
 
-    def with_line(at, change):
-        return body + trailer(good, edit=lambda lines: lines[:at] + change(lines[at]) + lines[at + 1 :])
+    lines = trailer_lines(good)
 
-    for at in range(7):
-        for what, change in LINE_CHANGES.items():
-            yield f"line {at} {what}", with_line(at, change)
+    def with_line(at, changed):
+        return body + join_trailer(lines[:at] + changed + lines[at + 1 :])
+
+    for at, line in enumerate(lines):
+        changes = [[line + end] for end in (b" ", b"\0", b"\r")] + [[before, line] for before in (line, b"", *MARKERS)]
+        for changed in [[], [b" " + line], [line.lower()], *changes, *([marker] for marker in MARKERS)]:
+            yield f"line {at} becomes {changed}", with_line(at, changed)
         for other in range(at):
-            swap = {at: other, other: at}
-            swapped = trailer(good, edit=lambda lines: [lines[swap.get(i, i)] for i in range(7)])
-            yield f"lines {other}, {at} swapped", body + swapped
+            swapped = lines[:other] + [line] + lines[other + 1 : at] + [lines[other]] + lines[at + 1 :]
+            yield f"lines {other}, {at} swapped", body + join_trailer(swapped)
     for name in (b"sha1", b"SHA256", b"sha256x", b"sha25", b"md5", b"", b"sha256 sha256"):
-        yield f"hash {name}", with_line(3, lambda _: [b"Hash: " + name])
+        yield f"hash {name}", with_line(3, [b"Hash: " + name])
     text = base64.b64encode(good)
     texts = [b"", b"====", text[:-1], text[:-2], text[:-3] + b"===", text + b"AAAA", text + b"AA=="]
     texts += [text[:64] + odd + text[64:] for odd in (b"=", b" ", b"\t", b"\n")]
     texts += [b"*" + text[1:], b"\xe9" + text[1:], text.replace(b"+", b"-").replace(b"/", b"_")]
     for text in [*texts, b"A" * 2048, b"A" * 2052]:
-        yield f"signature text {text}", with_line(4, lambda _: [b"Signature: " + text])
+        yield f"signature text {text}", with_line(4, [b"Signature: " + text])
     size = len(whole)
     counts = (0, 1, size - 1, size, size + 1, len(body) + size, len(body) + size - HEAD, len(body), 999999)
     digits = [b"%06d" % count for count in counts]
     digits += [form % size for form in (b"%05d", b"%07d", b"%d", b"%6d", b"-%05d", b"+%05d", b"0x%04x")] + [b""]
     for first in digits:
         for last in digits:
-            yield f"lengths {first} {last}", body + trailer(good, lengths=(first, last))
+            yield f"lengths {first} {last}", body + join_trailer(lines, (first, last))
     for what, signature in {"255": good[1:], "cut": good[:-1], "257": good + b"\0", "led by 0": b"\0" + good}.items():
         yield f"signature of {what} bytes", body + trailer(signature)
     for at in (0, HEAD, HEAD + 1, len(body) - 1):

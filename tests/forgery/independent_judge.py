@@ -25,12 +25,12 @@ TRAILER = re.compile(
 BASE64 = re.compile(rb"(?:[A-Za-z0-9+/]{4})*(?:[A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=)?")
 
 
-def order_of(package):
-    return "=" if struct.unpack_from("=I", package, 5168)[0] == HOST_ORDER else ">"
+def order_of(head, mark=5168):
+    return "=" if struct.unpack_from("=I", head, mark)[0] == HOST_ORDER else ">"
 
 
-def word(package, offset):
-    return struct.unpack_from(order_of(package) + "I", package, offset)[0]
+def word(head, offset, mark=5168):
+    return struct.unpack_from(order_of(head, mark) + "I", head, offset)[0]
 
 
 def key_accepts(key, signature, digest):
@@ -71,14 +71,10 @@ def contained(package, words, signed):
     if offset < begin or offset + FILE_HEAD > end:
         return "-"
     head = package[offset : offset + FILE_HEAD]
-    order = "=" if struct.unpack_from("=I", head, 44)[0] == HOST_ORDER else ">"
-    stored = struct.unpack_from(order + "I", head, 24)[0]
-    data_length, head_b, compression = struct.unpack_from(order + "III", head, 328)
-    head_a = struct.unpack_from(order + "I", head, 12)[0]
+    head_a, stored, data_length, head_b, compression = (word(head, at, 44) for at in (12, 24, 328, 332, 336))
     data = offset + FILE_HEAD
-    if (head_a, head_b, data_length + FILE_HEAD) != (check_a, check_b, total):
-        return "-"
-    if compression != STORED or stored == 0 or data + stored > end:
+    belongs = (head_a, head_b, data_length + FILE_HEAD) == (check_a, check_b, total)
+    if not belongs or compression != STORED or stored == 0 or data + stored > end:
         return "-"
     name = head[104:328].split(b"\0")[0]
     return (name + b"\0" + package[data : data + stored]).hex()

@@ -64,9 +64,8 @@ def split(package):
     return (package, b"") if at < 0 else (package[:at], package[at:])
 
 
-def trailer(signature, key=b"maker", word=b"", edit=list, lengths=None):
-    """A trailer whose lines `edit` may change; its two lengths are right unless they are given."""
-    lines = [
+def trailer_lines(signature, key=b"maker", word=b""):
+    return [
         rb"--=</Begin %sSigned File Fingerprint\>=--" % word,
         b"Fingerprint Length: " + SIX_DIGITS,
         b"Key: " + key,
@@ -75,9 +74,17 @@ def trailer(signature, key=b"maker", word=b"", edit=list, lengths=None):
         b"Fingerprint Length: " + SIX_DIGITS,
         rb"--=</End %sSigned File Fingerprint\>=--" % word,
     ]
-    body = b"\n".join([*edit(lines), b""])
+
+
+def join_trailer(lines, lengths=None):
+    """A trailer of these lines; its two lengths are right unless they are given."""
+    body = b"\n".join([*lines, b""])
     first, last = lengths or [b"%06d" % len(body)] * 2
     return body.replace(SIX_DIGITS, first, 1).replace(SIX_DIGITS, last)
+
+
+def trailer(signature, **fields):
+    return join_trailer(trailer_lines(signature, **fields))
 
 
 def put(package, offset, value):
@@ -110,8 +117,7 @@ class Maker:
         self.mkpkg, self.directory = mkpkg, directory
         self.source, self.target = (os.path.join(directory, "valid" + end) for end in (".pkg", ".bin"))
         self.key_directory = os.path.join(directory, "keys")
-        self.pair = KeyPair(directory, "maker", "2048")
-        self.other = KeyPair(directory, "other", "2048")
+        self.pair, self.other = (KeyPair(directory, name, "2048") for name in ("maker", "other"))
         self.three = KeyPair(directory, "three", "-3", "2048")
         self.short = KeyPair(directory, "short", "1024")
         self.forms = {
