@@ -1,10 +1,8 @@
 #include "tests/support/package_fixture.h"
 
-#include "pkg/format/contained_file.h"
 #include "pkg/format/product_code.h"
 #include "pkg/format/signature.h"
 #include "tools/mkpkg/device_key.h"
-#include "util/unique_handle.h"
 
 void PackageTest::SetUp() {
   AddMedium("flash:");
@@ -63,17 +61,4 @@ std::string PackageTest::Compressed(mkpkg::Compression how, const std::string& d
                 how, [&](const mkpkg::Sink& sink) { return sink(data); }, take),
             "");
   return compressed;
-}
-
-UniquePackage PackageTest::Open(const std::string& package) {
-  WriteFile(kTestPackage, package);
-  return UniquePackage(PackageReadFileCreateByFile(kTestPackage));
-}
-
-std::string PackageTest::FileOf(const UniquePackage& reader, std::size_t row) {
-  std::uint32_t size = 0;
-  const UniqueText data(
-      static_cast<char*>(GetFileFromReadHeadByFileDesc(&reader->head.files[row], reader.get(), 0, &size, nullptr)));
-  EXPECT_EQ(data == nullptr, size == 0);
-  return data == nullptr ? "" : std::string(data.get(), size);
 }

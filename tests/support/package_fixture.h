@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "pkg/format/package_reader.h"
 #include "tests/support/private_root.h"
 #include "tools/mkpkg/compression.h"
 #include "tools/mkpkg/package_signer.h"
@@ -32,9 +31,4 @@ struct PackageTest : PrivateRootTest {
 
   /// Data as a package tool packs them.
   static std::string Compressed(mkpkg::Compression how, const std::string& data);
-
-  /// Stores a package and opens it. @return none when it does not open.
-  static UniquePackage Open(const std::string& package);
-  /// What an open package hands out of the file in a row of its table; empty for nothing.
-  static std::string FileOf(const UniquePackage& reader, std::size_t row);
 };

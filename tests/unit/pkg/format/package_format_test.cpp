@@ -5,15 +5,18 @@
 #include <utility>
 #include <vector>
 
+#include "pkg/format/contained_file.h"
 #include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/head_check.h"
 #include "pkg/format/line_reader.h"
 #include "pkg/format/package_digest.h"
+#include "pkg/format/package_reader.h"
 #include "pkg/format/product_code.h"
 #include "pkg/format/public_key.h"
 #include "pkg/format/signature.h"
 #include "tests/support/package_fixture.h"
 #include "util/result.h"
+#include "util/unique_handle.h"
 
 namespace {
 
@@ -25,6 +28,20 @@ constexpr std::size_t kImageRow = 3;
 constexpr std::size_t kDescriptionHead = kMainHeadSize + kFileHeadSize + 13;
 
 using SignatureTest = PackageTest;
+
+UniquePackage Open(const std::string& package) {
+  WriteFile(kTestPackage, package);
+  return UniquePackage(PackageReadFileCreateByFile(kTestPackage));
+}
+
+/// What an open package hands out of the file in a row of its table; empty for nothing.
+std::string FileOf(const UniquePackage& reader, std::size_t row) {
+  std::uint32_t size = 0;
+  const UniqueText data(
+      static_cast<char*>(GetFileFromReadHeadByFileDesc(&reader->head.files[row], reader.get(), 0, &size, nullptr)));
+  EXPECT_EQ(data == nullptr, size == 0);
+  return data == nullptr ? "" : std::string(data.get(), size);
+}
 
 PackageVerdict JudgeOpen(const UniquePackage& reader) {
   return JudgePackage(reader.get(), kTestProductTag, kSignKeyDirectory);
@@ -65,8 +82,7 @@ TEST_F(SignatureTest, FunctionsTellByTheirResultWhatAFileIs) {
 TEST_F(SignatureTest, KeyWithASmallExponentOrAnEvenModulusIsRefused) {
   const std::string path = std::string(kSignKeyDirectory) + "/prefixed" + kKeySuffix;
   const std::string good = ReadFile(path);
-  for (const auto& [end, bytes] :
-       {std::pair(std::size_t{3}, std::string("\0\xFF\xFF", 3)), {kKeyNumberSize + 1, "\x02"}}) {
+  for (const auto& [end, bytes] : {std::pair(3UL, std::string("\0\xFF\xFF", 3)), {kKeyNumberSize + 1, "\x02"}}) {
     WriteFile(path, std::string(good).replace(good.size() - end, bytes.size(), bytes));
     EXPECT_EQ(JudgeOpen(Open(Sign(Compose(Contents()), {.key_name = "prefixed", .digest_info = true}))), kKeyValue);
   }
@@ -111,13 +127,8 @@ TEST_F(SignatureTest, VerifiedPackageHandsOutOnlyWhatWasVerified) {
 
 TEST(LineReader, EndsLinesAtLfCrAndBothTogether) {
   const std::pair<std::string, const char*> cases[] = {
-      {"", ""},
-      {"a", "a|"},
-      {"a\n", "a|"},
-      {"a\r\nb\rc\nd", "a|b|c|d|"},
-      {"\n\r\r\n\n", "||||"},
-      {" a \r", " a |"},
-      {std::string("a\0b\nc", 5), "a|c|"},  // a line is a C string
+      {"", ""},          {"a\r\nb\rc\nd", "a|b|c|d|"},        {"\n\r\r\n\n", "||||"},
+      {" a \r", " a |"}, {std::string("a\0b\nc", 5), "a|c|"},  // a line is a C string
   };
   for (const auto& [text, lines] : cases) {
     // Exactly as long as the text, so that reading past its end is seen.
@@ -129,7 +140,9 @@ TEST(LineReader, EndsLinesAtLfCrAndBothTogether) {
   }
 }
 
-TEST_F(SignatureTest, DeviceReadsATagOnItsFirstLineOnly) {
+using VersionTag = PackageTest;
+
+TEST_F(VersionTag, DeviceReadsATagOnItsFirstLineOnly) {
   const auto tag_of = [](const std::string& line) {
     WriteFile("/etc/version", "Name : x\n" + line + "\nProductTag : 0x2\n");
     return ReadVersionTag("/etc/version", kProductTagName);
