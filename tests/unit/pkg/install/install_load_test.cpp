@@ -22,13 +22,11 @@ UniqueLines Lines(const std::string& text) { return UniqueLines(ReadBuffCreateBy
 
 TEST(Compatibility, WantsTheBootImagesVersionBehindTheBootLine) {
   constexpr std::tuple<const char*, const char*, const char*, bool> kCases[] = {
-      {"[boot]\nV1\n", "R1", "V1-R1", true},  {"[boot]\nV1\n", "", "V1", true},
-      {"[boot]\nV1\n", "R1", "V1", false},    {"[boot]\nV1\n", "R1", "V1-R10", false},
-      {"[boot]\nV1-R1\n", "", "V1-R1", true}, {"[boot]\nV1-R\n", "R1", "V1-R1", false},
-      {"[boot]\n\t V1 \r\n", "", "V1", true}, {"V1\n[boot]\nV2\n", "", "V1", false},
-      {"[Boot]\nV1\n", "", "V1", false},      {"[boot]\n[other]\nV1", "", "V1", true},
-      {"[boot]", "", "[boot]", true},         {"[boot]\n\nV1\n", "", "", false},
-      {"[boot]\n\nV1\n", "R1", "-R1", true},
+      {"[boot]\nV1\n", "R1", "V1-R1", true},   {"[boot]\n\t V1-R1 \r\n", "", "V1-R1", true},
+      {"[boot]\nV1\n", "R1", "V1", false},     {"[boot]\nV1\n", "R1", "V1-R10", false},
+      {"[Boot]\nV1\n", "", "V1", false},       {"[boot]\nV1-R\n", "R1", "V1-R1", false},
+      {"[boot]\n[other]\nV1", "", "V1", true}, {"[boot]", "", "[boot]", true},
+      {"[boot]\n\nV1\n", "", "", false},       {"[boot]\n\nV1\n", "R1", "-R1", true},
   };
   for (const auto& [list, product, running, complies] : kCases)
     EXPECT_EQ(IsCompliant(Lines(list).get(), product, running), complies) << list << running;
@@ -54,8 +52,7 @@ TEST(Compatibility, VersionsComeFromTheDescription) {
 
 TEST(PackageName, NeedsItsSuffixAndMore) {
   constexpr std::tuple<const char*, std::size_t, std::uint16_t> kCases[] = {
-      {"a.bin", 5, 1}, {"a.bin", 4, 0},  {"A.BiN", 9, 1}, {".bin", 9, 0},
-      {"", 9, 0},      {"a.bin.", 9, 0}, {"abin", 9, 0},  {"a.bin.bin", 9, 1}};
+      {"A.BiN", 5, 1}, {"A.BiN", 4, 0}, {".bin", 9, 0}, {"a.bin.", 9, 0}, {"abin", 9, 0}, {"a.bin.bin", 9, 1}};
   for (const auto& [name, longest, fits] : kCases) EXPECT_EQ(ESH_FilterFile(name, ".bin", longest), fits) << name;
 }
 
