@@ -32,7 +32,6 @@ struct ProductIdentity : PrivateRootTest {
     return g_stOemConsumerInfo;
   }
 
-  /// What the operator is shown.
   static std::string Version() {
     ScriptedStdio stdio;
     (void)ESH_ProcDisVersion();
@@ -80,7 +79,6 @@ TEST_F(ProductIdentity, FieldsAreReadAsTheyAreWritten) {
       {"a written line break", "\nsysContact: a\\r\\nb\\r\\\\r\\n\n", "Ostrel|a\r\nb\\r\\\r\n|0"},
       {"a corporation in any case", "\noem: dURELL\n", "Ostrel|Ostrel Networks Ltd.|2"},
       {"only the first letters of a corporation", "\noem: Ilver\n", "Ostrel|Ostrel Networks Ltd.|42"},
-      {"the next section", "\n[default-Other]\nproductName: n\n", unchanged},
   };
   for (const auto& [why, section, told] : cases) {
     const OEM_CONSUMER_INFO_S record = Record(std::string("[default]") + section);
