@@ -9,18 +9,13 @@ from binascii import crc_hqx  # CRC-16/XMODEM
 HEAD = 6180
 FILE_HEAD = 340
 TRAILER_FORMAT = 0xFF00A105
-HOST_ORDER = 0xFFFFFFFF
-STORED = 0xFFFFFFFF
+HOST_ORDER = STORED = 0xFFFFFFFF
 HEAD_KEY = b"digital_sign_old_public"
 
 TRAILER = re.compile(
-    rb"--=</Begin (?P<word>(?:Kelvane )?)Signed File Fingerprint\\>=--\n"
-    rb"Fingerprint Length: (?P<length>[0-9]{6})\n"
-    rb"Key: (?P<key>[^\x00\s]+)\n"
-    rb"Hash: sha256\n"
-    rb"Signature: (?P<signature>[^\x00\s]+)\n"
-    rb"Fingerprint Length: (?P=length)\n"
-    rb"--=</End (?P=word)Signed File Fingerprint\\>=--\n\Z"
+    rb"--=</Begin (?P<word>(?:Kelvane )?)Signed File Fingerprint\\>=--\nFingerprint Length: (?P<length>[0-9]{6})\n"
+    rb"Key: (?P<key>[^\x00\s]+)\nHash: sha256\nSignature: (?P<signature>[^\x00\s]+)\n"
+    rb"Fingerprint Length: (?P=length)\n--=</End (?P=word)Signed File Fingerprint\\>=--\n\Z"
 )
 BASE64 = re.compile(rb"(?:[A-Za-z0-9+/]{4})*(?:[A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=)?")
 
