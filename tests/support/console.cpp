@@ -52,12 +52,11 @@ bool ConsoleEnd::TakeIn(milliseconds time) {
   if (poll(&console, 1, static_cast<int>(time.count())) <= 0) return false;
   char bytes[4096];
   const ssize_t length = read(ConsoleFd(), bytes, sizeof(bytes));
-  const bool is_closed = length <= 0;
-  if (is_closed)
-    std::this_thread::sleep_for(milliseconds(1));  // which the terminal says at once, and for ever
-  else
+  if (length > 0)
     printed_.append(bytes, static_cast<std::size_t>(length));
-  return !is_closed;
+  else
+    std::this_thread::sleep_for(milliseconds(1));  // a closed terminal says so at once, and for ever
+  return length > 0;
 }
 
 void ConsoleEnd::GiveUp(const std::string& problem) {

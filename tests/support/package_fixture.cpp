@@ -17,11 +17,8 @@ void PackageTest::SetUp() {
 }
 
 const mkpkg::UniqueKey& PackageTest::MakerKey() {
-  static const mkpkg::UniqueKey maker = [] {
-    mkpkg::UniqueKey key;
-    EXPECT_EQ(mkpkg::GenerateKey(mkpkg::kLeastExponent, key), "");
-    return key;
-  }();
+  static mkpkg::UniqueKey maker;
+  if (maker == nullptr) EXPECT_EQ(mkpkg::GenerateKey(mkpkg::kLeastExponent, maker), "");
   return maker;
 }
 

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 #include "device/board/namespaces.h"
 #include "util/unique_handle.h"
@@ -88,9 +88,8 @@ void WriteFile(const std::string& path, const std::string& text) {
 }
 
 std::string ReadFile(const std::string& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void AddMedium(const std::string& device) {

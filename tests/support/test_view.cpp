@@ -4,28 +4,24 @@
 
 #include <array>
 #include <cstdio>
-#include <deque>
+#include <cstring>
 #include <sstream>
 #include <utility>
 #include <vector>
 
 namespace {
 
-constexpr std::size_t kMaxCommands = 32;
-
-std::deque<std::string> g_texts;  // the elements keep pointers into them
 std::vector<std::string> g_commands;
-std::vector<void*>& g_kept = *new std::vector<void*>;  // views and their commands, which nobody frees
+std::vector<void*>& g_kept = *new std::vector<void*>;  // views, their commands and the words, which nobody frees
 std::string g_ran;
 
-template <std::size_t... kIndexes>
-constexpr std::array<ESH_CMD_PROC_F, sizeof...(kIndexes)> MakeHandlers(std::index_sequence<kIndexes...>) {
-  return {[] {
+constexpr auto kHandlers = []<std::size_t... kIndexes>(std::index_sequence<kIndexes...>) {
+  return std::array<ESH_CMD_PROC_F, sizeof...(kIndexes)>{[] {
     g_ran += g_commands[kIndexes] + (__fpending(stdout) == 0 ? "\n" : " before its line ended\n");
     return 0U;
   }...};
 }
-constexpr auto kHandlers = MakeHandlers(std::make_index_sequence<kMaxCommands>());
+(std::make_index_sequence<32>());
 
 /// What the words of the tests begin with that are no keywords, the longer beginning first.
 constexpr std::pair<const char*, std::uint32_t> kPlaceholders[] = {
@@ -42,7 +38,6 @@ std::uint32_t TypeOfWord(const std::string& word) {
 }  // namespace
 
 TestView::TestView(const char* prompt, std::initializer_list<const char*> commands) : before_(g_pstEshCurrentView) {
-  g_texts.clear();
   g_commands.clear();
   g_ran.clear();
   g_pstEshCurrentView = ViewInfoAlloc(prompt);
@@ -58,7 +53,8 @@ void TestView::Add(const std::string& words, ESH_CMD_HELP_F help, ESH_CMD_CHECK_
   std::istringstream stream(words);
   for (std::string word; stream >> word;) {
     const std::uint32_t type = TypeOfWord(word);
-    const char* text = g_texts.emplace_back(word).c_str();
+    char* text = strdup(word.c_str());
+    g_kept.push_back(text);
     if (type == ESH_ELEM_CR)
       ESH_CmdThread_AddCr(thread);
     else
