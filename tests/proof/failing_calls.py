@@ -9,6 +9,7 @@ is seen.
 import argparse
 import collections
 import contextlib
+import filecmp
 import os
 import pathlib
 import re
@@ -22,22 +23,12 @@ import time
 import typing
 
 import psutil
-from operator_console import SAMPLES, TOP, OperatorConsole
+from operator_console import SAMPLES, TOP, OperatorConsole, files_below
 
-CONSOLE = "/dev/pts/0"
-USUAL = "EIO", "EINTR"
-ERRORS = {  # of a call; the others may have the usual ones. SHORT: it says that it wrote one byte
-    "write": ("ENOSPC", "EIO", "EINTR", "SHORT"),
-    "openat": ("EACCES", "EMFILE", "EIO"),
-    "unlink": ("EROFS", "EIO"),
-    "rmdir": ("EBUSY", "EIO"),
-    "mkdir": ("ENOSPC", "EROFS"),
-    "clone": ("EAGAIN", "ENOMEM"),
-    "wait4": ("EINTR",),
-    "brk": ("ENOMEM",),
-    "mmap": ("ENOMEM",),
-    "socket": ("EMFILE",),
-    "access": ("EACCES", "EIO"),
+ERRORS = {  # of a call; the others may have EIO and EINTR. SHORT: it says that it wrote one byte
+    "write": "ENOSPC EIO EINTR SHORT", "openat": "EACCES EMFILE EIO", "unlink": "EROFS EIO", "rmdir": "EBUSY EIO",
+    "mkdir": "ENOSPC EROFS", "clone": "EAGAIN ENOMEM", "wait4": "EINTR", "brk": "ENOMEM", "mmap": "ENOMEM",
+    "socket": "EMFILE", "access": "EACCES EIO",
 }
 # What cannot fail; fchdir, without which there is no way back; and close, which closes in any case, but not under strace.
 NEVER_FAIL = {"rt_sigaction", "rt_sigprocmask", "rt_sigreturn", "getpid", "getpgrp", "getpgid", "munmap", "sync", "futex"}
@@ -45,7 +36,7 @@ NEVER_FAIL |= {"fchdir", "close"}
 TOOLS = {"missing": None, "fails": "#!/bin/sh\nexit 1\n", "killed": "#!/bin/sh\nkill -9 $$\n"}
 TOLD_BY_TOOLS = "tftp", "ftp", "format"  # the shell itself says nothing of how they went
 SYSTEM = TOP / "device/packages/system"
-LOADED = {name: (SYSTEM / name).stat().st_size for name in ("sbin/tessaro", "etc/tessaro-version")}
+LOADED = ["sbin/tessaro", "etc/tessaro-version"]  # of the system's files
 NO_ROOM = "Failed to finish the operation because of insufficient storage space or quota limitation."
 
 
@@ -78,18 +69,13 @@ COMMANDS = [
     # Of two names TAB takes none for the other: were it the only one, "dir" would then list it.
     Command("dir fl", key="\t"),
 ]
-COMMANDS_OF_THE_PORT = [
-    Command("ip address 10.0.0.3 24", before="ip address 10.0.0.2 24"),
-    Command("ip gateway 10.0.0.254", before="undo ip gateway"),
-    Command("ipv6 address fd00::3 64", before="undo ipv6 address"),
-    Command("ipv6 gateway fe80::1", before="undo ipv6 gateway"),
-    Command("undo ip gateway", before="ip gateway 10.0.0.254"),
-    Command("undo ip address", before="ip address 10.0.0.2 24"),
-    Command("undo ipv6 gateway", before="ipv6 gateway fe80::1"),
-    Command("undo ipv6 address", before="ipv6 address fd00::3 64"),
-    Command("shutdown", before="undo shutdown"),
-    Command("undo shutdown", before="shutdown"),
-]
+COMMANDS_OF_THE_PORT = [Command(line, before=before) for line, before in (
+    ("ip address 10.0.0.3 24", "ip address 10.0.0.2 24"), ("ip gateway 10.0.0.254", "undo ip gateway"),
+    ("ipv6 address fd00::3 64", "undo ipv6 address"), ("ipv6 gateway fe80::1", "undo ipv6 gateway"),
+    ("undo ip gateway", "ip gateway 10.0.0.254"), ("undo ip address", "ip address 10.0.0.2 24"),
+    ("undo ipv6 gateway", "ipv6 gateway fe80::1"), ("undo ipv6 address", "ipv6 address fd00::3 64"),
+    ("shutdown", "undo shutdown"), ("undo shutdown", "shutdown"),
+)]
 # Typed into every shell; the display first, as libcrypto does not bear that memory is missing when it sets itself up.
 SETTINGS = "display install package system.bin|system-view|interface m-eth0|ip address 10.0.0.2 24|quit|quit".split("|")
 
@@ -99,17 +85,16 @@ class Device(OperatorConsole):
 
     def __init__(self):
         super().__init__()
-        self.is_torn = False
         self.find_shell()
 
     def find_shell(self):
         # The first one waits for the shell, and becomes what takes the console, and then a shell's first one again.
-        below = {process.pid for process in psutil.Process(self.console.pid).children(recursive=True)}
-        found = [p for p in psutil.process_iter(["name", "ppid"]) if p.info["name"] == "esh" and p.pid in below]
+        below = psutil.Process(self.pid).children(recursive=True)
+        found = [p for p in psutil.process_iter(["name", "ppid"]) if p.info["name"] == "esh" and p in below]
         parents = {process.pid: process.info["ppid"] for process in found}
         self.shell, waits = next((pid, parent) for pid, parent in parents.items() if parent in parents)
         self.root = pathlib.Path(f"/proc/{waits}/root")
-        self.plan = self.root / "tmp/fault"
+        self.plan, self.is_torn = self.root / "tmp/fault", False
         for line in SETTINGS:
             self.type(line)
 
@@ -119,12 +104,7 @@ class Device(OperatorConsole):
         (self.root / "etc/ld.so.preload").write_text("/lib/faults.so\n")
         self.start_again()
 
-    def shell_on_device(self):
-        """The shell's number in its own name space."""
-        return re.search(r"NSpid:.*\t(\d+)", pathlib.Path(f"/proc/{self.shell}/status").read_text())[1]
-
     def start_again(self):
-        self.is_torn = False
         os.kill(self.shell, signal.SIGKILL)
         self.wait_for_prompt()
         self.find_shell()
@@ -134,11 +114,8 @@ class Device(OperatorConsole):
         process = pathlib.Path(f"/proc/{self.shell}")
         descriptors = sorted((link.name, os.readlink(link)) for link in (process / "fd").iterdir())
         children = (process / f"task/{self.shell}/children").read_text()
-        console = os.open(process / "fd/0", os.O_RDWR | os.O_NOCTTY)
-        try:
+        with (process / "fd/0").open("rb", buffering=0) as console:
             modes = termios.tcgetattr(console)
-        finally:
-            os.close(console)
         return descriptors, children, modes, os.readlink(process / "cwd")
 
     def prepare(self):
@@ -153,23 +130,15 @@ class Device(OperatorConsole):
                 shutil.rmtree(entry) if entry.is_dir() else entry.unlink()
             for name in "dir", "empty":
                 (place / name).mkdir()
-            (place / "a").write_bytes(medium.encode() * 15000)
-            (place / "o").write_bytes(b"older\n")
-            (place / "flash.txt").touch()
-            (place / "dir/x").write_bytes(b"kept\n")
+            for name, text in {"a": medium * 15000, "o": "older\n", "flash.txt": "", "dir/x": "kept\n"}.items():
+                (place / name).write_text(text)
             for name in "system.bin", "boot.bin", "bad/forged.bin":
                 shutil.copy(SAMPLES / name, place)
             for entry in place.rglob("*"):
                 os.utime(entry, (0, 0))
 
     def files(self):
-        mnt = self.root / "mnt"
-        found = [path for medium in ("flash:", "cfa0:") for path in (mnt / medium).rglob("*")]
-        return {str(path.relative_to(mnt)): path.read_bytes() if path.is_file() else None for path in found}
-
-    def loaded(self):
-        """The sizes of a loaded system's files."""
-        return {name: (self.root / name).stat().st_size for name in LOADED if (self.root / name).exists()}
+        return files_below(self.root / "mnt")
 
     @contextlib.contextmanager
     def replaced(self, tool, script):
@@ -207,11 +176,10 @@ class Strace:
 def calls_in(trace, shell):
     """Names and numbers of the shell's calls, counted by name, that are not about the console."""
     counts = collections.Counter()
-    for line in trace.splitlines():
-        if found := re.match(rf"{shell} +(\w+)\(", line):
-            counts[found[1]] += 1
-            if CONSOLE not in line and found[1] not in NEVER_FAIL:
-                yield found[1], counts[found[1]]
+    for name, rest in re.findall(rf"^{shell} +(\w+)\((.*)", trace, re.MULTILINE):
+        counts[name] += 1
+        if "/dev/pts/0" not in rest and name not in NEVER_FAIL:
+            yield name, counts[name]
 
 
 class Proof:
@@ -251,7 +219,7 @@ class Proof:
         if self.options.short:
             calls = dict(calls).items()
         for name, number in calls:
-            for error in ERRORS.get(name, USUAL)[: 1 if self.options.short else None]:
+            for error in ERRORS.get(name, "EIO EINTR").split()[: 1 if self.options.short else None]:
                 what = "retval=1" if error == "SHORT" else f"error={error}"
                 self.try_once(f"{name} {number} {error}", f"-einject={name}:{what}:when={number}")
         for tool in sorted(set(re.findall(r'execve\("(/(?:bin|etc)/[^"]*)".* = 0', trace))):
@@ -282,15 +250,16 @@ class Proof:
         """@return what was said, and the trace, or what became of the plan that a block of memory fails."""
         if self.command.before:
             self.device.type(self.command.before)
-        self.device.press(self.command.line)
-        self.device.console.expect(re.escape(self.command.line))
+        self.device.send(self.command.line)
+        self.device.expect(re.escape(self.command.line))
         if block:
-            self.device.plan.write_text(f"{block} {self.device.shell_on_device()}")
+            status = pathlib.Path(f"/proc/{self.device.shell}/status").read_text()
+            self.device.plan.write_text(f"{block} " + re.search(r"NSpid:.*\t(\d+)", status)[1])  # as the device counts
         strace = None if block else Strace(self.device.shell, *options)
         if self.command.key:
-            self.device.press(self.command.key)
-            self.device.console.expect("<boot>")
-        self.device.press("\r")
+            self.device.send(self.command.key)
+            self.device.expect("<boot>")
+        self.device.send("\r")
         said = self.device.wait_for_prompt()
         if said is None:
             sys.exit(f"{self.row}: there is no prompt")  # nothing is as bad, or can be tried after it
@@ -302,7 +271,6 @@ class Proof:
         return said, became
 
     def judge(self, said, state):
-        before, done = self.before, self.done
         state_now = self.device.state()
         if self.row.startswith("format"):  # chooses the working directory, the last of these, anew
             state, state_now = state[:-1], state_now[:-1]
@@ -310,23 +278,23 @@ class Proof:
             self.fault(f"was {state} and is {state_now}")
         after = self.device.files()
         ends_copy = self.row.startswith("copy") and ": read " in self.row  # as the end of the file does
-        for name in before | done | after:
+        for name in self.before | self.done | after:
             if not any(name == change or (change[-1] == "/" and name.startswith(change)) for change in self.command.changes):
-                if after.get(name, "") != before.get(name, ""):
+                if after.get(name, "") != self.before.get(name, ""):
                     self.fault(f"{name} has changed")
-            elif after.get(name, "") not in (before.get(name, ""), done.get(name, ""), "") and not ends_copy:
+            elif after.get(name, "") not in (self.before.get(name, ""), self.done.get(name, ""), "") and not ends_copy:
                 self.fault(f"{name} is a part")
-        if "delete" not in self.row and before["flash:/a"] not in after.values():
+        if "delete" not in self.row and self.before["flash:/a"] not in after.values():
             self.fault("the source is lost")
         if ": block " in self.row and self.command.key and "Directory of" in said:  # a folder may be unreadable
             self.fault("one of two names is taken for the only one")
         if "forged" in self.row and "Loading" in said:
             self.fault("a forged package is loaded")
-        if "<Tessaro>" in said and self.device.loaded() != LOADED:
+        if "<Tessaro>" in said and filecmp.cmpfiles(SYSTEM, self.device.root, LOADED, shallow=False)[0] != LOADED:
             self.fault("half a system is loaded")
         if re.match("copy .* (write|fsync) ", self.row) and NO_ROOM not in said:
             self.fault("was not told: " + said)
-        if after != done and said == self.said and not ends_copy and not self.row.startswith(TOLD_BY_TOOLS):
+        if after != self.done and said == self.said and not ends_copy and not self.row.startswith(TOLD_BY_TOOLS):
             self.fault("was reported as done: " + said)
         if self.device.type("pwd") is None:
             self.fault("the next command does not work")
@@ -358,7 +326,7 @@ def main():
     try_commands(proof.device, proof.try_blocks)
     count = len(COMMANDS) + len(COMMANDS_OF_THE_PORT)
     print(f"failing calls: {count} commands, {proof.rows} failures, {proof.missed} not reached, {proof.faults} faults")
-    proof.device.end()
+    proof.device.close()
     sys.exit(proof.faults != 0)
 
 

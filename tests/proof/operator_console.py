@@ -2,7 +2,6 @@
 
 import os
 import pathlib
-import re
 import sys
 import time
 
@@ -10,52 +9,44 @@ import pexpect
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
 SAMPLES = TOP / "build/release/device/packages/samples/flash"
-PROMPT = re.compile(r"\n.*(<boot>|\[boot[^]]*\])$")
-ANSWERS = {"[Y/N]:": "y\r", "user:": "operator\r", "password:": "harbour\r", "---- More ----     ": " "}
-ANSWERS |= {"halt the device.\r\n": "\r", "<Tessaro>": "boot\r"}  # of those who take over when the shell has ended
+PROMPT = r"\n[^\n]*(<boot>|\[boot[^]]*\])$"
+ANSWERS = {r"\[Y/N]:$": "y\r", "user:$": "operator\r", "password:$": "harbour\r", "---- More ----     $": " "}
+ANSWERS |= {"halt the device.\r\n$": "\r", "<Tessaro>$": "boot\r"}  # of those who take over when the shell has ended
 
 
-class OperatorConsole:
+class OperatorConsole(pexpect.spawn):
     def __init__(self, *arguments, **environment):
         """Boots the device with these options, and waits for its first prompt. Where nobody may make namespaces, the
         program ends as one that is skipped."""
         if "ESH_NO_NAMESPACES" in os.environ:
             sys.exit(77)
-        self.console = pexpect.spawn(
-            str(TOP / "build/release/esh-device"),
-            list(arguments),
-            env={**os.environ, **environment},
-            dimensions=(24, 200),
-            encoding="latin-1",
-        )
+        environment = {**os.environ, **environment}
+        program = str(TOP / "build/release/esh-device")
+        super().__init__(program, list(arguments), env=environment, dimensions=(24, 200), encoding="latin-1")
         if self.wait_for_prompt() is None:
-            raise RuntimeError("there is no prompt: " + str(self.console.before))
-
-    def press(self, keys):
-        self.console.send(keys)
+            raise RuntimeError("there is no prompt: " + self.before)
 
     def wait_for_prompt(self, watch=lambda: None):
         """Says yes and logs in; calls `watch` all the time. @return what was said; None when no prompt comes."""
         said, limit = "", time.monotonic() + 60
         while time.monotonic() < limit:
-            try:
-                said += self.console.read_nonblocking(4096, timeout=0.001)
-            except pexpect.TIMEOUT:
-                time.sleep(0.001)
-            except pexpect.EOF:
-                return None
+            found = self.expect([PROMPT, *ANSWERS, pexpect.TIMEOUT, pexpect.EOF], timeout=0.001)
             watch()
-            if PROMPT.search(said):
-                return said
-            for question, answer in ANSWERS.items():
-                if said.endswith(question):
-                    self.press(answer)
-                    said += " "  # it is answered
+            if self.after is pexpect.EOF:
+                return None
+            if self.after is not pexpect.TIMEOUT:
+                said += self.before + self.after
+                if found == 0:
+                    return said
+                self.send([*ANSWERS.values()][found - 1])
         return None
 
     def type(self, line, watch=lambda: None):
-        self.press(line + "\r")
+        self.send(line + "\r")
         return self.wait_for_prompt(watch)
 
-    def end(self):
-        self.console.close(force=True)
+
+def files_below(directory):
+    """Name and bytes of every file, and None for a directory."""
+    paths = directory.rglob("*")
+    return {str(path.relative_to(directory)): path.read_bytes() if path.is_file() else None for path in paths}

@@ -19,14 +19,12 @@ import sys
 import tempfile
 import time
 
-from operator_console import SAMPLES, OperatorConsole
+from operator_console import SAMPLES, OperatorConsole, files_below
 
 SECTOR = 512
 EXT4_BLOCK = 1024
 FLUSH, DISCARD = 1, 4
-FSCK_WORKED = 7  # e2fsck: 8 and more say that it could not work
 MEDIA = "flash:", "cfa0:"
-COUNTS = "commands", "states", "reported", "parts", "older files gone", "renamed files gone", "faults"
 LONG = "a-long-name-" * 4 + "bin"
 Entry = collections.namedtuple("Entry", "end sector flags data")  # what a log says was done, and where that ends
 
@@ -53,8 +51,7 @@ class Disk:
         self.torn_at = SECTOR if filesystem == "fat" else EXT4_BLOCK
         self.entries = []
         self.log.touch()
-        with self.image.open("wb") as image:
-            image.truncate(8 << 20)
+        self.image.write_bytes(bytes(8 << 20))
         if filesystem == "fat":
             run("mformat", "-i", self.image, "-c", "1", "::")
             run("mcopy", "-s", "-i", self.image, *sorted(contents.iterdir()), "::")
@@ -63,10 +60,6 @@ class Disk:
             with self.image.open("r+b") as image:
                 image.write(b"in use")  # the boot block: all zeros mean a new disk
         self.base = self.image.read_bytes()
-
-    def count_at(self, size):
-        """How many entries a log of that size holds completely."""
-        return bisect.bisect_right([entry.end for entry in self.entries], size)
 
     def state(self, count, chance):
         """The bytes after so many entries: of the sectors written since the last flush, `chance` keeps some, if it is
@@ -101,12 +94,10 @@ class Disk:
                 else:
                     run("mcopy", "-n", "-i", image, name, place, most=1)
         else:
-            run("e2fsck", "-fy", image, most=FSCK_WORKED)
+            run("e2fsck", "-fy", image, most=7)  # 8 and more say that it could not work
             run("debugfs", "-R", f"rdump / {found}", image)
             shutil.rmtree(found / "lost+found", ignore_errors=True)
-        return {
-            str(path.relative_to(found)): path.read_bytes() if path.is_file() else None for path in found.rglob("*")
-        }
+        return files_below(found)
 
 
 def run(*words, most=0):
@@ -122,7 +113,8 @@ class Cuts:
     def __init__(self, directory, options):
         self.directory, self.options = directory, options
         self.chance = random.Random(options.seed)
-        self.counts = dict.fromkeys(COUNTS, 0)
+        names = "commands", "states", "reported", "parts", "older files gone", "renamed files gone", "faults"
+        self.counts = dict.fromkeys(names, 0)
         self.states = {}  # of each medium the bytes looked at last
         sizes = {"keep/book.bin": 100_000, "keep/a long name.text": 5, "old": 60_000, "source": 150_000}
         contents = directory / "contents"
@@ -163,8 +155,9 @@ class Cuts:
             found = self.look(sizes, self.chance)
             if all(size >= size_then for size, size_then in zip(sizes, done)):
                 self.counts["reported"] += 1
-                if found != wanted:
-                    self.fault(line, "was reported, and is not there: " + difference(wanted, found))
+                wrong = [name for name in sorted(wanted | found) if wanted.get(name, "") != found.get(name, "")]
+                if wrong:
+                    self.fault(line, "was reported, and is not there: " + ", ".join(wrong))
             else:
                 self.judge(line, before, wanted, found, moved)
             if moved and before[moved[0]] not in (found.get(name) for name in moved):
@@ -178,7 +171,11 @@ class Cuts:
         self.cut(f"move {source} {destination}", {source: "", destination: source})
 
     def sizes(self):
-        return [disk.log.stat().st_size for disk in self.disks]
+        """Those of the logs at one moment: read again as long as one has grown meanwhile."""
+        sizes = None
+        while sizes != (again := [disk.log.stat().st_size for disk in self.disks]):
+            sizes = again
+        return sizes
 
     def sample(self, samples):
         """Notes the logs' sizes when one has grown: what one disk had when another one had something."""
@@ -210,23 +207,19 @@ class Cuts:
         for name, disk, size in zip(MEDIA, self.disks, sizes):
             if not disk.entries or disk.entries[-1].end < size:
                 disk.entries = entries_of(disk.log)
-            self.states[name] = disk.state(disk.count_at(size), chance)
+            count = bisect.bisect_right(disk.entries, size, key=lambda entry: entry.end)
+            self.states[name] = disk.state(count, chance)
             found = disk.files_in(self.states[name], self.directory)
-            files.update({f"{name}/{path}": data for path, data in found.items()})
+            files |= {f"{name}/{path}": data for path, data in found.items()}
         return files
 
     def judge(self, line, before, wanted, found, moved):
         for name in sorted(before | wanted | found, key=str):
-            old, new = before.get(name, ""), wanted.get(name, "")
-            state = found.get(name, "")
-            if state in (old, new):
-                continue
-            if old == new and name not in moved:
+            old, new, state = (files.get(name, "") for files in (before, wanted, found))
+            if old == new != state and name not in moved:
                 self.fault(line, f"{name} is not the command's and changed")
-            elif state == "":
-                self.counts["older files gone"] += 1
-            else:
-                self.counts["parts"] += 1
+            elif state not in (old, new):
+                self.counts["older files gone" if state == "" else "parts"] += 1
 
     def fault(self, line, problem):
         self.counts["faults"] += 1
@@ -236,10 +229,6 @@ class Cuts:
             for name, state in self.states.items():
                 pathlib.Path(kept, name).write_bytes(state)
             print(f"the media then are kept in {kept}", file=sys.stderr)
-
-
-def difference(wanted, found):
-    return ", ".join(name for name in sorted(wanted | found) if wanted.get(name, "") != found.get(name, ""))
 
 
 def main():
@@ -279,7 +268,7 @@ def main():
             cuts.cut("format cfa0:", {name: "" for name in kept if name.startswith("cfa0:")})
         counts = ", ".join(f"{count} {name}" for name, count in cuts.counts.items())
         print(f"power cuts, {options.filesystem}, seed {options.seed}: {counts}")
-        cuts.console.end()
+        cuts.console.close()
     sys.exit(cuts.counts["faults"] != 0)
 
 
