@@ -39,8 +39,7 @@ std::vector<std::string> TextsOf(const char* joined) {
 }
 
 /// A console whose line is bad: seeded rubbish at full speed. ESH_BAD_LINE="BYTES SEED" has it last longer.
-class NativeBadLine : public OperatorConsole {
- protected:
+struct NativeBadLine : OperatorConsole {
   void SetUp() override {
     if (const char* numbers = std::getenv("ESH_BAD_LINE")) std::istringstream(numbers) >> bytes_ >> seed_;
     random_.seed(seed_);

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <regex>
-#include <string>
 #include <vector>
 
 #include "tests/support/console.h"
@@ -68,8 +67,7 @@ std::string KeysOf(const std::string& prompt, const std::string& text) {
 }
 
 /// A newcomer with a clone of the project, who types what its documents show.
-class Documents : public testing::Test {
- protected:
+struct Documents : testing::Test {
   void SetUp() override {
     std::string name = "/tmp/clone-XXXXXX";
     ASSERT_NE(mkdtemp(name.data()), nullptr);
@@ -117,12 +115,11 @@ class Documents : public testing::Test {
     EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 1) << "not looked at, for no prompt follows:\n" << shown;
   }
 
- private:
   fs::path clone_;
 };
 
-class NativeDocuments : public Documents {};
-class Arm64Documents : public Documents {};
+struct NativeDocuments : Documents {};
+struct Arm64Documents : Documents {};
 
 TEST_F(NativeDocuments, HelpTextsAreAsEver) { Play("tests/device/help.md"); }
 TEST_F(NativeDocuments, ReadmeIsTrue) { Play("README.md"); }

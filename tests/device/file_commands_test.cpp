@@ -10,29 +10,21 @@ constexpr char kNoRoom[] =
     "Failed to finish the operation because of insufficient storage space or quota limitation.\n";
 
 /// What an operator does with files, and what is on the media afterwards.
-class FileCommands : public OperatorConsole {
- protected:
+struct FileCommands : OperatorConsole {
   void SetUp() override {
     options.media = {{"flash:", 8 << 20, ""}, {"cfa0:", 1 << 20, ""}, {"usba0:", 1 << 20, ""}, {"usba1:", 1 << 20, ""}};
     Replace("/bin/mv", "#!/bin/sh\nexec /bin/busybox mv \"$@\" 2> /dev/null\n");  // whose words differ by release
-  }
-
-  void UseFiles() {
     UseDevice();
     OnFlash("mkdir dir && echo text > a && echo older > b");
   }
-
-  /// Mounts a medium again so that its links are followed, as a device may have mounted it.
-  void FollowLinksOn(const std::string& medium) { Run("mount -o remount,bind none /mnt/" + medium); }
 
   std::string OnFlash(const std::string& command) { return Run("cd /mnt/flash: && " + command); }
 };
 
 /// With links, fifos and modes, which FAT does not have, and with a tool that fails.
-class NativeFileCommands : public FileCommands {};
+struct NativeFileCommands : FileCommands {};
 
 TEST_F(FileCommands, TakeANoAndSayWhyTheyRefuse) {
-  UseFiles();
   OnFlash("mkdir full && touch full/.hidden");
   ExpectAll({
       {"copy a c", "n\r", "Copy flash:/a to flash:/c?[Y/N]:n\n"},
@@ -60,7 +52,6 @@ TEST_F(FileCommands, TakeANoAndSayWhyTheyRefuse) {
 }
 
 TEST_F(FileCommands, AMediumThatTakesNothingLosesNothing) {
-  UseFiles();
   Run("echo kept > /mnt/cfa0:/a");
   ASSERT_TRUE(Device().ProtectMedium("cfa0:"));
   ASSERT_TRUE(Device().FillMedium("usba0:"));
@@ -77,14 +68,11 @@ TEST_F(FileCommands, AMediumThatTakesNothingLosesNothing) {
 }
 
 TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {
-  UseFiles();
   // A FAT file in capitals is the same; elsewhere a second mount of the folder shows it twice.
   const std::string other = IsArm64() ? "dir/A" : "twin/a";
   OnFlash("echo both > dir/a");
-  if (!IsArm64()) {
-    FollowLinksOn("flash:");
-    OnFlash("mkdir twin && mount -o bind dir twin && ln -s a link");
-  }
+  if (!IsArm64())
+    OnFlash("mount -o remount,bind none /mnt/flash: && mkdir twin && mount -o bind dir twin && ln -s a link");
   EXPECT_TRUE(Command("dir " + other).find("   a\n") != std::string::npos) << "as the medium spells it";
   EXPECT_EQ(Command("copy dir/a " + other), kSameFile);
   Command("move dir/a " + other, "y\r");
@@ -100,22 +88,18 @@ TEST_F(FileCommands, OneFileUnderTwoNamesIsNotLost) {
 }
 
 TEST_F(FileCommands, MoreShowsTextOnly) {
-  UseFiles();
   OnFlash(
       "seq 40 > lines && printf '\\200' > high && printf 'a\\0\\0' > nuls && printf 'a\\0%1021s\\177' > nul && : > "
       "empty");
   for (const char* file : {"high", "nuls"}) EXPECT_EQ(Command(std::string("more ") + file), "Not a text file.\n");
   for (const char* file : {"empty", "dir", "lines/"}) EXPECT_EQ(Command(std::string("more ") + file), kNoSuchFile);
-  Type("more nul\r");
-  Expect("more nul\r\r\na\177<boot>");  // a NUL byte hides what follows it in its chunk of 1023 bytes, and no more
-  Type("more lines\r");
-  EXPECT_TRUE(Expect("---- More ----     ").find("\n24\n") != std::string::npos);
-  Type(" ");
-  EXPECT_TRUE(Expect("<boot>").ends_with("40\n<boot>"));
+  // A NUL byte hides what follows it in its chunk of 1023 bytes, and no more.
+  Press("more nul\r", "more nul\r\r\na\177<boot>");
+  EXPECT_TRUE(Press("more lines\r", "---- More ----     ").find("\n24\n") != std::string::npos);
+  EXPECT_TRUE(Press(" ", "<boot>").ends_with("40\n<boot>"));
 }
 
 TEST_F(FileCommands, FormatEmptiesAMediumAndChoosesTheDirectoryAgain) {
-  UseFiles();
   EXPECT_EQ(Command("format flash:", "n\r"), "All data on flash: will be lost, proceed with format? [Y/N]:n\n");
   EXPECT_EQ(OnFlash("cat a"), "text\n");
   Command("format flash:/", "y\r");
@@ -130,7 +114,6 @@ TEST_F(FileCommands, FormatEmptiesAMediumAndChoosesTheDirectoryAgain) {
 }
 
 TEST_F(FileCommands, AMediumMayBePulledWhileSomethingWaits) {
-  UseFiles();
   Run("echo there > /mnt/usba0:/there; cd /mnt/usba1:; for i in $(seq 30); do : > f$i; done; sync");
   const std::tuple<const char*, const char*, const char*, const char*> kPulls[] = {
       {"copy usba0:/there c", "[Y/N]:", "usba0:", "y\r"},
@@ -138,11 +121,9 @@ TEST_F(FileCommands, AMediumMayBePulledWhileSomethingWaits) {
       {"copy a cfa0:/x", "[Y/N]:", "cfa0:", "y\r"},
   };
   for (const auto& [line, waits, medium, key] : kPulls) {
-    Type(std::string(line) + "\r");
-    Expect(waits);
+    Press(std::string(line) + "\r", waits);
     ASSERT_TRUE(Device().PullMedium(medium));
-    Type(key);
-    Expect("<boot>");
+    Press(key, "<boot>");
     EXPECT_EQ(OnFlash("cat a"), "text\n") << line;
     EXPECT_EQ(Command("pwd"), "flash:\n");
   }
@@ -152,19 +133,18 @@ TEST_F(FileCommands, AMediumMayBePulledWhileSomethingWaits) {
 TEST_F(NativeFileCommands, TheWorkingDirectoryMayVanish) {
   Replace("/etc/pkg/esh/mount.sh", "#!/bin/sh\nmkdir /mnt/flash:\n");
   options.media.clear();
+  NewDevice();
   BootToPrompt();
   Run("rmdir /mnt/flash:");
   EXPECT_EQ(Command("dir"), "The file or directory doesn't exist.\n");
-  Type("pwd\r");
-  Expect("\nCheckInvalidFileDir<boot>");
+  Press("pwd\r", "\nCheckInvalidFileDir<boot>");
   Run("mkdir -p /mnt/cfa0:/a; ln -s /mnt/cfa0: /mnt/slot0#cfa0:");
   EXPECT_EQ(Command("rmdir cfa0:/a"), "The directory doesn't exist.\n");
 }
 
 TEST_F(NativeFileCommands, LinksFifosAndFoldersAreNotMistaken) {
-  UseFiles();
-  FollowLinksOn("flash:");
   OnFlash(
+      "mount -o remount,bind none . &&"  // links are followed, as on a device that mounted it so
       "chmod 640 b && ln -s a link && ln a hard && ln b B && ln -s gone dangling && ln -s b to-b && ln -s dir to-dir &&"
       "mkfifo fifo && mkdir -p full/a && echo kept > full/a/kept");
   ExpectAll({
@@ -187,11 +167,9 @@ TEST_F(NativeFileCommands, LinksFifosAndFoldersAreNotMistaken) {
 }
 
 TEST_F(NativeFileCommands, ALinkLeadsNoWriteOffTheMedia) {
-  UseFiles();
-  FollowLinksOn("cfa0:");
-  Run("mkdir -p /tmp/own/dir; echo own > /tmp/own/file; cd /mnt/cfa0: && mkdir b && ln -s /tmp/own l &&"
-      "ln -s ./l/dir/.. chain && ln -s ../../tmp/own/dir a && ln -s /mnt m && ln -s /tmp/own/new b/b &&"
-      "ln -s /tmp/own/new new && ln -s /mnt/flash:/dir other");
+  Run("mount -o remount,bind none /mnt/cfa0:; mkdir -p /tmp/own/dir; echo own > /tmp/own/file; cd /mnt/cfa0: &&"
+      "mkdir b && ln -s /tmp/own l && ln -s ./l/dir/.. chain && ln -s ../../tmp/own/dir a && ln -s /mnt m &&"
+      "ln -s /tmp/own/new b/b && ln -s /tmp/own/new new && ln -s /mnt/flash:/dir other");
   for (const char* line : {"copy a cfa0:/l", "copy a cfa0:/chain/file", "copy a cfa0:/m/x", "move a cfa0:/l/x",
                            "move a cfa0:", "move cfa0:/l/file x", "delete cfa0:/l/file", "mkdir cfa0:/l/x"})
     EXPECT_EQ(Command(line), kNoSuchFile) << line;
@@ -206,13 +184,13 @@ TEST_F(NativeFileCommands, ALinkLeadsNoWriteOffTheMedia) {
 }
 
 TEST_F(NativeFileCommands, AToolThatIsKilledLosesNothing) {
-  Replace("/bin/mv", "#!/bin/sh\ncp $1 $2; [ -e /tmp/last ] && rm $1; kill -9 $$\n");
-  UseFiles();
+  ASSERT_TRUE(Device().WriteFile("/bin/mv", "#!/bin/sh\ncp $1 $2; [ -e /tmp/last ] && rm $1; kill -9 $$\n"));
   EXPECT_TRUE(Command("move a x", "y\r").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("cat a; ls x 2>/dev/null; true"), "text\n") << "the part goes, the source stays";
   Run("touch /tmp/last");
   EXPECT_TRUE(Command("move a x", "y\r").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("cat x"), "text\n") << "the only copy is kept";
+  NewDevice();
 }
 
 }  // namespace

@@ -7,8 +7,7 @@ constexpr char kPassword[] = "harbour";
 constexpr char kFarPrompt[] = "\x1b[6n";
 
 /// A device that is connected with real servers.
-class Lab : public OperatorConsole {
- protected:
+struct Lab : OperatorConsole {
   void SetUp() override {
     options.has_lab_servers = true;
     UseDevice();
@@ -20,34 +19,23 @@ class Lab : public OperatorConsole {
     modes_ = Modes();
   }
 
-  /// Types an answer once it is asked for: what is typed before a password is asked for is thrown away.
-  void Answer(const std::string& question, const std::string& answer) {
-    Expect(question);
-    Type(answer + "\r");
-  }
   void LogIn(const std::string& line) {
     const bool is_secure = line.starts_with("ssh2");
-    Type(line + "\r");
-    Answer(is_secure ? "login as:" : "lab login: ", "operator");
-    if (is_secure) Answer("(yes/no/[fingerprint])? ", "yes");
-    Expect("assword: ");
-    if (!is_secure) AwaitNoEcho();
-    Type(std::string(kPassword) + "\r");
-    Expect(kFarPrompt);
-  }
-  /// Telnet's far login asks for the password first and then stops the echo.
-  void AwaitNoEcho() {
+    Press(line + "\r", is_secure ? "login as:" : "lab login: ");
+    if (is_secure) Press("operator\r", "(yes/no/[fingerprint])? ");
+    Press(is_secure ? "yes\r" : "operator\r", "assword: ");
+    // Telnet's far login asks for the password first and then stops the echo and drops what was typed.
     constexpr char kWait[] =
         "for _ in $(seq 200); do stty -a -F /proc/$(busybox pidof login)/fd/0 | grep -q -- -echo' ' && exit;"
         " sleep 0.05; done; exit 1";
-    EXPECT_EQ(Device().RunInLab(kWait).status, 0);
+    if (!is_secure) EXPECT_EQ(Device().RunInLab(kWait).status, 0);
+    Press(std::string(kPassword) + "\r", kFarPrompt);
   }
-  void ExpectPrompt() {
-    Expect("<boot>");
+  void PressToPrompt(std::string_view keys) {
+    Press(keys, "<boot>");
     EXPECT_EQ(Modes(), modes_);
   }
 
- private:
   std::string modes_;
 };
 
@@ -66,22 +54,17 @@ TEST_F(Lab, LoginsReachAShellAndComeBack) {
   for (const char* line : {"telnet 10.0.0.1", "telnet ipv6 fd00:1::1", "ssh2 10.0.0.1", "ssh2 ipv6 fd00:1::1"}) {
     SCOPED_TRACE(line);
     LogIn(line);
-    Type("echo $USER at $(hostname); cat\r");
-    Expect("operator at lab");
-    Type("twice\r");
-    Expect("twice\r\ntwice");  // what runs there is there
-    Type(kCtrlC);              // ends it, not the connection
-    Expect(kFarPrompt);
-    Type("ls\r");
-    Expect("readme.txt");
-    Type("exit\r");
-    ExpectPrompt();
+    Press("echo $USER at $(hostname); cat\r", "operator at lab");
+    Press("twice\r", "twice\r\ntwice");  // what runs there is there
+    Press(kCtrlC, kFarPrompt);           // ends it, not the connection
+    Press("ls\r", "readme.txt");
+    PressToPrompt("exit\r");
   }
   EXPECT_EQ(Run("wc -l < /root/.ssh/known_hosts"), "2\n");
   Run("touch /root/.ssh/config");
   EXPECT_EQ(Command("reset ssh public-key"), "");
   EXPECT_EQ(Run("ls /root/.ssh"), "config\n");
-  EXPECT_EQ(Printed().find(kPassword), std::string::npos);
+  EXPECT_EQ(printed_.find(kPassword), std::string::npos);
 }
 
 TEST_F(Lab, LoginsAndPingsThatBreakLeaveThePrompt) {
@@ -89,23 +72,19 @@ TEST_F(Lab, LoginsAndPingsThatBreakLeaveThePrompt) {
   // All but the server itself, which is the oldest. One that ends just now by itself is no fault.
   Device().RunInLab("kill -KILL $(busybox pidof dropbear | tr ' ' '\\n' | sort -n | tail -n +2)");
   Expect("Connection to 10.0.0.1 closed");
-  ExpectPrompt();
+  PressToPrompt("");
 
   LogIn("telnet ipv6 fd00::1");
   EXPECT_TRUE(Device().PlugCable(false));
-  Type("\x1d");
-  Expect("exit telnet");
-  Type("e");
-  ExpectPrompt();
+  Press("\x1d", "exit telnet");
+  PressToPrompt("e");
   EXPECT_NE(Command("display interface m-eth0").find("state: DOWN"), std::string::npos);
   EXPECT_TRUE(Device().PlugCable(true));
   EXPECT_NE(Command("ping ipv6 -c 1 fd00:1::1").find(" 0% packet loss"), std::string::npos);
 
-  Type("ping -c 1000 10.0.0.1\r");
-  Expect("seq=1");
-  Type(kCtrlC);
-  Expect("packets transmitted");
-  ExpectPrompt();
+  Press("ping -c 1000 10.0.0.1\r", "seq=1");
+  Press(kCtrlC, "packets transmitted");
+  PressToPrompt("");
 }
 
 }  // namespace

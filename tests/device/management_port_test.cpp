@@ -3,8 +3,7 @@
 namespace {
 
 /// The management port, set up with the real tools, which note how they were called.
-class ManagementPort : public OperatorConsole {
- protected:
+struct ManagementPort : OperatorConsole {
   void SetUp() override {
     // A line that stands in /tmp/broken fails. The script that a tool is called from is kept.
     constexpr char kRecorder[] =
@@ -31,8 +30,7 @@ class ManagementPort : public OperatorConsole {
 };
 
 /// Step by step what is saved and what is applied again, which is the same on every kernel.
-class NativeManagementPort : public ManagementPort {
- protected:
+struct NativeManagementPort : ManagementPort {
   struct Step {
     const char* line;
     std::string tools;
@@ -155,11 +153,9 @@ TEST_F(ManagementPort, IPv6RoutesAreShownAsTheToolShowsThem) {
 
   constexpr char kLeftovers[] = "ls -d /var/tmp/* /etc/pkg/route_table6 2> /dev/null; true";
   Run("for i in $(seq 40); do ip -6 route add fd77:$i::/64 dev m-eth0; done");
-  Type("display ipv6 routing-table\r");
-  Expect("---- More ----");
+  Press("display ipv6 routing-table\r", "---- More ----");
   EXPECT_EQ(Run(kLeftovers), "/etc/pkg/route_table6\n");
-  Type("q");
-  Expect("[boot-m-eth0]");
+  Press("q", "[boot-m-eth0]");
   EXPECT_EQ(Run(kLeftovers), "");
 
   Run("echo 'route -A inet6 -n' > /tmp/broken");  // the table is empty

@@ -46,8 +46,7 @@ bool OperatorConsole::UseDevice() {
     return true;
   }
   is_booted_ = true;
-  Type(std::string(kCtrlZ) + "next\r");  // what the test before has not waited for comes before that
-  Expect("next");
+  Press("\x1anext\r", "next");  // what the test before has not waited for comes before that
   Expect("Unrecognized");
   Expect("<boot>");
   Run("rm -rf /mnt/*/* /mnt/*/.[!.]* /tmp/*");
@@ -75,8 +74,7 @@ void OperatorConsole::BootToPrompt() {
 void OperatorConsole::NewShell() {
   Run("kill -9 " + ShellPid());
   Expect("Press Enter to start the emergency shell again");
-  Type("\r");
-  Expect("<boot>");
+  Press("\r", "<boot>");
 }
 
 std::string OperatorConsole::Command(const std::string& line, const std::string& keys) {
@@ -104,6 +102,11 @@ void OperatorConsole::ExpectAll(const std::vector<Exchange>& exchanges) {
     EXPECT_EQ(Command(exchange.line, exchange.keys), exchange.printed) << exchange.line;
 }
 
+std::string OperatorConsole::Press(std::string_view keys, std::string_view text) {
+  Type(keys);
+  return Expect(text);
+}
+
 device::Outcome OperatorConsole::Outcome() {
   if (HasGivenUp()) return device::Outcome::kRunning;
   const device::Outcome outcome = device_->WaitForOutcome(kPatience);
@@ -116,10 +119,4 @@ std::string OperatorConsole::Run(const std::string& command) {
   const device::CommandResult result = device_->Run(command);
   EXPECT_TRUE(result.finished && result.status == 0) << command << ": " << result.errors;
   return result.output;
-}
-
-std::string OperatorConsole::ShellPid() {
-  // The newest process of that name: the older one only waits for it.
-  const std::string pids = Run("pidof esh | tr ' ' '\\n' | sort -n | tail -n 1");
-  return pids.substr(0, pids.find('\n'));
 }

@@ -53,6 +53,8 @@ class OperatorConsole : public testing::Test, public ConsoleEnd {
   std::string Command(const std::string& line, const std::string& keys = "");
   /// Types the lines one after another.
   void ExpectAll(const std::vector<Exchange>& exchanges);
+  /// Presses keys and waits for what they lead to. @return what Expect returns.
+  std::string Press(std::string_view keys, std::string_view text);
   /// Waits until the device's outcome is not that the shell runs.
   device::Outcome Outcome();
 
@@ -65,13 +67,11 @@ class OperatorConsole : public testing::Test, public ConsoleEnd {
   std::string Run(const std::string& command);
   /// Replaces a tool or text of the device; before it is booted.
   void Replace(const std::string& path, const std::string& text) { options.files.push_back({path, text}); }
-  /// The process that reads the keys.
-  std::string ShellPid();
+  /// The process that reads the keys: the newest of that name, for the older one only waits for it.
+  std::string ShellPid() { return Run("echo -n $(pidof esh | tr ' ' '\\n' | sort -n | tail -n 1)"); }
   /// The console's modes; the same whenever the prompt is there.
   std::string Modes() { return Run("stty -a < " + ConsolePath()); }
 
-  /// All that was printed since the boot.
-  [[nodiscard]] const std::string& Printed() const { return printed_; }
   [[nodiscard]] device::Device& Device() { return *device_; }
 
  private:
@@ -84,4 +84,3 @@ class OperatorConsole : public testing::Test, public ConsoleEnd {
 };
 
 inline constexpr std::string_view kCtrlC = "\x03";
-inline constexpr std::string_view kCtrlZ = "\x1a";

@@ -6,7 +6,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <string>
 #include <utility>
 
 #include "tests/support/console.h"

@@ -20,8 +20,7 @@ constexpr char kUnrecognized[] = "Unrecognized IPv6 host or wrong IPv6 address.\
 constexpr char kWrongName[] = "Wrong file name (directory name). Please check it.\n";
 
 /// The commands that reach other hosts, with recorders in place of their tools.
-class RemoteTools : public OperatorConsole {
- protected:
+struct RemoteTools : OperatorConsole {
   void SetUp() override {
     for (const char* tool : {"telnet", "ssh", "ping", "ftpget", "ftpput", "tftp"})
       Replace(std::string("/bin/") + tool, kRecorder);

@@ -5,8 +5,7 @@ namespace {
 constexpr char kConsoleSwitch[] = "/proc/sys/7/8/1";
 
 /// Start-up with tools that only note how they were called.
-class StartUp : public OperatorConsole {
- protected:
+struct StartUp : OperatorConsole {
   void SetUp() override {
     // An impatient operator's Ctrl+C reaches the shell, too.
     Replace("/etc/pkg/esh/mount.sh",
@@ -25,7 +24,7 @@ class StartUp : public OperatorConsole {
 
 /// With kernel settings and a list of modules that stand there without a module; and the steps that are the same on
 /// every kernel.
-class NativeStartUp : public StartUp {};
+struct NativeStartUp : StartUp {};
 
 TEST_F(StartUp, RunsItsToolsInOrderAndGivesTheConsoleToRootAlone) {
   BootToPrompt();
@@ -89,7 +88,7 @@ TEST_F(NativeStartUp, RebootsWithoutAWordAfterAStepThatCounts) {
     EXPECT_EQ(Run("sed -n '/^ln/p;/^reboot/p' /tmp/calls"),
               std::string(tools_run ? "ln -s /bin/busybox /bin/reboot\n" : "") + "reboot -f\n");
     EXPECT_EQ(Calls().find("ifconfig m-eth0 up") != std::string::npos, tools_run) << "a later step counts too";
-    EXPECT_EQ(Printed(), "");
+    EXPECT_EQ(printed_, "");
   }
 }
 
@@ -140,8 +139,7 @@ TEST_F(NativeStartUp, IsThereOnATerminalThatNobodyKnows) {
     NewDevice();
     Boot();
     EXPECT_NE(Expect("<boot>").find(notice), std::string::npos);
-    Type("pw\tx\177\r");
-    Expect("<boot>pwd x");
+    Press("pw\tx\177\r", "<boot>pwd x");
     Expect("Working directory doesn't exist.");  // nothing was mounted
   }
 }
@@ -149,18 +147,17 @@ TEST_F(NativeStartUp, IsThereOnATerminalThatNobodyKnows) {
 constexpr char kQuestion[] = "This Command will reboot the device. Continue? [Y/N]:";
 
 /// How a shell ends, and what the process that was started does then.
-class ShellsEnd : public OperatorConsole {};
-class NativeShellsEnd : public ShellsEnd {};
+struct ShellsEnd : OperatorConsole {};
+struct NativeShellsEnd : ShellsEnd {};
 
 TEST_F(ShellsEnd, RebootIsCalledOffByANoAndKeepsTheMedia) {
   BootToPrompt();
   EXPECT_EQ(Command("reboot", "n\r"), std::string(kQuestion) + "n\n");
   Run("echo kept > /mnt/flash:/kept.txt");
-  Type("reb\r");
-  Expect(kQuestion);
+  Press("reb\r", kQuestion);
   Type("y\r");
   EXPECT_EQ(Outcome(), device::Outcome::kRebooted);
-  EXPECT_EQ(Printed().find("<boot>", Printed().rfind(kQuestion)), std::string::npos) << "the tool has returned";
+  EXPECT_EQ(printed_.find("<boot>", printed_.rfind(kQuestion)), std::string::npos) << "the tool has returned";
   BootToPrompt();
   EXPECT_NE(Command("dir").find("kept.txt"), std::string::npos);
 }

@@ -3,21 +3,16 @@
 namespace {
 
 /// A tool that the shell starts: in place of ping, what a test puts there.
-class Tools : public OperatorConsole {
- protected:
+struct Tools : OperatorConsole {
   void SetUp() override {
     Replace("/bin/ping", "#!/bin/sh\n. /tmp/tool\n");
     UseDevice();
-    prompt_modes_ = Modes();
   }
 
   void StartTool(const std::string& script) {
     ASSERT_TRUE(Device().WriteFile("/tmp/tool", script));
-    Type("ping 127.0.0.1\r");
-    Expect("127.0.0.1\r\r\n");  // the line's end before anything that the tool says
+    Press("ping 127.0.0.1\r", "127.0.0.1\r\r\n");  // the line's end before anything that the tool says
   }
-
-  std::string prompt_modes_;
 };
 
 TEST_F(Tools, LeaveTheTerminalToTheShellHoweverTheyEnd) {
@@ -27,34 +22,32 @@ TEST_F(Tools, LeaveTheTerminalToTheShellHoweverTheyEnd) {
       {"stops itself and is killed", "stty -onlcr; (sleep 0.2; kill -9 $$) & kill -STOP $$\n"},
       {"leaves a child in the terminal", "trap '' HUP; stty -opost; sleep 1 & exit 3\n"},
   };
+  const std::string modes = Modes();
   for (const auto& [why, script] : kLeavers) {
     SCOPED_TRACE(why);
     StartTool(script);
     Expect("<boot>");
-    EXPECT_EQ(Modes(), prompt_modes_);
+    EXPECT_EQ(Modes(), modes);
     EXPECT_EQ(Command("pwd"), "flash:\n");
   }
   StartTool("stty ixon stop ^S; echo ready; sleep 0.5\n");
   Expect("ready");
-  Type("\x13");  // its output stops, but not the shell's
-  Expect("<boot>");
+  Press("\x13", "<boot>");  // its output stops, but not the shell's
 }
 
 TEST_F(Tools, ReadWhatIsTypedWhileTheyRunAndLeaveTheRest) {
   StartTool("echo ready; sleep 0.3; read -r first; echo tool got $first\n");
   Expect("ready");
-  Type("for\x1a the\x1c\x13 tool\rpwd\rdir cf");  // keys that would stop or end it, or its output
-  Expect("tool got for\x1a the\x1c\x13 tool");
+  // Some keys would stop or end it, or its output.
+  Press("for\x1a the\x1c\x13 tool\rpwd\rdir cf", "tool got for\x1a the\x1c\x13 tool");
   Expect("<boot>pwd\r\r\nflash:\r\r\n<boot>dir cf");
-  Type("a0:\r");
-  Expect("The directory is empty.");
+  Press("a0:\r", "The directory is empty.");
 }
 
 TEST_F(Tools, ThatStopAreWaitedFor) {
   StartTool("echo $$ > /tmp/pid; kill -STOP $$; echo went on\n");
   Run("until grep -q 'State:.*stopped' /proc/$(cat /tmp/pid)/status; do sleep 0.1; done");
-  Type(kCtrlZ);
-  Type("pwd\r");
+  Type("\x1apwd\r");
   Run("kill -CONT $(cat /tmp/pid)");
   EXPECT_EQ(Expect("went on\r\n").find("<boot>"), std::string::npos) << "the shell did not wait";
   Expect("<boot>");
@@ -68,8 +61,7 @@ TEST_F(Tools, SignalsToTheShellDoNotEndIt) {
   Expect("ready");
   Run("kill -INT " + pid);
   Expect("hit");  // which the shell passes on
-  Type("still here\r");
-  Expect("got still here");
+  Press("still here\r", "got still here");
   Expect("<boot>");
 }
 
