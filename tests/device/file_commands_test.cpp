@@ -28,7 +28,6 @@ TEST_F(FileCommands, TakeANoAndSayWhyTheyRefuse) {
   OnFlash("mkdir full && touch full/.hidden");
   ExpectAll({
       {"copy a c", "n\r", "Copy flash:/a to flash:/c?[Y/N]:n\n"},
-      {"copy a ./a", "", kSameFile},
       {"copy a nodir/x", "", kNoSuchFile},
       {"copy a/ c", "", kNoSuchFile},
       {"copy a new/", "", kNoSuchFile},
