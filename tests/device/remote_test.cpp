@@ -95,8 +95,8 @@ TEST_F(RemoteTools, FtpAsksWhoBeforeItLooksAtTheFiles) {
        "user:me\npassword:***\n/bin/ftpput <-u> <me> <-p> <p> <w> <127.0.0.1> <b> </mnt/flash:/a>\n"},
       {"ftp 127.0.0.1 get - flash:", "me\rpw\r", login + get + "<127.0.0.1> </mnt/flash:/-> <->\n"},
       // Which would read /new from a server of the operator's own into the device's shell.
-      {"ftp 127.0.0.1 get - flash:/new", "u ::1 /bin/sh\rpw\r",
-       "user:u ::1 /bin/sh\npassword:**\n" + std::string(kWrongName)},
+      {"ftp 127.0.0.1 get - flash:/new", "usr ::1 /bin/shx\rpw\r",
+       "user:usr ::1 /bin/sh\a\a\npassword:**\n" + std::string(kWrongName)},
   });
 }
 

@@ -61,9 +61,10 @@ TEST(ParameterCheck, TakesWhatHasAMeaningOnly) {
 
 TEST(ParameterRecord, ReplacesTheLastOneAndFitsItsBuffer) {
   const std::string digits(512, '7');
-  EXPECT_EQ(ESH_RecordSize(digits.c_str()) + ESH_RecordPassword(digits.c_str()) + ESH_RecordIPv4MaskLen("01234") +
-                ESH_RecordIPv6PreLen("12345") + ESH_RecordIPv4("10.0.0.1"),
-            kSuccess);
+  for (const std::uint32_t stored :
+       {ESH_RecordSize(digits.c_str()), ESH_RecordPassword(digits.c_str()), ESH_RecordIPv4MaskLen("01234"),
+        ESH_RecordIPv6PreLen("12345"), ESH_RecordIPv4("10.0.0.1")})
+    EXPECT_EQ(stored, kSuccess);
   EXPECT_EQ(ESH_RecordIPv4("10.0.0"), ESH_ERR_FAIL);
   EXPECT_EQ(std::string(g_szSize) + g_szPassword + g_szIPv4MaskLen + "," + g_szIPv6PreLen + "," + g_szIPv4Address,
             std::string(25, '7') + "123,1234,");
