@@ -22,7 +22,7 @@ UniqueLines Lines(const std::string& text) { return UniqueLines(ReadBuffCreateBy
 
 TEST(Compatibility, WantsTheBootImagesVersionBehindTheBootLine) {
   constexpr std::tuple<const char*, const char*, const char*, bool> kCases[] = {
-      {"[boot]\nV1\n", "R1", "V1-R1", true},   {"[boot]\n\t V1-R1 \r\n", "", "V1-R1", true},
+      {"[boot]\nV1\n", "R1", "V1-R1", true},   {"\n[boot]\n\t V1-R1 \r\n", "", "V1-R1", true},
       {"[boot]\nV1\n", "R1", "V1", false},     {"[boot]\nV1\n", "R1", "V1-R10", false},
       {"[Boot]\nV1\n", "", "V1", false},       {"[boot]\nV1-R\n", "R1", "V1-R1", false},
       {"[boot]\n[other]\nV1", "", "V1", true}, {"[boot]", "", "[boot]", true},
