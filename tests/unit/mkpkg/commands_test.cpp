@@ -38,7 +38,9 @@ struct Mkpkg : PackageTest {
 TEST_F(Mkpkg, TellsHowItWent) {
   const char* make_keys =
       "(echo word > word; head -c 256 /dev/zero > zeros; printf 'product-tag: 1\\n[image]\\nname: a\\0b\\nfile: word' "
-      "> nul; openssl genpkey -algorithm ED25519 -out ed.pem; openssl genrsa -out short.pem 1024; openssl genrsa -3 "
+      "> nul; (echo product-tag: 1; seq -f '[file %.f]\ntext: a' 129) > many; mkdir big; truncate -s 4G big/a; "
+      "printf 'product-tag: 1\\n[image]\\ndevice-tag: 1\\ndirectory: big' > huge; "
+      "openssl genpkey -algorithm ED25519 -out ed.pem; openssl genrsa -out short.pem 1024; openssl genrsa -3 "
       "-aes128 -passout pass:word -out three.pem 2048) 2> no.bin; ";
   EXPECT_EQ(Say("--version", make_keys).substr(0, 8), "0 mkpkg ");
   const std::string ask = "check --version-file=/etc/pkg/version/1_0_package --keys=/etc/sign_pub_key ";
@@ -91,6 +93,7 @@ TEST_F(Mkpkg, TellsHowItWent) {
        "3 mkpkg: zeros is not the signature of this package with three.pem\n"},
       {"sign --in-head --passphrase-file=word --private-key=three.pem good.bin", "0 mkpkg: warning: three.pem"},
       {"sign --key-name=a --write-block=block no.bin", "3 mkpkg: no.bin: it is no package\n"},
+      {"key device . key", "3 mkpkg: cannot read .: Is a directory\n"},
       {"key device ed.pem key", "3 mkpkg: ed.pem holds no RSA key\n"},
       {"key device short.pem key", "3 mkpkg: short.pem holds a key of 1024 bits; a device reads 2048\n"},
       {"key device --passphrase-file=no.bin three.pem key", "3 mkpkg: cannot read a private key in PEM form"},
@@ -108,6 +111,8 @@ TEST_F(Mkpkg, TellsHowItWent) {
        "0 {\n  \"package\": \"good.bin\",\n  \"digest\": \"D\",\n  \"is_signed\": true,\n  \"warnings\": []\n}\n"},
       {"key device b key", "0 mkpkg: warning: a device looks for files whose name ends in \".key\", not for key\n"},
       {"build nul new", "3 mkpkg: a name holds a NUL byte\n"},
+      {"build many new", "3 mkpkg: a package holds at most 128 files, not 129\n"},
+      {"build huge new", "3 mkpkg: cannot archive big/a: File is too large for this format.\n"},
       {"build good.bin", "2 mkpkg: operand PACKAGE is missing; see \"mkpkg build --help\"\n"},
       {"build a good.bin", "4 mkpkg: good.bin exists; --force replaces it\n"},
   };

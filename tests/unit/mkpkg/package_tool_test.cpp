@@ -131,6 +131,7 @@ TEST_F(PackageTool, SevenZipUnpacksToWhatWasPacked) {
   for (const std::size_t told : {data.size(), data.size() + 1}) EXPECT_EQ(Unpacked(packed, told), data);
   EXPECT_EQ(Unpacked(packed, data.size() - 1), "refused");
   EXPECT_EQ(Unpacked(Compressed(mkpkg::Compression::k7z, ""), 1), "refused");
+  EXPECT_EQ(Unpacked(Compressed(mkpkg::Compression::k7z, "x"), 1), "x");
   EXPECT_EQ(Unpacked(packed.substr(0, packed.size() - 1), data.size()), "refused");
 }
 
@@ -143,6 +144,7 @@ TEST_F(PackageTool, ArchiveDependsOnNamesAndContentsOnly) {
     ASSERT_EQ(mkpkg::ArchiveDirectory(tree, 5, Into(archives[i])), "");
   }
   EXPECT_EQ(archives[0], archives[1]);
+  EXPECT_NE(archives[0].find("000041ed"), std::string::npos) << "a directory's mode";
   const auto room = mkpkg::MeasureImage(*PiecesOf(archives[0]));
   EXPECT_EQ(room->bytes, 8U);
   EXPECT_EQ(room->files, 4U);

@@ -31,13 +31,13 @@ std::string Tab(const std::string& typed) {
 }
 
 const std::vector<const char*> kDeleteDisplay = {"delete <cr>", "display <cr>"};
-const std::vector<const char*> kRebootReset = {"reboot <cr>", "reset <cr>"};
+const std::vector<const char*> kRebootReset = {"REboot <cr>", "reset <cr>"};
 const std::vector<const char*> kDisplay = {"display version <cr>", "display interface <cr>"};
 const std::vector<const char*> kMore = {"more STRING<1-511> <cr>"};
 
 const std::tuple<const char*, std::vector<const char*>, std::string, std::vector<const char*>> kTabs[] = {
-    {"first what they share", kRebootReset, "r", {"re", "reboot", "reset", "reboot"}},
-    {"what they share is typed already", kRebootReset, "RE", {"reboot", "reset"}},
+    {"first what they share", kRebootReset, "r", {"re", "REboot", "reset", "REboot"}},
+    {"what they share is typed already", kRebootReset, "RE", {"REboot", "reset"}},
     {"the typed word comes last", {"reset <cr>", "resetall <cr>"}, "Reset", {"resetall", "reset", "resetall"}},
     {"the shared word is a candidate itself", {"reset <cr>", "resetall <cr>"}, "r", {"reset", "resetall", "reset"}},
     {"in another case alone", {"A <cr>", "a <cr>", "ab <cr>"}, "a", {"ab", "A", "a", "ab"}},
