@@ -82,10 +82,13 @@ TEST_F(SignatureTest, FunctionsTellByTheirResultWhatAFileIs) {
 TEST_F(SignatureTest, KeyWithASmallExponentOrAnEvenModulusIsRefused) {
   const std::string path = std::string(kSignKeyDirectory) + "/prefixed" + kKeySuffix;
   const std::string good = ReadFile(path);
-  for (const auto& [end, bytes] : {std::pair(3UL, std::string("\0\xFF\xFF", 3)), {kKeyNumberSize + 1, "\x02"}}) {
-    WriteFile(path, std::string(good).replace(good.size() - end, bytes.size(), bytes));
-    EXPECT_EQ(JudgeOpen(Open(Sign(Compose(Contents()), {.key_name = "prefixed", .digest_info = true}))), kKeyValue);
-  }
+  const auto verdict_with = [&](const std::string& key) {
+    WriteFile(path, key);
+    return JudgeOpen(Open(Sign(Compose(Contents()), {.key_name = "prefixed", .digest_info = true})));
+  };
+  for (const auto& [end, bytes] : {std::pair(3UL, std::string("\0\xFF\xFF", 3)), {kKeyNumberSize + 1, "\x02"}})
+    EXPECT_EQ(verdict_with(std::string(good).replace(good.size() - end, bytes.size(), bytes)), kKeyValue);
+  EXPECT_EQ(verdict_with(good.substr(1)), kKeyFile);
 }
 
 TEST_F(SignatureTest, PathMustNameTheOpenFile) {
