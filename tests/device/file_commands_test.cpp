@@ -189,7 +189,7 @@ TEST_F(NativeFileCommands, AToolThatIsKilledLosesNothing) {
   Run("touch /tmp/last");
   EXPECT_TRUE(Command("move a x", "y\r").ends_with(kNoRoom));
   EXPECT_EQ(OnFlash("cat x"), "text\n") << "the only copy is kept";
-  NewDevice();
+  NewDevice();  // its mv is of no use to others
 }
 
 }  // namespace

@@ -67,6 +67,9 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
   contents.files[3].name = "$(ls>x).gz";  // for /bin/sh
   Put(kPackage, Signed(contents));
   EXPECT_EQ(Command(kInstall), kBegin + kVerified + "Extracting package ...\n\nOperation failed!\nOperation failed!\n");
+  contents.files.erase(contents.files.begin());
+  Put(kPackage, Signed(contents));
+  EXPECT_EQ(Command(kInstall), kBegin + kVerified + "File flash:/system.bin is invalid.\n");
   contents.product_tag = 1;
   Put(kPackage, Signed(contents));
   EXPECT_EQ(Command(kInstall), kBegin + kVerified + corrupted);

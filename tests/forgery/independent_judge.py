@@ -8,6 +8,7 @@ from binascii import crc_hqx  # CRC-16/XMODEM
 
 HEAD = 6180
 FILE_HEAD = 340
+HEAD_MARK, FILE_MARK = 5168, 44  # of the byte order
 TRAILER_FORMAT = 0xFF00A105
 HOST_ORDER = STORED = 0xFFFFFFFF
 HEAD_KEY = b"digital_sign_old_public"
@@ -20,12 +21,12 @@ TRAILER = re.compile(
 BASE64 = re.compile(rb"(?:[A-Za-z0-9+/]{4})*(?:[A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=)?")
 
 
-def order_of(head, mark=5168):
-    return "=" if struct.unpack_from("=I", head, mark)[0] == HOST_ORDER else ">"
+def order_of(data, mark=HEAD_MARK):
+    return "=" if struct.unpack_from("=I", data, mark)[0] == HOST_ORDER else ">"
 
 
-def word(head, offset, mark=5168):
-    return struct.unpack_from(order_of(head, mark) + "I", head, offset)[0]
+def word(data, offset, mark=HEAD_MARK):
+    return struct.unpack_from(order_of(data, mark) + "I", data, offset)[0]
 
 
 def key_accepts(key, signature, digest):
@@ -66,7 +67,7 @@ def contained(package, words, signed):
     if offset < begin or offset + FILE_HEAD > end:
         return "-"
     head = package[offset : offset + FILE_HEAD]
-    head_a, stored, data_length, head_b, compression = (word(head, at, 44) for at in (12, 24, 328, 332, 336))
+    head_a, stored, data_length, head_b, compression = (word(head, at, FILE_MARK) for at in (12, 24, 328, 332, 336))
     data = offset + FILE_HEAD
     belongs = (head_a, head_b, data_length + FILE_HEAD) == (check_a, check_b, total)
     if not belongs or compression != STORED or stored == 0 or data + stored > end:
@@ -83,7 +84,7 @@ def judge(package, keys, product_tag):
     if len(package) < HEAD:
         return None
     count, tag, attribute = (word(package, at) for at in (4, 8, 5176))
-    if word(package, 5168) not in (0, HOST_ORDER) or count > 128 or tag != product_tag or product_tag == 0xFFFFFFFF:
+    if word(package, HEAD_MARK) not in (0, HOST_ORDER) or count > 128 or tag != product_tag or product_tag == 0xFFFFFFFF:
         return None
     if (attribute & 1 == 1) != (attribute == 1) or word(package, 6176) != crc_hqx(package[:6176], 0):
         return None

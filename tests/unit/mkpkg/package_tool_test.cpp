@@ -171,6 +171,7 @@ TEST_F(PackageTool, ForetellsTheDevicesRefusal) {
       {"typed-name:  % Wrong parameter found at '^' position.", [](C&) {}, "\"flash:/a b.bin\""},
       {"typed-name:  % Too many parameters found at '^' position.", [](C&) {}, "a.bin b"},
       {"system-package: Package good.bin is not a system package.", [](C& c) { c.type = 1; }},
+      {"product-tag: good.bin is corrupted.", [](C& c) { ++c.product_tag; }},
       {"compatibility-list: File good.bin is invalid.", [](C& c) { c.files[0].packing = 1; }},
       {"compatible: This system image is not compliant with the boot image.",
        [](C& c) { c.files[0].data = "[boot]\n9"; }},

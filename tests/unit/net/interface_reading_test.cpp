@@ -28,7 +28,8 @@ TEST_F(InterfaceReading, IsDisplayedLineByLine) {
   WriteFile(kIPv6ListingFile,
             "fe800000000000000000000000000001 02 40 20 80   m-eth0\n"
             "00000000000000000000000000000001 01 80 10 80       lo\n"
-            "20010db8000000000001000000000000 1234 7f 10 c0 m-eth0\n"
+            "20010db8000000000001000000000000 1234 7f 00 c0 m-eth0\n"
+            "00000000000000000000000000000001 01 80 10 80   m-eth0\n"
             "fec00000000000000000000000000009 02 0a 4f 80   m-eth0\n"
             "0000000000000000000000000a020304 02 60 80 80   m-eth0\n"
             "not an address\n"
@@ -36,7 +37,8 @@ TEST_F(InterfaceReading, IsDisplayedLineByLine) {
   const std::string lines =
       "Inet4 Address is 10.0.0.9/23\r\n"
       "Inet6 Address is fe80::1/64 Scope:Link\r\n"
-      "Inet6 Address is 2001:db8:0:0:1::/127 Scope:Host\r\n"
+      "Inet6 Address is 2001:db8:0:0:1::/127 Scope:Global\r\n"
+      "Inet6 Address is ::1/128 Scope:Host\r\n"
       "Inet6 Address is fec0::9/10 Scope:Site\r\n"
       "Inet6 Address is ::10.2.3.4/96 Scope:Compat\r\n"
       "IP Packet Frame Type:PKTFMT_ETHNT_2, Hardware Address:025A-C107-F20E\r\n"

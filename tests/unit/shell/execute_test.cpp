@@ -22,8 +22,8 @@ std::string At(std::size_t column, const char* fault) {
   return std::string(column, ' ') + "^\r\n % " + fault + " found at '^' position.\r\n";
 }
 
-/// Rules "no" out, takes "ok", and cannot tell of anything else.
-std::uint16_t Check(const char* word) { return word[0] == 'n' ? 0 : word[0] == 'o' ? 1 : 2; }
+/// Rules "no" out, and cannot tell of anything else.
+std::uint16_t Check(const char* word) { return word[0] == 'n' ? 0 : 2; }
 
 TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
   TestView view("", {"alpha one <cr>", "apple two <cr>", "beta <cr>", "betas <cr>", "gamma one <cr>", "gauge onyx <cr>",
@@ -50,6 +50,7 @@ TEST(Execute, RunsTheOneCommandThatIsMeantOrTellsWhatIsWrong) {
       {"two ends", " twice", At(7, "Ambiguous command")},
       {"one of two values", "set 9", "set STRING<1-3> <cr>\n"},
       {"both values", "set 5", At(4, "Ambiguous command")},
+      {"neither value", "set 6789", At(4, "Wrong parameter")},
       {"the keyword before a value", "set si", "set six <cr>\n"},
       {"with prefix length", "show 1::/64", "show X:X::X:X/M <cr>\n"},
       {"a value that is ruled out", "note no", At(5, "Wrong parameter")},

@@ -1,10 +1,14 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <iterator>
+#include <span>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
 
+#include "pkg/format/base64.h"
 #include "pkg/format/contained_file.h"
 #include "pkg/format/fingerprint_trailer.h"
 #include "pkg/format/head_check.h"
@@ -79,7 +83,7 @@ TEST_F(SignatureTest, FunctionsTellByTheirResultWhatAFileIs) {
   CssFreer()(&css);
 }
 
-TEST_F(SignatureTest, KeyWithASmallExponentOrAnEvenModulusIsRefused) {
+TEST_F(SignatureTest, KeyWithASmallExponentOrAnEvenModulusOrOfAnotherSizeIsRefused) {
   const std::string path = std::string(kSignKeyDirectory) + "/prefixed" + kKeySuffix;
   const std::string good = ReadFile(path);
   const auto verdict_with = [&](const std::string& key) {
@@ -126,6 +130,13 @@ TEST_F(SignatureTest, VerifiedPackageHandsOutOnlyWhatWasVerified) {
   const UniquePackage early = Open(GoodPackage());
   early->head.files[kDescriptionRow].head_offset += 1;
   EXPECT_EQ(JudgeOpen(early), kUnreadable) << "the main head in use is the one that was signed";
+}
+
+TEST(Base64, IsWrittenOnlyWhereThereIsRoomForAll) {
+  std::uint8_t room[6] = {};
+  EXPECT_EQ(DecodeBase64("MTIz", std::span(room).first(3)), 3U);
+  EXPECT_FALSE(DecodeBase64("NDU2Nzg5", std::span(room).first(3)));
+  EXPECT_EQ(std::string(std::begin(room), std::end(room)), std::string("123\0\0\0", 6));
 }
 
 TEST(LineReader, EndsLinesAtLfCrAndBothTogether) {

@@ -22,11 +22,12 @@ UniqueLines Lines(const std::string& text) { return UniqueLines(ReadBuffCreateBy
 
 TEST(Compatibility, WantsTheBootImagesVersionBehindTheBootLine) {
   constexpr std::tuple<const char*, const char*, const char*, bool> kCases[] = {
-      {"[boot]\nV1\n", "R1", "V1-R1", true},   {"\n[boot]\n\t V1-R1 \r\n", "", "V1-R1", true},
-      {"[boot]\nV1\n", "R1", "V1", false},     {"[boot]\nV1\n", "R1", "V1-R10", false},
-      {"[Boot]\nV1\n", "", "V1", false},       {"[boot]\nV1-R\n", "R1", "V1-R1", false},
-      {"[boot]\n[other]\nV1", "", "V1", true}, {"[boot]", "", "[boot]", true},
-      {"[boot]\n\nV1\n", "", "", false},       {"[boot]\n\nV1\n", "R1", "-R1", true},
+      {"[boot]\nV1\n", "R1", "V1-R1", true},    {"\n[boot]\n\t V1-R1 \r\n", "", "V1-R1", true},
+      {"[boot]\nV1\n", "R1", "V1", false},      {"[boot]\nV1\n", "R1", "V1-R10", false},
+      {"[Boot]\nV1\n", "", "V1", false},        {"V1\n[boot]\nV2\n", "", "V1", false},
+      {"[boot]\nV1-R\n", "R1", "V1-R1", false}, {"V0\n[boot]\n[other]\nV1", "", "V1", true},
+      {"[boot]", "", "[boot]", true},           {"[boot]\n\nV1\n", "", "", false},
+      {"[boot]\n\nV1\n", "R1", "-R1", true},
   };
   for (const auto& [list, product, running, complies] : kCases)
     EXPECT_EQ(IsCompliant(Lines(list).get(), product, running), complies) << list << running;
