@@ -57,6 +57,12 @@ struct NativeInstall : OperatorConsole {
   }
 
   void Put(const std::string& path, const std::string& bytes) { ASSERT_TRUE(Device().WriteFile(path, bytes)); }
+
+  /// @return what a load of this package prints.
+  std::string Install(const mkpkg::PackageContents& contents) {
+    Put(kPackage, Signed(contents));
+    return Command(kInstall);
+  }
 };
 
 TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
@@ -64,22 +70,18 @@ TEST_F(NativeInstall, RefusesWhatIsNotForThisDevice) {
   PutBootImage();
   const std::string corrupted = "flash:/system.bin is corrupted.\n";
   mkpkg::PackageContents contents = Contents();
+  // Each is found before what is wrong already.
   contents.files[3].name = "$(ls>x).gz";  // for /bin/sh
-  Put(kPackage, Signed(contents));
-  EXPECT_EQ(Command(kInstall), kBegin + kVerified + "Extracting package ...\n\nOperation failed!\nOperation failed!\n");
+  EXPECT_EQ(Install(contents), kBegin + kVerified + "Extracting package ...\n\nOperation failed!\nOperation failed!\n");
   contents.files.erase(contents.files.begin());
-  Put(kPackage, Signed(contents));
-  EXPECT_EQ(Command(kInstall), kBegin + kVerified + "File flash:/system.bin is invalid.\n");
+  EXPECT_EQ(Install(contents), kBegin + kVerified + "File flash:/system.bin is invalid.\n");
   contents.product_tag = 1;
-  Put(kPackage, Signed(contents));
-  EXPECT_EQ(Command(kInstall), kBegin + kVerified + corrupted);
+  EXPECT_EQ(Install(contents), kBegin + kVerified + corrupted);
   contents.attribute = 1;
-  Put(kPackage, Signed(contents));
-  EXPECT_EQ(Command(kInstall), kBegin + "Package flash:/system.bin is not a system package.\n");
+  EXPECT_EQ(Install(contents), kBegin + "Package flash:/system.bin is not a system package.\n");
   PutBootImage((1 << 20) + 1);
+  EXPECT_EQ(Install(Contents()), kBegin + kVerified + "This system image is not compliant with the boot image.\n");
   std::string package = Signed(Contents());
-  Put(kPackage, package);
-  EXPECT_EQ(Command(kInstall), kBegin + kVerified + "This system image is not compliant with the boot image.\n");
   package[kMainHeadSize + kFileHeadSize] ^= 1;
   Put(kPackage, package);
   EXPECT_EQ(Command(kDisplay), kVerified + corrupted);
@@ -157,8 +159,7 @@ TEST_F(NativeInstall, StaysWhenTheNetworkDoesNotGo) {
   mkpkg::PackageContents contents = Contents();
   contents.files.back().name = "system.lzma";
   contents.files.back().data = PackageTest::Compressed(mkpkg::Compression::kLzma, Archive());
-  Put(kPackage, Signed(contents));
-  EXPECT_TRUE(Command(kInstall).ends_with("\nLoading...\nExit failed.\n"));
+  EXPECT_TRUE(Install(contents).ends_with("\nLoading...\nExit failed.\n"));
   EXPECT_EQ(Run("ls -d /sbin/tessaro /var/pkg/* /etc/pkg/TempFile /tmp/* 2> /dev/null; true"),
             "/sbin/tessaro\n/var/pkg/change.list\n")
       << "the image is loaded all the same, and no file is left on the way";

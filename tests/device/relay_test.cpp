@@ -28,11 +28,8 @@ TEST_F(NativeRelay, LeavesNothingBehindHoweverItEnds) {
     terminal.Expect("<boot>");
     leave(terminal);
     pid_t child = 0;
-    for (int tries = 0; tries < 500 && child == 0; ++tries) {
-      usleep(20000);
-      while ((child = waitpid(-1, nullptr, WNOHANG)) > 0) {
-      }
-    }
+    for (int tries = 0; tries < 500 && child >= 0; ++tries)
+      if ((child = waitpid(-1, nullptr, WNOHANG)) == 0) usleep(20000);
     EXPECT_LT(child, 0) << how << ": something still runs";
   }
 }

@@ -110,7 +110,7 @@ TEST_F(NativeStartUp, GoesOnAfterAStepThatDoesNotCountOnAConsoleOfFifteenCharact
   Replace("/bin/insmod", "#!/bin/sh\n[ $1 = /lib/modules/ipstack.ko ]\n");
   Replace("/etc/pkg/esh/ttyname.conf", "\n \t/dev//////pts/0123 4\n");  // fifteen to the first "0"
   BootToPrompt();
-  EXPECT_EQ(Run(std::string("cat ") + kConsoleSwitch), "1\n");
+  EXPECT_EQ(Device().ReadFile(kConsoleSwitch), "1\n");
   EXPECT_EQ(Command("pwd"), "Working directory doesn't exist.\n") << "nothing was mounted";
 }
 
@@ -129,15 +129,12 @@ TEST_F(NativeStartUp, LinksTheDirectoriesBelowMntWhenTheCommandDaemonStartsIt) {
 }
 
 TEST_F(NativeStartUp, IsThereOnATerminalThatNobodyKnows) {
-  const std::pair<std::optional<std::string>, const char*> kTerminals[] = {
-      {std::nullopt, "Terminal type \"\" is unknown, \"vt100\" is used instead.\n"},
-      {"nonsense", "Terminal type \"nonsense\" is unknown, \"vt100\" is used instead.\n"},
-  };
   options.columns = options.rows = 0;
-  for (const auto& [term, notice] : kTerminals) {
+  for (const auto& term : {std::optional<std::string>(), {"nonsense"}}) {
     options.term = term;
     NewDevice();
     Boot();
+    const std::string notice = "Terminal type \"" + term.value_or("") + "\" is unknown, \"vt100\" is used instead.\n";
     EXPECT_NE(Expect("<boot>").find(notice), std::string::npos);
     Press("pw\tx\177\r", "<boot>pwd x");
     Expect("Working directory doesn't exist.");  // nothing was mounted
@@ -166,10 +163,10 @@ TEST_F(ShellsEnd, TidiesUpAndGivesTheConsoleToTheCommandProgram) {
   options.media.push_back({"usba0:", 1 << 20, ""});
   Replace("/sbin/scmd", "#!/bin/sh\nkill -USR1 1\nexec sleep 60\n");
   BootToPrompt();
-  ASSERT_EQ(Run("cat /proc/sys/7/8/1"), "1\n");
+  ASSERT_EQ(Device().ReadFile(kConsoleSwitch), "1\n");
   Run("kill -9 " + ShellPid());
   EXPECT_EQ(Outcome(), device::Outcome::kHandedOver);
-  EXPECT_EQ(Run("cat /proc/sys/7/8/1"), "0\n");
+  EXPECT_EQ(Device().ReadFile(kConsoleSwitch), "0\n");
   EXPECT_EQ(Run("cd /mnt; ls -d slot0*"), "slot0#usba0:\n") << "only the links of flash: and cfa0: go";
   if (!IsArm64())  // its kernel is built without a hotplug helper
     EXPECT_EQ(Device().ReadFile("/proc/sys/kernel/hotplug").value_or(""), std::string("/sbin/hotplug\0", 14));

@@ -167,7 +167,6 @@ class Cuts:
                     self.fault(line, f"{moved[0]} is nowhere")
 
     def move(self, source, destination):
-        """Types a move and looks at what cuts leave."""
         self.cut(f"move {source} {destination}", {source: "", destination: source})
 
     def sizes(self):

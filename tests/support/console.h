@@ -36,7 +36,7 @@ class ConsoleEnd {
   /// What was printed from one place to another, lines ended by "\n".
   [[nodiscard]] std::string Lines(std::size_t start, std::size_t end = std::string::npos) const;
 
-  std::string printed_;  ///< all that was printed since the boot
+  std::string printed_;  ///< all that was printed so far
   std::size_t waited_for_ = 0;
 
  private:

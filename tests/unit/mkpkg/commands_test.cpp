@@ -35,14 +35,16 @@ struct Mkpkg : PackageTest {
   }
 };
 
+/// The files and keys that the calls below name.
+constexpr char kMakeFiles[] = R"((echo word > word; head -c 256 /dev/zero > zeros; mkdir big; truncate -s 4G big/a
+printf 'product-tag: 1\n[image]\nname: a\0b\nfile: word' > nul
+printf 'product-tag: 1\n[image]\ndevice-tag: 1\ndirectory: big' > huge
+(echo product-tag: 1; for i in $(seq 129); do printf "[file $i]\ntext: a\n"; done) > many
+openssl genpkey -algorithm ED25519 -out ed.pem; openssl genrsa -out short.pem 1024
+openssl genrsa -3 -aes128 -passout pass:word -out three.pem 2048) 2> no.bin; )";
+
 TEST_F(Mkpkg, TellsHowItWent) {
-  const char* make_files =
-      "(echo word > word; head -c 256 /dev/zero > zeros; printf 'product-tag: 1\\n[image]\\nname: a\\0b\\nfile: word' "
-      "> nul; (echo product-tag: 1; seq -f '[file %.f]\ntext: a' 129) > many; mkdir big; truncate -s 4G big/a; "
-      "printf 'product-tag: 1\\n[image]\\ndevice-tag: 1\\ndirectory: big' > huge; "
-      "openssl genpkey -algorithm ED25519 -out ed.pem; openssl genrsa -out short.pem 1024; openssl genrsa -3 "
-      "-aes128 -passout pass:word -out three.pem 2048) 2> no.bin; ";
-  EXPECT_EQ(Say("--version", make_files).substr(0, 8), "0 mkpkg ");
+  EXPECT_EQ(Say("--version", kMakeFiles).substr(0, 8), "0 mkpkg ");
   const std::string ask = "check --version-file=/etc/pkg/version/1_0_package --keys=/etc/sign_pub_key ";
   const std::pair<std::string, const char*> kCalls[] = {
       {ask + "--boot-image=boot.bin good.bin", "0 display install package: accepted\ninstall load: accepted\ndevices"},

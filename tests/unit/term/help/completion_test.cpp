@@ -32,7 +32,6 @@ std::string Tab(const std::string& typed) {
 
 const std::vector<const char*> kDeleteDisplay = {"delete <cr>", "display <cr>"};
 const std::vector<const char*> kRebootReset = {"REboot <cr>", "reset <cr>"};
-const std::vector<const char*> kDisplay = {"display version <cr>", "display interface <cr>"};
 const std::vector<const char*> kMore = {"more STRING<1-511> <cr>"};
 
 const std::tuple<const char*, std::vector<const char*>, std::string, std::vector<const char*>> kTabs[] = {
@@ -41,7 +40,7 @@ const std::tuple<const char*, std::vector<const char*>, std::string, std::vector
     {"the typed word comes last", {"reset <cr>", "resetall <cr>"}, "Reset", {"resetall", "reset", "resetall"}},
     {"the shared word is a candidate itself", {"reset <cr>", "resetall <cr>"}, "r", {"reset", "resetall", "reset"}},
     {"in another case alone", {"A <cr>", "a <cr>", "ab <cr>"}, "a", {"ab", "A", "a", "ab"}},
-    {"the same word twice is one", kDisplay, "dis", {"display ", "display "}},
+    {"the same word twice is one", {"display version <cr>", "display interface <cr>"}, "dis", {"display ", "display "}},
     {"leading blanks are dropped", kDeleteDisplay, "  d", {"delete", "display"}},
     {"no match: the line stays as typed", kDeleteDisplay, "  delete x", {"  delete x"}},
     {"no word: the blanks go", kDeleteDisplay, "   ", {""}},
